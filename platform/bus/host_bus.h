@@ -1,0 +1,22 @@
+#ifndef TESK_HOST_BUS_H
+#define TESK_HOST_BUS_H
+
+/// Where the processes of one device find each other, and what their environment tells them. Shared by the host
+/// platform and by the tools that boot a device.
+namespace host_bus {
+
+/// Environment: the application id that a process runs under.
+inline constexpr char appIdVariable[] = "TESK_APP_ID";
+
+/// Environment: the device's folder, an absolute path.
+inline constexpr char deviceVariable[] = "TESK_DEVICE";
+
+/// The object of every application: tesk.host.Application, and tesk.host.MessagePort.
+inline constexpr char applicationPath[] = "/tesk/host/application";
+
+/// The object that tesk.host.System signals come from.
+inline constexpr char systemPath[] = "/tesk/host/system";
+
+} // namespace host_bus
+
+#endif
