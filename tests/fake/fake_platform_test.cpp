@@ -1,0 +1,157 @@
+#include "fake_platform.h"
+
+#include <cstdlib>
+#include <filesystem>
+
+#include <gtest/gtest.h>
+
+#include <app_control.h>
+#include <app_preference.h>
+#include <dlog.h>
+#include <dpm/password.h>
+#include <vconf.h>
+
+namespace {
+
+using fake::FakePlatform;
+using fake::Journal;
+
+class FakePlatformTest : public ::testing::Test {
+protected:
+    FakePlatform platform;
+};
+
+TEST_F(FakePlatformTest, JournalKeepsCallsAndLogLinesInOrder) {
+    vconf_set_int("db/a", 7);
+    __dlog_print(LOG_ID_MAIN, DLOG_WARN, "TESK_CONSUMER", "%s: %s(%d) >  low %s", "TeskConsumer.cpp", "appLowMemory",
+                 12, "memory");
+
+    EXPECT_EQ(platform.journal.all(), (Journal::Lines{"vconf_set_int db/a 7", "W low memory"}));
+}
+
+TEST_F(FakePlatformTest, LogLineIsTakenApart) {
+    const auto line = fake::parseLogLine(DLOG_INFO, "TESK_CONSUMER", "Killer.cpp: operator()(34) >  a: (b) >  c");
+
+    EXPECT_EQ(line.file, "Killer.cpp");
+    EXPECT_EQ(line.function, "operator()");
+    EXPECT_EQ(line.line, 34);
+    EXPECT_EQ(line.text, "a: (b) >  c");
+}
+
+TEST_F(FakePlatformTest, LogLineWithOneBlankHasNoFunction) {
+    EXPECT_EQ(fake::parseLogLine(DLOG_INFO, "TESK_CONSUMER", "a.cpp: f(1) > text").function, "");
+}
+
+TEST_F(FakePlatformTest, OnlyTheNthCallFails) {
+    platform.faults.atCall("vconf_set_int", 2, -5);
+
+    EXPECT_EQ(vconf_set_int("db/a", 1), 0);
+    EXPECT_EQ(vconf_set_int("db/a", 2), -5);
+    EXPECT_EQ(vconf_set_int("db/b", 3), 0);
+    EXPECT_EQ(platform.settings.integer("db/a"), 1);
+}
+
+TEST_F(FakePlatformTest, FaultZeroClaimsSuccessAndDoesNothing) {
+    platform.faults.always("app_control_create", 0);
+
+    app_control_h handle = nullptr;
+    EXPECT_EQ(app_control_create(&handle), 0);
+    EXPECT_EQ(handle, nullptr);
+}
+
+TEST_F(FakePlatformTest, UnsetKeyCannotBeRead) {
+    int value = 3;
+
+    EXPECT_EQ(vconf_get_int("db/a", &value), -1);
+    EXPECT_EQ(value, 3);
+    EXPECT_EQ(vconf_get_str("db/a"), nullptr);
+}
+
+TEST_F(FakePlatformTest, WatchFiresWhenTheTestDeliversTheChange) {
+    int fired = 0;
+    vconf_notify_key_changed(
+        "db/a", [](keynode_t*, void* count) { ++*static_cast<int*>(count); }, &fired);
+
+    platform.settings.setKeyAsDevice("db/a", 1);
+    EXPECT_EQ(fired, 0);
+    platform.settings.deliverChanges();
+    EXPECT_EQ(fired, 1);
+}
+
+TEST_F(FakePlatformTest, SettersAreRefusedWhileNobodyAdministersTheDevice) {
+    auto* handle = dpm_manager_create();
+
+    EXPECT_EQ(dpm_password_set_quality(handle, 33), DPM_ERROR_PERMISSION_DENIED);
+    platform.devicePolicy.registerService();
+    EXPECT_EQ(dpm_password_set_quality(handle, 33), 0);
+    EXPECT_EQ(platform.devicePolicy.setting("quality"), 33);
+    EXPECT_EQ(dpm_password_set_quality(nullptr, 33), DPM_ERROR_INVALID_PARAMETER);
+    dpm_manager_destroy(handle);
+}
+
+TEST_F(FakePlatformTest, LaunchIsRecordedWithItsExtraData) {
+    app_control_h handle = nullptr;
+    app_control_create(&handle);
+    app_control_set_app_id(handle, "a.b");
+    app_control_add_extra_data(handle, "K", "v");
+    EXPECT_EQ(app_control_send_launch_request(handle, nullptr, nullptr), 0);
+
+    EXPECT_EQ(platform.launches.sent.at(0).appId, "a.b");
+    EXPECT_FALSE(platform.launches.sent.at(0).wantsReply());
+    EXPECT_EQ(platform.journal.calls({"app_control_send"}), Journal::Lines{"app_control_send_launch_request a.b K=v"});
+    EXPECT_EQ(platform.leaks(), Journal::Lines{"app_control"});
+    app_control_destroy(handle);
+    EXPECT_EQ(platform.leaks(), Journal::Lines{});
+}
+
+TEST_F(FakePlatformTest, TextThatIsNotReleasedIsALeak) {
+    platform.settings.setKeyAsDevice("db/a", "value");
+    char* text = vconf_get_str("db/a");
+
+    EXPECT_EQ(platform.leaks(), Journal::Lines{"text value"});
+    free(text);
+    EXPECT_EQ(platform.leaks(), Journal::Lines{});
+}
+
+TEST_F(FakePlatformTest, TimerFiresWhenItsTimeHasPassed) {
+    int fired = 0;
+    const auto count = [](gpointer number) -> gboolean {
+        ++*static_cast<int*>(number);
+        return G_SOURCE_REMOVE;
+    };
+    g_timeout_add_seconds(10, count, &fired);
+
+    platform.system.passSeconds(9);
+    EXPECT_EQ(fired, 0);
+    platform.system.passSeconds(1);
+    EXPECT_EQ(fired, 1);
+    EXPECT_EQ(platform.system.timers(), 0U);
+}
+
+TEST_F(FakePlatformTest, SleepIsWrittenDownAndNotSlept) {
+    g_usleep(3600000000UL);
+
+    EXPECT_EQ(platform.journal.calls(), Journal::Lines{"g_usleep 3600000000"});
+}
+
+TEST_F(FakePlatformTest, AllocationFailsOnDemand) {
+    platform.faults.atCall("operator new", 1);
+
+    const std::unique_ptr<int> first(new (std::nothrow) int(1));
+    const std::unique_ptr<int> second(new (std::nothrow) int(2));
+    EXPECT_EQ(first, nullptr);
+    EXPECT_NE(second, nullptr);
+}
+
+TEST(FakePlatformLifeTest, DataFolderGoesWithThePlatform) {
+    std::string path;
+    {
+        const FakePlatform platform;
+        path = platform.dataPath;
+        EXPECT_TRUE(std::filesystem::is_directory(path));
+        EXPECT_EQ(path.back(), '/');
+    }
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+} // namespace

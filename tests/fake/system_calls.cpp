@@ -1,0 +1,151 @@
+#include "system_calls.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#include "fake_platform.h"
+
+using fake::FakePlatform;
+
+namespace fake {
+
+guint SystemCalls::addTimer(guint seconds, GSourceFunc callback, gpointer userData) {
+    timers_[++lastId_] = {now_ + seconds, seconds, callback, userData};
+    return lastId_;
+}
+
+std::optional<guint> SystemCalls::nextTimer(guint until) const {
+    std::optional<guint> next;
+    for (const auto& [id, timer] : timers_) {
+        if (timer.due <= until && (!next || timer.due < timers_.at(*next).due)) {
+            next = id;
+        }
+    }
+    return next;
+}
+
+void SystemCalls::fire(guint id) {
+    auto& timer = timers_.at(id);
+    now_ = timer.due;
+    timer.due += timer.interval;
+    if (timer.callback(timer.userData) == G_SOURCE_REMOVE) {
+        timers_.erase(id);
+    }
+}
+
+void SystemCalls::passSeconds(guint seconds) {
+    const guint end = now_ + seconds;
+    while (const auto id = nextTimer(end)) {
+        fire(*id);
+    }
+    now_ = end;
+}
+
+} // namespace fake
+
+// The linker sends the calls of the tested objects to __wrap_<name> and makes the library's own function __real_<name>.
+extern "C" {
+
+gboolean __real_g_source_remove(guint tag);
+long __real_sysconf(int name);
+FILE* __real_fopen(const char* path, const char* mode);
+void* __real_malloc(size_t size);
+void __real_free(void* memory);
+void __real_g_free(void* memory);
+void* __real__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t& tag);
+
+void __wrap_g_usleep(gulong microseconds);
+guint __wrap_g_timeout_add_seconds(guint interval, GSourceFunc function, gpointer data);
+gboolean __wrap_g_source_remove(guint tag);
+long __wrap_sysconf(int name);
+int __wrap_getpwnam_r(const char* name, passwd* entry, char* buffer, size_t size, passwd** result);
+FILE* __wrap_fopen(const char* path, const char* mode);
+void* __wrap_malloc(size_t size);
+void __wrap_free(void* memory);
+void __wrap_g_free(void* memory);
+void* __wrap__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t& tag);
+
+void __wrap_g_usleep(gulong microseconds) {
+    FakePlatform::current().call("g_usleep", microseconds);
+}
+
+guint __wrap_g_timeout_add_seconds(guint interval, GSourceFunc function, gpointer data) {
+    auto& platform = FakePlatform::current();
+    platform.call("g_timeout_add_seconds", interval);
+    return platform.system.addTimer(interval, function, data);
+}
+
+gboolean __wrap_g_source_remove(guint tag) {
+    auto& platform = FakePlatform::current();
+    platform.call("g_source_remove");
+    return platform.system.removeTimer(tag) ? TRUE : __real_g_source_remove(tag);
+}
+
+long __wrap_sysconf(int name) {
+    if (name == _SC_GETPW_R_SIZE_MAX && FakePlatform::exists() && FakePlatform::current().system.userEntrySize) {
+        return *FakePlatform::current().system.userEntrySize;
+    }
+    return __real_sysconf(name);
+}
+
+int __wrap_getpwnam_r(const char* name, passwd* entry, char* buffer, size_t size, passwd** result) {
+    auto& platform = FakePlatform::current();
+    *result = nullptr;
+    if (const auto fault = platform.call("getpwnam_r", name, size)) {
+        return *fault;
+    }
+    const auto user = platform.system.users.find(name);
+    if (user == platform.system.users.end()) {
+        return 0;
+    }
+    if (size <= user->first.size()) {
+        return ERANGE;
+    }
+    std::memcpy(buffer, user->first.c_str(), user->first.size() + 1);
+    *entry = {};
+    entry->pw_name = buffer;
+    entry->pw_uid = user->second;
+    *result = entry;
+    return 0;
+}
+
+FILE* __wrap_fopen(const char* path, const char* mode) {
+    if (FakePlatform::exists()) {
+        const auto& moved = FakePlatform::current().system.movedFiles;
+        if (const auto place = moved.find(path); place != moved.end()) {
+            return __real_fopen(place->second.c_str(), mode);
+        }
+    }
+    return __real_fopen(path, mode);
+}
+
+void* __wrap_malloc(size_t size) {
+    const bool fails = FakePlatform::exists() && FakePlatform::current().faults.onCall("malloc");
+    return fails ? nullptr : __real_malloc(size);
+}
+
+void __wrap_free(void* memory) {
+    if (FakePlatform::exists()) {
+        FakePlatform::current().takeBack(memory);
+    }
+    __real_free(memory);
+}
+
+void __wrap_g_free(void* memory) {
+    if (FakePlatform::exists()) {
+        FakePlatform::current().takeBack(memory);
+    }
+    __real_g_free(memory);
+}
+
+void* __wrap__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t& tag) {
+    const bool fails = FakePlatform::exists() && FakePlatform::current().faults.onCall("operator new");
+    return fails ? nullptr : __real__ZnwmRKSt9nothrow_t(size, tag);
+}
+}
