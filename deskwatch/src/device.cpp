@@ -1,0 +1,121 @@
+#include "device.h"
+
+#include "bus_client.h"
+#include "bus_process.h"
+#include "file_descriptor.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <exception>
+#include <stdexcept>
+#include <system_error>
+
+namespace deskwatch {
+namespace {
+
+constexpr std::chrono::seconds patience{20};
+
+/// Keeps two processes from booting or ending one device at the same time. The lock goes with the descriptor.
+FileDescriptor lockBoot(const DeviceLayout& layout) {
+    FileDescriptor lock(open(layout.bootLock().c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    if (!lock.isOpen() || flock(lock.get(), LOCK_EX) != 0) {
+        throw std::system_error(errno, std::generic_category(), "cannot lock " + layout.bootLock().string());
+    }
+    return lock;
+}
+
+/// The applications of a device whose bus runs. A bus that does not answer any more has none that could be known.
+std::vector<ProcessHandle> applicationsOf(const DeviceLayout& layout) {
+    try {
+        return BusClient(layout.busAddress()).applicationProcesses();
+    } catch (const std::runtime_error&) {
+        return {};
+    }
+}
+
+void waitForApplications(const std::vector<ProcessHandle>& applications) {
+    for (const auto& application : applications) {
+        if (!application.waitForEnd(patience)) {
+            throw std::runtime_error("process " + std::to_string(application.pid()) +
+                                     " goes on although its bus has gone");
+        }
+    }
+}
+
+bool endBus(const DeviceLayout& layout, const BusProcess& bus) {
+    const bool wasRunning = bus.running().has_value();
+    const auto applications = wasRunning ? applicationsOf(layout) : std::vector<ProcessHandle>{};
+    bus.stop();
+    std::filesystem::remove(layout.socket());
+    waitForApplications(applications);
+    return wasRunning;
+}
+
+} // namespace
+
+void Device::boot(const std::vector<Application>& applications, const WatchState& state) const {
+    layout_.makeFolders();
+    const auto lock = lockBoot(layout_);
+    const BusProcess bus(layout_.busRecord());
+    if (bus.running()) {
+        throw std::runtime_error(layout_.folder().string() + " is booted already");
+    }
+    endBus(layout_, bus); // what a sudden end left behind
+    const bool fresh = !std::filesystem::exists(layout_.settingsDatabase());
+    writeDeviceFiles(layout_, applications);
+    bus.start({layout_.busConfiguration(), layout_.log(), layout_.commonEnvironment()});
+    try {
+        writeFirstSettings(BusClient(busAddress()), state, fresh);
+    } catch (...) {
+        endBus(layout_, bus);
+        throw;
+    }
+}
+
+bool Device::isBooted() const {
+    return BusProcess(layout_.busRecord()).running().has_value();
+}
+
+bool Device::off() const {
+    if (!std::filesystem::exists(layout_.busConfiguration())) {
+        throw std::runtime_error(layout_.folder().string() + " is no watch");
+    }
+    const auto lock = lockBoot(layout_);
+    return endBus(layout_, BusProcess(layout_.busRecord()));
+}
+
+Environment Device::appEnvironment(const std::string& id) const {
+    Environment environment = layout_.commonEnvironment();
+    environment.merge(layout_.applicationEnvironment(id));
+    return environment;
+}
+
+BootedDevice::BootedDevice(const std::filesystem::path& folder, const std::vector<Application>& applications,
+                           const WatchState& state)
+    : device_(folder) {
+    device_.boot(applications, state);
+}
+
+BootedDevice::~BootedDevice() {
+    try {
+        device_.off();
+    } catch (const std::exception& error) {
+        static_cast<void>(std::fprintf(stderr, "off: %s\n", error.what()));
+    }
+}
+
+std::vector<Application> standardApplications(const std::filesystem::path& service,
+                                              const std::vector<std::string>& companion) {
+    std::vector<Application> applications{{serviceId, {service.string()}}};
+    for (const auto* id : {"com.velmor.quillon.consumer", "com.velmor.tesk-popup", "com.velmor.veilpane-setting",
+                           "com.velmor.dialset.encryption", "com.velmor.dialset.service"}) {
+        applications.push_back({id, companion});
+    }
+    return applications;
+}
+
+} // namespace deskwatch

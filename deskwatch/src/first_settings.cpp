@@ -1,0 +1,55 @@
+#include "first_settings.h"
+
+#include <dconf.h>
+
+namespace deskwatch {
+namespace {
+
+struct ChangesetRelease {
+    void operator()(DConfChangeset* changeset) const { dconf_changeset_unref(changeset); }
+};
+
+using ChangesetOwner = std::unique_ptr<DConfChangeset, ChangesetRelease>;
+
+constexpr std::chrono::seconds patience{30};
+
+GVariant* intValue(int value) {
+    return g_variant_new_int32(value);
+}
+GVariant* textValue(const std::string& value) {
+    return g_variant_new_string(value.c_str());
+}
+
+ChangesetOwner firstChanges(const WatchState& state, bool fresh) {
+    ChangesetOwner changes(dconf_changeset_new());
+    dconf_changeset_set(changes.get(), "/vconf/memory/", nullptr);
+    dconf_changeset_set(changes.get(), "/vconf/memory/private/com.velmor.hearth/tutorial_is_in_progress",
+                        intValue(state.tutorial.value_or(false) ? 1 : 0));
+    if (fresh || state.lock) {
+        dconf_changeset_set(changes.get(), "/vconf/db/setting/lock_type",
+                            intValue(static_cast<int>(state.lock.value_or(Lock::none))));
+    }
+    if (fresh || state.encrypted) {
+        dconf_changeset_set(changes.get(), "/vconf/db/ode/crypto_state",
+                            textValue(state.encrypted.value_or(false) ? "encrypted" : "unencrypted"));
+    }
+    if (fresh || state.country) {
+        dconf_changeset_set(changes.get(), "/vconf/db/rgn/country_iso", textValue(state.country.value_or("US")));
+    }
+    return changes;
+}
+
+} // namespace
+
+void writeFirstSettings(const BusClient& bus, const WatchState& state, bool fresh) {
+    // Straight to the writer of the device: the library's own client would look at the bus and the database that this
+    // process's environment names.
+    const auto changes = firstChanges(state, fresh);
+    const VariantOwner serialised(g_variant_ref_sink(dconf_changeset_serialise(changes.get())));
+    GVariant* bytes = g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, g_variant_get_data(serialised.get()),
+                                                g_variant_get_size(serialised.get()), 1);
+    bus.call({"ca.desrt.dconf", "/ca/desrt/dconf/Writer/user", "ca.desrt.dconf.Writer", "Change"},
+             g_variant_new("(@ay)", bytes), patience);
+}
+
+} // namespace deskwatch

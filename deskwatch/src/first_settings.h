@@ -1,0 +1,31 @@
+#ifndef DESKWATCH_FIRST_SETTINGS_H
+#define DESKWATCH_FIRST_SETTINGS_H
+
+#include "bus_client.h"
+
+#include <optional>
+#include <string>
+
+namespace deskwatch {
+
+/// What the user has set as the lock of the screen, by its number in the settings store.
+enum class Lock { none = 0, pin = 1, password = 2 };
+
+/// The state of the watch that the settings store tells to applications. What is left out stays as the watch has it;
+/// a fresh watch has no lock, is unencrypted and from the US, and its tutorial is over.
+struct WatchState {
+    std::optional<Lock> lock;
+    std::optional<bool> encrypted;
+    /// ISO 3166 code.
+    std::optional<std::string> country;
+    /// Whether the tutorial of the first use is being shown. A boot ends it.
+    std::optional<bool> tutorial;
+};
+
+/// Brings the settings store of a device that boots into its first state, in one step: the keys under memory/ are gone,
+/// a fresh watch (`fresh`) gets its keys, and what `state` names is set. Throws std::runtime_error.
+void writeFirstSettings(const BusClient& bus, const WatchState& state, bool fresh);
+
+} // namespace deskwatch
+
+#endif
