@@ -1,0 +1,63 @@
+#include "TeskConsumerAccountMgr.h"
+
+#include "TeskConsumerDbMgr.h"
+#include "TeskConsumerInstance.h"
+#include "TeskConsumerLog.h"
+#include "TeskConsumerPolicyMgr.h"
+
+namespace {
+
+int insertAccount(const TeskPolicyData& data) {
+    // the policy manager registers only while no account is stored, hence before the first insert
+    int result = TeskConsumerPolicyMgr::getInstance()->registerClient();
+    if (result != 0) {
+        TESK_WARN("Failed register DPM client: %d", result);
+    }
+    result = TeskConsumerDbMgr::getInstance()->insertPolicy(data);
+    if (result != 0) {
+        TESK_WARN("_db_insert_policy_data failed: %d", result);
+    }
+    return result;
+}
+
+int updateAccount(const TeskPolicyData& data) {
+    const int result = TeskConsumerDbMgr::getInstance()->updatePolicy(data);
+    if (result != 0) {
+        TESK_WARN("_db_update_rule_data failed: %d", result);
+    }
+    return result;
+}
+
+} // namespace
+
+TeskConsumerAccountMgr* TeskConsumerAccountMgr::getInstance() {
+    return teskConsumerInstance<TeskConsumerAccountMgr>();
+}
+
+TeskConsumerAccountMgr::~TeskConsumerAccountMgr() = default;
+
+int TeskConsumerAccountMgr::addAccount(const std::shared_ptr<TeskPolicyData>& data) {
+    const TeskConsumerTrace trace;
+    const bool isNew = TeskConsumerDbMgr::getInstance()->checkPolicyByAccountId(data->accountId) == TESK_DB_NO_ROW;
+    return isNew ? insertAccount(*data) : updateAccount(*data);
+}
+
+int TeskConsumerAccountMgr::delAccount(int accountId) {
+    const TeskConsumerTrace trace;
+    auto* const policyMgr = TeskConsumerPolicyMgr::getInstance();
+
+    int result = TeskConsumerDbMgr::getInstance()->deletePolicyByAccountId(accountId);
+    if (result != 0) {
+        TESK_WARN("deletePolicyByAccountId failed: %d", result);
+    }
+    result = policyMgr->applyPolicy();
+    if (result != 0) {
+        TESK_WARN("applyPolicy failed: %d", result);
+    }
+    // the policy manager deregisters only once no account is stored, hence after the delete
+    result = policyMgr->deregisterClient();
+    if (result != 0) {
+        TESK_WARN("Failed deregister DPM client: %d", result);
+    }
+    return result;
+}

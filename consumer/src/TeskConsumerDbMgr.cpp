@@ -1,0 +1,306 @@
+#include "TeskConsumerDbMgr.h"
+
+#include <app_common.h>
+#include <fcntl.h>
+#include <glib.h>
+#include <glib/gstdio.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <fstream>
+
+#include "TeskConsumerInstance.h"
+#include "TeskConsumerLog.h"
+#include "TeskConsumerText.h"
+#include "TeskPolicyTable.h"
+
+namespace {
+
+constexpr char dbFile[] = "dbspace/.tesk.db";
+constexpr mode_t dbDirMode = 0755;
+constexpr int maxBusyCalls = 5;
+constexpr gulong busySleepStep = 100000; // microseconds
+
+constexpr char selectAccountSql[] = "select * from eas_policy_tbl where account_id=?;";
+constexpr char deleteAccountSql[] = "delete from eas_policy_tbl where account_id=?;";
+constexpr char countSql[] = "select count(account_id) from eas_policy_tbl;";
+constexpr char selectAllSql[] = "select * from eas_policy_tbl;";
+
+bool makeDirOf(const std::string& path) {
+    const std::string dbDir = path.substr(0, path.rfind('/'));
+    TESK_INFO("dbDir : %s", dbDir.c_str());
+    if (g_access(dbDir.c_str(), F_OK) != 0 && mkdir(dbDir.c_str(), dbDirMode) == -1) {
+        TESK_ERROR("g_mkdir() failed!");
+        return false;
+    }
+    return true;
+}
+
+void makeEmptyFile(const std::string& path) {
+    const std::ofstream file(path, std::ios::out | std::ios::trunc);
+}
+
+} // namespace
+
+void TeskConsumerDbMgr::StatementFinalizer::operator()(sqlite3_stmt* statement) const {
+    __queryFinalize(statement);
+}
+
+TeskConsumerDbMgr* TeskConsumerDbMgr::getInstance() {
+    return teskConsumerInstance<TeskConsumerDbMgr>();
+}
+
+TeskConsumerDbMgr::TeskConsumerDbMgr() {
+    TESK_INFO("");
+    if (!__init()) {
+        TESK_WARN("db initialize fail!");
+    }
+}
+
+TeskConsumerDbMgr::~TeskConsumerDbMgr() {
+    TESK_INFO("");
+    if (handle != nullptr) {
+        sqlite3_close(handle);
+    }
+}
+
+int TeskConsumerDbMgr::checkPolicyByAccountId(int accountId) {
+    const TeskConsumerTrace trace;
+    if (!__isValidAccount(accountId)) {
+        return TESK_DB_INVALID_ACCOUNT;
+    }
+    const auto statement = __prepareQuery(selectAccountSql);
+    if (!statement) {
+        return TESK_DB_FAILURE;
+    }
+    sqlite3_bind_int(statement.get(), 1, accountId);
+    return sqlite3_step(statement.get()) == SQLITE_ROW ? 0 : TESK_DB_NO_ROW;
+}
+
+int TeskConsumerDbMgr::insertPolicy(const TeskPolicyData& data) {
+    const TeskConsumerTrace trace;
+    const auto statement = __prepareQuery(TeskPolicyTable::insertSql());
+    if (!statement) {
+        return TESK_DB_FAILURE;
+    }
+    __bindPolicy(statement, data);
+    return __write(statement);
+}
+
+int TeskConsumerDbMgr::updatePolicy(const TeskPolicyData& data) {
+    const TeskConsumerTrace trace;
+    const auto statement = __prepareQuery(TeskPolicyTable::updateSql());
+    if (!statement) {
+        return TESK_DB_FAILURE;
+    }
+    const int rowParameter = __bindPolicy(statement, data);
+    sqlite3_bind_int(statement.get(), rowParameter, data.accountId);
+    return __write(statement);
+}
+
+int TeskConsumerDbMgr::deletePolicyByAccountId(int accountId) {
+    const TeskConsumerTrace trace;
+    if (!__isValidAccount(accountId)) {
+        return TESK_DB_INVALID_ACCOUNT;
+    }
+    const auto statement = __prepareQuery(deleteAccountSql);
+    if (!statement) {
+        return TESK_DB_FAILURE;
+    }
+    sqlite3_bind_int(statement.get(), 1, accountId);
+    return __write(statement);
+}
+
+int TeskConsumerDbMgr::getPolicyDataByAccountId(int accountId, TeskPolicyData& out) {
+    const TeskConsumerTrace trace;
+    if (!__isValidAccount(accountId)) {
+        return TESK_DB_INVALID_ACCOUNT;
+    }
+    const auto statement = __prepareQuery(selectAccountSql);
+    if (!statement) {
+        return TESK_DB_FAILURE;
+    }
+    sqlite3_bind_int(statement.get(), 1, accountId);
+    const int result = sqlite3_step(statement.get());
+    if (result != SQLITE_ROW) {
+        TESK_WARN("query result: %d", result);
+        return TESK_DB_NO_ROW;
+    }
+    __readPolicy(statement, out);
+    return 0;
+}
+
+int TeskConsumerDbMgr::getPolicyDataList(TeskPolicyDataList& out) {
+    TESK_INFO("Enter");
+    const auto statement = __prepareQuery(selectAllSql);
+    if (!statement) {
+        return TESK_DB_FAILURE;
+    }
+    int result = sqlite3_step(statement.get());
+    if (result != SQLITE_ROW) {
+        TESK_WARN("query result: %d", result);
+        return TESK_DB_NO_ROW;
+    }
+    for (; result == SQLITE_ROW; result = sqlite3_step(statement.get())) {
+        const auto data = std::make_shared<TeskPolicyData>();
+        __readPolicy(statement, *data);
+        out.push_back(data);
+    }
+    return 0;
+}
+
+int TeskConsumerDbMgr::getAllEasAccountCount(int* count) {
+    TESK_INFO("Enter");
+    const auto statement = __prepareQuery(countSql);
+    if (!statement) {
+        return TESK_DB_FAILURE;
+    }
+    if (sqlite3_step(statement.get()) == SQLITE_ROW) {
+        *count = sqlite3_column_int(statement.get(), 0);
+    }
+    return 0;
+}
+
+bool TeskConsumerDbMgr::__init() {
+    TESK_INFO("");
+    return __openDb();
+}
+
+bool TeskConsumerDbMgr::__openDb() {
+    TESK_INFO("Enter");
+    const TeskConsumerText dataPath(app_get_data_path());
+    if (!dataPath) {
+        TESK_ERROR("app_get_data_path failed");
+        return false;
+    }
+    const std::string path = std::string(dataPath.get()) + dbFile;
+    TESK_INFO("dbPath : %s", path.c_str());
+
+    const bool isNew = g_file_test(path.c_str(), G_FILE_TEST_EXISTS) == FALSE;
+    if (isNew) {
+        if (!makeDirOf(path)) {
+            return false;
+        }
+        makeEmptyFile(path);
+    }
+    if (!__openFile(path)) {
+        return false;
+    }
+    if (isNew) {
+        TESK_INFO("Let's create db!");
+        __createDb();
+    }
+    TESK_INFO("Leave");
+    return true;
+}
+
+bool TeskConsumerDbMgr::__openFile(const std::string& path) {
+    sqlite3* opened = nullptr;
+    int result = sqlite3_open(path.c_str(), &opened);
+    if (result != SQLITE_OK) {
+        TESK_ERROR("sqlite3_open failed: [%d]", result);
+        sqlite3_close(opened); // a failed open hands out a handle all the same
+        return false;
+    }
+    result = sqlite3_busy_handler(opened, __busyHandler, nullptr);
+    if (result != SQLITE_OK) {
+        TESK_ERROR("sqlite3_busy_handler failed: [%d]", result);
+        sqlite3_close(opened);
+        TESK_INFO("Leave");
+        return false;
+    }
+    handle = opened;
+    return true;
+}
+
+void TeskConsumerDbMgr::__createDb() {
+    const auto& sql = TeskPolicyTable::createSql();
+    const Statement statement(__queryPrepare(sql));
+    if (!statement) {
+        TESK_ERROR("query prepare fail: [%s] - %s", sql.c_str(), sqlite3_errmsg(handle));
+    } else if (sqlite3_step(statement.get()) != SQLITE_DONE) {
+        TESK_WARN("db create fail: [%s] - %s", sql.c_str(), sqlite3_errmsg(handle));
+    }
+}
+
+sqlite3_stmt* TeskConsumerDbMgr::__queryPrepare(const std::string& sql) {
+    sqlite3_stmt* statement = nullptr;
+    const int result = sqlite3_prepare_v2(handle, sql.c_str(), static_cast<int>(sql.size()), &statement, nullptr);
+    if (result != SQLITE_OK) {
+        TESK_ERROR("sqlite3_prepare_v2 failed: %s", sqlite3_errmsg(handle));
+        return nullptr;
+    }
+    return statement;
+}
+
+void TeskConsumerDbMgr::__queryFinalize(sqlite3_stmt* statement) {
+    if (statement == nullptr) {
+        return;
+    }
+    const int result = sqlite3_finalize(statement);
+    if (result != SQLITE_OK) {
+        TESK_WARN("sqlite3_finalize failed: [%d]", result);
+    }
+}
+
+int TeskConsumerDbMgr::__busyHandler(void* /*data*/, int count) {
+    TESK_INFO("");
+    if (count >= maxBusyCalls) {
+        TESK_ERROR("sqlite busy error!");
+        return 0;
+    }
+    const int call = count + 1;
+    TESK_WARN("busy handler called! count - %d", call);
+    g_usleep(busySleepStep * static_cast<gulong>(call));
+    return 1;
+}
+
+TeskConsumerDbMgr::Statement TeskConsumerDbMgr::__prepareQuery(const std::string& sql) {
+    Statement statement(__queryPrepare(sql));
+    if (!statement) {
+        TESK_ERROR("db failure: %s", sqlite3_errmsg(handle));
+    }
+    return statement;
+}
+
+int TeskConsumerDbMgr::__write(const Statement& statement) {
+    if (sqlite3_step(statement.get()) != SQLITE_DONE) {
+        TESK_ERROR("db failure: %s", sqlite3_errmsg(handle));
+        return TESK_DB_FAILURE;
+    }
+    return 0;
+}
+
+/// Binds the columns in order; the result is the next free parameter.
+int TeskConsumerDbMgr::__bindPolicy(const Statement& statement, const TeskPolicyData& data) {
+    int parameter = 1;
+    for (const auto& number : TeskPolicyTable::numbers) {
+        sqlite3_bind_int(statement.get(), parameter++, data.*number.field);
+    }
+    for (const auto& text : TeskPolicyTable::texts) {
+        const auto& value = data.*text.field;
+        sqlite3_bind_text(statement.get(), parameter++, value.c_str(), static_cast<int>(value.size()),
+                          SQLITE_TRANSIENT); // NOLINT: SQLite's own cast
+    }
+    return parameter;
+}
+
+void TeskConsumerDbMgr::__readPolicy(const Statement& statement, TeskPolicyData& data) {
+    int column = 0;
+    for (const auto& number : TeskPolicyTable::numbers) {
+        data.*number.field = sqlite3_column_int(statement.get(), column++);
+    }
+    for (const auto& text : TeskPolicyTable::texts) {
+        // a foreign hand may have left NULL in the column
+        const auto* const value = reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), column++));
+        data.*text.field = value != nullptr ? value : "";
+    }
+}
+
+bool TeskConsumerDbMgr::__isValidAccount(int accountId) {
+    if (accountId < 1) {
+        TESK_ERROR("accountId is invalid");
+        return false;
+    }
+    return true;
+}

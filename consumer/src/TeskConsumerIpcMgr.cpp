@@ -1,0 +1,93 @@
+#include "TeskConsumerIpcMgr.h"
+
+#include <message_port.h>
+
+#include <memory>
+
+#include "TeskConsumerInstance.h"
+#include "TeskConsumerLog.h"
+#include "req_workers/TeskConsumerReqFactory.h"
+
+namespace {
+
+constexpr char portName[] = "eas-itpolicy-port";
+constexpr char mailId[] = "com.velmor.quillon.consumer";
+constexpr char requestKey[] = "req";
+constexpr char argumentKey[] = "msg";
+
+// marks of the relay's requests in a debugger; nothing tests them
+constexpr int relayPortId = 999;
+constexpr char relayName[] = "DbusTest";
+
+/// The id that the platform gave the open port, negative while there is none.
+int localPortId = -1;
+
+struct BundleFreer {
+    void operator()(bundle* message) const { bundle_free(message); }
+};
+using Bundle = std::unique_ptr<bundle, BundleFreer>;
+
+Bundle newRequest(const char* req, const char* msg) {
+    Bundle message(bundle_create());
+    TESK_INFO("[RELAY MSG] %s : %s", req, msg);
+    bundle_add_str(message.get(), requestKey, req);
+    bundle_add_str(message.get(), argumentKey, msg);
+    return message;
+}
+
+/// The text of a bundle's entry, empty when there is none.
+const char* entryOf(bundle* message, const char* key) {
+    char* text = nullptr;
+    bundle_get_str(message, key, &text);
+    return text != nullptr ? text : "";
+}
+
+} // namespace
+
+TeskConsumerIpcMgr* TeskConsumerIpcMgr::getInstance() {
+    return teskConsumerInstance<TeskConsumerIpcMgr>();
+}
+
+TeskConsumerIpcMgr::~TeskConsumerIpcMgr() = default;
+
+bool TeskConsumerIpcMgr::init() {
+    const TeskConsumerTrace trace;
+    localPortId = message_port_register_local_port(portName, __teskItpolicyReqCb, nullptr);
+    if (localPortId < 0) {
+        TESK_ERROR("Failed message port register. (%d)", localPortId);
+        return false;
+    }
+    return true;
+}
+
+bool TeskConsumerIpcMgr::deinit() {
+    const TeskConsumerTrace trace;
+    const int result = message_port_unregister_local_port(localPortId);
+    if (result != MESSAGE_PORT_ERROR_NONE) {
+        TESK_ERROR("Failed message port unregister. (%d)", result);
+        return false;
+    }
+    return true;
+}
+
+void TeskConsumerIpcMgr::sendEasItpolicyReq(const char* req, const char* msg) {
+    const TeskConsumerTrace trace;
+    const Bundle message = newRequest(req, msg);
+    message_port_send_message(mailId, portName, message.get());
+}
+
+void TeskConsumerIpcMgr::policyTest(const char* req, const char* msg) {
+    const Bundle message = newRequest(req, msg);
+    __teskItpolicyReqCb(relayPortId, relayName, relayName, true, message.get(), nullptr);
+}
+
+void TeskConsumerIpcMgr::__teskItpolicyReqCb(int /*localPortId*/, const char* /*remoteAppId*/,
+                                             const char* /*remotePort*/, bool /*trustedRemotePort*/, bundle* message,
+                                             void* /*userData*/) {
+    TESK_INFO("Enter");
+    const auto worker = TeskConsumerReqFactory::getWorker(entryOf(message, requestKey));
+    if (worker) {
+        worker->process(entryOf(message, argumentKey));
+    }
+    TESK_INFO("Leave");
+}

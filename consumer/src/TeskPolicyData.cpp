@@ -1,0 +1,3 @@
+#include "TeskPolicyData.h"
+
+TeskPolicyData::~TeskPolicyData() = default;
