@@ -280,7 +280,7 @@ int TeskConsumerDbMgr::__bindPolicy(const Statement& statement, const TeskPolicy
     for (const auto& text : TeskPolicyTable::texts) {
         const auto& value = data.*text.field;
         sqlite3_bind_text(statement.get(), parameter++, value.c_str(), static_cast<int>(value.size()),
-                          SQLITE_TRANSIENT); // NOLINT: SQLite's own cast
+                          SQLITE_TRANSIENT);
     }
     return parameter;
 }

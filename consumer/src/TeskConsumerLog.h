@@ -15,7 +15,6 @@ constexpr const char* teskBaseName(const char* path) {
 }
 
 // Macros, because only they let the compiler check the arguments against the text and know the caller's place.
-// NOLINTBEGIN(cppcoreguidelines-macro-usage)
 #define TESK_LOG(priority, text, ...)                                                                                  \
     do {                                                                                                               \
         constexpr const char* teskFile = teskBaseName(__FILE__);                                                       \
@@ -26,7 +25,6 @@ constexpr const char* teskBaseName(const char* path) {
 #define TESK_INFO(text, ...) TESK_LOG(DLOG_INFO, text, ##__VA_ARGS__)
 #define TESK_WARN(text, ...) TESK_LOG(DLOG_WARN, text, ##__VA_ARGS__)
 #define TESK_ERROR(text, ...) TESK_LOG(DLOG_ERROR, text, ##__VA_ARGS__)
-// NOLINTEND(cppcoreguidelines-macro-usage)
 
 /// Logs "Enter" when it is made and "Leave" when its scope ends, whichever way it ends.
 class TeskConsumerTrace {

@@ -5,7 +5,7 @@
 #include <memory>
 
 struct TeskConsumerTextFreer {
-    void operator()(char* text) const { std::free(text); } // NOLINT(cppcoreguidelines-no-malloc): the platform's text
+    void operator()(char* text) const { std::free(text); }
 };
 
 /// Owns a text that the platform handed out to be released with free().

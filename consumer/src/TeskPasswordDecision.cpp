@@ -17,7 +17,6 @@ constexpr int pinLock = 1;
 } // namespace
 
 int TeskPasswordDecision::typeOf(int quality) {
-    // NOLINTNEXTLINE(hicpp-signed-bitwise): qualities are signed in the platform's interface
     return quality & typeMask;
 }
 
