@@ -1,0 +1,63 @@
+#ifndef PLATFORM_BUS_H
+#define PLATFORM_BUS_H
+
+#include <set>
+#include <string>
+
+#include "glib_ptr.h"
+#include "platform-bus.h"
+
+namespace host {
+
+/// The process's connection to the device's message bus, and what it asks the bus daemon. The daemon answers at once,
+/// whatever other applications are doing, so these questions cannot end in applications waiting for each other.
+///
+/// An application is nothing without its bus: whenever the connection turns out to be lost, the process says so and
+/// ends with a failure status, whether the main loop hears of it first or a question to the daemon does.
+class Bus {
+public:
+    /// The process's one connection, made on first use. Throws HostError when there is none to be had.
+    static Bus& get();
+
+    Bus(const Bus&) = delete;
+    Bus& operator=(const Bus&) = delete;
+    ~Bus();
+
+    /// The connection; it lives as long as the process.
+    GDBusConnection* connection() const { return connection_.get(); }
+
+    /// Takes a name. False when another process has it.
+    bool requestName(const std::string& name);
+
+    void releaseName(const std::string& name);
+    void releaseAllNames();
+
+    /// Whether a process owns the name now; false as well for what cannot be a name.
+    bool hasOwner(const std::string& name);
+
+    /// Whether the daemon could start a process for the name.
+    bool isActivatable(const std::string& name);
+
+    /// Has the daemon start the name's process, and returns when it owns the name or failed to.
+    void start(const std::string& name);
+
+    /// Returns when everything that was sent is on its way, so that the process may end.
+    void flush();
+
+    /// Whether this bus's daemon started the process.
+    bool startedThisProcess() const;
+
+private:
+    Bus();
+
+    /// Ends the process when the error means that the connection is gone.
+    void check(const GError* error) const;
+
+    ObjectPtr<GDBusConnection> connection_;
+    ObjectPtr<PlatformBusDaemon> daemon_;
+    std::set<std::string> names_;
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,82 @@
+#include "dpm/restriction.h"
+
+#include <optional>
+
+#include "dpm_settings.h"
+#include "guard.h"
+#include "settings_store.h"
+
+using host::guarded;
+using host::SettingsStore;
+
+namespace {
+
+constexpr int allowed = 1;
+constexpr char wifiState[] = "/dpm/restriction/wifi-state";
+constexpr char popimapEmailState[] = "/dpm/restriction/popimap-email-state";
+constexpr char messagingState[] = "/dpm/restriction/messaging-state/";
+constexpr char everySim[] = "*";
+
+int normalized(int allow) {
+    return allow != 0 ? 1 : 0;
+}
+
+// Where a SIM's state is kept; empty when the id is none.
+std::string pathOf(const char* simId) {
+    if (simId == nullptr) {
+        return {};
+    }
+    const std::string sim = simId;
+    const std::string path = messagingState + sim;
+    return sim.find('/') == std::string::npos && SettingsStore::isKey(path) ? path : std::string();
+}
+
+} // namespace
+
+int dpm_restriction_set_wifi_state(device_policy_manager_h handle, int allow) {
+    return host::dpm::set("dpm_restriction_set_wifi_state", handle, wifiState, normalized(allow));
+}
+
+int dpm_restriction_get_wifi_state(device_policy_manager_h handle, int* is_allowed) {
+    return host::dpm::get("dpm_restriction_get_wifi_state", handle, wifiState, allowed, is_allowed);
+}
+
+int dpm_restriction_set_popimap_email_state(device_policy_manager_h handle, int allow) {
+    return host::dpm::set("dpm_restriction_set_popimap_email_state", handle, popimapEmailState, normalized(allow));
+}
+
+int dpm_restriction_get_popimap_email_state(device_policy_manager_h handle, int* is_allowed) {
+    return host::dpm::get("dpm_restriction_get_popimap_email_state", handle, popimapEmailState, allowed, is_allowed);
+}
+
+int dpm_restriction_set_messaging_state(device_policy_manager_h handle, const char* sim_id, int allow) {
+    return guarded<int>("dpm_restriction_set_messaging_state", DPM_ERROR_CONNECTION_REFUSED, [&]() -> int {
+        const std::string path = pathOf(sim_id);
+        if (handle == nullptr || path.empty()) {
+            return DPM_ERROR_INVALID_PARAMETER;
+        }
+        if (!host::dpm::isAdministered()) {
+            return DPM_ERROR_PERMISSION_DENIED;
+        }
+        GVariant* value = g_variant_new_int32(normalized(allow));
+        if (std::string(sim_id) == everySim) {
+            SettingsStore::get().replaceFolder(messagingState, path, value);
+        } else {
+            SettingsStore::get().write(path, value);
+        }
+        return DPM_ERROR_NONE;
+    });
+}
+
+int dpm_restriction_get_messaging_state(device_policy_manager_h handle, const char* sim_id, int* is_allowed) {
+    return guarded<int>("dpm_restriction_get_messaging_state", DPM_ERROR_CONNECTION_REFUSED, [&] {
+        const std::string path = pathOf(sim_id);
+        if (handle == nullptr || is_allowed == nullptr || path.empty()) {
+            return DPM_ERROR_INVALID_PARAMETER;
+        }
+        SettingsStore& store = SettingsStore::get();
+        const std::optional<int> own = store.readInt(path);
+        *is_allowed = own ? *own : store.readInt(pathOf(everySim)).value_or(allowed);
+        return DPM_ERROR_NONE;
+    });
+}

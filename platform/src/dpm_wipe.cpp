@@ -1,0 +1,44 @@
+#include "dpm_wipe.h"
+
+#include "guard.h"
+
+namespace host::dpm {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Compares the folder's real place with where it has to be, so that a link on any level of the way shows.
+void requireInside(const fs::path& device, const fs::path& storage, const char* name) {
+    const bool inPlace = fs::is_directory(fs::symlink_status(storage)) &&
+                         fs::canonical(storage) == fs::canonical(device) / "storage" / name;
+    if (!inPlace) {
+        throw HostError("refused to wipe " + storage.string() + ": it is no folder of the device " + device.string());
+    }
+}
+
+void emptyFolder(const fs::path& folder) {
+    std::string failures;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+        std::error_code error;
+        fs::remove_all(entry.path(), error);
+        if (error) {
+            failures += (failures.empty() ? "" : ", ") + entry.path().string() + " (" + error.message() + ")";
+        }
+    }
+    if (!failures.empty()) {
+        throw HostError("cannot wipe all of " + folder.string() + ": these are left: " + failures);
+    }
+}
+
+} // namespace
+
+void wipeStorage(const fs::path& device, const char* name) {
+    const fs::path storage = device / "storage" / name;
+    if (!fs::exists(fs::symlink_status(storage))) {
+        return;
+    }
+    requireInside(device, storage, name);
+    emptyFolder(storage);
+}
+
+} // namespace host::dpm

@@ -1,0 +1,157 @@
+#include "launcher.h"
+
+#include <algorithm>
+
+#include "environment.h"
+#include "guard.h"
+#include "host_bus.h"
+
+namespace host {
+namespace {
+
+bool neverArrived(const GError* error) {
+    return g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_SERVICE_UNKNOWN) ||
+           g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_NAME_HAS_NO_OWNER);
+}
+
+// An application that took the request and went away cancelled it; anything else never got that far.
+app_control_result_e resultOf(const GError* error) {
+    return g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_NO_REPLY) ? APP_CONTROL_RESULT_CANCELED
+                                                                       : APP_CONTROL_RESULT_FAILED;
+}
+
+std::unique_ptr<app_control_s> copyOf(const app_control_s& request) {
+    auto copy = std::make_unique<app_control_s>();
+    copy->appId = request.appId;
+    copy->extraData = request.extraData;
+    copy->caller = request.caller;
+    return copy;
+}
+
+void callBack(std::unique_ptr<app_control_s> request, std::unique_ptr<app_control_s> reply, app_control_result_e result,
+              app_control_reply_cb callback, void* userData) {
+    AppControls& controls = AppControls::get();
+    app_control_h requestHandle = controls.add(std::move(request));
+    app_control_h replyHandle = controls.add(std::move(reply));
+    callback(requestHandle, replyHandle, result, userData);
+    controls.remove(requestHandle);
+    controls.remove(replyHandle);
+}
+
+} // namespace
+
+// A request on its way.
+struct Launcher::Launch {
+    Launcher* launcher;
+    std::unique_ptr<app_control_s> request;
+    app_control_reply_cb callback;
+    void* userData;
+    bool isStarting;
+    bool isRepeated = false;
+
+    const std::string& target() const { return *request->appId; }
+};
+
+Launcher& Launcher::get() {
+    static Launcher launcher(Bus::get());
+    return launcher;
+}
+
+Launcher::Launcher(Bus& bus) : bus_(bus) {}
+
+Launcher::~Launcher() {
+    guarded("launch requests at exit", 0, [&] {
+        for (const auto& launch : launches_) {
+            if (launch->isStarting && !bus_.hasOwner(launch->target())) {
+                bus_.start(launch->target());
+            }
+        }
+        return 0;
+    });
+}
+
+int Launcher::send(const app_control_s& request, app_control_reply_cb callback, void* userData) {
+    if (!request.appId || !request.extraData.isUtf8()) {
+        return APP_CONTROL_ERROR_INVALID_PARAMETER;
+    }
+    const bool isRunning = bus_.hasOwner(*request.appId);
+    if (!isRunning && !bus_.isActivatable(*request.appId)) {
+        return APP_CONTROL_ERROR_APP_NOT_FOUND;
+    }
+    launches_.push_back(std::make_unique<Launch>(Launch{this, copyOf(request), callback, userData, !isRunning}));
+    Launch* launch = launches_.back().get();
+    try {
+        dispatch(*launch);
+    } catch (...) {
+        take(launch);
+        throw;
+    }
+    bus_.flush();
+    return APP_CONTROL_ERROR_NONE;
+}
+
+std::vector<std::string> Launcher::outstanding() const {
+    std::vector<std::string> ids;
+    std::transform(launches_.begin(), launches_.end(), std::back_inserter(ids),
+                   [](const auto& launch) { return launch->target(); });
+    return ids;
+}
+
+void Launcher::dispatch(Launch& launch) {
+    g_autoptr(GError) error = nullptr;
+    constexpr auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
+                                                        G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS |
+                                                        G_DBUS_PROXY_FLAGS_DO_NOT_AUTO_START_AT_CONSTRUCTION);
+    const ObjectPtr<PlatformBusApplication> target(platform_bus_application_proxy_new_sync(
+        bus_.connection(), flags, launch.target().c_str(), host_bus::applicationPath, nullptr, &error));
+    if (target == nullptr) {
+        throw HostError("cannot speak to " + launch.target() + ": " + error->message);
+    }
+    constexpr int noTimeOut = G_MAXINT;
+    platform_bus_application_call_launch(target.get(), Environment::get().applicationId().c_str(),
+                                         launch.request->extraData.toVariant(), launch.callback != nullptr,
+                                         G_DBUS_CALL_FLAGS_NONE, noTimeOut, nullptr, onAnswer, &launch);
+}
+
+std::unique_ptr<Launcher::Launch> Launcher::take(Launch* launch) {
+    const auto found =
+        std::find_if(launches_.begin(), launches_.end(), [&](const auto& entry) { return entry.get() == launch; });
+    std::unique_ptr<Launch> taken = std::move(*found);
+    launches_.erase(found);
+    return taken;
+}
+
+void Launcher::onAnswer(GObject* proxy, GAsyncResult* outcome, gpointer data) {
+    auto* launch = static_cast<Launch*>(data);
+    guarded("the answer to a launch request", 0, [&] {
+        launch->launcher->answered(launch, PLATFORM_BUS_APPLICATION(proxy), outcome);
+        return 0;
+    });
+}
+
+void Launcher::answered(Launch* launch, PlatformBusApplication* proxy, GAsyncResult* outcome) {
+    g_autoptr(GError) error = nullptr;
+    gint result = APP_CONTROL_RESULT_FAILED;
+    GVariant* data = nullptr;
+    platform_bus_application_call_launch_finish(proxy, &result, &data, outcome, &error);
+    const VariantPtr owner(data);
+    // The request went to the process that owned the id a moment ago. If that one is gone without having got it, the
+    // bus daemon can start the next one.
+    if (neverArrived(error) && !std::exchange(launch->isRepeated, true)) {
+        dispatch(*launch);
+        return;
+    }
+    const std::unique_ptr<Launch> done = take(launch);
+    if (error != nullptr) {
+        report("the launch of " + done->target() + " failed: " + error->message);
+        result = resultOf(error);
+    }
+    if (done->callback != nullptr) {
+        auto reply = std::make_unique<app_control_s>();
+        reply->extraData = data != nullptr ? StringMap(data) : StringMap();
+        callBack(std::move(done->request), std::move(reply), static_cast<app_control_result_e>(result), done->callback,
+                 done->userData);
+    }
+}
+
+} // namespace host

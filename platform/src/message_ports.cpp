@@ -1,0 +1,137 @@
+#include "message_ports.h"
+
+#include <algorithm>
+
+#include "bundle_handle.h"
+#include "environment.h"
+#include "guard.h"
+#include "host_bus.h"
+#include "text.h"
+
+namespace host {
+namespace {
+
+void onSent(GObject* proxy, GAsyncResult* outcome, gpointer /*data*/) {
+    g_autoptr(GError) error = nullptr;
+    if (!platform_bus_message_port_call_send_finish(PLATFORM_BUS_MESSAGE_PORT(proxy), outcome, &error)) {
+        report(std::string("a message was not handled: ") + error->message);
+    }
+}
+
+ObjectPtr<PlatformBusMessagePort> portObjectOf(const Bus& bus, const std::string& busName) {
+    g_autoptr(GError) error = nullptr;
+    constexpr auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
+                                                        G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS |
+                                                        G_DBUS_PROXY_FLAGS_DO_NOT_AUTO_START_AT_CONSTRUCTION);
+    ObjectPtr<PlatformBusMessagePort> object(platform_bus_message_port_proxy_new_sync(
+        bus.connection(), flags, busName.c_str(), host_bus::applicationPath, nullptr, &error));
+    if (object == nullptr) {
+        throw HostError("cannot speak to " + busName + ": " + error->message);
+    }
+    return object;
+}
+
+} // namespace
+
+MessagePorts& MessagePorts::get() {
+    static MessagePorts ports(Bus::get());
+    return ports;
+}
+
+std::string MessagePorts::busName(const std::string& application, const std::string& port) {
+    return application + ".port_" + escapedForBusName(port);
+}
+
+MessagePorts::MessagePorts(Bus& bus) : bus_(bus), skeleton_(platform_bus_message_port_skeleton_new()) {
+    g_signal_connect(skeleton_.get(), "handle-send", G_CALLBACK(onSend), this);
+}
+
+MessagePorts::~MessagePorts() {
+    g_signal_handlers_disconnect_by_data(skeleton_.get(), this);
+}
+
+int MessagePorts::open(const std::string& name, message_port_message_cb callback, void* userData) {
+    const auto present = find(name);
+    if (present != ports_.end()) {
+        present->second = Port{name, callback, userData};
+        return present->first;
+    }
+    const std::string nameOnBus = busName(Environment::get().applicationId(), name);
+    if (!g_dbus_is_name(nameOnBus.c_str())) {
+        return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
+    }
+    g_autoptr(GError) error = nullptr;
+    // The object comes before the name: whoever sees the name may send at once.
+    auto* skeleton = G_DBUS_INTERFACE_SKELETON(skeleton_.get());
+    if (ports_.empty() &&
+        !g_dbus_interface_skeleton_export(skeleton, bus_.connection(), host_bus::applicationPath, &error)) {
+        throw HostError("cannot open the port " + name + ": " + error->message);
+    }
+    if (!bus_.requestName(nameOnBus)) {
+        report("cannot open the port " + name + ": another process of this application has it open");
+        return MESSAGE_PORT_ERROR_RESOURCE_UNAVAILABLE;
+    }
+    ports_.emplace(++lastId_, Port{name, callback, userData});
+    return lastId_;
+}
+
+int MessagePorts::close(int id) {
+    const auto port = ports_.find(id);
+    if (port == ports_.end()) {
+        return MESSAGE_PORT_ERROR_PORT_NOT_FOUND;
+    }
+    bus_.releaseName(busName(Environment::get().applicationId(), port->second.name));
+    ports_.erase(port);
+    if (ports_.empty()) {
+        g_dbus_interface_skeleton_unexport(G_DBUS_INTERFACE_SKELETON(skeleton_.get()));
+    }
+    return MESSAGE_PORT_ERROR_NONE;
+}
+
+bool MessagePorts::isOpen(const std::string& application, const std::string& port) {
+    return bus_.hasOwner(busName(application, port));
+}
+
+int MessagePorts::send(const std::string& application, const std::string& port, const bundle& message) {
+    if (!isUtf8(port) || !message.pairs.isUtf8()) {
+        return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
+    }
+    if (!isOpen(application, port)) {
+        return MESSAGE_PORT_ERROR_PORT_NOT_FOUND;
+    }
+    const auto object = portObjectOf(bus_, busName(application, port));
+    platform_bus_message_port_call_send(object.get(), port.c_str(), Environment::get().applicationId().c_str(),
+                                        message.pairs.toVariant(), G_DBUS_CALL_FLAGS_NO_AUTO_START, G_MAXINT, nullptr,
+                                        onSent, nullptr);
+    bus_.flush();
+    return MESSAGE_PORT_ERROR_NONE;
+}
+
+MessagePorts::Ports::iterator MessagePorts::find(const std::string& name) {
+    return std::find_if(ports_.begin(), ports_.end(), [&](const auto& entry) { return entry.second.name == name; });
+}
+
+// The callback may close its port, so nothing of the port is used after it.
+void MessagePorts::deliver(const std::string& port, const char* sender, GVariant* message) {
+    const auto found = find(port);
+    if (found == ports_.end()) {
+        throw HostError("the port " + port + " is not open");
+    }
+    const int id = found->first;
+    const Port target = found->second;
+    bundle content{StringMap(message)};
+    target.callback(id, sender, nullptr, false, &content, target.userData);
+}
+
+gboolean MessagePorts::onSend(PlatformBusMessagePort* object, GDBusMethodInvocation* invocation, const char* port,
+                              const char* sender, GVariant* message, gpointer self) {
+    try {
+        static_cast<MessagePorts*>(self)->deliver(port, sender, message);
+        platform_bus_message_port_complete_send(object, invocation);
+    } catch (const std::exception& error) {
+        g_dbus_method_invocation_return_dbus_error(invocation, "tesk.host.Error.PortNotFound", error.what());
+    }
+    return TRUE;
+}
+
+} // namespace host

@@ -1,0 +1,70 @@
+#ifndef PLATFORM_SETTINGS_STORE_H
+#define PLATFORM_SETTINGS_STORE_H
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "glib_ptr.h"
+
+typedef struct _DConfClient DConfClient; // NOLINT(modernize-use-using): repeats the library's own declaration
+
+namespace host {
+
+/// The device's settings, kept by dconf. A path is "/" and names joined by "/"; a folder's path ends in "/".
+///
+/// A write returns when the store's one writer has it on disk, and a read sees it at once. News of a change, one's own
+/// included, comes later, through the main loop.
+class SettingsStore {
+public:
+    /// Told the path that changed: a key, or a folder when everything below it may have changed.
+    using Listener = std::function<void(const std::string& path)>;
+
+    /// The process's one store. Throws HostError when there is no bus to reach it.
+    static SettingsStore& get();
+
+    SettingsStore(const SettingsStore&) = delete;
+    SettingsStore& operator=(const SettingsStore&) = delete;
+    ~SettingsStore();
+
+    /// Whether a text is a path of a key.
+    static bool isKey(const std::string& path);
+
+    /// The value of a key, or null.
+    VariantPtr read(const std::string& key);
+
+    std::optional<int> readInt(const std::string& key);
+    std::optional<std::string> readText(const std::string& key);
+
+    /// Writes a key and consumes a floating value. Throws HostError.
+    void write(const std::string& key, GVariant* value);
+
+    /// Removes a key. Throws HostError.
+    void remove(const std::string& key);
+
+    /// Removes the keys that are in a folder and writes one of them, in one step. Throws HostError.
+    void replaceFolder(const std::string& folder, const std::string& key, GVariant* value);
+
+    /// Whether a folder holds anything.
+    bool isEmptyFolder(const std::string& folder);
+
+    /// Starts and ends listening to a key; a key can be watched several times.
+    void watch(const std::string& key);
+    void unwatch(const std::string& key);
+
+    /// Who hears of the changes to watched keys.
+    void setListener(Listener listener) { listener_ = std::move(listener); }
+
+private:
+    SettingsStore();
+
+    static void onChanged(DConfClient* client, const char* prefix, const char* const* changes, const char* tag,
+                          gpointer self);
+
+    ObjectPtr<DConfClient> client_;
+    Listener listener_;
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,43 @@
+#ifndef PLATFORM_STRING_MAP_H
+#define PLATFORM_STRING_MAP_H
+
+#include <list>
+#include <string>
+#include <utility>
+
+#include "glib_ptr.h"
+
+namespace host {
+
+/// An ordered map from string to string, and its form on the bus, an array of pairs: a(ss). A value stays at its
+/// address until it is replaced.
+class StringMap {
+public:
+    using Pairs = std::list<std::pair<std::string, std::string>>;
+
+    StringMap() = default;
+
+    /// Reads the bus form; of a key that comes twice, the later value counts.
+    explicit StringMap(GVariant* pairs);
+
+    /// The bus form, a floating reference. Every text must be UTF-8.
+    GVariant* toVariant() const;
+
+    /// Whether every text can travel over the bus.
+    bool isUtf8() const;
+
+    /// The value of a key, or null.
+    std::string* find(const std::string& key);
+
+    /// Adds a pair, or replaces the value of a key that is there.
+    void set(const std::string& key, const std::string& value);
+
+    const Pairs& pairs() const { return pairs_; }
+
+private:
+    Pairs pairs_;
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,27 @@
+#include <app_common.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "c_text.h"
+#include "contract_environment.h"
+
+namespace {
+
+TEST(AppCommonContract, TellsTheApplicationsId) {
+    char* id = nullptr;
+    EXPECT_EQ(app_get_id(&id), 0);
+    EXPECT_EQ(taken(id), contract::applicationId);
+}
+
+TEST(AppCommonContract, IdWithoutAPlaceForItIsAnError) {
+    EXPECT_LT(app_get_id(nullptr), 0);
+}
+
+TEST(AppCommonContract, DataPathIsAnAbsoluteFolderWithASlashAtItsEnd) {
+    const std::string path = taken(app_get_data_path());
+    EXPECT_TRUE(std::filesystem::path(path).is_absolute()) << path;
+    EXPECT_EQ(path.back(), '/');
+}
+
+} // namespace

@@ -1,0 +1,123 @@
+#include <app_control.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "c_text.h"
+
+namespace {
+
+class AppControlContract : public testing::Test {
+protected:
+    AppControlContract() { app_control_create(&control_); }
+    ~AppControlContract() override { app_control_destroy(control_); }
+
+    app_control_h control() const { return control_; }
+
+    std::string appId() const {
+        char* id = nullptr;
+        app_control_get_app_id(control_, &id);
+        return taken(id);
+    }
+
+    std::string extraData(const char* key) const {
+        char* value = nullptr;
+        app_control_get_extra_data(control_, key, &value);
+        return taken(value);
+    }
+
+private:
+    app_control_h control_ = nullptr;
+};
+
+bool collectKey(app_control_h /*control*/, const char* key, void* keys) {
+    static_cast<std::vector<std::string>*>(keys)->emplace_back(key);
+    return true;
+}
+
+bool collectOneKey(app_control_h control, const char* key, void* keys) {
+    collectKey(control, key, keys);
+    return false;
+}
+
+TEST_F(AppControlContract, NamesNoApplicationAtFirst) {
+    EXPECT_EQ(appId(), "(null)");
+}
+
+TEST_F(AppControlContract, KeepsTheApplicationThatWasNamedLast) {
+    app_control_set_app_id(control(), "com.example.first");
+    EXPECT_EQ(app_control_set_app_id(control(), "com.example.second"), APP_CONTROL_ERROR_NONE);
+    EXPECT_EQ(appId(), "com.example.second");
+}
+
+TEST_F(AppControlContract, KeepsExtraData) {
+    EXPECT_EQ(app_control_add_extra_data(control(), "account", "alice"), APP_CONTROL_ERROR_NONE);
+    EXPECT_EQ(extraData("account"), "alice");
+}
+
+TEST_F(AppControlContract, LaterValueReplacesTheEarlier) {
+    app_control_add_extra_data(control(), "account", "alice");
+    EXPECT_EQ(app_control_add_extra_data(control(), "account", "bob"), APP_CONTROL_ERROR_NONE);
+    EXPECT_EQ(extraData("account"), "bob");
+}
+
+TEST_F(AppControlContract, MissingKeyIsNotFound) {
+    char* value = nullptr;
+    EXPECT_EQ(app_control_get_extra_data(control(), "account", &value), APP_CONTROL_ERROR_KEY_NOT_FOUND);
+    EXPECT_EQ(value, nullptr);
+}
+
+TEST_F(AppControlContract, WalksTheKeysInTheOrderInWhichTheyCame) {
+    app_control_add_extra_data(control(), "b", "1");
+    app_control_add_extra_data(control(), "a", "2");
+    app_control_add_extra_data(control(), "b", "3");
+
+    std::vector<std::string> keys;
+    EXPECT_EQ(app_control_foreach_extra_data(control(), collectKey, &keys), APP_CONTROL_ERROR_NONE);
+
+    EXPECT_EQ(keys, (std::vector<std::string>{"b", "a"}));
+}
+
+TEST_F(AppControlContract, WalkEndsWhenTheCallbackSaysSo) {
+    app_control_add_extra_data(control(), "a", "1");
+    app_control_add_extra_data(control(), "b", "2");
+
+    std::vector<std::string> keys;
+    app_control_foreach_extra_data(control(), collectOneKey, &keys);
+
+    EXPECT_EQ(keys, std::vector<std::string>{"a"});
+}
+
+TEST_F(AppControlContract, LaunchOfNoApplicationIsInvalid) {
+    EXPECT_EQ(app_control_send_launch_request(control(), nullptr, nullptr), APP_CONTROL_ERROR_INVALID_PARAMETER);
+}
+
+TEST_F(AppControlContract, NullArgumentsAreInvalid) {
+    char* text = nullptr;
+    bool flag = false;
+    EXPECT_EQ(app_control_create(nullptr), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_destroy(nullptr), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_set_app_id(nullptr, "com.example"), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_get_app_id(nullptr, &text), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_get_app_id(control(), nullptr), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_add_extra_data(nullptr, "key", "value"), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_add_extra_data(control(), nullptr, "value"), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_add_extra_data(control(), "key", nullptr), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_get_extra_data(nullptr, "key", &text), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_get_extra_data(control(), nullptr, &text), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_get_extra_data(control(), "key", nullptr), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_foreach_extra_data(nullptr, collectKey, nullptr), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_foreach_extra_data(control(), nullptr, nullptr), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_send_launch_request(nullptr, nullptr, nullptr), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_get_caller(nullptr, &text), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_get_caller(control(), nullptr), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_is_reply_requested(nullptr, &flag), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_is_reply_requested(control(), nullptr), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_reply_to_launch_request(nullptr, control(), APP_CONTROL_RESULT_SUCCEEDED),
+              APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(app_control_reply_to_launch_request(control(), nullptr, APP_CONTROL_RESULT_SUCCEEDED),
+              APP_CONTROL_ERROR_INVALID_PARAMETER);
+}
+
+} // namespace

@@ -1,0 +1,197 @@
+#include <dpm/administration.h>
+#include <dpm/password.h>
+#include <dpm/restriction.h>
+#include <dpm/security.h>
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+constexpr char client[] = "com.example.client";
+constexpr uid_t user = 1000;
+
+using Setter = int (*)(device_policy_manager_h, int);
+using Getter = int (*)(device_policy_manager_h, int*);
+
+struct Setting {
+    const char* name;
+    Setter set;
+    Getter get;
+    int atFirst;
+};
+
+const std::vector<Setting>& settings() {
+    static const std::vector<Setting> all{
+        {"quality", dpm_password_set_quality, dpm_password_get_quality, 0},
+        {"minimum length", dpm_password_set_minimum_length, dpm_password_get_minimum_length, 0},
+        {"complex characters", dpm_password_set_min_complex_chars, dpm_password_get_min_complex_chars, 0},
+        {"failed attempts", dpm_password_set_maximum_failed_attempts_for_wipe,
+         dpm_password_get_maximum_failed_attempts_for_wipe, 0},
+        {"expiry", dpm_password_set_expires, dpm_password_get_expires, 0},
+        {"history", dpm_password_set_history, dpm_password_get_history, 0},
+        {"inactivity", dpm_password_set_max_inactivity_time_device_lock,
+         dpm_password_get_max_inactivity_time_device_lock, 0},
+        {"Wi-Fi", dpm_restriction_set_wifi_state, dpm_restriction_get_wifi_state, 1},
+        {"POP and IMAP", dpm_restriction_set_popimap_email_state, dpm_restriction_get_popimap_email_state, 1},
+    };
+    return all;
+}
+
+class DpmContract : public testing::Test {
+protected:
+    DpmContract() = default;
+    ~DpmContract() override { dpm_manager_destroy(handle_); }
+
+    device_policy_manager_h handle() const { return handle_; }
+
+    void registerClient() const { ASSERT_EQ(dpm_admin_register_client(handle_, client, user), DPM_ERROR_NONE); }
+
+    int messaging(const char* sim) const {
+        int allowed = -1;
+        EXPECT_EQ(dpm_restriction_get_messaging_state(handle_, sim, &allowed), DPM_ERROR_NONE);
+        return allowed;
+    }
+
+private:
+    device_policy_manager_h handle_ = dpm_manager_create();
+};
+
+TEST_F(DpmContract, EverySettingHasItsValueAtFirst) {
+    for (const Setting& setting : settings()) {
+        int value = -1;
+        EXPECT_EQ(setting.get(handle(), &value), DPM_ERROR_NONE) << setting.name;
+        EXPECT_EQ(value, setting.atFirst) << setting.name;
+    }
+    EXPECT_EQ(messaging("*"), 1);
+}
+
+TEST_F(DpmContract, EverySettingKeepsItsOwnValue) {
+    registerClient();
+    for (const Setting& setting : settings()) {
+        EXPECT_EQ(setting.set(handle(), 1), DPM_ERROR_NONE) << setting.name;
+    }
+    for (const Setting& changed : settings()) {
+        changed.set(handle(), 0);
+        for (const Setting& setting : settings()) {
+            int value = -1;
+            setting.get(handle(), &value);
+            EXPECT_EQ(value, &setting == &changed ? 0 : 1) << setting.name << " after " << changed.name;
+        }
+        changed.set(handle(), 1);
+    }
+}
+
+TEST_F(DpmContract, PasswordSettingKeepsALargeValue) {
+    registerClient();
+    dpm_password_set_max_inactivity_time_device_lock(handle(), 2147483647);
+    int value = 0;
+    dpm_password_get_max_inactivity_time_device_lock(handle(), &value);
+    EXPECT_EQ(value, 2147483647);
+}
+
+TEST_F(DpmContract, SettersAreDeniedWhileNobodyAdministers) {
+    for (const Setting& setting : settings()) {
+        EXPECT_EQ(setting.set(handle(), 1), DPM_ERROR_PERMISSION_DENIED) << setting.name;
+    }
+    EXPECT_EQ(dpm_restriction_set_messaging_state(handle(), "*", 0), DPM_ERROR_PERMISSION_DENIED);
+    EXPECT_EQ(dpm_security_set_internal_storage_encryption(handle(), 1), DPM_ERROR_PERMISSION_DENIED);
+    EXPECT_EQ(dpm_security_set_external_storage_encryption(handle(), 1), DPM_ERROR_PERMISSION_DENIED);
+    EXPECT_EQ(dpm_security_wipe_data(handle(), DPM_SECURITY_WIPE_INTERNAL_STORAGE), DPM_ERROR_PERMISSION_DENIED);
+    EXPECT_EQ(messaging("*"), 1);
+}
+
+TEST_F(DpmContract, SettersAreDeniedAgainWhenTheClientIsGone) {
+    registerClient();
+    EXPECT_EQ(dpm_admin_deregister_client(handle(), client, user), DPM_ERROR_NONE);
+    EXPECT_EQ(dpm_password_set_quality(handle(), 32), DPM_ERROR_PERMISSION_DENIED);
+}
+
+TEST_F(DpmContract, ClientCanRegisterAgain) {
+    registerClient();
+    EXPECT_EQ(dpm_admin_register_client(handle(), client, user), DPM_ERROR_NONE);
+}
+
+TEST_F(DpmContract, ClientWithoutNameOrUserIsInvalid) {
+    EXPECT_EQ(dpm_admin_register_client(handle(), nullptr, user), DPM_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(dpm_admin_register_client(handle(), "", user), DPM_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(dpm_admin_register_client(handle(), client, static_cast<uid_t>(-1)), DPM_ERROR_INVALID_PARAMETER);
+}
+
+TEST_F(DpmContract, UnknownClientCannotDeregister) {
+    EXPECT_EQ(dpm_admin_deregister_client(handle(), client, user), DPM_ERROR_NO_SUCH_FILE);
+}
+
+TEST_F(DpmContract, MessagingOfOneSimLeavesTheOthersAlone) {
+    registerClient();
+    EXPECT_EQ(dpm_restriction_set_messaging_state(handle(), "sim1", 0), DPM_ERROR_NONE);
+    EXPECT_EQ(messaging("sim1"), 0);
+    EXPECT_EQ(messaging("sim2"), 1);
+    EXPECT_EQ(messaging("*"), 1);
+}
+
+TEST_F(DpmContract, MessagingOfAllReplacesTheSingleOnes) {
+    registerClient();
+    dpm_restriction_set_messaging_state(handle(), "sim1", 1);
+    EXPECT_EQ(dpm_restriction_set_messaging_state(handle(), "*", 0), DPM_ERROR_NONE);
+    EXPECT_EQ(messaging("sim1"), 0);
+    EXPECT_EQ(messaging("sim2"), 0);
+    EXPECT_EQ(messaging("*"), 0);
+}
+
+TEST_F(DpmContract, DemandForEncryptionEncryptsNothing) {
+    registerClient();
+    EXPECT_EQ(dpm_security_set_internal_storage_encryption(handle(), 1), DPM_ERROR_NONE);
+    EXPECT_EQ(dpm_security_set_external_storage_encryption(handle(), 1), DPM_ERROR_NONE);
+    int isEncrypted = -1;
+    EXPECT_EQ(dpm_security_is_internal_storage_encrypted(handle(), &isEncrypted), DPM_ERROR_NONE);
+    EXPECT_EQ(isEncrypted, 0);
+    isEncrypted = -1;
+    EXPECT_EQ(dpm_security_is_external_storage_encrypted(handle(), &isEncrypted), DPM_ERROR_NONE);
+    EXPECT_EQ(isEncrypted, 0);
+}
+
+TEST_F(DpmContract, WipeOfNoStorageIsInvalid) {
+    registerClient();
+    EXPECT_EQ(dpm_security_wipe_data(handle(), static_cast<dpm_security_wipe_type_e>(0)), DPM_ERROR_INVALID_PARAMETER);
+}
+
+TEST_F(DpmContract, AdministratorMayWipe) {
+    registerClient();
+    EXPECT_EQ(dpm_security_wipe_data(handle(), DPM_SECURITY_WIPE_INTERNAL_STORAGE), DPM_ERROR_NONE);
+}
+
+TEST_F(DpmContract, NullHandleIsInvalid) {
+    int value = 0;
+    for (const Setting& setting : settings()) {
+        EXPECT_EQ(setting.set(nullptr, 1), DPM_ERROR_INVALID_PARAMETER) << setting.name;
+        EXPECT_EQ(setting.get(nullptr, &value), DPM_ERROR_INVALID_PARAMETER) << setting.name;
+    }
+    EXPECT_EQ(dpm_manager_destroy(nullptr), DPM_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(dpm_admin_register_client(nullptr, client, user), DPM_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(dpm_admin_deregister_client(nullptr, client, user), DPM_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(dpm_restriction_set_messaging_state(nullptr, "*", 1), DPM_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(dpm_restriction_get_messaging_state(nullptr, "*", &value), DPM_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(dpm_security_set_internal_storage_encryption(nullptr, 1), DPM_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(dpm_security_is_internal_storage_encrypted(nullptr, &value), DPM_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(dpm_security_set_external_storage_encryption(nullptr, 1), DPM_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(dpm_security_is_external_storage_encrypted(nullptr, &value), DPM_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(dpm_security_wipe_data(nullptr, DPM_SECURITY_WIPE_INTERNAL_STORAGE), DPM_ERROR_INVALID_PARAMETER);
+}
+
+TEST_F(DpmContract, GetterWithoutAPlaceForTheValueIsInvalid) {
+    for (const Setting& setting : settings()) {
+        EXPECT_EQ(setting.get(handle(), nullptr), DPM_ERROR_INVALID_PARAMETER) << setting.name;
+    }
+    EXPECT_EQ(dpm_restriction_get_messaging_state(handle(), "*", nullptr), DPM_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(dpm_security_is_internal_storage_encrypted(handle(), nullptr), DPM_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(dpm_security_is_external_storage_encrypted(handle(), nullptr), DPM_ERROR_INVALID_PARAMETER);
+}
+
+TEST_F(DpmContract, MessagingWithoutASimIsInvalid) {
+    int value = 0;
+    EXPECT_EQ(dpm_restriction_set_messaging_state(handle(), nullptr, 1), DPM_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(dpm_restriction_get_messaging_state(handle(), nullptr, &value), DPM_ERROR_INVALID_PARAMETER);
+}
+
+} // namespace

@@ -1,0 +1,152 @@
+#include <gtest/gtest.h>
+#include <message_port.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "contract_environment.h"
+
+namespace {
+
+constexpr char port[] = "example-port";
+constexpr const char* self = contract::applicationId;
+
+struct BundleFree {
+    void operator()(bundle* b) const { bundle_free(b); }
+};
+using BundlePtr = std::unique_ptr<bundle, BundleFree>;
+
+struct Inbox {
+    std::vector<std::string> texts;
+    std::vector<std::string> senders;
+    std::vector<int> ports;
+    bool hadRemotePort = false;
+    bool wasTrusted = false;
+};
+
+void receive(int portId, const char* sender, const char* remotePort, bool trusted, bundle* message, void* data) {
+    auto* inbox = static_cast<Inbox*>(data);
+    char* text = nullptr;
+    bundle_get_str(message, "text", &text);
+    inbox->texts.emplace_back(text != nullptr ? text : "(null)");
+    inbox->senders.emplace_back(sender);
+    inbox->ports.push_back(portId);
+    inbox->hadRemotePort = remotePort != nullptr;
+    inbox->wasTrusted = trusted;
+}
+
+void receiveAndClose(int portId, const char* sender, const char* remotePort, bool trusted, bundle* message,
+                     void* data) {
+    message_port_unregister_local_port(portId);
+    receive(portId, sender, remotePort, trusted, message, data);
+}
+
+BundlePtr messageOf(const std::string& text) {
+    BundlePtr message(bundle_create());
+    bundle_add_str(message.get(), "text", text.c_str());
+    return message;
+}
+
+int send(const std::string& text) {
+    return message_port_send_message(self, port, messageOf(text).get());
+}
+
+bool received(const Inbox& inbox, std::size_t count) {
+    return contract::runUntil([&] { return inbox.texts.size() >= count; });
+}
+
+TEST(MessagePortContract, OpenPortHasAPositiveId) {
+    EXPECT_GT(message_port_register_local_port(port, receive, nullptr), 0);
+}
+
+TEST(MessagePortContract, DifferentPortsHaveDifferentIds) {
+    EXPECT_NE(message_port_register_local_port("a", receive, nullptr),
+              message_port_register_local_port("b", receive, nullptr));
+}
+
+TEST(MessagePortContract, DeliversAMessageToTheOwnPortOnTheMainLoop) {
+    Inbox inbox;
+    const int id = message_port_register_local_port(port, receive, &inbox);
+
+    EXPECT_EQ(send("hello"), MESSAGE_PORT_ERROR_NONE);
+    EXPECT_TRUE(inbox.texts.empty()) << "called inside message_port_send_message";
+
+    ASSERT_TRUE(received(inbox, 1));
+    EXPECT_EQ(inbox.texts, std::vector<std::string>{"hello"});
+    EXPECT_EQ(inbox.senders, std::vector<std::string>{self});
+    EXPECT_EQ(inbox.ports, std::vector<int>{id});
+    EXPECT_FALSE(inbox.hadRemotePort);
+    EXPECT_FALSE(inbox.wasTrusted);
+}
+
+TEST(MessagePortContract, KeepsTheOrderOfMessages) {
+    Inbox inbox;
+    message_port_register_local_port(port, receive, &inbox);
+    std::vector<std::string> sent;
+    for (int i = 0; i < 50; ++i) {
+        sent.push_back(std::to_string(i));
+        ASSERT_EQ(send(sent.back()), MESSAGE_PORT_ERROR_NONE);
+    }
+
+    ASSERT_TRUE(received(inbox, sent.size()));
+    EXPECT_EQ(inbox.texts, sent);
+}
+
+TEST(MessagePortContract, PortThatNobodyOpenedIsNotFound) {
+    EXPECT_EQ(send("hello"), MESSAGE_PORT_ERROR_PORT_NOT_FOUND);
+    EXPECT_EQ(message_port_send_message("com.example.nobody", port, messageOf("hello").get()),
+              MESSAGE_PORT_ERROR_PORT_NOT_FOUND);
+}
+
+TEST(MessagePortContract, ClosedPortIsNotFound) {
+    const int id = message_port_register_local_port(port, receive, nullptr);
+    EXPECT_EQ(message_port_unregister_local_port(id), MESSAGE_PORT_ERROR_NONE);
+    EXPECT_EQ(send("hello"), MESSAGE_PORT_ERROR_PORT_NOT_FOUND);
+}
+
+TEST(MessagePortContract, PortCanCloseInItsCallback) {
+    Inbox inbox;
+    message_port_register_local_port(port, receiveAndClose, &inbox);
+    send("hello");
+    ASSERT_TRUE(received(inbox, 1));
+    EXPECT_EQ(send("again"), MESSAGE_PORT_ERROR_PORT_NOT_FOUND);
+}
+
+TEST(MessagePortContract, CheckTellsWhetherAPortIsOpen) {
+    bool before = true;
+    EXPECT_EQ(message_port_check_remote_port(self, port, &before), MESSAGE_PORT_ERROR_NONE);
+    message_port_register_local_port(port, receive, nullptr);
+    bool after = false;
+    EXPECT_EQ(message_port_check_remote_port(self, port, &after), MESSAGE_PORT_ERROR_NONE);
+    EXPECT_FALSE(before);
+    EXPECT_TRUE(after);
+}
+
+TEST(MessagePortContract, SecondRegistrationKeepsTheIdAndTakesTheNewCallback) {
+    Inbox first;
+    Inbox second;
+    const int id = message_port_register_local_port(port, receive, &first);
+
+    EXPECT_EQ(message_port_register_local_port(port, receive, &second), id);
+    send("hello");
+
+    ASSERT_TRUE(received(second, 1));
+    EXPECT_TRUE(first.texts.empty());
+}
+
+TEST(MessagePortContract, NullArgumentsAreInvalid) {
+    bool exists = false;
+    const BundlePtr message = messageOf("hello");
+    EXPECT_EQ(message_port_register_local_port(nullptr, receive, nullptr), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(message_port_register_local_port(port, nullptr, nullptr), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(message_port_unregister_local_port(0), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(message_port_check_remote_port(nullptr, port, &exists), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(message_port_check_remote_port(self, nullptr, &exists), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(message_port_check_remote_port(self, port, nullptr), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(message_port_send_message(nullptr, port, message.get()), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(message_port_send_message(self, nullptr, message.get()), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(message_port_send_message(self, port, nullptr), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
+}
+
+} // namespace
