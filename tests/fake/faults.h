@@ -8,9 +8,9 @@
 namespace fake {
 
 /**
- * Which calls fail. A function is named by its C name ("operator new" is the one that does not throw). A failing call
- * answers the given code, or null where the function returns a pointer, and has no effect; the code 0 stands for a
- * function that claims success and yet does nothing.
+ * Which calls fail. A function is named by its C name ("operator new" and "operator new[]" are those that do not
+ * throw). A failing call answers the given code, or null where the function returns a pointer, and has no effect; the
+ * code 0 stands for a function that claims success and yet does nothing.
  */
 class Faults {
 public:

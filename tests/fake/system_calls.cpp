@@ -59,6 +59,7 @@ void* __real_malloc(size_t size);
 void __real_free(void* memory);
 void __real_g_free(void* memory);
 void* __real__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t& tag);
+void* __real__ZnamRKSt9nothrow_t(size_t size, const std::nothrow_t& tag);
 
 void __wrap_g_usleep(gulong microseconds);
 guint __wrap_g_timeout_add_seconds(guint interval, GSourceFunc function, gpointer data);
@@ -70,6 +71,7 @@ void* __wrap_malloc(size_t size);
 void __wrap_free(void* memory);
 void __wrap_g_free(void* memory);
 void* __wrap__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t& tag);
+void* __wrap__ZnamRKSt9nothrow_t(size_t size, const std::nothrow_t& tag);
 
 void __wrap_g_usleep(gulong microseconds) {
     FakePlatform::current().call("g_usleep", microseconds);
@@ -147,5 +149,10 @@ void __wrap_g_free(void* memory) {
 void* __wrap__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t& tag) {
     const bool fails = FakePlatform::exists() && FakePlatform::current().faults.onCall("operator new");
     return fails ? nullptr : __real__ZnwmRKSt9nothrow_t(size, tag);
+}
+
+void* __wrap__ZnamRKSt9nothrow_t(size_t size, const std::nothrow_t& tag) {
+    const bool fails = FakePlatform::exists() && FakePlatform::current().faults.onCall("operator new[]");
+    return fails ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
 }
 }

@@ -1,0 +1,147 @@
+#include "TeskConsumerAccountMgr.h"
+
+#include "TeskConsumerDbMgr.h"
+#include "unit_test.h"
+
+namespace {
+
+class AccountMgrTest : public UnitTest {
+protected:
+    int add(const TeskPolicyData& data) { return manager.addAccount(std::make_shared<TeskPolicyData>(data)); }
+
+    Lines registrations() const { return journal.calls({"dpm_admin"}); }
+
+    TeskConsumerAccountMgr& manager = *TeskConsumerAccountMgr::getInstance();
+};
+
+constexpr char registration[] = "dpm_admin_register_client com.velmor.tesk-agent 5001";
+constexpr char deregistration[] = "dpm_admin_deregister_client com.velmor.tesk-agent 5001";
+
+TEST_F(AccountMgrTest, FirstAccountRegistersBeforeItIsStored) {
+    EXPECT_EQ(add(passwordAccount(3)), 0);
+
+    EXPECT_EQ(fieldsOf(stored(3)), fieldsOf(passwordAccount(3)));
+    EXPECT_EQ(registrations(), Lines{registration});
+    const auto calls = journal.calls({"dpm_admin", "sqlite3_prepare_v2 insert"});
+    ASSERT_EQ(calls.size(), 2U);
+    EXPECT_EQ(calls.front(), registration);
+    EXPECT_EQ(journal.logsOf("addAccount"), (Lines{"I Enter", "I Leave"}));
+}
+
+TEST_F(AccountMgrTest, AddingEnforcesNothing) {
+    add(passwordAccount(3));
+
+    EXPECT_EQ(journal.deviceSettings(), Lines{});
+    EXPECT_TRUE(platform.launches.sent.empty());
+}
+
+TEST_F(AccountMgrTest, SecondAccountIsStoredWithoutARegistration) {
+    store({account(1)});
+
+    EXPECT_EQ(add(account(2)), 0);
+    EXPECT_EQ(storedAccounts(), 2);
+    EXPECT_EQ(registrations(), Lines{});
+}
+
+TEST_F(AccountMgrTest, StoredAccountIsUpdatedWithoutARegistration) {
+    store({account(1)});
+
+    EXPECT_EQ(add(passwordAccount(1)), 0);
+    EXPECT_EQ(stored(1).devicePasswordEnabled, 1);
+    EXPECT_EQ(storedAccounts(), 1);
+    EXPECT_EQ(registrations(), Lines{});
+}
+
+TEST_F(AccountMgrTest, RefusedRegistrationDoesNotStopTheAddition) {
+    platform.faults.always("dpm_admin_register_client", -13);
+
+    EXPECT_EQ(add(account(3)), 0);
+    EXPECT_EQ(storedAccounts(), 1);
+    EXPECT_EQ(journal.warnings(), Lines{"W Failed to register policy admin : -13"});
+}
+
+TEST_F(AccountMgrTest, AccountZeroMatchesNoRow) {
+    EXPECT_EQ(add(account(0)), 0);
+
+    EXPECT_EQ(storedAccounts(), 0);
+    EXPECT_EQ(registrations(), Lines{});
+    EXPECT_EQ(journal.warnings(), Lines{"E accountId is invalid"});
+}
+
+TEST_F(AccountMgrTest, FailedInsertIsLoggedAndReturned) {
+    TeskConsumerDbMgr::getInstance();
+    platform.faults.atCall("sqlite3_step", 3, 13);
+    journal.clear();
+
+    EXPECT_EQ(add(account(3)), -1001);
+    EXPECT_EQ(journal.warnings().back(), "W _db_insert_policy_data failed: -1001");
+}
+
+TEST_F(AccountMgrTest, FailedUpdateIsLoggedAndReturned) {
+    store({account(3)});
+    platform.faults.atCall("sqlite3_step", 2, 13);
+
+    EXPECT_EQ(add(account(3)), -1001);
+    EXPECT_EQ(journal.warnings().back(), "W _db_update_rule_data failed: -1001");
+}
+
+TEST_F(AccountMgrTest, UnopenedDatabaseTakesTheUpdatePath) {
+    platform.dataPath += "missing/";
+
+    EXPECT_EQ(add(account(3)), -1001);
+    EXPECT_EQ(registrations(), Lines{});
+    EXPECT_EQ(journal.warnings().back(), "W _db_update_rule_data failed: -1001");
+}
+
+TEST_F(AccountMgrTest, DeletionDeletesThenAppliesThenDeregisters) {
+    store({passwordAccount(1)});
+
+    EXPECT_EQ(manager.delAccount(1), 0);
+
+    EXPECT_EQ(storedAccounts(), 0);
+    const auto calls =
+        journal.calls({"sqlite3_prepare_v2 delete", "dpm_password_set_quality", "dpm_admin_deregister_client"});
+    EXPECT_EQ(calls, (Lines{"sqlite3_prepare_v2 delete from eas_policy_tbl where account_id=?;",
+                            "dpm_password_set_quality 0", deregistration}));
+    EXPECT_EQ(journal.logsOf("delAccount"), (Lines{"I Enter", "I Leave"}));
+}
+
+TEST_F(AccountMgrTest, DeletionOfOneOfTwoAppliesThePolicyOfTheOther) {
+    auto strict = passwordAccount(2);
+    strict.alphanumericDevicePasswordRequired = 1;
+    store({passwordAccount(1), strict});
+
+    EXPECT_EQ(manager.delAccount(2), 0);
+
+    EXPECT_EQ(platform.devicePolicy.setting("quality"), 33);
+    EXPECT_EQ(registrations(), Lines{});
+    EXPECT_EQ(journal.warnings().back(), "W applyPolicy failed: -6000");
+}
+
+TEST_F(AccountMgrTest, DeletionOfAnAbsentAccountStillAppliesAndDeregisters) {
+    EXPECT_EQ(manager.delAccount(9), 0);
+
+    EXPECT_EQ(journal.deviceSettings().size(), 11U);
+    EXPECT_EQ(registrations(), Lines{deregistration});
+}
+
+TEST_F(AccountMgrTest, DeletionOfAnInvalidAccountStillAppliesAndDeregisters) {
+    platform.devicePolicy.registerService();
+
+    EXPECT_EQ(manager.delAccount(0), 0);
+
+    EXPECT_EQ(journal.warnings(),
+              (Lines{"E accountId is invalid", "W deletePolicyByAccountId failed: -2", "W query result: 101"}));
+    EXPECT_EQ(journal.deviceSettings().size(), 11U);
+    EXPECT_EQ(registrations(), Lines{deregistration});
+}
+
+TEST_F(AccountMgrTest, RefusedDeregistrationIsForgivenByThePolicyManager) {
+    platform.devicePolicy.registerService();
+    platform.faults.always("dpm_admin_deregister_client", -111);
+
+    EXPECT_EQ(manager.delAccount(9), 0);
+    EXPECT_EQ(journal.warnings().back(), "W Failed to register policy admin : -111");
+}
+
+} // namespace
