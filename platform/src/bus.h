@@ -38,8 +38,9 @@ public:
     /// Whether the daemon could start a process for the name.
     bool isActivatable(const std::string& name);
 
-    /// Has the daemon start the name's process, and returns when it owns the name or failed to.
-    void start(const std::string& name);
+    /// Returns when the name's process, which the daemon was asked to start, owns the name or failed to. For a process
+    /// that is about to end: a lost connection counts for nothing any more.
+    void awaitStart(const std::string& name) noexcept;
 
     /// Returns when everything that was sent is on its way, so that the process may end.
     void flush();

@@ -1,6 +1,8 @@
 #include "launcher.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 #include "environment.h"
 #include "guard.h"
@@ -60,14 +62,11 @@ Launcher& Launcher::get() {
 Launcher::Launcher(Bus& bus) : bus_(bus) {}
 
 Launcher::~Launcher() {
-    guarded("launch requests at exit", 0, [&] {
-        for (const auto& launch : launches_) {
-            if (launch->isStarting && !bus_.hasOwner(launch->target())) {
-                bus_.start(launch->target());
-            }
+    for (const auto& launch : launches_) {
+        if (launch->isStarting) {
+            bus_.awaitStart(launch->target());
         }
-        return 0;
-    });
+    }
 }
 
 int Launcher::send(const app_control_s& request, app_control_reply_cb callback, void* userData) {

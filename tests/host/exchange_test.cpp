@@ -1,0 +1,114 @@
+#include <message_port.h>
+#include <service_app.h>
+#include <tesk-host-bus.h>
+#include <vconf.h>
+
+#include "host_bus.h"
+#include "host_test.h"
+
+namespace {
+
+int send(const char* id, const char* key, const char* value) {
+    bundle* message = bundle_create();
+    bundle_add_str(message, key, value);
+    const int result = message_port_send_message(id, "control", message);
+    bundle_free(message);
+    return result;
+}
+
+void announce(int type) {
+    g_autoptr(GDBusConnection) bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
+    g_autoptr(TeskHostSystem) system = tesk_host_system_skeleton_new();
+    g_dbus_interface_skeleton_export(G_DBUS_INTERFACE_SKELETON(system), bus, host_bus::systemPath, nullptr);
+    tesk_host_system_emit_event(system, type);
+    g_dbus_connection_flush_sync(bus, nullptr, nullptr);
+}
+
+void recordNumber(keynode_t* node, void* numbers) {
+    static_cast<std::vector<int>*>(numbers)->push_back(vconf_keynode_get_int(node));
+}
+
+class Exchange : public HostTest {};
+
+TEST_F(Exchange, MessagesOfASenderThatEndsAtOnceArriveInOrder) {
+    const auto app = start({"serve"});
+    ASSERT_TRUE(app->said("launch"));
+
+    EXPECT_EQ(run({"send", appId, "1", "2", "3", "4"})->status(), 0);
+
+    ASSERT_TRUE(app->said("message from com.example.desk: 4\n"));
+    EXPECT_EQ(app->errors(), "create\nlaunch by nobody: \n"
+                             "message from com.example.desk: 1\nmessage from com.example.desk: 2\n"
+                             "message from com.example.desk: 3\nmessage from com.example.desk: 4\n");
+}
+
+TEST_F(Exchange, MessageStartsNoApplication) {
+    EXPECT_EQ(send(appId, "text", "hello"), MESSAGE_PORT_ERROR_PORT_NOT_FOUND);
+    EXPECT_EQ(occurrences(device().log(), "create\n"), 0U);
+}
+
+TEST_F(Exchange, PortClosesWithItsApplication) {
+    auto app = start({"serve"});
+    ASSERT_TRUE(app->said("launch"));
+    EXPECT_EQ(send(appId, "text", "hello"), MESSAGE_PORT_ERROR_NONE);
+    app.reset();
+    EXPECT_TRUE(runMainLoopUntil([] { return send(appId, "text", "hello") == MESSAGE_PORT_ERROR_PORT_NOT_FOUND; }));
+}
+
+TEST_F(Exchange, MessageThatIsNotUtf8IsInvalid) {
+    const auto app = start({"serve"});
+    ASSERT_TRUE(app->said("launch"));
+    EXPECT_EQ(send(appId, "text", "\xff"), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(send(appId, "\xff", "text"), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(message_port_send_message(appId, "\xff", nullptr), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
+}
+
+TEST_F(Exchange, SystemEventReachesAHandlerThatWasAddedBeforeTheMainLoop) {
+    const auto app = start({"serve"});
+    ASSERT_TRUE(app->said("launch"));
+    announce(APP_EVENT_LOW_BATTERY);
+    announce(APP_EVENT_LOW_MEMORY);
+    ASSERT_TRUE(app->said("event low memory\n"));
+    EXPECT_EQ(occurrences(app->errors(), "event"), 1U);
+}
+
+TEST_F(Exchange, KeyChangeOfThisProcessReachesTheOther) {
+    const auto app = start({"serve"});
+    ASSERT_TRUE(app->said("launch"));
+    bundle* message = bundle_create();
+    bundle_add_str(message, "do", "watch");
+    bundle_add_str(message, "key", "db/example/key");
+    message_port_send_message(appId, "control", message);
+    bundle_free(message);
+    ASSERT_TRUE(app->said("watching"));
+
+    vconf_set_int("db/example/key", 7);
+
+    EXPECT_TRUE(app->said("key db/example/key is 7\n"));
+}
+
+TEST_F(Exchange, KeyChangeOfTheOtherProcessReachesThisOne) {
+    std::vector<int> numbers;
+    vconf_notify_key_changed("db/example/key", recordNumber, &numbers);
+
+    EXPECT_EQ(run({"set-key", "db/example/key", "7"})->status(), 0);
+
+    ASSERT_TRUE(runMainLoopUntil([&] { return !numbers.empty(); }));
+    EXPECT_EQ(numbers, std::vector<int>{7});
+    int value = 0;
+    vconf_get_int("db/example/key", &value);
+    EXPECT_EQ(value, 7);
+}
+
+TEST_F(Exchange, SettingsSurviveARestartOfEverything) {
+    EXPECT_EQ(run({"set-key", "db/example/key", "7"})->status(), 0);
+    EXPECT_EQ(run({"administer", "33"})->status(), 0);
+
+    device().shutDown();
+    device().boot();
+
+    EXPECT_EQ(run({"print-key", "db/example/key"})->output(), "7");
+    EXPECT_EQ(run({"print-quality"})->output(), "33 0");
+}
+
+} // namespace

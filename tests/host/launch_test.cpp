@@ -1,0 +1,193 @@
+#include <app_control.h>
+#include <message_port.h>
+#include <tesk-host-bus.h>
+
+#include <map>
+#include <optional>
+
+#include "c_text.h"
+#include "host_bus.h"
+#include "host_test.h"
+
+namespace {
+
+struct Answer {
+    std::optional<app_control_result_e> result;
+    std::string answer;
+    std::string requestedText;
+    std::string target;
+};
+
+std::string extraData(app_control_h control, const char* key) {
+    char* value = nullptr;
+    app_control_get_extra_data(control, key, &value);
+    return taken(value);
+}
+
+void onReply(app_control_h request, app_control_h reply, app_control_result_e result, void* data) {
+    auto* answer = static_cast<Answer*>(data);
+    char* target = nullptr;
+    app_control_get_app_id(request, &target);
+    *answer = {result, extraData(reply, "answer"), extraData(request, "text"), taken(target)};
+}
+
+// Sends a launch request and destroys it at once.
+int launch(const char* id, const std::map<std::string, std::string>& data, Answer* answer) {
+    app_control_h request = nullptr;
+    app_control_create(&request);
+    app_control_set_app_id(request, id);
+    for (const auto& [key, value] : data) {
+        app_control_add_extra_data(request, key.c_str(), value.c_str());
+    }
+    const int result = app_control_send_launch_request(request, answer != nullptr ? onReply : nullptr, answer);
+    app_control_destroy(request);
+    return result;
+}
+
+bool came(const Answer& answer) {
+    return runMainLoopUntil([&] { return answer.result.has_value(); });
+}
+
+void tellApp(const char* id, const char* todo) {
+    bundle* message = bundle_create();
+    bundle_add_str(message, "do", todo);
+    EXPECT_EQ(message_port_send_message(id, "control", message), MESSAGE_PORT_ERROR_NONE);
+    bundle_free(message);
+}
+
+// Asks an application, over a connection of its own, to settle. Returns the ids that it still waits for.
+std::vector<std::string> settle(const char* id) {
+    g_autoptr(TeskHostApplication) proxy = tesk_host_application_proxy_new_for_bus_sync(
+        G_BUS_TYPE_SESSION, G_DBUS_PROXY_FLAGS_NONE, id, host_bus::applicationPath, nullptr, nullptr);
+    g_auto(GStrv) ids = nullptr;
+    std::vector<std::string> result;
+    if (tesk_host_application_call_settle_sync(proxy, G_DBUS_CALL_FLAGS_NONE, -1, &ids, nullptr, nullptr)) {
+        result.assign(ids, ids + g_strv_length(ids));
+    }
+    return result;
+}
+
+class Launch : public HostTest {};
+
+TEST_F(Launch, StartsTheApplicationAndReachesItAfterCreateOnce) {
+    EXPECT_EQ(launch(appId, {{"text", "hello"}}, nullptr), APP_CONTROL_ERROR_NONE);
+    ASSERT_TRUE(logged("launch by com.example.desk: hello\n"));
+    EXPECT_LT(device().log().find("create\n"), device().log().find("launch by"));
+    settle(appId);
+    EXPECT_EQ(occurrences(device().log(), "launch by"), 1U);
+}
+
+TEST_F(Launch, ReachesARunningApplicationAgain) {
+    launch(appId, {{"text", "first"}}, nullptr);
+    launch(appId, {{"text", "second"}}, nullptr);
+    ASSERT_TRUE(logged("launch by com.example.desk: second\n"));
+    EXPECT_LT(device().log().find("first"), device().log().find("second"));
+    EXPECT_EQ(occurrences(device().log(), "create\n"), 1U);
+}
+
+TEST_F(Launch, UnknownApplicationIsNotFoundAtOnce) {
+    Answer answer;
+    EXPECT_EQ(launch("com.example.nobody", {}, &answer), APP_CONTROL_ERROR_APP_NOT_FOUND);
+    EXPECT_EQ(launch("no bus name", {}, &answer), APP_CONTROL_ERROR_APP_NOT_FOUND);
+    EXPECT_FALSE(answer.result.has_value());
+}
+
+TEST_F(Launch, ReplyComesWithItsDataAndACopyOfTheRequest) {
+    Answer answer;
+    launch(appId, {{"do", "answer"}, {"text", "hello"}}, &answer);
+    ASSERT_TRUE(came(answer));
+    EXPECT_EQ(answer.result, APP_CONTROL_RESULT_SUCCEEDED);
+    EXPECT_EQ(answer.answer, "yes");
+    EXPECT_EQ(answer.requestedText, "hello");
+    EXPECT_EQ(answer.target, appId);
+}
+
+TEST_F(Launch, RequestCanStillBeReadAfterItWasAnsweredInTheCallback) {
+    Answer answer;
+    launch(appId, {{"do", "answer"}, {"text", "hello"}}, &answer);
+    EXPECT_TRUE(logged("launch by com.example.desk: hello\n"));
+}
+
+TEST_F(Launch, ReplyMayComeLate) {
+    Answer answer;
+    launch(appId, {{"do", "keep"}}, &answer);
+    ASSERT_TRUE(logged("launch by com.example.desk"));
+    EXPECT_FALSE(answer.result.has_value());
+
+    tellApp(appId, "answer");
+
+    ASSERT_TRUE(came(answer));
+    EXPECT_EQ(answer.result, APP_CONTROL_RESULT_SUCCEEDED);
+    EXPECT_EQ(answer.answer, "yes");
+}
+
+TEST_F(Launch, RequestThatIsDroppedIsCancelled) {
+    Answer answer;
+    launch(appId, {{"do", "drop"}}, &answer);
+    ASSERT_TRUE(came(answer));
+    EXPECT_EQ(answer.result, APP_CONTROL_RESULT_CANCELED);
+    EXPECT_EQ(answer.answer, "(null)");
+}
+
+TEST_F(Launch, DroppedRequestWithoutReplyHarmsNobody) {
+    launch(appId, {{"do", "drop"}}, nullptr);
+    launch(appId, {{"text", "next"}}, nullptr);
+    EXPECT_TRUE(logged("launch by com.example.desk: next\n"));
+}
+
+TEST_F(Launch, DeathOfTheApplicationCancelsTheRequest) {
+    Answer answer;
+    launch(appId, {{"do", "crash"}}, &answer);
+    ASSERT_TRUE(came(answer));
+    EXPECT_EQ(answer.result, APP_CONTROL_RESULT_CANCELED);
+}
+
+TEST_F(Launch, ApplicationThatCannotStartFails) {
+    Answer answer;
+    EXPECT_EQ(launch(brokenId, {}, &answer), APP_CONTROL_ERROR_NONE);
+    ASSERT_TRUE(came(answer));
+    EXPECT_EQ(answer.result, APP_CONTROL_RESULT_FAILED);
+}
+
+TEST_F(Launch, TextThatIsNotUtf8IsInvalid) {
+    EXPECT_EQ(launch(appId, {{"text", "\xff"}}, nullptr), APP_CONTROL_ERROR_INVALID_PARAMETER);
+}
+
+TEST_F(Launch, SenderMayEndAtOnceEvenWhenTheTargetMustBeStarted) {
+    EXPECT_EQ(run({"launch", appId, "by"})->status(), 0);
+    EXPECT_TRUE(logged("launch by com.example.desk: by\n"));
+}
+
+TEST_F(Launch, RequestBehindTheOneThatEndsTheApplicationIsNotLost) {
+    launch(appId, {{"do", "exit"}}, nullptr);
+    launch(appId, {{"text", "afterwards"}}, nullptr);
+    EXPECT_TRUE(logged("launch by com.example.desk: afterwards\n"));
+}
+
+TEST_F(Launch, ApplicationComesUpAgainAfterItsEnd) {
+    launch(appId, {{"do", "exit"}}, nullptr);
+    ASSERT_TRUE(logged("main returned 0\n"));
+    EXPECT_EQ(launch(appId, {{"text", "again"}}, nullptr), APP_CONTROL_ERROR_NONE);
+    EXPECT_TRUE(logged("launch by com.example.desk: again\n"));
+    EXPECT_EQ(occurrences(device().log(), "create\n"), 2U);
+}
+
+TEST_F(Launch, SettledApplicationHasHandledAllThatWasSentBefore) {
+    for (int i = 0; i < 20; ++i) {
+        launch(appId, {{"text", std::to_string(i)}}, nullptr);
+    }
+    EXPECT_TRUE(settle(appId).empty());
+    EXPECT_EQ(occurrences(device().log(), "launch by"), 20U);
+}
+
+TEST_F(Launch, SettledApplicationNamesThoseWhoseAnswerIsStillOut) {
+    launch(appId, {{"do", "launch"}, {"target", keeperId}}, nullptr);
+    ASSERT_TRUE(logged("launch by com.example.app"));
+    EXPECT_EQ(settle(appId), std::vector<std::string>{keeperId});
+
+    tellApp(keeperId, "answer");
+    ASSERT_TRUE(logged("answered"));
+    EXPECT_TRUE(settle(appId).empty());
+}
+
+} // namespace

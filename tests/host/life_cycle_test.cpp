@@ -1,0 +1,108 @@
+#include <csignal>
+
+#include "host_test.h"
+
+namespace {
+
+class LifeCycle : public HostTest {};
+
+TEST_F(LifeCycle, ApplicationStartedByHandGetsOneEmptyLaunchAfterCreate) {
+    const auto app = start({"serve"});
+    ASSERT_TRUE(app->said("launch by nobody: \n"));
+    EXPECT_EQ(app->errors(), "create\nlaunch by nobody: \n");
+}
+
+TEST_F(LifeCycle, TerminationSignalEndsTheApplicationInOrder) {
+    const auto app = start({"serve"});
+    ASSERT_TRUE(app->said("launch"));
+    app->sendSignal(SIGTERM);
+    ASSERT_TRUE(app->ended());
+    EXPECT_EQ(app->errors(), "create\nlaunch by nobody: \nterminate\nmain returned 0\n");
+    EXPECT_EQ(app->status(), 0);
+}
+
+TEST_F(LifeCycle, InterruptEndsTheApplicationInOrder) {
+    const auto app = start({"serve"});
+    ASSERT_TRUE(app->said("launch"));
+    app->sendSignal(SIGINT);
+    ASSERT_TRUE(app->ended());
+    EXPECT_EQ(app->status(), 0);
+}
+
+TEST_F(LifeCycle, BrokenPipeDoesNotEndTheApplication) {
+    const auto app = start({"serve"});
+    ASSERT_TRUE(app->said("launch"));
+    app->sendSignal(SIGPIPE);
+    EXPECT_EQ(run({"send", appId, "still here"})->status(), 0);
+    EXPECT_TRUE(app->said("still here"));
+}
+
+TEST_F(LifeCycle, RefusedCreateEndsTheApplicationWithoutMainLoopAndTerminate) {
+    const auto app = start({"refuse"});
+    ASSERT_TRUE(app->ended());
+    EXPECT_EQ(app->status(), 1);
+    EXPECT_EQ(occurrences(app->errors(), "create\n"), 1U);
+    EXPECT_EQ(occurrences(app->errors(), "launch"), 0U);
+    EXPECT_EQ(occurrences(app->errors(), "terminate"), 0U);
+    EXPECT_EQ(occurrences(app->errors(), "main returned -"), 1U);
+}
+
+TEST_F(LifeCycle, ExitBeforeTheMainLoopEndsItTooAndRunsTerminate) {
+    const auto app = start({"exit-in-create"});
+    ASSERT_TRUE(app->ended());
+    EXPECT_EQ(app->errors(), "create\nterminate\nmain returned 0\n");
+}
+
+TEST_F(LifeCycle, SecondInstanceIsRefusedBeforeCreate) {
+    const auto first = start({"serve"});
+    ASSERT_TRUE(first->said("launch"));
+    const auto second = start({"serve"});
+    ASSERT_TRUE(second->ended());
+    EXPECT_EQ(second->status(), 1);
+    EXPECT_EQ(occurrences(second->errors(), "an instance of com.example.app is running already"), 1U);
+    EXPECT_EQ(occurrences(second->errors(), "create"), 0U);
+}
+
+TEST_F(LifeCycle, ApplicationWithoutAnIdSaysSoAndDoesNotStart) {
+    TestProcess app({TEST_APPLICATION, "serve"}, "");
+    ASSERT_TRUE(app.ended());
+    EXPECT_EQ(app.status(), 1);
+    EXPECT_GE(occurrences(app.errors(), "TESK_APP_ID is not set"), 1U);
+    EXPECT_EQ(occurrences(app.errors(), "create"), 0U);
+}
+
+TEST_F(LifeCycle, IdThatIsNoBusNameIsRefused) {
+    TestProcess app({TEST_APPLICATION, "serve"}, "no bus name");
+    ASSERT_TRUE(app.ended());
+    EXPECT_EQ(app.status(), 1);
+    EXPECT_GE(occurrences(app.errors(), "no well-formed bus name"), 1U);
+}
+
+TEST_F(LifeCycle, ApplicationWithoutABusSaysSoAndDoesNotStart) {
+    device().shutDown();
+    const auto app = start({"serve"});
+    ASSERT_TRUE(app->ended());
+    EXPECT_EQ(app->status(), 1);
+    EXPECT_GE(occurrences(app->errors(), "cannot connect to the device's bus"), 1U);
+}
+
+TEST_F(LifeCycle, LostBusEndsTheApplicationAsAFailure) {
+    const auto app = start({"serve"});
+    ASSERT_TRUE(app->said("launch"));
+    device().shutDown();
+    ASSERT_TRUE(app->ended());
+    EXPECT_EQ(app->status(), 1);
+    EXPECT_EQ(occurrences(app->errors(), "the connection to the bus was lost"), 1U);
+    EXPECT_EQ(occurrences(app->errors(), "terminate"), 0U);
+}
+
+TEST_F(LifeCycle, LostBusIsAFailureForTheOwnerOfASystemNameToo) {
+    const auto app = start({"serve-on-both-buses"});
+    ASSERT_TRUE(app->said("launch"));
+    device().shutDown();
+    ASSERT_TRUE(app->ended());
+    EXPECT_EQ(app->status(), 1);
+    EXPECT_EQ(occurrences(app->errors(), "the connection to the bus was lost"), 1U);
+}
+
+} // namespace

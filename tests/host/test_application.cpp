@@ -1,0 +1,244 @@
+// An application of the host platform for tests: it says what happens to it, one line each on stderr, and does what it
+// is told by launch requests and by messages on its port "control".
+
+#include <app_control.h>
+#include <dpm/administration.h>
+#include <dpm/password.h>
+#include <dpm/security.h>
+#include <gio/gio.h>
+#include <message_port.h>
+#include <service_app.h>
+#include <vconf.h>
+
+#include <cstdlib>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <string>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+#include "c_text.h"
+
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+struct Application {
+    bool refuses = false;
+    bool ownsSystemName = false;
+    bool exitsInCreate = false;
+    app_control_h kept = nullptr;
+};
+
+void say(const std::string& line) {
+    std::cerr << line << "\n" << std::flush;
+}
+
+std::string extraData(app_control_h control, const char* key) {
+    char* value = nullptr;
+    app_control_get_extra_data(control, key, &value);
+    return value != nullptr ? taken(value) : std::string();
+}
+
+std::string callerOf(app_control_h control) {
+    char* id = nullptr;
+    app_control_get_caller(control, &id);
+    return id != nullptr ? taken(id) : "nobody";
+}
+
+void answer(app_control_h request) {
+    app_control_h reply = nullptr;
+    app_control_create(&reply);
+    app_control_add_extra_data(reply, "answer", "yes");
+    app_control_reply_to_launch_request(reply, request, APP_CONTROL_RESULT_SUCCEEDED);
+    app_control_destroy(reply);
+}
+
+void onAnswered(app_control_h /*request*/, app_control_h /*reply*/, app_control_result_e result, void* /*data*/) {
+    say("answered " + std::to_string(result));
+}
+
+// Launches another application that will keep the request.
+void launchAndWait(const std::string& target) {
+    app_control_h request = nullptr;
+    app_control_create(&request);
+    app_control_set_app_id(request, target.c_str());
+    app_control_add_extra_data(request, "do", "keep");
+    app_control_send_launch_request(request, onAnswered, nullptr);
+    app_control_destroy(request);
+}
+
+void onKeyChanged(keynode_t* node, void* /*data*/) {
+    say(std::string("key ") + vconf_keynode_get_name(node) + " is " + std::to_string(vconf_keynode_get_int(node)));
+}
+
+void onEvent(app_event_info_h /*info*/, void* name) {
+    say(std::string("event ") + static_cast<const char*>(name));
+}
+
+std::string textOf(bundle* message, const char* key) {
+    char* text = nullptr;
+    bundle_get_str(message, key, &text);
+    return text != nullptr ? text : "";
+}
+
+void onMessage(int /*port*/, const char* sender, const char* /*remotePort*/, bool /*trusted*/, bundle* message,
+               void* data) {
+    auto* application = static_cast<Application*>(data);
+    const std::string todo = textOf(message, "do");
+    if (todo == "answer") {
+        answer(std::exchange(application->kept, nullptr));
+    } else if (todo == "watch") {
+        vconf_notify_key_changed(textOf(message, "key").c_str(), onKeyChanged, nullptr);
+        say("watching");
+    } else {
+        say(std::string("message from ") + sender + ": " + textOf(message, "text"));
+    }
+}
+
+void ownSystemName() {
+    GDBusConnection* bus = g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr);
+    g_bus_own_name_on_connection(bus, "com.example.system", G_BUS_NAME_OWNER_FLAGS_NONE, nullptr, nullptr, nullptr,
+                                 nullptr);
+}
+
+bool onCreate(void* data) {
+    auto* application = static_cast<Application*>(data);
+    say("create");
+    message_port_register_local_port("control", onMessage, data);
+    if (application->ownsSystemName) {
+        ownSystemName();
+    }
+    if (application->exitsInCreate) {
+        service_app_exit();
+    }
+    return !application->refuses;
+}
+
+void onTerminate(void* /*data*/) {
+    say("terminate");
+}
+
+void onLaunch(app_control_h request, void* data) {
+    auto* application = static_cast<Application*>(data);
+    const std::string todo = extraData(request, "do");
+    if (todo == "answer") {
+        answer(request);
+        answer(request); // the second one is refused
+    } else if (todo == "keep") {
+        application->kept = request;
+    } else if (todo == "drop") {
+        app_control_destroy(request);
+        say("dropped");
+        return;
+    } else if (todo == "crash") {
+        _exit(EXIT_FAILURE);
+    } else if (todo == "exit") {
+        service_app_exit();
+    } else if (todo == "launch") {
+        launchAndWait(extraData(request, "target"));
+    }
+    say("launch by " + callerOf(request) + ": " + extraData(request, "text"));
+}
+
+int serve(Application application) {
+    app_event_handler_h lowMemory = nullptr;
+    char name[] = "low memory";
+    service_app_add_event_handler(&lowMemory, APP_EVENT_LOW_MEMORY, onEvent, name);
+    service_app_lifecycle_callback_s callbacks{onCreate, onTerminate, onLaunch};
+    char program[] = "test-application";
+    char* arguments[] = {program, nullptr};
+    const int result = service_app_main(1, arguments, &callbacks, &application);
+    say("main returned " + std::to_string(result));
+    return result == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+// Sends each text to another application's port, and ends at once.
+int sendMessages(const Arguments& arguments) {
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
+        bundle* message = bundle_create();
+        bundle_add_str(message, "text", arguments[i].c_str());
+        const int result = message_port_send_message(arguments[0].c_str(), "control", message);
+        bundle_free(message);
+        if (result != 0) {
+            return EXIT_FAILURE;
+        }
+    }
+    return EXIT_SUCCESS;
+}
+
+// Launches another application, and ends at once.
+int launch(const Arguments& arguments) {
+    app_control_h request = nullptr;
+    app_control_create(&request);
+    app_control_set_app_id(request, arguments.at(0).c_str());
+    app_control_add_extra_data(request, "text", arguments.at(1).c_str());
+    const int result = app_control_send_launch_request(request, nullptr, nullptr);
+    app_control_destroy(request);
+    return result == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+int setKey(const Arguments& arguments) {
+    return vconf_set_int(arguments.at(0).c_str(), std::stoi(arguments.at(1))) == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+int printKey(const Arguments& arguments) {
+    int value = 0;
+    const int result = vconf_get_int(arguments.at(0).c_str(), &value);
+    std::cout << value;
+    return result == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+int administer(const Arguments& arguments) {
+    device_policy_manager_h handle = dpm_manager_create();
+    dpm_admin_register_client(handle, "com.example.client", getuid());
+    const int result = dpm_password_set_quality(handle, std::stoi(arguments.at(0)));
+    dpm_manager_destroy(handle);
+    return result == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+// Prints the quality, and whether a setter is allowed.
+int printQuality(const Arguments& /*arguments*/) {
+    device_policy_manager_h handle = dpm_manager_create();
+    int quality = -1;
+    dpm_password_get_quality(handle, &quality);
+    std::cout << quality << " " << dpm_password_set_quality(handle, quality);
+    dpm_manager_destroy(handle);
+    return EXIT_SUCCESS;
+}
+
+using Command = std::function<int(const Arguments&)>;
+
+const std::map<std::string, Command>& commands() {
+    static const std::map<std::string, Command> all{
+        {"serve", [](const Arguments&) { return serve({}); }},
+        {"refuse",
+         [](const Arguments&) {
+             return serve({true, false, false, nullptr});
+         }},
+        {"serve-on-both-buses",
+         [](const Arguments&) {
+             return serve({false, true, false, nullptr});
+         }},
+        {"exit-in-create",
+         [](const Arguments&) {
+             return serve({false, false, true, nullptr});
+         }},
+        {"send", sendMessages},
+        {"launch", launch},
+        {"set-key", setKey},
+        {"print-key", printKey},
+        {"administer", administer},
+        {"print-quality", printQuality},
+    };
+    return all;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const Arguments arguments(argv + 1, argv + argc);
+    return commands().at(arguments.at(0))(Arguments(arguments.begin() + 1, arguments.end()));
+}
