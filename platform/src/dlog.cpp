@@ -8,6 +8,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <string>
 
 #include "guard.h"
@@ -16,6 +17,10 @@ namespace {
 
 constexpr int invalidParameter = -22;
 constexpr int outOfMemory = -12;
+
+struct CFree {
+    void operator()(char* text) const { std::free(text); }
+};
 
 struct Level {
     int priority;
@@ -60,26 +65,13 @@ int lowestShown() {
 
 // Read once: what is shown does not change while the process runs.
 struct Output {
-    int lowest = lowestShown();
+    int lowest = host::guarded<int>("DLOG_LEVEL", DLOG_INFO, lowestShown);
     bool coloured = isatty(STDERR_FILENO) == 1;
 };
 
 const Output& output() {
     static const Output instance;
     return instance;
-}
-
-std::string formatted(const char* fmt, va_list arguments) {
-    va_list again;
-    va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, fmt, again);
-    va_end(again);
-    if (length < 0) {
-        throw host::HostError(std::string("cannot format the log text \"") + fmt + "\"");
-    }
-    std::string text(static_cast<std::size_t>(length), '\0');
-    std::vsnprintf(text.data(), text.size() + 1, fmt, arguments);
-    return text;
 }
 
 // One write, so that the lines of several processes do not mix.
@@ -105,8 +97,8 @@ int writeText(const Level& level, const char* tag, const std::string& text) {
     std::size_t begin = 0;
     while (true) {
         const std::size_t end = text.find('\n', begin);
-        std::string line = prefix + text.substr(begin, end - begin);
-        line = coloured ? level.colour + line + "\x1b[0m\n" : line + "\n";
+        std::string line = coloured ? level.colour + prefix : prefix;
+        line.append(text.substr(begin, end - begin)).append(coloured ? "\x1b[0m\n" : "\n");
         const int written = writeLine(line);
         if (written < 0) {
             return written;
@@ -127,15 +119,18 @@ int __dlog_print(log_id_t log_id, int prio, const char* tag, const char* fmt, ..
         return invalidParameter;
     }
     const int savedError = errno;
-    va_list arguments;
-    va_start(arguments, fmt);
-    const int result = host::guarded("__dlog_print", outOfMemory, [&] {
-        if (prio < output().lowest) {
-            return 0;
-        }
-        return writeText(*level, tag != nullptr ? tag : "", formatted(fmt, arguments));
-    });
-    va_end(arguments);
+    int result = 0;
+    if (prio >= output().lowest) {
+        char* text = nullptr;
+        va_list arguments;
+        va_start(arguments, fmt);
+        const int length = vasprintf(&text, fmt, arguments);
+        va_end(arguments);
+        const std::unique_ptr<char, CFree> owner(length < 0 ? nullptr : text);
+        result = host::guarded("__dlog_print", outOfMemory, [&] {
+            return owner != nullptr ? writeText(*level, tag != nullptr ? tag : "", owner.get()) : outOfMemory;
+        });
+    }
     errno = savedError;
     return result;
 }

@@ -120,10 +120,10 @@ std::unique_ptr<Launcher::Launch> Launcher::take(Launch* launch) {
     return taken;
 }
 
-void Launcher::onAnswer(GObject* proxy, GAsyncResult* outcome, gpointer data) {
-    auto* launch = static_cast<Launch*>(data);
+void Launcher::onAnswer(GObject* proxy, GAsyncResult* outcome, gpointer launch) {
+    auto* answeredLaunch = static_cast<Launch*>(launch);
     guarded("the answer to a launch request", 0, [&] {
-        launch->launcher->answered(launch, PLATFORM_BUS_APPLICATION(proxy), outcome);
+        answeredLaunch->launcher->answered(answeredLaunch, PLATFORM_BUS_APPLICATION(proxy), outcome);
         return 0;
     });
 }
