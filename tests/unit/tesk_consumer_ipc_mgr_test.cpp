@@ -1,0 +1,148 @@
+#include "TeskConsumerIpcMgr.h"
+
+#include "TeskConsumerDbMgr.h"
+#include "sample_policies.h"
+#include "unit_test.h"
+
+namespace {
+
+class IpcMgrTest : public UnitTest {
+protected:
+    TeskConsumerIpcMgr& manager = *TeskConsumerIpcMgr::getInstance();
+};
+
+TEST_F(IpcMgrTest, OpensItsPort) {
+    EXPECT_TRUE(manager.init());
+
+    EXPECT_EQ(journal.calls(), Lines{"message_port_register_local_port eas-itpolicy-port"});
+    EXPECT_EQ(journal.logs(), (Lines{"I Enter", "I Leave"}));
+}
+
+TEST_F(IpcMgrTest, RefusedPortIsAnError) {
+    platform.faults.always("message_port_register_local_port", -5);
+
+    EXPECT_FALSE(manager.init());
+    EXPECT_EQ(journal.warnings(), Lines{"E Failed message port register. (-5)"});
+}
+
+TEST_F(IpcMgrTest, ClosesThePortThatItOpened) {
+    manager.init();
+    const int id = platform.ports.localPorts.begin()->first;
+    journal.clear();
+
+    EXPECT_TRUE(manager.deinit());
+    EXPECT_EQ(journal.calls(), Lines{"message_port_unregister_local_port " + std::to_string(id)});
+    EXPECT_EQ(journal.logs(), (Lines{"I Enter", "I Leave"}));
+    EXPECT_TRUE(platform.ports.localPorts.empty());
+}
+
+TEST_F(IpcMgrTest, PortThatCannotBeClosedIsAnError) {
+    manager.init();
+    platform.faults.always("message_port_unregister_local_port", -22);
+
+    EXPECT_FALSE(manager.deinit());
+    EXPECT_EQ(journal.warnings(), Lines{"E Failed message port unregister. (-22)"});
+}
+
+using IpcMgrCreationTest = UnitTest;
+
+TEST_F(IpcMgrCreationTest, FailedCreationYieldsNoInstanceAndIsTriedAgain) {
+    platform.faults.atCall("operator new", 1);
+
+    EXPECT_EQ(TeskConsumerIpcMgr::getInstance(), nullptr);
+    auto* const instance = TeskConsumerIpcMgr::getInstance();
+    EXPECT_NE(instance, nullptr);
+    EXPECT_EQ(TeskConsumerIpcMgr::getInstance(), instance);
+}
+
+TEST_F(IpcMgrTest, DeliveredRequestRunsToItsEnd) {
+    manager.init();
+    journal.clear();
+
+    platform.ports.deliver("req_update_policy", samples::indication(5, samples::hardened));
+
+    EXPECT_EQ(storedAccounts(), 1);
+    EXPECT_EQ(journal.logsOf("__teskItpolicyReqCb"), (Lines{"I Enter", "I Leave"}));
+}
+
+TEST_F(IpcMgrTest, UnsupportedRequestsAreLoggedAndDropped) {
+    manager.init();
+    for (const auto* request : {"req_unknown", "REQ_UPDATE_POLICY", "req_update_policy ", ""}) {
+        journal.clear();
+        platform.ports.deliver(request, "text");
+        EXPECT_EQ(journal.warnings(), Lines{std::string("E Unsupported request : ") + request});
+        EXPECT_EQ(journal.logsOf("__teskItpolicyReqCb"), (Lines{"I Enter", "I Leave"}));
+    }
+}
+
+TEST_F(IpcMgrTest, MissingRequestIsLoggedAndDropped) {
+    manager.init();
+    journal.clear();
+
+    platform.ports.deliver(std::nullopt, "text");
+    platform.ports.deliver(std::nullopt, std::nullopt);
+
+    EXPECT_EQ(journal.warnings().size(), 2U);
+    EXPECT_EQ(journal.warnings()[0].rfind("E Unsupported request : ", 0), 0U);
+}
+
+TEST_F(IpcMgrTest, MissingArgumentCountsAsAnEmptyText) {
+    manager.init();
+    store({account(1)});
+
+    platform.ports.deliver("req_update_policy", std::nullopt);
+    EXPECT_EQ(journal.warnings(),
+              (Lines{"E json_parser_get_root failed", "W TeskConsumerRespMsgFactory::createResponsedMsg() failed"}));
+
+    journal.clear();
+    platform.ports.deliver("req_delete_account", std::nullopt);
+    EXPECT_EQ(journal.warnings().front(), "E accountId is invalid");
+    EXPECT_EQ(storedAccounts(), 1);
+}
+
+TEST_F(IpcMgrTest, RequestGoesToTheMailApplicationAndIsReleased) {
+    manager.sendEasItpolicyReq("req_disable_password_eas_accounts", "");
+
+    EXPECT_EQ(journal.calls(),
+              (Lines{"bundle_create", "bundle_add_str req req_disable_password_eas_accounts", "bundle_add_str msg ",
+                     "message_port_send_message com.velmor.quillon.consumer eas-itpolicy-port", "bundle_free"}));
+    EXPECT_EQ(journal.logs(), (Lines{"I Enter", "I [RELAY MSG] req_disable_password_eas_accounts : ", "I Leave"}));
+}
+
+TEST_F(IpcMgrTest, LostRequestIsNotLogged) {
+    platform.faults.always("message_port_send_message", -5);
+
+    manager.sendEasItpolicyReq("req", "msg");
+
+    EXPECT_EQ(journal.warnings(), Lines{});
+}
+
+TEST_F(IpcMgrTest, MissingBundleLosesTheRequestQuietly) {
+    platform.faults.always("bundle_create");
+
+    manager.sendEasItpolicyReq("req", "msg");
+
+    EXPECT_EQ(journal.warnings(), Lines{});
+    EXPECT_TRUE(platform.ports.sent.empty());
+}
+
+TEST_F(IpcMgrTest, RelayedRequestRunsAsIfItHadComeOverThePort) {
+    store({account(5), account(6)});
+
+    manager.policyTest("req_delete_account", "5");
+
+    EXPECT_EQ(TeskConsumerDbMgr::getInstance()->checkPolicyByAccountId(5), -1002);
+    EXPECT_EQ(storedAccounts(), 1);
+    EXPECT_EQ(journal.logs()[0], "I [RELAY MSG] req_delete_account : 5");
+    EXPECT_EQ(journal.logsOf("__teskItpolicyReqCb"), (Lines{"I Enter", "I Leave"}));
+    EXPECT_EQ(journal.logsOf("policyTest").size() + journal.logsOf("newRequest").size(), 1U);
+}
+
+TEST_F(IpcMgrTest, RelayNeedsNoOpenPort) {
+    manager.policyTest("req_unknown", "");
+
+    EXPECT_EQ(journal.warnings(), Lines{"E Unsupported request : req_unknown"});
+    EXPECT_EQ(journal.calls({"message_port"}), Lines{});
+}
+
+} // namespace

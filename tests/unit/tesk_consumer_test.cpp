@@ -1,0 +1,225 @@
+#include "TeskConsumer.h"
+
+#include <algorithm>
+#include <array>
+#include <functional>
+
+#include "TeskConsumerDbMgr.h"
+#include "sample_policies.h"
+#include "unit_test.h"
+
+namespace {
+
+class ConsumerTest : public UnitTest {
+protected:
+    /// Runs the service; `script` stands for its main loop.
+    int run(const std::function<void()>& script = nullptr) {
+        platform.service.duringMainLoop = script;
+        std::string name = "tesk-agent";
+        std::array<char*, 2> arguments{name.data(), nullptr};
+        auto* const consumer = TeskConsumer::getInstance();
+        consumer->init();
+        return consumer->start(1, arguments.data());
+    }
+
+    Lines bringUp() const {
+        return journal.calls(
+            {"vconf_notify", "preference_", "app_get_data_path", "message_port", "dpm_password_set_q"});
+    }
+};
+
+const std::vector<std::string> keyWatches{"vconf_notify_key_changed db/eas/password_policy_applied",
+                                          "vconf_notify_key_changed db/eas/device_encryption_applied"};
+
+TEST_F(ConsumerTest, ConstructorAndDestructorLogTheirBeginningAndEnd) {
+    { const TeskConsumer consumer; }
+
+    EXPECT_EQ(journal.logsOf("TeskConsumer"), (Lines{"I Enter", "I Leave"}));
+    EXPECT_EQ(journal.logsOf("~TeskConsumer"), (Lines{"I Enter", "I Leave"}));
+}
+
+TEST_F(ConsumerTest, ListensToThreeSystemEvents) {
+    TeskConsumer consumer;
+    consumer.init();
+
+    EXPECT_EQ(journal.calls(), (Lines{"service_app_add_event_handler 0", "service_app_add_event_handler 1",
+                                      "service_app_add_event_handler 3"}));
+    for (const auto* handler : platform.service.handlers) {
+        EXPECT_EQ(handler->userData, &consumer);
+    }
+    EXPECT_EQ(journal.logsOf("init"), (Lines{"I Enter", "I Leave"}));
+}
+
+TEST_F(ConsumerTest, RefusedEventHandlersAreNotLogged) {
+    platform.faults.always("service_app_add_event_handler", -22);
+    TeskConsumer consumer;
+    consumer.init();
+
+    EXPECT_EQ(journal.warnings(), Lines{});
+}
+
+TEST_F(ConsumerTest, StartPassesTheFrameworksResultOn) {
+    platform.faults.always("service_app_main", -77);
+
+    EXPECT_EQ(run(), -77);
+    EXPECT_EQ(journal.calls().back(), "service_app_main 1 tesk-agent");
+    EXPECT_EQ(journal.logsOf("start"), (Lines{"I Enter", "I Leave"}));
+}
+
+TEST_F(ConsumerTest, BringsEverythingUpInOrder) {
+    EXPECT_EQ(run(), 0);
+
+    EXPECT_EQ(bringUp(),
+              (Lines{keyWatches[0], keyWatches[1], "preference_is_existing pref/tesk-agent/pwd_enforce_account_id",
+                     "preference_set_int pref/tesk-agent/pwd_enforce_account_id 0", "app_get_data_path",
+                     "message_port_register_local_port eas-itpolicy-port",
+                     "vconf_notify_key_changed db/setting/lock_type", "message_port_unregister_local_port 1"}));
+    EXPECT_EQ(journal.logsOf("appCreated"), (Lines{"I Enter", "I Leave"}));
+    EXPECT_EQ(journal.logsOf("appTerminated"), (Lines{"I Enter", "I Leave"}));
+}
+
+TEST_F(ConsumerTest, DiagnosticInterfaceIsAskedForFirst) {
+    run();
+
+    const auto lines = messages();
+    const auto ownerId = std::find_if(lines.begin(), lines.end(),
+                                      [](const std::string& line) { return line.rfind("I ownerId: [", 0) == 0; });
+    ASSERT_NE(ownerId, lines.end());
+    const auto database = std::find_if(lines.begin(), lines.end(),
+                                       [](const std::string& line) { return line.rfind("I dbPath", 0) == 0; });
+    EXPECT_LT(ownerId, database);
+}
+
+TEST_F(ConsumerTest, StartWithoutAccountsAppliesNothing) {
+    run();
+
+    EXPECT_EQ(journal.calls({"dpm_"}), Lines{});
+    EXPECT_EQ(journal.logsOf("applyPolicy"), Lines{});
+}
+
+TEST_F(ConsumerTest, StartWithAccountsAppliesTheirPolicyOnce) {
+    store({account(1)});
+
+    run([&] { EXPECT_EQ(journal.deviceSettings().size(), 11U); });
+
+    EXPECT_EQ(journal.logsOf("applyPolicy"), Lines{"I Enter"});
+    EXPECT_EQ(bringUp().at(5), "vconf_notify_key_changed db/setting/lock_type");
+}
+
+TEST_F(ConsumerTest, StoredPolicyThatNeedsAStrongerLockIsLogged) {
+    store({passwordAccount(1)});
+
+    EXPECT_EQ(run(), 0);
+
+    const auto warnings = journal.warnings();
+    EXPECT_EQ(std::count(warnings.begin(), warnings.end(), "W Password policy requires stronger password."), 1);
+}
+
+TEST_F(ConsumerTest, MissingDatabaseManagerEndsTheStart) {
+    // The first object is the application, the second the idle terminator.
+    platform.faults.atCall("operator new", 3);
+
+    EXPECT_EQ(run([] { FAIL() << "the main loop runs"; }), platform.service.refusal);
+
+    EXPECT_EQ(journal.warnings(), Lines{"E TeskConsumerDbMgr::getInstance() failed"});
+    EXPECT_EQ(journal.calls({"message_port", "vconf_notify_key_changed db/setting"}), Lines{});
+    EXPECT_EQ(journal.logsOf("appTerminated"), Lines{});
+}
+
+TEST_F(ConsumerTest, MissingPortManagerEndsTheStart) {
+    platform.faults.atCall("operator new", 4);
+
+    EXPECT_EQ(run([] { FAIL() << "the main loop runs"; }), platform.service.refusal);
+
+    EXPECT_EQ(journal.warnings(), Lines{"E TeskConsumerIpcMgr::getInstance() failed"});
+    EXPECT_EQ(journal.calls({"message_port", "vconf_notify_key_changed db/setting"}), Lines{});
+}
+
+TEST_F(ConsumerTest, RefusedPortEndsTheStart) {
+    store({passwordAccount(1)});
+    platform.faults.always("message_port_register_local_port", -13);
+
+    EXPECT_EQ(run([] { FAIL() << "the main loop runs"; }), platform.service.refusal);
+
+    EXPECT_EQ(journal.warnings(), (Lines{"E Failed message port register. (-13)", "E ipcMgr->init() failed"}));
+    EXPECT_EQ(journal.calls({"vconf_notify_key_changed db/setting", "dpm_"}), Lines{});
+}
+
+TEST_F(ConsumerTest, UnopenedDatabaseDoesNotEndTheStart) {
+    platform.dataPath += "missing/";
+
+    EXPECT_EQ(run(), 0);
+    EXPECT_EQ(journal.calls({"dpm_"}), Lines{});
+}
+
+TEST_F(ConsumerTest, PortThatCannotBeClosedIsLogged) {
+    platform.faults.always("message_port_unregister_local_port", -5);
+
+    EXPECT_EQ(run(), 0);
+    EXPECT_EQ(journal.warnings(), (Lines{"E Failed message port unregister. (-5)", "W ipcMgr->init() failed"}));
+}
+
+TEST_F(ConsumerTest, MissingPortManagerAtTheEndIsLogged) {
+    platform.faults.atCall("operator new", 1);
+
+    TeskConsumer::appTerminated(nullptr);
+
+    EXPECT_EQ(journal.warnings().front(), "W TeskConsumerIpcMgr::getInstance() failed");
+}
+
+TEST_F(ConsumerTest, EveryLaunchOnlyTriggersTheIdleTerminator) {
+    run([&] {
+        journal.clear();
+        platform.service.launch();
+        platform.service.launch({{"OPERATION", "anything"}});
+        EXPECT_EQ(journal.logsOf("appControl"), (Lines{"I Enter", "I Leave", "I Enter", "I Leave"}));
+        EXPECT_EQ(journal.logsOf("tryStartKillTimer").size(), 4U);
+        EXPECT_EQ(
+            journal.calls(),
+            (Lines{"vconf_get_int db/eas/password_policy_applied", "vconf_get_int db/eas/device_encryption_applied",
+                   "vconf_get_int db/eas/password_policy_applied", "vconf_get_int db/eas/device_encryption_applied"}));
+    });
+}
+
+TEST_F(ConsumerTest, SystemEventsChangeNothingButTheLog) {
+    run([&] {
+        journal.clear();
+        platform.service.fire(APP_EVENT_LOW_MEMORY);
+        platform.service.fire(APP_EVENT_LOW_BATTERY);
+        platform.service.fire(APP_EVENT_DEVICE_ORIENTATION_CHANGED);
+        EXPECT_EQ(journal.all(), (Lines{"I Enter", "W Low memory!", "I Leave", "I Enter", "W Low battery!", "I Leave",
+                                        "I Enter", "I Leave"}));
+        EXPECT_EQ(journal.logsOf("appLowMemory").size(), 3U);
+        EXPECT_EQ(journal.logsOf("appLowBattery").size(), 3U);
+        EXPECT_EQ(journal.logsOf("appDeviceOrientationChanged").size(), 2U);
+    });
+}
+
+TEST_F(ConsumerTest, DeinitEndsTheApplication) {
+    TeskConsumer::getInstance()->deinit();
+
+    EXPECT_EQ(journal.calls(), Lines{"service_app_exit"});
+    EXPECT_EQ(journal.logsOf("deinit"), (Lines{"I Enter", "I Leave"}));
+}
+
+TEST_F(ConsumerTest, SatisfiedServiceEndsItselfTenSecondsAfterThePolicy) {
+    run([&] {
+        platform.ports.deliver("req_update_policy", samples::indication(1, samples::builtIn));
+        platform.settings.deliverChanges();
+        platform.system.passSeconds(9);
+        EXPECT_FALSE(platform.service.exited);
+        platform.system.passSeconds(1);
+        EXPECT_TRUE(platform.service.exited);
+    });
+}
+
+TEST_F(ConsumerTest, OutstandingPolicyKeepsTheServiceAlive) {
+    run([&] {
+        platform.ports.deliver("req_update_policy", samples::indication(1, samples::hardened));
+        platform.settings.deliverChanges();
+        platform.system.passSeconds(1000);
+        EXPECT_FALSE(platform.service.exited);
+    });
+}
+
+} // namespace
