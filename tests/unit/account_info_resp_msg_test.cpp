@@ -1,0 +1,211 @@
+#include <algorithm>
+
+#include "msgs/TeskConsumerAccountInfoRespMsg.h"
+#include "msgs/TeskConsumerInitRespMsg.h"
+#include "sample_policies.h"
+#include "unit_test.h"
+
+namespace {
+
+/// An account's entry in the mail application's lists.
+std::string listed(int accountId, const std::string& policySet) {
+    return R"({"id":)" + std::to_string(accountId) +
+           R"(,"accountName":"alice@contoso.example","displayName":"Alice","policySet":)" + policySet + "}";
+}
+
+std::string accountInfoOf(const std::string& accounts) {
+    return R"({"msgId":"email-account-info","seqId":1,"accountId":)" + accounts + "}";
+}
+
+std::string initResponseOf(const std::string& accounts) {
+    return R"({"msgId":"email-init-res","seqId":1,"param":{"accountId":)" + accounts + "}}";
+}
+
+using AccountInfoTest = UnitTest;
+
+std::shared_ptr<TeskConsumerAccountInfo> readEntry(const std::string& text) {
+    g_autoptr(JsonParser) parser = json_parser_new();
+    EXPECT_TRUE(json_parser_load_from_data(parser, text.c_str(), -1, nullptr)) << text;
+    return TeskConsumerAccountInfo::getInstanceFromJsonObject(json_node_get_object(json_parser_get_root(parser)));
+}
+
+TEST_F(AccountInfoTest, EntryFillsTheAccountAndItsPolicy) {
+    const auto info = readEntry(listed(7, samples::hardened));
+
+    EXPECT_EQ(info->accountId, 7);
+    EXPECT_EQ(info->accountName, "alice@contoso.example");
+    EXPECT_EQ(info->displayName, "Alice");
+    ASSERT_NE(info->policyInfo, nullptr);
+    EXPECT_EQ(info->policyInfo->accountId, 7);
+    EXPECT_EQ(info->policyInfo->accountName, "alice@contoso.example");
+    EXPECT_EQ(info->policyInfo->displayName, "Alice");
+    EXPECT_EQ(info->policyInfo->devicePasswordExpiration, 365);
+}
+
+TEST_F(AccountInfoTest, EntryWithoutPolicySetHasNoPolicyAndLogsNothingOfIt) {
+    const auto info = readEntry(R"({"id":7,"accountName":"a","displayName":"A"})");
+
+    EXPECT_EQ(info->policyInfo, nullptr);
+    EXPECT_EQ(journal.logs(), (Lines{"I Enter", "I Leave"}));
+}
+
+TEST_F(AccountInfoTest, MissingMembersAreZeroAndEmpty) {
+    for (const auto* text : {"{}", R"({"accountId":7})", R"({"id":"7","accountName":7,"displayName":null})"}) {
+        const auto info = readEntry(text);
+        EXPECT_EQ(info->accountId, 0) << text;
+        EXPECT_EQ(info->accountName, "") << text;
+        EXPECT_EQ(info->displayName, "") << text;
+    }
+}
+
+/// What both lists of accounts have in common.
+struct ListKind {
+    const char* name;
+    TeskConsumerResponsedMsg* (*create)();
+    std::string (*text)(const std::string& accounts);
+    const char* otherKind;
+};
+
+class AccountListTest : public UnitTest, public ::testing::WithParamInterface<ListKind> {
+protected:
+    int run(const std::string& text) {
+        const std::unique_ptr<TeskConsumerResponsedMsg> message(GetParam().create());
+        message->fromJson(text);
+        return message->process();
+    }
+
+    std::string list(const std::string& accounts) const { return GetParam().text(accounts); }
+
+    std::size_t applications() const { return journal.logsOf("applyPolicy").size(); }
+};
+
+TEST_P(AccountListTest, StoresEveryAccountWithAPolicyAndAppliesOnce) {
+    EXPECT_EQ(run(list("[" + listed(7, samples::builtIn) + R"(,{"id":8,"accountName":"b","displayName":"B"},)" +
+                       listed(9, samples::limitsWithoutPassword) + "]")),
+              0);
+
+    EXPECT_EQ(storedAccounts(), 2);
+    EXPECT_EQ(stored(7).accountName, "alice@contoso.example");
+    EXPECT_EQ(stored(7).displayName, "Alice");
+    EXPECT_EQ(stored(9).maxDevicePasswordFailedAttempts, 8);
+    EXPECT_EQ(applications(), 1U);
+}
+
+TEST_P(AccountListTest, NeverRemovesAnAccount) {
+    store({account(3), account(8)});
+
+    run(list(R"([{"id":8,"accountName":"b","displayName":"B"}])"));
+
+    EXPECT_EQ(storedAccounts(), 2);
+    EXPECT_EQ(stored(8).accountName, "");
+    EXPECT_EQ(applications(), 1U);
+}
+
+TEST_P(AccountListTest, EmptyListAppliesOnce) {
+    EXPECT_EQ(run(list("[]")), 0);
+
+    EXPECT_EQ(storedAccounts(), 0);
+    EXPECT_EQ(applications(), 1U);
+    EXPECT_EQ(journal.logsOf("process"), (Lines{"I Enter", "I Leave"}));
+}
+
+TEST_P(AccountListTest, EntriesThatAreNoObjectsAreSkipped) {
+    run(list("[1,null,\"x\",[]," + listed(7, samples::builtIn) + "]"));
+
+    EXPECT_EQ(storedAccounts(), 1);
+}
+
+TEST_P(AccountListTest, MissingNamesAreEmpty) {
+    run(list(R"([{"id":7,"policySet":{}}])"));
+
+    EXPECT_EQ(storedAccounts(), 1);
+    EXPECT_EQ(stored(7).accountName + stored(7).displayName, "");
+}
+
+TEST_P(AccountListTest, MissingListIsNotLogged) {
+    for (const auto* accounts : {"null", "{}", "\"x\"", "5"}) {
+        journal.clear();
+        EXPECT_EQ(run(list(accounts)), 0);
+        EXPECT_EQ(journal.logs(DLOG_ERROR), Lines{}) << accounts;
+        EXPECT_EQ(journal.logsOf("fromJson"), (Lines{"I Enter", "I Leave"}));
+        EXPECT_EQ(applications(), 1U);
+    }
+}
+
+TEST_P(AccountListTest, TextsOfAnotherKindAreLoggedAndStillApplyOnce) {
+    const std::vector<std::pair<std::string, std::string>> texts{
+        {"", "E json_parser_get_root failed"},
+        {"[]", "E json_node_get_object failed"},
+        {"{}", "E msgId is diffrent"},
+        {std::string("{\"msgId\":\"") + GetParam().otherKind + "\"}", "E msgId is diffrent"},
+    };
+    for (const auto& [text, error] : texts) {
+        SCOPED_TRACE(text);
+        journal.clear();
+        EXPECT_EQ(run(text), 0);
+        EXPECT_EQ(journal.logs(DLOG_ERROR), Lines{error});
+        EXPECT_EQ(applications(), 1U);
+    }
+}
+
+TEST_P(AccountListTest, DemandForAStrongerLockIsOneWarning) {
+    EXPECT_EQ(run(list("[" + listed(7, samples::hardened) + "]")), 0);
+
+    const auto warnings = journal.warnings();
+    EXPECT_EQ(std::count(warnings.begin(), warnings.end(), "W Password policy requires stronger password."), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Lists, AccountListTest,
+    ::testing::Values(ListKind{"AccountInfo",
+                               []() -> TeskConsumerResponsedMsg* { return new TeskConsumerAccountInfoRespMsg; },
+                               accountInfoOf, "email-init-res"},
+                      ListKind{"InitResponse",
+                               []() -> TeskConsumerResponsedMsg* { return new TeskConsumerInitRespMsg; },
+                               initResponseOf, "email-account-info"}),
+    [](const auto& kind) { return kind.param.name; });
+
+using AccountInfoMessageTest = UnitTest;
+
+TEST_F(AccountInfoMessageTest, ListUnderParamIsIgnored) {
+    TeskConsumerAccountInfoRespMsg message;
+    message.fromJson(R"({"msgId":"email-account-info","param":{"accountId":[)" + listed(7, samples::builtIn) + "]}}");
+    message.process();
+
+    EXPECT_EQ(storedAccounts(), 0);
+}
+
+TEST_F(AccountInfoMessageTest, ConstructorAndDestructorLogUnderTheirNames) {
+    { const TeskConsumerAccountInfoRespMsg message; }
+
+    EXPECT_EQ(journal.logsOf("TeskConsumerAccountInfoRespMsg").size(), 1U);
+    EXPECT_EQ(journal.logsOf("~TeskConsumerAccountInfoRespMsg").size(), 1U);
+}
+
+using InitRespMessageTest = UnitTest;
+
+TEST_F(InitRespMessageTest, MissingParamIsAnError) {
+    for (const auto* param : {"", R"(,"param":[])", R"(,"param":null)", R"(,"param":"x")"}) {
+        journal.clear();
+        TeskConsumerInitRespMsg message;
+        message.fromJson(std::string(R"({"msgId":"email-init-res")") + param + "}");
+        EXPECT_EQ(journal.warnings(), Lines{"E json_object_get_object_member failed"}) << param;
+    }
+}
+
+TEST_F(InitRespMessageTest, ParamWithoutListLogsNothing) {
+    TeskConsumerInitRespMsg message;
+    message.fromJson(R"({"msgId":"email-init-res","param":{}})");
+
+    EXPECT_EQ(journal.logs(), (Lines{"I Enter", "I Leave"}));
+}
+
+TEST_F(InitRespMessageTest, ListAtTheTopIsIgnored) {
+    TeskConsumerInitRespMsg message;
+    message.fromJson(R"({"msgId":"email-init-res","param":{},"accountId":[)" + listed(7, samples::builtIn) + "]}");
+    message.process();
+
+    EXPECT_EQ(storedAccounts(), 0);
+}
+
+} // namespace

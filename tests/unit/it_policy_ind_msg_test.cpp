@@ -1,0 +1,138 @@
+#include <algorithm>
+
+#include "TeskConsumerDbMgr.h"
+#include "msgs/TeskConsumerItPolicyIndMsg.h"
+#include "sample_policies.h"
+#include "unit_test.h"
+
+namespace {
+
+class ItPolicyIndMsgTest : public UnitTest {
+protected:
+    /// Reads and runs a message.
+    int run(const std::string& text) {
+        message.fromJson(text);
+        return message.process();
+    }
+
+    /// How often the policy of all accounts was enforced.
+    std::size_t applications() const { return journal.logsOf("applyPolicy").size(); }
+
+    TeskConsumerItPolicyIndMsg message;
+};
+
+TEST_F(ItPolicyIndMsgTest, StoresEveryAccountAndAppliesOnce) {
+    EXPECT_EQ(run(samples::indicationOf("[" + samples::entry(1, samples::builtIn) + "," +
+                                        samples::entry(2, samples::limitsWithoutPassword) + "]")),
+              0);
+
+    EXPECT_EQ(storedAccounts(), 2);
+    EXPECT_EQ(stored(2).maxDevicePasswordFailedAttempts, 8);
+    EXPECT_EQ(applications(), 1U);
+}
+
+TEST_F(ItPolicyIndMsgTest, AccountNameIsAlsoTheDisplayName) {
+    run(R"({"msgId":"email-itpolicy-ind","param":[{"accountId":1,"accountName":"a@b","displayName":"B","policySet":{}}]})");
+
+    EXPECT_EQ(stored(1).accountName, "a@b");
+    EXPECT_EQ(stored(1).displayName, "a@b");
+}
+
+TEST_F(ItPolicyIndMsgTest, LaterOfTwoEntriesOfAnAccountIsStoredLast) {
+    run(samples::indicationOf("[" + samples::entry(1, samples::builtIn) + "," + samples::entry(1, samples::strictest) +
+                              "]"));
+
+    EXPECT_EQ(storedAccounts(), 1);
+    EXPECT_EQ(stored(1).minDevicePasswordLength, 16);
+    EXPECT_EQ(journal.logsOf("addAccount").size(), 4U);
+}
+
+TEST_F(ItPolicyIndMsgTest, EntriesWithoutPolicySetAreSkippedSilently) {
+    run(samples::indicationOf(R"([{"accountId":1,"accountName":"a"},{"accountId":2,"policySet":7},)" +
+                              samples::entry(3, samples::builtIn) + "]"));
+
+    EXPECT_EQ(storedAccounts(), 1);
+    EXPECT_EQ(journal.logs(DLOG_ERROR), Lines{});
+}
+
+TEST_F(ItPolicyIndMsgTest, EntriesThatAreNoObjectsAreSkipped) {
+    run(samples::indicationOf("[1,null,\"x\",[]," + samples::entry(3, samples::builtIn) + "]"));
+
+    EXPECT_EQ(storedAccounts(), 1);
+}
+
+TEST_F(ItPolicyIndMsgTest, MissingNameIsEmpty) {
+    run(R"({"msgId":"email-itpolicy-ind","param":[{"accountId":1,"policySet":{}},
+          {"accountId":2,"accountName":null,"policySet":{}},{"accountId":3,"accountName":5,"policySet":{}}]})");
+
+    EXPECT_EQ(storedAccounts(), 3);
+    EXPECT_EQ(stored(1).accountName + stored(2).accountName + stored(3).accountName, "");
+}
+
+TEST_F(ItPolicyIndMsgTest, EntryWithoutAccountIdIsNotStored) {
+    run(R"({"msgId":"email-itpolicy-ind","param":[{"accountName":"a","policySet":{}}]})");
+
+    EXPECT_EQ(storedAccounts(), 0);
+    EXPECT_EQ(journal.logsOf("addAccount"), (Lines{"I Enter", "I Leave"}));
+    EXPECT_EQ(applications(), 1U);
+}
+
+TEST_F(ItPolicyIndMsgTest, AccountIdIsCutTo32Bits) {
+    run(R"({"msgId":"email-itpolicy-ind","param":[{"accountId":4294967301,"accountName":"a","policySet":{}}]})");
+
+    EXPECT_EQ(stored(5).accountName, "a");
+}
+
+TEST_F(ItPolicyIndMsgTest, TextsThatAreNoIndicationAreLoggedAndStillApplyOnce) {
+    const std::vector<std::pair<std::string, std::string>> texts{
+        {"", "E json_parser_get_root failed"},
+        {"[]", "E json_node_get_object failed"},
+        {"{}", "E msgId is diffrent"},
+        {R"({"msgId":"email-account-info"})", "E msgId is diffrent"},
+        {R"({"msgId":"email-itpolicy-ind"})", "E json_object_get_object_member failed"},
+        {R"({"msgId":"email-itpolicy-ind","param":{}})", "E json_object_get_object_member failed"},
+        {R"({"msgId":"email-itpolicy-ind","param":"x"})", "E json_object_get_object_member failed"},
+        {R"({"msgId":"email-itpolicy-ind","param":null})", "E json_object_get_object_member failed"},
+    };
+    for (const auto& [text, error] : texts) {
+        SCOPED_TRACE(text);
+        journal.clear();
+        TeskConsumerItPolicyIndMsg odd;
+        odd.fromJson(text);
+        EXPECT_EQ(journal.logsOf("fromJson").front(), "I Enter");
+        EXPECT_EQ(journal.logsOf("fromJson").back(), "I Leave");
+        EXPECT_EQ(journal.warnings(), Lines{error});
+        EXPECT_EQ(odd.process(), 0);
+        EXPECT_EQ(applications(), 1U);
+        EXPECT_EQ(storedAccounts(), 0);
+    }
+}
+
+TEST_F(ItPolicyIndMsgTest, FailureOfOneAccountDoesNotStopTheOthers) {
+    TeskConsumerDbMgr::getInstance();
+    // Of the first account: the search, the count and the insert.
+    platform.faults.atCall("sqlite3_step", 3, 13);
+
+    run(samples::indicationOf("[" + samples::entry(1, samples::builtIn) + "," + samples::entry(2, samples::builtIn) +
+                              "]"));
+
+    EXPECT_EQ(storedAccounts(), 1);
+    EXPECT_EQ(stored(2).accountId, 2);
+}
+
+TEST_F(ItPolicyIndMsgTest, DemandForAStrongerLockIsOneWarning) {
+    EXPECT_EQ(run(samples::indication(1, samples::hardened)), 0);
+
+    const auto warnings = journal.warnings();
+    EXPECT_EQ(std::count(warnings.begin(), warnings.end(), "W Password policy requires stronger password."), 1);
+    EXPECT_EQ(warnings.back(), "W Password policy requires stronger password.");
+}
+
+TEST_F(ItPolicyIndMsgTest, EmptyListAppliesOnce) {
+    EXPECT_EQ(run(samples::indicationOf("[]")), 0);
+
+    EXPECT_EQ(applications(), 1U);
+    EXPECT_EQ(journal.logsOf("process"), (Lines{"I Enter", "I Leave"}));
+}
+
+} // namespace
