@@ -1,0 +1,344 @@
+#include "TestDbus.h"
+
+#include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <functional>
+#include <memory>
+
+#include <gio/gio.h>
+#include <json-glib/json-glib.h>
+
+#include "TeskConsumerDbMgr.h"
+#include "unit_test.h"
+
+namespace {
+
+class PolicyDataJsonTest : public UnitTest {
+protected:
+    /// The text that a record becomes.
+    static std::string textOf(const TeskPolicyData& record) {
+        return *std::unique_ptr<std::string>(TestDbus::__getPolicyDataJson(record));
+    }
+
+    static bool contains(const std::string& text, const std::string& part) { return text.find(part) != text.npos; }
+};
+
+TEST_F(PolicyDataJsonTest, DefaultRecordBecomesAWholeIndication) {
+    const auto text = textOf(TeskPolicyData());
+
+    EXPECT_EQ(text.find(R"({"msgId":"email-itpolicy-ind","seqId":999,"param":[{"accountId":999,"accountName":")"), 0U)
+        << text;
+    EXPECT_TRUE(contains(
+        text, R"("policySet":{"PasswordMode":0,"devicePasswordEnabled":false,"allowSimplePassword":true,)"
+              R"("minDevicePasswordLength":0,"maxDevicePasswordFailedAttempts":0,)"
+              R"("minDevicePasswordComplexCharacters":0,"maxInactivityTimeDeviceLock":0,)"
+              R"("passwordRecoveryEnabled":true,"devicePasswordExpiration":0,"devicePasswordHistory":0,)"
+              R"("requireDeviceEncryption":false,"allowBluetoothMode":true,"allowBrowser":true,"allowCamera":true,)"
+              R"("allowDesktopSync":true,"allowInternetSharing":true,"allowPOPIMAPEmail":true,)"
+              R"("allowStorageCard":true,"allowTextMessaging":true,"allowWifi":true}}]})"))
+        << text;
+}
+
+TEST_F(PolicyDataJsonTest, TextIsLoggedAsItIs) {
+    const auto text = textOf(TeskPolicyData());
+
+    EXPECT_EQ(journal.logsOf("__getPolicyDataJson"), (Lines{"I Enter", "I toJson: [" + text + "]", "I Leave"}));
+}
+
+TEST_F(PolicyDataJsonTest, PasswordModeTellsOfTheAlphanumericRule) {
+    auto record = passwordAccount(1);
+    EXPECT_FALSE(contains(textOf(record), "PasswordMode"));
+
+    record.alphanumericDevicePasswordRequired = 1;
+    EXPECT_TRUE(contains(textOf(record), R"("policySet":{"PasswordMode":64,"devicePasswordEnabled":true,)"));
+
+    record.devicePasswordEnabled = 0;
+    EXPECT_TRUE(contains(textOf(record), R"("policySet":{"PasswordMode":0,"devicePasswordEnabled":false,)"));
+}
+
+TEST_F(PolicyDataJsonTest, IdentityAndStorageCardStayOut) {
+    TeskPolicyData record;
+    record.accountId = 5;
+    record.accountName = "somebody";
+    record.displayName = "Somebody";
+    record.requireStorageCardEncryption = 1;
+
+    EXPECT_EQ(textOf(record), textOf(TeskPolicyData()));
+}
+
+TEST_F(PolicyDataJsonTest, LevelsBecomeFlags) {
+    TeskPolicyData record;
+    record.allowBluetooth = 1;
+    EXPECT_TRUE(contains(textOf(record), R"("allowBluetoothMode":true)"));
+    record.allowBluetooth = 0;
+    EXPECT_TRUE(contains(textOf(record), R"("allowBluetoothMode":false)"));
+}
+
+TEST_F(PolicyDataJsonTest, AccountNameLooksLikeAnAddress) {
+    g_autoptr(JsonParser) parser = json_parser_new();
+    ASSERT_TRUE(json_parser_load_from_data(parser, textOf(TeskPolicyData()).c_str(), -1, nullptr));
+    auto* const root = json_node_get_object(json_parser_get_root(parser));
+    auto* const entry = json_array_get_object_element(json_object_get_array_member(root, "param"), 0);
+
+    EXPECT_NE(std::string(json_object_get_string_member(entry, "accountName")).find('@'), std::string::npos);
+}
+
+/// The service's object on a system bus of the test's own, and a developer who calls it.
+class TestDbusTest : public UnitTest {
+protected:
+    TestDbusTest() : bus_(g_test_dbus_new(G_TEST_DBUS_NONE)) {
+        g_test_dbus_up(bus_);
+        g_setenv("DBUS_SYSTEM_BUS_ADDRESS", g_test_dbus_get_bus_address(bus_), TRUE);
+        developer_ = g_dbus_connection_new_for_address_sync(
+            g_test_dbus_get_bus_address(bus_),
+            static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                              G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+            nullptr, nullptr, nullptr);
+        TeskConsumerDbMgr::getInstance();
+        platform.devicePolicy.registerService();
+    }
+
+    ~TestDbusTest() override {
+        g_object_unref(developer_);
+        g_test_dbus_stop(bus_);
+        g_object_unref(bus_);
+    }
+    TestDbusTest(const TestDbusTest&) = delete;
+    TestDbusTest& operator=(const TestDbusTest&) = delete;
+
+    /// Runs the main loop until something has happened, for ten seconds at most.
+    static bool waitUntil(const std::function<bool()>& happened) {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        const guint tick = g_timeout_add(
+            50, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
+        while (!happened() && std::chrono::steady_clock::now() < deadline) {
+            g_main_context_iteration(nullptr, TRUE);
+        }
+        g_source_remove(tick);
+        return happened();
+    }
+
+    void startService() {
+        EXPECT_TRUE(TestDbus::init());
+        ASSERT_TRUE(waitUntil([&] { return !journal.logsOf("__onNameAcquired").empty(); }));
+    }
+
+    /// Calls a method of an interface and returns once its work is done: its answer, or null when it was refused.
+    GVariant* callInterface(const char* interface, const char* method, GVariant* arguments) {
+        g_autoptr(GAsyncResult) result = nullptr;
+        g_dbus_connection_call(
+            developer_, "tesk.consumer.test", "/tesk/consumer/test", interface, method, arguments, nullptr,
+            G_DBUS_CALL_FLAGS_NONE, -1, nullptr,
+            [](GObject*, GAsyncResult* answer, gpointer place) {
+                *static_cast<GAsyncResult**>(place) = G_ASYNC_RESULT(g_object_ref(answer));
+            },
+            &result);
+        if (!waitUntil([&] { return result != nullptr; })) {
+            ADD_FAILURE() << method << " is not answered";
+            return nullptr;
+        }
+        return g_dbus_connection_call_finish(developer_, result, nullptr);
+    }
+
+    /// The answer of a method of the service; -1 when it was refused.
+    int call(const char* method, GVariant* arguments = nullptr) {
+        g_autoptr(GVariant) answer = callInterface("tesk.consumer.test", method, arguments);
+        gint32 value = -1;
+        if (answer != nullptr) {
+            g_variant_get(answer, "(i)", &value);
+        }
+        return value;
+    }
+
+    /// The methods that the object describes, each with the type of its argument.
+    Lines methods() {
+        g_autoptr(GVariant) answer = callInterface("org.freedesktop.DBus.Introspectable", "Introspect", nullptr);
+        const gchar* xml = nullptr;
+        g_variant_get(answer, "(&s)", &xml);
+        g_autoptr(GDBusNodeInfo) node = g_dbus_node_info_new_for_xml(xml, nullptr);
+        Lines lines;
+        const auto* const interface = g_dbus_node_info_lookup_interface(node, "tesk.consumer.test");
+        for (auto** method = interface->methods; *method != nullptr; ++method) {
+            const auto* const argument = (*method)->in_args[0];
+            EXPECT_STREQ((*method)->out_args[0]->signature, "i");
+            EXPECT_STREQ((*method)->out_args[0]->name, "ret");
+            lines.push_back((*method)->name + (argument == nullptr ? std::string()
+                                                                   : "(" + std::string(argument->signature) + " " +
+                                                                         argument->name + ")"));
+        }
+        return lines;
+    }
+
+    int call(const char* method, int value) { return call(method, g_variant_new("(i)", value)); }
+
+    bool logged(const std::string& line) const {
+        const auto lines = journal.logs();
+        return std::find(lines.begin(), lines.end(), line) != lines.end();
+    }
+
+    /// Writes the file that a developer puts on the watch.
+    void writePolicyFile(const std::string& text) {
+        const auto path = platform.dataPath + "policy.json";
+        std::ofstream(path) << text;
+        platform.system.movedFiles["/opt/usr/media/policy.json"] = path;
+    }
+
+private:
+    GTestDBus* bus_;
+    GDBusConnection* developer_ = nullptr;
+};
+
+TEST_F(TestDbusTest, OwnsItsNameAndObject) {
+    startService();
+
+    EXPECT_EQ(journal.logsOf("__onNameAcquired"), Lines{"I Enter"});
+    ASSERT_EQ(journal.logsOf("__onBusAcquired").size(), 2U);
+    EXPECT_EQ(journal.logsOf("__onBusAcquired")[0], "I Enter");
+    EXPECT_EQ(journal.logsOf("__onBusAcquired")[1].rfind("I regId: [", 0), 0U);
+    ASSERT_EQ(journal.logsOf("__initGdbus").size(), 1U);
+    EXPECT_EQ(journal.logsOf("__initGdbus")[0].rfind("I ownerId: [", 0), 0U);
+}
+
+TEST_F(TestDbusTest, PingAnswersAndChangesNothing) {
+    startService();
+    journal.clear();
+
+    EXPECT_EQ(call("ping"), 0);
+
+    EXPECT_EQ(journal.logs(), (Lines{"I Enter", "I TestDbus methodName: [ping]", "W Pong. I'm alive!"}));
+}
+
+TEST_F(TestDbusTest, RemoveAccountDeletesTheTestAccount) {
+    store({account(999), account(1)});
+    startService();
+
+    EXPECT_EQ(call("removeAccount"), 0);
+    EXPECT_EQ(call("removeAccount"), 0);
+
+    EXPECT_TRUE(logged("I [RELAY MSG] req_delete_account : 999"));
+    EXPECT_EQ(storedAccounts(), 1);
+}
+
+TEST_F(TestDbusTest, EachSetterSendsItsField) {
+    struct Case {
+        const char* method;
+        int value;
+        std::int32_t TeskPolicyData::*field;
+        int stored;
+        int passwordEnabled;
+    };
+    using Data = TeskPolicyData;
+    startService();
+    for (const auto& row : {
+             Case{"devicePasswordEnabled", 1, &Data::devicePasswordEnabled, 1, 1},
+             Case{"devicePasswordEnabled", 0, &Data::devicePasswordEnabled, 0, 0},
+             Case{"allowSimplePassword", 0, &Data::allowSimplePassword, 0, 1},
+             Case{"minDevicePasswordLength", 9, &Data::minDevicePasswordLength, 9, 1},
+             Case{"minDevicePasswordComplexCharacters", 3, &Data::minDevicePasswordComplexCharacters, 3, 1},
+             Case{"maxInactivityTimeDeviceLock", 60, &Data::maxInactivityTimeDeviceLock, 60, 1},
+             Case{"devicePasswordExpiration", 30, &Data::devicePasswordExpiration, 30, 1},
+             Case{"devicePasswordHistory", 5, &Data::devicePasswordHistory, 5, 1},
+             Case{"requireDeviceEncryption", 1, &Data::requireDeviceEncryption, 1, 1},
+             Case{"allowBluetooth", 2, &Data::allowBluetooth, 1, 0},
+             Case{"allowBluetooth", 0, &Data::allowBluetooth, 0, 0},
+             Case{"allowPopimapEmail", 0, &Data::allowPopimapEmail, 0, 0},
+             Case{"allowTextMessaging", 0, &Data::allowTextMessaging, 0, 0},
+             Case{"allowWifi", 0, &Data::allowWifi, 0, 0},
+         }) {
+        SCOPED_TRACE(row.method);
+        journal.clear();
+        EXPECT_EQ(call(row.method, row.value), 0);
+        EXPECT_TRUE(logged(std::string("I TestDbus methodName: [") + row.method + "]"));
+        EXPECT_TRUE(logged("I value: [" + std::to_string(row.value) + "]"));
+        const auto data = stored(999);
+        EXPECT_EQ(data.*row.field, row.stored);
+        EXPECT_EQ(data.devicePasswordEnabled, row.passwordEnabled);
+    }
+}
+
+TEST_F(TestDbusTest, ComplexCharactersSwitchTheAlphanumericRuleOn) {
+    startService();
+
+    call("minDevicePasswordComplexCharacters", 3);
+
+    EXPECT_EQ(stored(999).alphanumericDevicePasswordRequired, 1);
+}
+
+TEST_F(TestDbusTest, EachSetterStartsFromADefaultRecord) {
+    startService();
+
+    call("minDevicePasswordLength", 9);
+    call("allowWifi", 0);
+
+    EXPECT_EQ(stored(999).minDevicePasswordLength, 0);
+    EXPECT_EQ(stored(999).devicePasswordEnabled, 0);
+}
+
+TEST_F(TestDbusTest, MissingFileIsAnErrorAndSendsNothing) {
+    platform.system.movedFiles["/opt/usr/media/policy.json"] = platform.dataPath + "none";
+    startService();
+    journal.clear();
+
+    EXPECT_EQ(call("usingFile"), 0);
+
+    EXPECT_EQ(journal.warnings(), Lines{"E Failed to open file."});
+    EXPECT_EQ(journal.calls({"bundle"}), Lines{});
+}
+
+TEST_F(TestDbusTest, OnlyTheFirstLineOfTheFileIsSent) {
+    writePolicyFile("{\"msgId\":\"unknown one\"}\n{\"msgId\":\"unknown two\"}\n");
+    startService();
+
+    EXPECT_EQ(call("usingFile"), 0);
+
+    EXPECT_TRUE(logged("E this is not request msgId: unknown one"));
+    EXPECT_FALSE(logged("E this is not request msgId: unknown two"));
+}
+
+TEST_F(TestDbusTest, LongLineIsCut) {
+    writePolicyFile(std::string(5000, 'x'));
+    startService();
+
+    call("usingFile");
+
+    EXPECT_TRUE(logged("I [RELAY MSG] req_update_policy : " + std::string(4095, 'x')));
+}
+
+TEST_F(TestDbusTest, EmptyFileSendsAnEmptyText) {
+    writePolicyFile("");
+    startService();
+    journal.clear();
+
+    EXPECT_EQ(call("usingFile"), 0);
+
+    EXPECT_TRUE(logged("W Failed to get string from file."));
+    EXPECT_TRUE(logged("I [RELAY MSG] req_update_policy : "));
+}
+
+TEST_F(TestDbusTest, InterfaceDescribesItsMethodsInOrder) {
+    startService();
+
+    EXPECT_EQ(methods(), (Lines{"ping", "removeAccount", "usingFile", "devicePasswordEnabled(i value)",
+                                "allowSimplePassword(i value)", "minDevicePasswordLength(i value)",
+                                "minDevicePasswordComplexCharacters(i value)", "maxInactivityTimeDeviceLock(i value)",
+                                "devicePasswordExpiration(i value)", "devicePasswordHistory(i value)",
+                                "requireDeviceEncryption(i value)", "allowBluetooth(i value)",
+                                "allowPopimapEmail(i value)", "allowTextMessaging(i value)", "allowWifi(i value)"}));
+}
+
+TEST_F(TestDbusTest, UnknownMethodIsRefused) {
+    startService();
+
+    EXPECT_EQ(call("format"), -1);
+    EXPECT_EQ(storedAccounts(), 0);
+}
+
+using TestDbusWithoutBusTest = UnitTest;
+
+TEST_F(TestDbusWithoutBusTest, MissingBusDoesNotStopTheStart) {
+    EXPECT_TRUE(TestDbus::init());
+    EXPECT_EQ(journal.warnings(), Lines{});
+}
+
+} // namespace
