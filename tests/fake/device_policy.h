@@ -19,7 +19,8 @@ namespace fake {
 /** What the device policy manager holds: its settings, its administrators and the handles that are open. */
 class DevicePolicy {
 public:
-    /** A setting is named as in its function: "quality", "wifi_state", "internal_storage_encryption". */
+    /** A setting is named as in its function: "quality", "wifi_state", "internal_storage_encryption" for the demand,
+     * "internal_storage_encrypted" for the state; "messaging_state sim1" for the messages of one SIM. */
     std::map<std::string, int> settings;
 
     /** Name and user id of each administrator; while there is none, setters and wipes are refused. */
@@ -36,6 +37,10 @@ public:
 
     /** A setting's value; a restriction that was never set allows, everything else is 0. */
     int setting(const std::string& name) const;
+
+    /** Allows or forbids the messages of a SIM; "*" stands for all and replaces what was said of single ones. */
+    void setMessaging(const std::string& sim, int allow);
+    int messaging(const std::string& sim) const;
 };
 
 } // namespace fake

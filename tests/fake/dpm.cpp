@@ -10,6 +10,10 @@ using fake::FakePlatform;
 
 namespace fake {
 
+static std::string messagingOf(const std::string& sim) {
+    return "messaging_state " + sim;
+}
+
 int DevicePolicy::setting(const std::string& name) const {
     static const std::string restriction = "_state";
     if (const auto stored = settings.find(name); stored != settings.end()) {
@@ -18,6 +22,18 @@ int DevicePolicy::setting(const std::string& name) const {
     const bool allows = name.size() > restriction.size() &&
                         name.compare(name.size() - restriction.size(), std::string::npos, restriction) == 0;
     return allows ? 1 : 0;
+}
+
+void DevicePolicy::setMessaging(const std::string& sim, int allow) {
+    if (sim == "*") {
+        settings.erase(settings.lower_bound(messagingOf("")), settings.upper_bound(messagingOf("~")));
+    }
+    settings[sim == "*" ? "messaging_state" : messagingOf(sim)] = allow;
+}
+
+int DevicePolicy::messaging(const std::string& sim) const {
+    const auto single = settings.find(messagingOf(sim));
+    return single != settings.end() ? single->second : setting("messaging_state");
 }
 
 } // namespace fake
@@ -35,11 +51,9 @@ int administer(const FakePlatform& platform, device_policy_manager_h handle) {
     return platform.devicePolicy.clients.empty() ? DPM_ERROR_PERMISSION_DENIED : DPM_ERROR_NONE;
 }
 
-template <typename... Arguments>
-int set(const std::string& group, const std::string& name, device_policy_manager_h handle, int value,
-        const Arguments&... arguments) {
+int set(const std::string& group, const std::string& name, device_policy_manager_h handle, int value) {
     auto& platform = FakePlatform::current();
-    if (const auto fault = platform.call("dpm_" + group + "_set_" + name, arguments..., value)) {
+    if (const auto fault = platform.call("dpm_" + group + "_set_" + name, value)) {
         return *fault;
     }
     const int result = administer(platform, handle);
@@ -49,11 +63,9 @@ int set(const std::string& group, const std::string& name, device_policy_manager
     return result;
 }
 
-template <typename... Arguments>
-int get(const std::string& function, const std::string& name, device_policy_manager_h handle, int* value,
-        const Arguments&... arguments) {
+int get(const std::string& function, const std::string& name, device_policy_manager_h handle, int* value) {
     auto& platform = FakePlatform::current();
-    if (const auto fault = platform.call(function, arguments...)) {
+    if (const auto fault = platform.call(function)) {
         return *fault;
     }
     if (!isOpen(platform, handle) || value == nullptr) {
@@ -94,7 +106,7 @@ int dpm_admin_register_client(device_policy_manager_h handle, const char* name, 
     if (const auto fault = platform.call("dpm_admin_register_client", name, uid)) {
         return *fault;
     }
-    if (!isOpen(platform, handle) || name == nullptr) {
+    if (!isOpen(platform, handle) || name == nullptr || *name == '\0' || uid == static_cast<uid_t>(-1)) {
         return DPM_ERROR_INVALID_PARAMETER;
     }
     platform.devicePolicy.clients.emplace(name, uid);
@@ -109,8 +121,7 @@ int dpm_admin_deregister_client(device_policy_manager_h handle, const char* name
     if (!isOpen(platform, handle) || name == nullptr) {
         return DPM_ERROR_INVALID_PARAMETER;
     }
-    platform.devicePolicy.clients.erase({name, uid});
-    return DPM_ERROR_NONE;
+    return platform.devicePolicy.clients.erase({name, uid}) != 0 ? DPM_ERROR_NONE : DPM_ERROR_NO_SUCH_FILE;
 }
 
 int dpm_password_set_quality(device_policy_manager_h handle, int value) {
@@ -177,24 +188,40 @@ int dpm_restriction_get_popimap_email_state(device_policy_manager_h handle, int*
 }
 
 int dpm_restriction_set_messaging_state(device_policy_manager_h handle, const char* sim_id, int allow) {
-    return set("restriction", "messaging_state", handle, allow, sim_id);
+    auto& platform = FakePlatform::current();
+    if (const auto fault = platform.call("dpm_restriction_set_messaging_state", sim_id, allow)) {
+        return *fault;
+    }
+    const int result = sim_id == nullptr ? DPM_ERROR_INVALID_PARAMETER : administer(platform, handle);
+    if (result == DPM_ERROR_NONE) {
+        platform.devicePolicy.setMessaging(sim_id, allow);
+    }
+    return result;
 }
 int dpm_restriction_get_messaging_state(device_policy_manager_h handle, const char* sim_id, int* is_allowed) {
-    return get("dpm_restriction_get_messaging_state", "messaging_state", handle, is_allowed, sim_id);
+    auto& platform = FakePlatform::current();
+    if (const auto fault = platform.call("dpm_restriction_get_messaging_state", sim_id)) {
+        return *fault;
+    }
+    if (!isOpen(platform, handle) || sim_id == nullptr || is_allowed == nullptr) {
+        return DPM_ERROR_INVALID_PARAMETER;
+    }
+    *is_allowed = platform.devicePolicy.messaging(sim_id);
+    return DPM_ERROR_NONE;
 }
 
 int dpm_security_set_internal_storage_encryption(device_policy_manager_h handle, int encrypt) {
     return set("security", "internal_storage_encryption", handle, encrypt);
 }
 int dpm_security_is_internal_storage_encrypted(device_policy_manager_h handle, int* is_encrypted) {
-    return get("dpm_security_is_internal_storage_encrypted", "internal_storage_encryption", handle, is_encrypted);
+    return get("dpm_security_is_internal_storage_encrypted", "internal_storage_encrypted", handle, is_encrypted);
 }
 
 int dpm_security_set_external_storage_encryption(device_policy_manager_h handle, int encrypt) {
     return set("security", "external_storage_encryption", handle, encrypt);
 }
 int dpm_security_is_external_storage_encrypted(device_policy_manager_h handle, int* is_encrypted) {
-    return get("dpm_security_is_external_storage_encrypted", "external_storage_encryption", handle, is_encrypted);
+    return get("dpm_security_is_external_storage_encrypted", "external_storage_encrypted", handle, is_encrypted);
 }
 
 int dpm_security_wipe_data(device_policy_manager_h handle, dpm_security_wipe_type_e type) {
@@ -202,7 +229,8 @@ int dpm_security_wipe_data(device_policy_manager_h handle, dpm_security_wipe_typ
     if (const auto fault = platform.call("dpm_security_wipe_data", static_cast<int>(type))) {
         return *fault;
     }
-    const int result = administer(platform, handle);
+    const bool isStorage = type == DPM_SECURITY_WIPE_INTERNAL_STORAGE || type == DPM_SECURITY_WIPE_EXTERNAL_STORAGE;
+    const int result = isStorage ? administer(platform, handle) : DPM_ERROR_INVALID_PARAMETER;
     if (result == DPM_ERROR_NONE) {
         platform.devicePolicy.wipes.push_back(type);
     }

@@ -54,6 +54,11 @@ FakePlatform& FakePlatform::current() {
     return *slot();
 }
 
+void FakePlatform::deliverPending() {
+    settings.deliverChanges();
+    ports.deliverOwn();
+}
+
 char* FakePlatform::handOut(const std::string& text) {
     char* copy = strdup(text.c_str());
     handedOut_.insert(copy);

@@ -47,8 +47,14 @@ public:
     ServiceScript service;
     SystemCalls system;
 
+    /** The id of the application that this process is. */
+    std::string appId = "com.velmor.tesk-agent";
+
     /** What app_get_data_path answers; a fresh folder at first, which goes with this object. */
     std::string dataPath;
+
+    /** Does what the main loop would: tells of changed keys and delivers messages to own ports. */
+    void deliverPending();
 
     /** Writes a call down and tells the code with which it fails, if it does. */
     template <typename... Arguments>

@@ -9,11 +9,23 @@ using fake::FakePlatform;
 
 namespace fake {
 
+MessagePorts::LocalPort* MessagePorts::find(const std::string& name, int* id) {
+    const auto found =
+        std::find_if(localPorts.begin(), localPorts.end(), [&](const auto& port) { return port.second.name == name; });
+    if (found == localPorts.end()) {
+        return nullptr;
+    }
+    if (id != nullptr) {
+        *id = found->first;
+    }
+    return &found->second;
+}
+
 void MessagePorts::deliver(const std::optional<std::string>& request, const std::optional<std::string>& argument) {
     static const std::string name = "eas-itpolicy-port";
-    const auto found =
-        std::find_if(localPorts.begin(), localPorts.end(), [](const auto& port) { return port.second.name == name; });
-    if (found == localPorts.end()) {
+    int id = 0;
+    const auto* found = find(name, &id);
+    if (found == nullptr) {
         throw std::logic_error("deliver: the service has not registered " + name);
     }
     bundle message;
@@ -23,8 +35,21 @@ void MessagePorts::deliver(const std::optional<std::string>& request, const std:
     if (argument) {
         message.entries.emplace_back("msg", *argument);
     }
-    const auto [id, port] = *found;
+    const LocalPort port = *found;
     port.callback(id, "com.velmor.quillon.consumer", name.c_str(), false, &message, port.userData);
+}
+
+void MessagePorts::deliverOwn() {
+    while (!pending.empty()) {
+        const SentMessage message = pending.front();
+        pending.pop_front();
+        int id = 0;
+        if (const auto* found = find(message.port, &id)) {
+            bundle content{{message.entries.begin(), message.entries.end()}};
+            const LocalPort port = *found;
+            port.callback(id, message.appId.c_str(), nullptr, false, &content, port.userData);
+        }
+    }
 }
 
 } // namespace fake
@@ -92,7 +117,8 @@ int message_port_register_local_port(const char* local_port, message_port_messag
         return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
     }
     auto& ports = platform.ports.localPorts;
-    const int id = ports.empty() ? 1 : ports.rbegin()->first + 1;
+    int id = ports.empty() ? 1 : ports.rbegin()->first + 1;
+    platform.ports.find(local_port, &id);
     ports[id] = {local_port, callback, user_data};
     return id;
 }
@@ -117,7 +143,8 @@ int message_port_check_remote_port(const char* remote_app_id, const char* remote
     if (remote_app_id == nullptr || remote_port == nullptr || exist == nullptr) {
         return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
     }
-    *exist = platform.ports.remotePorts.count({remote_app_id, remote_port}) != 0;
+    *exist = platform.appId == remote_app_id ? platform.ports.find(remote_port) != nullptr
+                                             : platform.ports.remotePorts.count({remote_app_id, remote_port}) != 0;
     return MESSAGE_PORT_ERROR_NONE;
 }
 
@@ -129,7 +156,12 @@ int message_port_send_message(const char* remote_app_id, const char* remote_port
     if (remote_app_id == nullptr || remote_port == nullptr || message == nullptr) {
         return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
     }
-    platform.ports.sent.push_back({remote_app_id, remote_port, message->entries});
-    return platform.ports.remotePorts.count({remote_app_id, remote_port}) != 0 ? MESSAGE_PORT_ERROR_NONE
-                                                                               : MESSAGE_PORT_ERROR_PORT_NOT_FOUND;
+    auto& ports = platform.ports;
+    ports.sent.push_back({remote_app_id, remote_port, {message->entries.begin(), message->entries.end()}});
+    if (platform.appId == remote_app_id && ports.find(remote_port) != nullptr) {
+        ports.pending.push_back(ports.sent.back());
+        return MESSAGE_PORT_ERROR_NONE;
+    }
+    return ports.remotePorts.count({remote_app_id, remote_port}) != 0 ? MESSAGE_PORT_ERROR_NONE
+                                                                      : MESSAGE_PORT_ERROR_PORT_NOT_FOUND;
 }

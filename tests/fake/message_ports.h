@@ -1,6 +1,7 @@
 #ifndef FAKE_MESSAGE_PORTS_H
 #define FAKE_MESSAGE_PORTS_H
 
+#include <deque>
 #include <map>
 #include <optional>
 #include <set>
@@ -11,7 +12,8 @@
 #include <message_port.h>
 
 struct _bundle_t {
-    std::vector<std::pair<std::string, std::string>> entries;
+    // A text that was handed out stays where it is while others are added.
+    std::deque<std::pair<std::string, std::string>> entries;
 };
 
 namespace fake {
@@ -44,8 +46,17 @@ public:
     /** The bundles that were created and not freed. */
     std::set<bundle*> bundles;
 
+    /** Delivers what the service sent to ports of its own. */
+    void deliverOwn();
+
+    /** The service's own port of this name, null when it is closed. */
+    LocalPort* find(const std::string& name, int* id = nullptr);
+
     /** Delivers a message to the service's port as the mail application would; a missing text stays out of it. */
     void deliver(const std::optional<std::string>& request, const std::optional<std::string>& argument);
+
+    /** Messages that the service sent to itself and that are still to be delivered. */
+    std::deque<SentMessage> pending;
 };
 
 } // namespace fake

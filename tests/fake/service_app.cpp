@@ -13,7 +13,7 @@ void ServiceScript::launch(const std::vector<std::pair<std::string, std::string>
     if (callbacks == nullptr) {
         throw std::logic_error("launch: the service is not running");
     }
-    app_control_s request{"com.velmor.tesk-agent", extraData};
+    app_control_s request{FakePlatform::current().appId, extraData};
     callbacks->app_control(&request, userData);
 }
 
@@ -40,7 +40,7 @@ int app_get_id(char** id) {
     if (id == nullptr) {
         return APP_CONTROL_ERROR_INVALID_PARAMETER;
     }
-    *id = platform.handOut("com.velmor.tesk-agent");
+    *id = platform.handOut(platform.appId);
     return 0;
 }
 

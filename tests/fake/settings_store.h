@@ -29,6 +29,9 @@ public:
     std::optional<int> integer(const std::string& key) const;
     std::optional<std::string> text(const std::string& key) const;
 
+    /** Whether a key lies in one of the stores and has no empty part. */
+    static bool isKey(const char* key);
+
     void watch(const std::string& key, vconf_callback_fn callback, void* userData);
     bool ignore(const std::string& key, vconf_callback_fn callback);
 
@@ -38,6 +41,8 @@ private:
         vconf_callback_fn callback;
         void* userData;
     };
+
+    bool isWatched(const Watch& watch) const;
 
     std::map<std::string, Value> values_;
     std::vector<Watch> watches_;

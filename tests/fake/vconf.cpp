@@ -22,7 +22,8 @@ void SettingsStore::deliverChanges() {
         changes_.pop_front();
         const auto watches = watches_;
         for (const auto& watch : watches) {
-            if (watch.key == node.name) {
+            // A callback may end another watch.
+            if (watch.key == node.name && isWatched(watch)) {
                 watch.callback(&node, watch.userData);
             }
         }
@@ -39,6 +40,20 @@ std::optional<std::string> SettingsStore::text(const std::string& key) const {
     const auto value = values_.find(key);
     const auto* text = value == values_.end() ? nullptr : std::get_if<std::string>(&value->second);
     return text == nullptr ? std::nullopt : std::optional(*text);
+}
+
+bool SettingsStore::isKey(const char* key) {
+    const std::string text(key == nullptr ? "" : key);
+    const auto slash = text.find('/');
+    const auto store = text.substr(0, slash);
+    return (store == "db" || store == "file" || store == "memory") && slash != std::string::npos &&
+           text.back() != '/' && text.find("//") == std::string::npos;
+}
+
+bool SettingsStore::isWatched(const Watch& watch) const {
+    return std::any_of(watches_.begin(), watches_.end(), [&](const Watch& candidate) {
+        return candidate.key == watch.key && candidate.callback == watch.callback;
+    });
 }
 
 void SettingsStore::watch(const std::string& key, vconf_callback_fn callback, void* userData) {
@@ -75,7 +90,7 @@ int vconf_set_int(const char* in_key, const int intval) {
     if (const auto fault = platform.call("vconf_set_int", in_key, intval)) {
         return *fault;
     }
-    if (in_key == nullptr) {
+    if (!fake::SettingsStore::isKey(in_key)) {
         return -1;
     }
     platform.settings.setKeyAsDevice(in_key, intval);
@@ -96,7 +111,7 @@ int vconf_set_str(const char* in_key, const char* strval) {
     if (const auto fault = platform.call("vconf_set_str", in_key, strval)) {
         return *fault;
     }
-    if (in_key == nullptr || strval == nullptr) {
+    if (!fake::SettingsStore::isKey(in_key) || strval == nullptr) {
         return -1;
     }
     platform.settings.setKeyAsDevice(in_key, std::string(strval));
@@ -108,7 +123,7 @@ int vconf_notify_key_changed(const char* in_key, vconf_callback_fn cb, void* use
     if (const auto fault = platform.call("vconf_notify_key_changed", in_key)) {
         return *fault;
     }
-    if (in_key == nullptr || cb == nullptr) {
+    if (!fake::SettingsStore::isKey(in_key) || cb == nullptr) {
         return -1;
     }
     platform.settings.watch(in_key, cb, user_data);

@@ -78,8 +78,8 @@ TEST_F(DpmAdapterTest, GettersReadTheSettingOfTheirName) {
                 {"wifi_state", 8},
                 {"messaging_state", 9},
                 {"popimap_email_state", 10},
-                {"internal_storage_encryption", 11},
-                {"external_storage_encryption", 12}};
+                {"internal_storage_encrypted", 11},
+                {"external_storage_encrypted", 12}};
     using Getter = std::function<int(int*)>;
     const std::vector<Getter> getters{
         [&](int* value) { return adapter.getPasswordQuality(value); },

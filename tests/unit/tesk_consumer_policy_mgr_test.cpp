@@ -74,6 +74,8 @@ TEST_F(PolicyMgrClientTest, RefusedRegistrationIsLoggedAndForgiven) {
 }
 
 TEST_F(PolicyMgrClientTest, DeregistersOnceNoAccountIsStored) {
+    platform.devicePolicy.registerService();
+
     EXPECT_EQ(manager.deregisterClient(), 0);
 
     EXPECT_EQ(journal.calls({"dpm_"}), Lines{"dpm_admin_deregister_client com.velmor.tesk-agent 5001"});
