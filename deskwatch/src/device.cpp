@@ -1,5 +1,6 @@
 #include "device.h"
 
+#include "application_ids.h"
 #include "bus_client.h"
 #include "bus_process.h"
 #include "file_descriptor.h"
@@ -110,9 +111,8 @@ BootedDevice::~BootedDevice() {
 
 std::vector<Application> standardApplications(const std::filesystem::path& service,
                                               const std::vector<std::string>& companion) {
-    std::vector<Application> applications{{serviceId, {service.string()}}};
-    for (const auto* id : {"com.velmor.quillon.consumer", "com.velmor.tesk-popup", "com.velmor.veilpane-setting",
-                           "com.velmor.dialset.encryption", "com.velmor.dialset.service"}) {
+    std::vector<Application> applications{{ids::service, {service.string()}}};
+    for (const auto* id : ids::companions) {
         applications.push_back({id, companion});
     }
     return applications;

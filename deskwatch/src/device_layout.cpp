@@ -1,5 +1,6 @@
 #include "device_layout.h"
 
+#include "application_ids.h"
 #include "glib_owners.h"
 #include "host_bus.h"
 
@@ -74,7 +75,7 @@ Environment DeviceLayout::commonEnvironment() const {
 
 Environment DeviceLayout::applicationEnvironment(const std::string& id) const {
     Environment environment{{host_bus::appIdVariable, id}};
-    if (id == serviceId) {
+    if (id == ids::service) {
         // The service looks up the device's owner, who does not exist on the machine.
         environment["LD_PRELOAD"] = "libnss_wrapper.so";
         environment["NSS_WRAPPER_PASSWD"] = passwd().string();

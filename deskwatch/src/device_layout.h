@@ -8,9 +8,6 @@
 
 namespace deskwatch {
 
-/// The application id of the service.
-inline constexpr char serviceId[] = "com.velmor.tesk-agent";
-
 /// Where things are in the folder of a device, and how its processes are told.
 class DeviceLayout {
 public:

@@ -1,3 +1,4 @@
+#include "application_ids.h"
 #include "device_layout.h"
 #include "temporary_folder.h"
 
@@ -55,7 +56,7 @@ TEST(DeviceLayout, FolderWithSomethingElseInItIsNotMadeAWatch) {
 
 TEST(DeviceLayout, OnlyTheServiceSeesTheUserDatabaseOfTheWatch) {
     const DeviceLayout layout("/tmp/watch");
-    EXPECT_EQ(layout.applicationEnvironment(serviceId).at("NSS_WRAPPER_PASSWD"), "/tmp/watch/passwd");
+    EXPECT_EQ(layout.applicationEnvironment(ids::service).at("NSS_WRAPPER_PASSWD"), "/tmp/watch/passwd");
     EXPECT_EQ(layout.applicationEnvironment("com.velmor.tesk-popup").count("LD_PRELOAD"), 0U);
 }
 

@@ -1,5 +1,6 @@
 #include "device.h"
 
+#include "application_ids.h"
 #include "bus_client.h"
 #include "bus_process.h"
 #include "temporary_folder.h"
@@ -221,9 +222,9 @@ TEST(Device, ApplicationStartsWithItsIdOnItsWatch) {
 
 TEST(Device, ServiceFindsTheOwnerOfTheWatch) {
     const TemporaryFolder folder;
-    const BootedDevice watch(folder.path(), {{serviceId, {"/bin/sh", "-c", "getent passwd owner >&2; exit 1"}}});
+    const BootedDevice watch(folder.path(), {{ids::service, {"/bin/sh", "-c", "getent passwd owner >&2; exit 1"}}});
 
-    activate(*watch, serviceId);
+    activate(*watch, ids::service);
 
     const auto log = textOf(watch->layout().log());
     EXPECT_NE(log.find("owner:x:" + std::to_string(getuid()) + ":"), std::string::npos) << log;

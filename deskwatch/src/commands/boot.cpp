@@ -1,0 +1,74 @@
+#include "commands.h"
+
+#include "registry.h"
+
+#include <iostream>
+#include <map>
+#include <memory>
+#include <optional>
+
+namespace deskwatch {
+namespace {
+
+struct BootOptions {
+    std::string folder;
+    std::string service;
+    std::string country;
+    std::optional<Lock> lock;
+    bool isEncrypted = false;
+    bool isTutorialShown = false;
+};
+
+std::filesystem::path ownProgram() {
+    return std::filesystem::read_symlink("/proc/self/exe");
+}
+
+std::filesystem::path serviceProgram(const BootOptions& options) {
+    return options.service.empty() ? ownProgram().parent_path() / "tesk-agent"
+                                   : std::filesystem::absolute(options.service);
+}
+
+Device bootedDevice(const CommonOptions& common, const BootOptions& options) {
+    if (!options.folder.empty()) {
+        return Device(options.folder);
+    }
+    return Device(common.device.empty() ? Registry::ofUser().defaultWatch() : std::filesystem::path(common.device));
+}
+
+WatchState watchState(const BootOptions& options) {
+    WatchState state;
+    state.lock = options.lock;
+    state.encrypted = options.isEncrypted ? std::optional(true) : std::nullopt;
+    state.country = options.country.empty() ? std::nullopt : std::optional(options.country);
+    state.tutorial = options.isTutorialShown;
+    return state;
+}
+
+void boot(const CommonOptions& common, const BootOptions& options) {
+    const Device device = bootedDevice(common, options);
+    device.boot(standardApplications(serviceProgram(options), {ownProgram().string(), "companion"}),
+                watchState(options));
+    Registry::ofUser().add(device.layout().folder());
+    std::cout << "booted " << device.layout().folder().string() << '\n';
+}
+
+} // namespace
+
+void addBootCommand(CLI::App& program, const CommonOptions& common) {
+    const std::map<std::string, Lock> locks{{"none", Lock::none}, {"pin", Lock::pin}, {"password", Lock::password}};
+    auto* command = program.add_subcommand("boot", "Boot a watch in a folder; it keeps its state there");
+    auto options = std::make_shared<BootOptions>();
+    command->add_option("DIR", options->folder, "The watch's folder, new or an earlier one's");
+    command->add_option("--country", options->country, "Country of the watch (a fresh one: US)");
+    command->add_option("--lock", options->lock, "Lock of the screen (a fresh one: none)")
+        ->transform(CLI::CheckedTransformer(locks))
+        ->type_name("none|pin|password");
+    command->add_flag("--encrypted", options->isEncrypted, "The internal storage is encrypted");
+    command->add_flag("--tutorial", options->isTutorialShown, "The tutorial of the first use is being shown");
+    command->add_option("--service", options->service, "Program of the service (default: tesk-agent beside deskwatch)")
+        ->type_name("PATH");
+    command->footer("Example:\n  deskwatch boot /tmp/watch --country KR --lock pin");
+    command->callback([&common, options] { boot(common, *options); });
+}
+
+} // namespace deskwatch

@@ -1,0 +1,33 @@
+#ifndef DESKWATCH_COMMANDS_H
+#define DESKWATCH_COMMANDS_H
+
+#include <CLI/CLI.hpp>
+
+#include "device.h"
+
+#include <string>
+
+namespace deskwatch {
+
+/// What the user said ahead of the command.
+struct CommonOptions {
+    /// The folder of the watch; empty when the newest one is meant.
+    std::string device;
+};
+
+/// The watch that a command is about. Throws std::runtime_error when none was named and none is booted.
+Device chosenDevice(const CommonOptions& common);
+
+// Each adds one command to the program. Parsing the arguments runs the command, which throws std::runtime_error when it
+// fails. The options are read then and must outlive the program.
+void addBootCommand(CLI::App& program, const CommonOptions& common);
+void addOffCommand(CLI::App& program, const CommonOptions& common);
+void addMailCommand(CLI::App& program, const CommonOptions& common);
+void addStatusCommand(CLI::App& program, const CommonOptions& common);
+
+/// Adds the command that the bus starts as the applications beside the service; users do not see it.
+void addCompanionCommand(CLI::App& program);
+
+} // namespace deskwatch
+
+#endif

@@ -1,0 +1,56 @@
+#include "commands.h"
+
+#include "mail_application.h"
+#include "message_file.h"
+
+#include <memory>
+
+namespace deskwatch {
+namespace {
+
+void addPolicyCommand(CLI::App& mail, const CommonOptions& common) {
+    auto* command = mail.add_subcommand("policy", "Send message files, in order, as policy updates");
+    auto files = std::make_shared<std::vector<std::string>>();
+    auto isRaw = std::make_shared<bool>(false);
+    command->add_option("FILE", *files, "Message files")->required();
+    command->add_flag("--raw", *isRaw, "Send the files as they are, JSON or not");
+    command->footer("Example:\n  deskwatch mail policy samples/hardened.json");
+    command->callback([&common, files, isRaw] {
+        std::vector<Request> requests;
+        for (const auto& file : *files) {
+            requests.push_back({"req_update_policy", readMessageFile(file, *isRaw ? Check::none : Check::json)});
+        }
+        sendAsMailApplication(chosenDevice(common), requests);
+    });
+}
+
+void addDeleteCommand(CLI::App& mail, const CommonOptions& common) {
+    auto* command = mail.add_subcommand("delete", "Tell the service that an account is gone");
+    auto id = std::make_shared<std::string>();
+    command->add_option("ID", *id, "The account's number")->required();
+    command->footer("Example:\n  deskwatch mail delete 2");
+    command->callback([&common, id] { sendAsMailApplication(chosenDevice(common), {{"req_delete_account", *id}}); });
+}
+
+void addSendCommand(CLI::App& mail, const CommonOptions& common) {
+    auto* command = mail.add_subcommand("send", "Send any request");
+    auto request = std::make_shared<Request>();
+    command->add_option("REQ", request->name, "The request's name")->required();
+    command->add_option("TEXT", request->argument, "Its argument (default: empty)");
+    command->footer("Example:\n  deskwatch mail send chk_password_policy");
+    command->callback([&common, request] { sendAsMailApplication(chosenDevice(common), {*request}); });
+}
+
+} // namespace
+
+void addMailCommand(CLI::App& program, const CommonOptions& common) {
+    auto* command = program.add_subcommand("mail", "Act as the watch's mail application");
+    command->require_subcommand(1);
+    addPolicyCommand(*command, common);
+    addDeleteCommand(*command, common);
+    addSendCommand(*command, common);
+    command->footer("Returns when the service has handled the request.\n"
+                    "Example:\n  deskwatch mail policy samples/hardened.json");
+}
+
+} // namespace deskwatch

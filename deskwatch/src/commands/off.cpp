@@ -1,0 +1,20 @@
+#include "commands.h"
+
+#include "registry.h"
+
+#include <iostream>
+
+namespace deskwatch {
+
+void addOffCommand(CLI::App& program, const CommonOptions& common) {
+    auto* command = program.add_subcommand("off", "Switch a watch off; its folder stays");
+    command->footer("Example:\n  deskwatch --device /tmp/watch off");
+    command->callback([&common] {
+        const Device device = chosenDevice(common);
+        const bool wasBooted = device.off();
+        Registry::ofUser().remove(device.layout().folder());
+        std::cout << device.layout().folder().string() << (wasBooted ? " is off\n" : " was off already\n");
+    });
+}
+
+} // namespace deskwatch

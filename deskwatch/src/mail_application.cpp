@@ -1,0 +1,65 @@
+#include "mail_application.h"
+
+#include "application_ids.h"
+#include "watch_client.h"
+
+#include <app_control.h>
+#include <message_port.h>
+
+#include <memory>
+#include <set>
+#include <stdexcept>
+
+namespace deskwatch {
+namespace {
+
+struct BundleRelease {
+    void operator()(bundle* message) const { bundle_free(message); }
+};
+
+struct AppControlRelease {
+    void operator()(app_control_h request) const { app_control_destroy(request); }
+};
+
+using BundleOwner = std::unique_ptr<bundle, BundleRelease>;
+using AppControlOwner = std::unique_ptr<app_control_s, AppControlRelease>;
+
+void check(int result, const std::string& what) {
+    if (result != 0) {
+        throw std::runtime_error("cannot " + what + ": the platform answers " + std::to_string(result));
+    }
+}
+
+void launchService() {
+    app_control_h created = nullptr;
+    check(app_control_create(&created), "make a launch request");
+    const AppControlOwner request(created);
+    check(app_control_set_app_id(request.get(), ids::service), "address a launch request");
+    check(app_control_send_launch_request(request.get(), nullptr, nullptr), "launch the service");
+}
+
+void send(const Request& request) {
+    const BundleOwner message(bundle_create());
+    check(bundle_add_str(message.get(), "req", request.name.c_str()), "write the request's name");
+    check(bundle_add_str(message.get(), "msg", request.argument.c_str()), "write the request's argument");
+    check(message_port_send_message(ids::service, ids::policyPort, message.get()), "send " + request.name);
+}
+
+} // namespace
+
+void sendAsMailApplication(const Device& device, const std::vector<Request>& requests) {
+    const WatchClient watch(device, ids::mail);
+    launchService();
+    const auto firstLaunched = watch.settle(ids::service); // its port is open now
+    std::set<std::string> launched(firstLaunched.begin(), firstLaunched.end());
+    for (const auto& request : requests) {
+        send(request);
+        const auto more = watch.settle(ids::service);
+        launched.insert(more.begin(), more.end());
+    }
+    for (const auto& id : launched) {
+        watch.settle(id);
+    }
+}
+
+} // namespace deskwatch

@@ -1,0 +1,18 @@
+#ifndef DESKWATCH_MESSAGE_FILE_H
+#define DESKWATCH_MESSAGE_FILE_H
+
+#include <filesystem>
+#include <string>
+
+namespace deskwatch {
+
+/// Whether the text of a message file is looked at before it is sent.
+enum class Check { json, none };
+
+/// The text of a message file. Throws std::runtime_error when it cannot be read or holds a null character, which no
+/// message can carry; with Check::json also when it is no JSON, with file, line and column.
+std::string readMessageFile(const std::filesystem::path& file, Check check);
+
+} // namespace deskwatch
+
+#endif

@@ -1,0 +1,96 @@
+#include "watch_status.h"
+
+#include "application_ids.h"
+#include "companion_bus.h"
+#include "device_policy.h"
+#include "policy_database.h"
+#include "setting_value.h"
+#include "tesk-desk-bus.h"
+
+#include <stdexcept>
+
+namespace deskwatch {
+namespace {
+
+constexpr int patience = 20'000;
+
+constexpr const char* shownKeys[] = {
+    "db/eas/password_policy_applied",
+    "db/eas/device_encryption_applied",
+    "db/eas/is_pwd_input_finished",
+    "db/setting/lock_type",
+    "db/ode/crypto_state",
+    "db/rgn/country_iso",
+    "memory/private/com.velmor.hearth/tutorial_is_in_progress",
+};
+
+constexpr char enforcingAccountKey[] = "pref/tesk-agent/pwd_enforce_account_id";
+
+std::vector<NamedValue> readKeys(DConfClient* store) {
+    std::vector<NamedValue> keys;
+    for (const auto* key : shownKeys) {
+        keys.push_back({key, readSetting(store, std::string("/vconf/") + key)});
+    }
+    return keys;
+}
+
+ScreenLaunch readLaunch(const std::string& application, GVariant* entry) {
+    ScreenLaunch launch;
+    launch.application = application;
+    const char* caller = nullptr;
+    gboolean waiting = FALSE;
+    GVariantIter* extraData = nullptr;
+    g_variant_get(entry, "(&sba(ss))", &caller, &waiting, &extraData);
+    launch.caller = caller;
+    launch.waiting = waiting != FALSE;
+    const char* key = nullptr;
+    const char* value = nullptr;
+    while (g_variant_iter_next(extraData, "(&s&s)", &key, &value) != FALSE) {
+        launch.extraData.emplace_back(key, value);
+    }
+    g_variant_iter_free(extraData);
+    return launch;
+}
+
+/// Adds what an application that runs was launched with. One that is no stand-in of ours has nothing to tell.
+void readLaunches(const WatchClient& watch, const std::string& application, std::vector<ScreenLaunch>& screens) {
+    const auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
+                                                    G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS);
+    GError* error = nullptr;
+    const ObjectOwner<TeskDeskCompanion> proxy(tesk_desk_companion_proxy_new_sync(
+        watch.connection(), flags, application.c_str(), companion_bus::path, nullptr, &error));
+    GVariant* answer = nullptr;
+    if (proxy == nullptr || tesk_desk_companion_call_launches_sync(proxy.get(), G_DBUS_CALL_FLAGS_NO_AUTO_START,
+                                                                   patience, &answer, nullptr, &error) == FALSE) {
+        g_clear_error(&error);
+        return;
+    }
+    const VariantOwner launches(answer);
+    for (gsize index = 0; index < g_variant_n_children(launches.get()); ++index) {
+        const VariantOwner entry(g_variant_get_child_value(launches.get(), index));
+        screens.push_back(readLaunch(application, entry.get()));
+    }
+}
+
+} // namespace
+
+WatchStatus readStatus(const WatchClient& watch) {
+    const auto& layout = watch.device().layout();
+    const ObjectOwner<DConfClient> store(dconf_client_new());
+    WatchStatus status;
+    status.folder = layout.folder().string();
+    status.isServiceRunning = watch.isRunning(ids::service);
+    status.accounts = readStoredAccounts(layout.applicationData(ids::service) / "dbspace" / ".tesk.db");
+    status.settings = readDevicePolicy(store.get());
+    status.keys = readKeys(store.get());
+    status.enforcingAccount = {enforcingAccountKey, readSetting(store.get(), std::string("/apps/") + ids::service +
+                                                                                 "/" + enforcingAccountKey)};
+    for (const auto* application : ids::companions) {
+        if (watch.isRunning(application)) {
+            readLaunches(watch, application, status.screens);
+        }
+    }
+    return status;
+}
+
+} // namespace deskwatch

@@ -1,0 +1,269 @@
+#include "application_ids.h"
+#include "bus_client.h"
+#include "bus_process.h"
+#include "companion_bus.h"
+#include "device.h"
+#include "program.h"
+#include "temporary_folder.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <csignal>
+#include <fstream>
+
+namespace deskwatch {
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr std::chrono::seconds patience{20};
+
+/// The deskwatch program with a list of watches of its own, and a watch to boot.
+class Commands : public testing::Test {
+protected:
+    Commands() {
+        setenv("XDG_STATE_HOME", (folder_.path() / "state").c_str(), 1);
+        unsetenv("DESKWATCH_DEVICE");
+    }
+
+    ~Commands() override {
+        if (device_.isBooted()) {
+            device_.off();
+        }
+    }
+
+    void boot(const std::vector<std::string>& options = {}) const {
+        std::vector<std::string> arguments{"boot", device_.layout().folder().string()};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        run(arguments);
+    }
+
+    /// Runs a command that has to succeed; returns what it wrote.
+    static std::string run(const std::vector<std::string>& arguments) {
+        const auto outcome = deskwatchProgram(arguments);
+        EXPECT_EQ(outcome.status, 0) << outcome.errors;
+        EXPECT_EQ(outcome.errors, "");
+        return outcome.output;
+    }
+
+    static Json status() { return Json::parse(run({"status", "--json"})); }
+
+    static std::string sample(const std::string& name) { return std::string(SAMPLES) + "/" + name; }
+
+    std::filesystem::path write(const std::string& name, const std::string& text) const {
+        auto file = folder_.path() / name;
+        std::ofstream(file) << text;
+        return file;
+    }
+
+    const Device& device() const { return device_; }
+
+    /// Asks a stand-in for an application.
+    std::string ask(const char* id, const char* method, GVariant* arguments = nullptr) const {
+        const auto answer = BusClient(device_.busAddress())
+                                .call({id, companion_bus::path, "tesk.desk.Companion", method}, arguments, patience);
+        const MemoryOwner<char> text(g_variant_print(answer.get(), FALSE));
+        return text.get();
+    }
+
+    /// Returns when an application has handled what was sent to it before.
+    void settle(const char* id) const {
+        BusClient(device_.busAddress())
+            .call({id, "/tesk/host/application", "tesk.host.Application", "Settle"}, nullptr, patience);
+    }
+
+private:
+    TemporaryFolder folder_;
+    Device device_{folder_.path() / "watch"};
+};
+
+TEST_F(Commands, PolicyOfTwoAccountsIsStoredEnforcedAndShown) {
+    boot();
+    run({"mail", "policy", sample("exchange-default.json"), sample("hardened.json")});
+
+    const auto watch = status();
+
+    EXPECT_TRUE(watch["serviceRunning"]);
+    ASSERT_EQ(watch["accounts"].size(), 2U);
+    EXPECT_EQ(watch["accounts"][1]["account_name"], "bob@bank.example");
+    EXPECT_EQ(watch["accounts"][1].size(), 24U);
+    EXPECT_EQ(watch["settings"], Json::parse(R"({"quality": 128, "minimum_length": 4,
+        "maximum_failed_attempts_for_wipe": 10, "min_complex_chars": 1, "max_inactivity_time_device_lock": 900,
+        "expires": 365, "history": 4, "wifi_state": 1, "messaging_state": 1, "popimap_email_state": 1,
+        "internal_storage_encryption": 1})"));
+    EXPECT_EQ(watch["enforcingAccount"], 2);
+    EXPECT_EQ(watch["keys"]["db/eas/password_policy_applied"], 0);
+    ASSERT_EQ(watch["launches"].size(), 2U);
+    EXPECT_EQ(watch["launches"][0]["application"], ids::popup);
+    EXPECT_TRUE(watch["launches"][0]["waiting"]);
+    EXPECT_EQ(watch["launches"][0]["extraData"], Json::parse(R"({"OPERATION": "SET_PRIVACY_LOCK",
+        "ACCOUNT_NAME": "bob@bank.example", "password_min_length": "4", "password_max_length": "16",
+        "allow_simple": "0", "password_required": "1"})"));
+    EXPECT_EQ(watch["launches"][1]["application"], ids::encryptionSettings);
+}
+
+TEST_F(Commands, StatusOfAFreshWatchStartsNothing) {
+    boot();
+    const auto watch = status();
+    EXPECT_FALSE(watch["serviceRunning"]);
+    EXPECT_TRUE(watch["accounts"].empty());
+    EXPECT_TRUE(watch["launches"].empty());
+    EXPECT_EQ(BusClient(device().busAddress()).ownedNames(), std::vector<std::string>{"ca.desrt.dconf"});
+}
+
+TEST_F(Commands, DeletedAccountIsGone) {
+    boot();
+    run({"mail", "policy", sample("three-accounts.json")});
+    run({"mail", "delete", "2"});
+    const auto accounts = status()["accounts"];
+    ASSERT_EQ(accounts.size(), 2U);
+    EXPECT_EQ(accounts[1]["account_id"], 3);
+}
+
+TEST_F(Commands, AnyRequestCanBeSent) {
+    boot();
+    run({"mail", "send", "chk_password_policy"});
+    EXPECT_EQ(status()["launches"][0]["application"], ids::popup);
+}
+
+TEST_F(Commands, StateOfTheWatchIsAnOptionOfItsBoot) {
+    boot({"--country", "KR", "--encrypted", "--tutorial", "--lock", "pin"});
+    const auto keys = status()["keys"];
+    EXPECT_EQ(keys["db/rgn/country_iso"], "KR");
+    EXPECT_EQ(keys["db/ode/crypto_state"], "encrypted");
+    EXPECT_EQ(keys["db/setting/lock_type"], 1);
+    EXPECT_EQ(keys["memory/private/com.velmor.hearth/tutorial_is_in_progress"], 1);
+}
+
+TEST_F(Commands, FileThatIsNoJsonIsRefusedAndNothingOfTheOthersIsSent) {
+    boot();
+    const auto file = write("broken.json", "{\n  \"msgId\" \"x\"\n}\n");
+
+    const auto outcome = deskwatchProgram({"mail", "policy", sample("hardened.json"), file.string()});
+
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors.find("deskwatch: mail policy: " + file.string() + ":2:13: this is no JSON"), 0U)
+        << outcome.errors;
+    EXPECT_FALSE(status()["serviceRunning"]);
+}
+
+TEST_F(Commands, FileThatIsNoJsonIsSentAllTheSameWhenAskedFor) {
+    boot();
+    const auto file = write("broken.json", "{\n  \"msgId\" \"x\"\n}\n");
+    run({"mail", "policy", "--raw", file.string()});
+    EXPECT_TRUE(status()["serviceRunning"]) << "the service has survived it";
+}
+
+TEST_F(Commands, ServiceThatDoesNotComeUpIsReportedWithTheLog) {
+    boot({"--service", "/bin/false"});
+    const auto outcome = deskwatchProgram({"mail", "delete", "1"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors.find("deskwatch: mail delete: "), 0U) << outcome.errors;
+    EXPECT_NE(outcome.errors.find(device().layout().log().string()), std::string::npos) << outcome.errors;
+}
+
+TEST_F(Commands, PopupsOkOpensTheLockSettings) {
+    boot();
+    run({"mail", "policy", sample("hardened.json")});
+
+    ask(ids::popup, "Answer", g_variant_new("(s)", "ok"));
+    settle(ids::service);
+    settle(ids::lockSettings);
+
+    EXPECT_EQ(ask(ids::lockSettings, "Launches"), "([('com.velmor.tesk-agent', false, [('setting_state', 'eas')])],)");
+    EXPECT_EQ(ask(ids::popup, "Launches").find("true"), std::string::npos) << "no answer is owed any more";
+}
+
+TEST_F(Commands, PopupsRefusalReachesTheMailApplication) {
+    boot();
+    settle(ids::mail);
+    run({"mail", "policy", sample("hardened.json")});
+
+    ask(ids::popup, "Answer", g_variant_new("(s)", "sync_off_ok"));
+    settle(ids::service);
+    settle(ids::mail);
+
+    EXPECT_EQ(ask(ids::mail, "Messages"),
+              "([('com.velmor.tesk-agent', [('req', 'req_disable_password_eas_accounts'), ('msg', '')])],)");
+}
+
+TEST_F(Commands, AnswerThatNobodyWaitsForIsRefused) {
+    boot();
+    EXPECT_THROW(ask(ids::popup, "Answer", g_variant_new("(s)", "ok")), std::runtime_error);
+}
+
+TEST_F(Commands, NewestWatchIsMeantUnlessAnotherIsNamed) {
+    boot({"--country", "FR"});
+    const TemporaryFolder other;
+    run({"boot", other.path().string(), "--country", "KR"});
+
+    EXPECT_EQ(status()["keys"]["db/rgn/country_iso"], "KR");
+    EXPECT_EQ(Json::parse(run(
+                  {"--device", device().layout().folder().string(), "status", "--json"}))["keys"]["db/rgn/country_iso"],
+              "FR");
+    setenv("DESKWATCH_DEVICE", device().layout().folder().c_str(), 1);
+    EXPECT_EQ(status()["keys"]["db/rgn/country_iso"], "FR");
+    unsetenv("DESKWATCH_DEVICE");
+
+    EXPECT_EQ(run({"off"}), other.path().string() + " is off\n");
+    EXPECT_EQ(status()["keys"]["db/rgn/country_iso"], "FR");
+}
+
+TEST_F(Commands, OffLeavesNoProcess) {
+    boot();
+    run({"mail", "policy", sample("hardened.json")});
+    const auto processes = BusClient(device().busAddress()).applicationProcesses();
+    ASSERT_GE(processes.size(), 4U) << "settings service, service, popup, settings";
+
+    run({"off"});
+
+    for (const auto& process : processes) {
+        EXPECT_TRUE(process.waitForEnd(std::chrono::milliseconds::zero())) << process.pid();
+    }
+}
+
+TEST_F(Commands, ApplicationsEndWhenTheBusIsKilled) {
+    boot();
+    run({"mail", "policy", sample("hardened.json")});
+    const auto processes = BusClient(device().busAddress()).applicationProcesses();
+
+    BusProcess(device().layout().busRecord()).running().value().signal(SIGKILL);
+
+    for (const auto& process : processes) {
+        EXPECT_TRUE(process.waitForEnd(patience)) << process.pid();
+    }
+    EXPECT_EQ(deskwatchProgram({"status"}).status, 1);
+    EXPECT_EQ(run({"off"}), device().layout().folder().string() + " was off already\n");
+}
+
+TEST_F(Commands, StatusWithoutAnyWatchSaysHowToBootOne) {
+    const auto outcome = deskwatchProgram({"status"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors, "deskwatch: status: no watch is booted (deskwatch boot)\n");
+}
+
+TEST_F(Commands, SecondBootIsRefused) {
+    boot();
+    const auto outcome = deskwatchProgram({"boot", device().layout().folder().string()});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors, "deskwatch: boot: " + device().layout().folder().string() + " is booted already\n");
+}
+
+TEST_F(Commands, WrongArgumentsAreToldApartFromFailures) {
+    EXPECT_EQ(deskwatchProgram({}).status, 2);
+    EXPECT_EQ(deskwatchProgram({"mail"}).status, 2);
+    EXPECT_EQ(deskwatchProgram({"boot", "--lock", "chain"}).status, 2);
+}
+
+TEST_F(Commands, HelpOfEveryCommandHasAnExample) {
+    const std::vector<std::vector<std::string>> commands{
+        {}, {"boot"}, {"off"}, {"mail"}, {"mail", "policy"}, {"mail", "delete"}, {"mail", "send"}, {"status"}};
+    for (auto command : commands) {
+        command.emplace_back("--help");
+        EXPECT_NE(run(command).find("Example:\n  deskwatch "), std::string::npos) << command.front();
+    }
+}
+
+} // namespace
+} // namespace deskwatch

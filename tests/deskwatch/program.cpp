@@ -1,0 +1,30 @@
+#include "program.h"
+
+#include "glib_owners.h"
+
+#include <stdexcept>
+
+using deskwatch::GFree;
+using deskwatch::MemoryOwner;
+using deskwatch::ObjectOwner;
+
+Outcome deskwatchProgram(const std::vector<std::string>& arguments) {
+    std::vector<const char*> line{DESKWATCH_PROGRAM};
+    for (const auto& argument : arguments) {
+        line.push_back(argument.c_str());
+    }
+    line.push_back(nullptr);
+    const auto flags = static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDOUT_PIPE | G_SUBPROCESS_FLAGS_STDERR_PIPE);
+    GError* error = nullptr;
+    const ObjectOwner<GSubprocess> process(g_subprocess_newv(line.data(), flags, &error));
+    char* output = nullptr;
+    char* errors = nullptr;
+    if (process == nullptr ||
+        g_subprocess_communicate_utf8(process.get(), nullptr, nullptr, &output, &errors, &error) == FALSE) {
+        throw std::runtime_error("cannot run deskwatch: " + deskwatch::takeMessage(error));
+    }
+    const MemoryOwner<char> outputOwner(output);
+    const MemoryOwner<char> errorsOwner(errors);
+    const bool isExited = g_subprocess_get_if_exited(process.get()) != FALSE;
+    return {isExited ? g_subprocess_get_exit_status(process.get()) : -1, output, errors};
+}

@@ -1,0 +1,17 @@
+#ifndef DESKWATCH_PROGRAM_H
+#define DESKWATCH_PROGRAM_H
+
+#include <string>
+#include <vector>
+
+/// What became of a run of a program.
+struct Outcome {
+    int status = -1;
+    std::string output;
+    std::string errors;
+};
+
+/// Runs the deskwatch program with these arguments, in this process's environment, until it ends.
+Outcome deskwatchProgram(const std::vector<std::string>& arguments);
+
+#endif

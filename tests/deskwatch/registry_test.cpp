@@ -1,0 +1,58 @@
+#include "registry.h"
+#include "temporary_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace deskwatch {
+namespace {
+
+TEST(Registry, KnowsNoWatchAtFirst) {
+    EXPECT_FALSE(Registry("/nowhere").newest());
+}
+
+TEST(Registry, WatchThatWasAddedLastIsTheNewest) {
+    const TemporaryFolder folder;
+    const Registry registry(folder.path() / "deskwatch");
+    registry.add("/tmp/first");
+    registry.add("/tmp/second");
+    EXPECT_EQ(registry.newest(), "/tmp/second");
+}
+
+TEST(Registry, WatchThatIsBootedAgainBecomesTheNewest) {
+    const TemporaryFolder folder;
+    const Registry registry(folder.path());
+    registry.add("/tmp/first");
+    registry.add("/tmp/second");
+    registry.add("/tmp/first");
+    EXPECT_EQ(registry.newest(), "/tmp/first");
+    registry.remove("/tmp/first");
+    EXPECT_EQ(registry.newest(), "/tmp/second");
+}
+
+TEST(Registry, WatchBeforeARemovedOneIsTheNewest) {
+    const TemporaryFolder folder;
+    const Registry registry(folder.path());
+    registry.add("/tmp/first");
+    registry.add("/tmp/second");
+    registry.remove("/tmp/second");
+    EXPECT_EQ(registry.newest(), "/tmp/first");
+    registry.remove("/tmp/first");
+    EXPECT_FALSE(registry.newest());
+}
+
+TEST(Registry, OfTheUserIsInTheStateFolder) {
+    const TemporaryFolder folder;
+    setenv("XDG_STATE_HOME", folder.path().c_str(), 1);
+    EXPECT_EQ(Registry::ofUser().defaultWatch(), folder.path() / "deskwatch" / "watch");
+}
+
+TEST(Registry, OfAUserWithoutStateFolderIsInTheHomeFolder) {
+    unsetenv("XDG_STATE_HOME");
+    setenv("HOME", "/home/someone", 1);
+    EXPECT_EQ(Registry::ofUser().defaultWatch(), "/home/someone/.local/state/deskwatch/watch");
+}
+
+} // namespace
+} // namespace deskwatch

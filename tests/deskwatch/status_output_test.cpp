@@ -1,0 +1,69 @@
+#include "watch_status.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace deskwatch {
+namespace {
+
+WatchStatus freshStatus() {
+    WatchStatus status;
+    status.folder = "/tmp/watch";
+    status.enforcingAccount = {"enforcing", {}};
+    return status;
+}
+
+WatchStatus fullStatus() {
+    WatchStatus status = freshStatus();
+    status.isServiceRunning = true;
+    status.accounts = {{{"account_id", 1}, {"account_name", std::string("alice")}},
+                       {{"account_id", 2}, {"account_name", std::string("bob")}}};
+    status.settings = {{"quality", 128}};
+    status.keys = {{"db/a", std::string("text")}, {"db/b", {}}};
+    status.enforcingAccount.value = 2;
+    status.screens = {{"com.example.popup", "com.example.agent", true, {{"OPERATION", "X"}}}};
+    return status;
+}
+
+TEST(StatusOutput, TablesShowEachAccountInAColumn) {
+    EXPECT_EQ(statusTables(fullStatus()), "Watch /tmp/watch, the service runs\n"
+                                          "\nStored accounts\n"
+                                          "  account_id    1      2\n"
+                                          "  account_name  alice  bob\n"
+                                          "\nSettings of the device policy manager\n"
+                                          "  quality  128\n"
+                                          "\nKeys\n"
+                                          "  db/a       text\n"
+                                          "  db/b       -\n"
+                                          "  enforcing  2\n"
+                                          "\nLaunch requests\n"
+                                          "  com.example.popup, launched by com.example.agent, which waits for the "
+                                          "answer\n"
+                                          "    OPERATION  X\n");
+}
+
+TEST(StatusOutput, TablesOfAFreshWatchSayThatThereIsNothing) {
+    const auto text = statusTables(freshStatus());
+    EXPECT_NE(text.find("the service does not run"), std::string::npos) << text;
+    EXPECT_NE(text.find("Stored accounts\n  none\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("Launch requests\n  none\n"), std::string::npos) << text;
+}
+
+TEST(StatusOutput, JsonHoldsTheSame) {
+    const auto json = nlohmann::json::parse(statusJson(fullStatus()));
+    EXPECT_EQ(json, nlohmann::json::parse(R"({
+        "watch": "/tmp/watch", "serviceRunning": true,
+        "accounts": [{"account_id": 1, "account_name": "alice"}, {"account_id": 2, "account_name": "bob"}],
+        "settings": {"quality": 128}, "keys": {"db/a": "text", "db/b": null}, "enforcingAccount": 2,
+        "launches": [{"application": "com.example.popup", "caller": "com.example.agent", "waiting": true,
+                      "extraData": {"OPERATION": "X"}}]})"));
+}
+
+TEST(StatusOutput, JsonOfTextThatIsNotUtf8IsStillJson) {
+    auto status = freshStatus();
+    status.keys = {{"db/a", std::string("\xff")}};
+    EXPECT_EQ(nlohmann::json::parse(statusJson(status))["keys"]["db/a"], "\uFFFD");
+}
+
+} // namespace
+} // namespace deskwatch
