@@ -12,7 +12,8 @@ gboolean wakeUp(gpointer /*data*/) {
 
 bool runMainLoopUntil(const std::function<bool()>& condition) {
     constexpr guint interval = 20;
-    const gint64 deadline = g_get_monotonic_time() + 10 * G_USEC_PER_SEC;
+    constexpr gint64 limit = gint64{10} * G_USEC_PER_SEC;
+    const gint64 deadline = g_get_monotonic_time() + limit;
     const guint timer = g_timeout_add(interval, wakeUp, nullptr);
     bool holds = condition();
     while (!holds && g_get_monotonic_time() < deadline) {

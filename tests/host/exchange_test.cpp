@@ -100,6 +100,18 @@ TEST_F(Exchange, KeyChangeOfTheOtherProcessReachesThisOne) {
     EXPECT_EQ(value, 7);
 }
 
+TEST_F(Exchange, KeyThatIsSetToItsOwnValueIsNoNews) {
+    vconf_set_int("db/example/key", 1);
+    std::vector<int> numbers;
+    vconf_notify_key_changed("db/example/key", recordNumber, &numbers);
+
+    vconf_set_int("db/example/key", 1);
+    vconf_set_int("db/example/key", 2);
+
+    ASSERT_TRUE(runMainLoopUntil([&] { return !numbers.empty() && numbers.back() == 2; }));
+    EXPECT_EQ(numbers, std::vector<int>{2});
+}
+
 TEST_F(Exchange, SettingsSurviveARestartOfEverything) {
     EXPECT_EQ(run({"set-key", "db/example/key", "7"})->status(), 0);
     EXPECT_EQ(run({"administer", "33"})->status(), 0);
