@@ -2,6 +2,7 @@
 #include <message_port.h>
 #include <tesk-host-bus.h>
 
+#include <fstream>
 #include <map>
 #include <optional>
 
@@ -159,8 +160,15 @@ TEST_F(Launch, SenderMayEndAtOnceEvenWhenTheTargetMustBeStarted) {
 }
 
 TEST_F(Launch, RequestBehindTheOneThatEndsTheApplicationIsNotLost) {
-    launch(appId, {{"do", "exit"}}, nullptr);
+    const auto file = device().folder() / "go on";
+    launch(appId, {{"do", "exit-when"}, {"file", file.string()}}, nullptr);
+    ASSERT_TRUE(logged("exit asked\n"));
     launch(appId, {{"text", "afterwards"}}, nullptr);
+    bool open = false;
+    message_port_check_remote_port(appId, "control", &open); // answered after the request has been passed on
+
+    std::ofstream{file};
+
     EXPECT_TRUE(logged("launch by com.example.desk: afterwards\n"));
 }
 

@@ -60,6 +60,14 @@ void onAnswered(app_control_h /*request*/, app_control_h /*reply*/, app_control_
     say("answered " + std::to_string(result));
 }
 
+// Keeps the main loop from running until a file is there, with a limit.
+void waitForFile(const std::string& path) {
+    constexpr int limit = 10000;
+    for (int i = 0; i < limit && access(path.c_str(), F_OK) != 0; ++i) {
+        g_usleep(1000);
+    }
+}
+
 // Launches another application that will keep the request.
 void launchAndWait(const std::string& target) {
     app_control_h request = nullptr;
@@ -137,6 +145,10 @@ void onLaunch(app_control_h request, void* data) {
         _exit(EXIT_FAILURE);
     } else if (todo == "exit") {
         service_app_exit();
+    } else if (todo == "exit-when") {
+        service_app_exit();
+        say("exit asked");
+        waitForFile(extraData(request, "file"));
     } else if (todo == "launch") {
         launchAndWait(extraData(request, "target"));
     }
