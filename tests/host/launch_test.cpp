@@ -167,7 +167,7 @@ TEST_F(Launch, RequestBehindTheOneThatEndsTheApplicationIsNotLost) {
     bool open = false;
     message_port_check_remote_port(appId, "control", &open); // answered after the request has been passed on
 
-    std::ofstream{file};
+    std::ofstream(file).close();
 
     EXPECT_TRUE(logged("launch by com.example.desk: afterwards\n"));
 }
