@@ -7,6 +7,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstdio>
 #include <fstream>
 
 #include "TeskConsumerInstance.h"
@@ -17,7 +19,9 @@
 namespace {
 
 constexpr char dbFile[] = "dbspace/.tesk.db";
+constexpr char newFileSuffix[] = ".new";
 constexpr mode_t dbDirMode = 0755;
+constexpr mode_t dbFileMode = 0600;
 constexpr int maxBusyCalls = 5;
 constexpr gulong busySleepStep = 100000; // microseconds
 
@@ -36,8 +40,12 @@ bool makeDirOf(const std::string& path) {
     return true;
 }
 
+/// An empty file that nobody else may read, in the place of whatever an earlier start may have left there.
 void makeEmptyFile(const std::string& path) {
+    unlink(path.c_str());
+    unlink((path + "-journal").c_str());
     const std::ofstream file(path, std::ios::out | std::ios::trunc);
+    chmod(path.c_str(), dbFileMode);
 }
 
 } // namespace
@@ -176,22 +184,37 @@ bool TeskConsumerDbMgr::__openDb() {
     const std::string path = std::string(dataPath.get()) + dbFile;
     TESK_INFO("dbPath : %s", path.c_str());
 
-    const bool isNew = g_file_test(path.c_str(), G_FILE_TEST_EXISTS) == FALSE;
-    if (isNew) {
-        if (!makeDirOf(path)) {
-            return false;
-        }
-        makeEmptyFile(path);
-    }
-    if (!__openFile(path)) {
+    const bool exists = g_file_test(path.c_str(), G_FILE_TEST_EXISTS) != FALSE;
+    if (!(exists ? __openFile(path) : __openNewFile(path))) {
         return false;
-    }
-    if (isNew) {
-        TESK_INFO("Let's create db!");
-        __createDb();
     }
     TESK_INFO("Leave");
     return true;
+}
+
+/// A file without a table would never be repaired, since a file that exists is used as it is. So the file gets its name
+/// only once the table is in it: a start that is cut off on the way leaves nothing that counts.
+bool TeskConsumerDbMgr::__openNewFile(const std::string& path) {
+    const std::string newPath = path + newFileSuffix;
+    if (!makeDirOf(path)) {
+        return false;
+    }
+    makeEmptyFile(newPath);
+    if (!__openFile(newPath)) {
+        return false;
+    }
+    TESK_INFO("Let's create db!");
+    if (!__createDb()) {
+        return true; // without its table the file answers every operation with a failure, and the next start tries
+                     // again
+    }
+    sqlite3_close(handle);
+    handle = nullptr;
+    if (std::rename(newPath.c_str(), path.c_str()) != 0) {
+        TESK_ERROR("rename failed: [%d]", errno);
+        return false;
+    }
+    return __openFile(path);
 }
 
 bool TeskConsumerDbMgr::__openFile(const std::string& path) {
@@ -213,14 +236,19 @@ bool TeskConsumerDbMgr::__openFile(const std::string& path) {
     return true;
 }
 
-void TeskConsumerDbMgr::__createDb() {
+/// Whether the table is there now.
+bool TeskConsumerDbMgr::__createDb() {
     const auto& sql = TeskPolicyTable::createSql();
     const Statement statement(__queryPrepare(sql));
     if (!statement) {
         TESK_ERROR("query prepare fail: [%s] - %s", sql.c_str(), sqlite3_errmsg(handle));
-    } else if (sqlite3_step(statement.get()) != SQLITE_DONE) {
-        TESK_WARN("db create fail: [%s] - %s", sql.c_str(), sqlite3_errmsg(handle));
+        return false;
     }
+    if (sqlite3_step(statement.get()) != SQLITE_DONE) {
+        TESK_WARN("db create fail: [%s] - %s", sql.c_str(), sqlite3_errmsg(handle));
+        return false;
+    }
+    return true;
 }
 
 sqlite3_stmt* TeskConsumerDbMgr::__queryPrepare(const std::string& sql) {

@@ -54,8 +54,9 @@ private:
 
     bool __init();
     bool __openDb();
+    bool __openNewFile(const std::string& path);
     bool __openFile(const std::string& path);
-    void __createDb();
+    bool __createDb();
     sqlite3_stmt* __queryPrepare(const std::string& sql);
     static void __queryFinalize(sqlite3_stmt* statement);
     static int __busyHandler(void* data, int count);

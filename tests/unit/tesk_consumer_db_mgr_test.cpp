@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <limits>
 
 #include <sqlite3.h>
@@ -72,6 +73,14 @@ protected:
         EXPECT_EQ(db.getPolicyDataList(list), -1001);
         EXPECT_EQ(db.getAllEasAccountCount(&count), -1001);
         EXPECT_EQ(count, 7);
+    }
+
+    static Lines filesIn(const std::string& folder) {
+        Lines names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            names.push_back(entry.path().filename());
+        }
+        return names;
     }
 
     bool logged(const std::string& beginning) const {
@@ -182,8 +191,39 @@ TEST_F(DbMgrTest, TableThatCannotBeCreatedDoesNotFailTheOpening) {
     EXPECT_FALSE(logged("W db initialize fail!"));
 }
 
+TEST_F(DbMgrTest, FileGetsItsNameOnlyWithItsTable) {
+    platform.faults.atCall("sqlite3_step", 1, SQLITE_FULL);
+    { const TeskConsumerDbMgr withoutTable; }
+
+    EXPECT_FALSE(std::filesystem::exists(dbPath()));
+    TeskConsumerDbMgr next;
+    EXPECT_EQ(next.insertPolicy(account(1)), 0);
+}
+
+TEST_F(DbMgrTest, WhatAKilledStartLeftIsCleared) {
+    std::filesystem::create_directory(platform.dataPath + "dbspace");
+    std::ofstream(dbPath() + ".new") << "half a database";
+    std::ofstream(dbPath() + ".new-journal") << "half a journal";
+
+    TeskConsumerDbMgr db;
+
+    EXPECT_EQ(db.insertPolicy(account(1)), 0);
+    EXPECT_EQ(filesIn(platform.dataPath + "dbspace"), Lines{".tesk.db"});
+}
+
+TEST_F(DbMgrTest, FileIsForTheServiceAlone) {
+    const TeskConsumerDbMgr db;
+
+    struct stat file {};
+    ASSERT_EQ(stat(dbPath().c_str(), &file), 0);
+    EXPECT_EQ(file.st_mode & 0777U, 0600U);
+}
+
 TEST_F(DbMgrTest, DestructorClosesTheDatabase) {
-    { const TeskConsumerDbMgr db; }
+    {
+        const TeskConsumerDbMgr db;
+        journal.clear();
+    }
 
     EXPECT_EQ(journal.calls({"sqlite3_close"}), Lines{"sqlite3_close"});
 }
