@@ -1,0 +1,178 @@
+#include "companions.h"
+
+#include "application_ids.h"
+#include "companion_bus.h"
+#include "host_bus.h"
+#include "tesk-desk-bus.h"
+#include "tesk-host-bus.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace system_test {
+namespace {
+
+using deskwatch::ObjectOwner;
+using deskwatch::takeMessage;
+using deskwatch::VariantOwner;
+
+constexpr int patience = 60'000; // milliseconds
+
+constexpr auto plainProxy =
+    static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES | G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS |
+                                 G_DBUS_PROXY_FLAGS_DO_NOT_AUTO_START_AT_CONSTRUCTION);
+
+/// Ends the test with the reason when a call on the bus failed.
+void require(bool isDone, const std::string& what, GError* error) {
+    if (!isDone) {
+        throw std::runtime_error(what + ": " + takeMessage(error));
+    }
+}
+
+Entries entriesOf(GVariantIter* pairs) {
+    Entries entries;
+    const char* key = nullptr;
+    const char* value = nullptr;
+    while (g_variant_iter_next(pairs, "(&s&s)", &key, &value) != FALSE) {
+        entries.emplace(key, value);
+    }
+    g_variant_iter_free(pairs);
+    return entries;
+}
+
+/// Lets the platform take the answers to this process's own requests, which have arrived and wait for the main loop. At
+/// the end of the process it would look after those that it knows no answer to.
+void takeAnswers() {
+    while (g_main_context_iteration(nullptr, FALSE) != FALSE) {
+    }
+}
+
+ObjectOwner<TeskDeskCompanion> companionOf(GDBusConnection* connection, const std::string& id) {
+    GError* error = nullptr;
+    ObjectOwner<TeskDeskCompanion> proxy(tesk_desk_companion_proxy_new_sync(
+        connection, plainProxy, id.c_str(), deskwatch::companion_bus::path, nullptr, &error));
+    require(proxy != nullptr, "cannot speak to " + id, error);
+    return proxy;
+}
+
+} // namespace
+
+void PrintTo(const Launch& launch, std::ostream* output) {
+    *output << "by " << launch.caller << (launch.waits ? ", waiting, " : ", ")
+            << testing::PrintToString(launch.extraData);
+}
+
+void PrintTo(const Message& message, std::ostream* output) {
+    *output << "from " << message.sender << ", " << testing::PrintToString(message.entries);
+}
+
+void Companions::settle(const std::string& id) const {
+    GError* error = nullptr;
+    const ObjectOwner<TeskHostApplication> proxy(tesk_host_application_proxy_new_sync(
+        connection(), plainProxy, id.c_str(), host_bus::applicationPath, nullptr, &error));
+    require(proxy != nullptr, "cannot speak to " + id, error);
+    char** launched = nullptr;
+    const bool isDone = tesk_host_application_call_settle_sync(proxy.get(), G_DBUS_CALL_FLAGS_NONE, patience, &launched,
+                                                               nullptr, &error) != FALSE;
+    g_strfreev(launched);
+    require(isDone, id + " does not settle", error);
+    takeAnswers();
+}
+
+std::vector<Launch> Companions::launches(const std::string& id) const {
+    settle(id);
+    GError* error = nullptr;
+    GVariant* answer = nullptr;
+    const bool isDone =
+        tesk_desk_companion_call_launches_sync(companionOf(connection(), id).get(), G_DBUS_CALL_FLAGS_NONE, patience,
+                                               &answer, nullptr, &error) != FALSE;
+    require(isDone, id + " does not tell its launches", error);
+    const VariantOwner list(answer);
+    std::vector<Launch> launches;
+    GVariantIter iterator;
+    g_variant_iter_init(&iterator, list.get());
+    const char* caller = nullptr;
+    gboolean waits = FALSE;
+    GVariantIter* pairs = nullptr;
+    while (g_variant_iter_next(&iterator, "(&sba(ss))", &caller, &waits, &pairs) != FALSE) {
+        launches.push_back({caller, waits != FALSE, entriesOf(pairs)});
+    }
+    return launches;
+}
+
+std::vector<Message> Companions::messages() const {
+    settle(ids::mail);
+    GError* error = nullptr;
+    GVariant* answer = nullptr;
+    const bool isDone =
+        tesk_desk_companion_call_messages_sync(companionOf(connection(), ids::mail).get(), G_DBUS_CALL_FLAGS_NONE,
+                                               patience, &answer, nullptr, &error) != FALSE;
+    require(isDone, "the mail application does not tell its messages", error);
+    const VariantOwner list(answer);
+    std::vector<Message> messages;
+    GVariantIter iterator;
+    g_variant_iter_init(&iterator, list.get());
+    const char* sender = nullptr;
+    GVariantIter* pairs = nullptr;
+    while (g_variant_iter_next(&iterator, "(&sa(ss))", &sender, &pairs) != FALSE) {
+        messages.push_back({sender, entriesOf(pairs)});
+    }
+    return messages;
+}
+
+void Companions::answer(const std::string& id, const std::string& result) const {
+    GError* error = nullptr;
+    const bool isDone =
+        tesk_desk_companion_call_answer_sync(companionOf(connection(), id).get(), result.c_str(),
+                                             G_DBUS_CALL_FLAGS_NONE, patience, nullptr, &error) != FALSE;
+    require(isDone, id + " does not answer its launch request", error);
+    settle(ids::service);
+}
+
+bool Companions::isRunning(const std::string& id) const {
+    const auto answer = call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
+                             g_variant_new("(s)", id.c_str()));
+    gboolean isOwned = FALSE;
+    g_variant_get(answer.get(), "(b)", &isOwned);
+    return isOwned != FALSE;
+}
+
+pid_t Companions::processOf(const std::string& id) const {
+    const auto answer = call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                             "GetConnectionUnixProcessID", g_variant_new("(s)", id.c_str()));
+    guint32 pid = 0;
+    g_variant_get(answer.get(), "(u)", &pid);
+    return static_cast<pid_t>(pid);
+}
+
+void Companions::announce(int event) const {
+    GError* error = nullptr;
+    const GDBusInterfaceInfo* interface = tesk_host_system_interface_info();
+    const bool isDone =
+        g_dbus_connection_emit_signal(connection(), nullptr, host_bus::systemPath, interface->name,
+                                      interface->signals[0]->name, g_variant_new("(i)", event), &error) != FALSE;
+    require(isDone, "cannot announce an event", error);
+    settle(ids::service);
+}
+
+VariantOwner Companions::call(const char* owner, const char* path, const char* interface, const char* method,
+                              GVariant* arguments) const {
+    GError* error = nullptr;
+    VariantOwner answer(g_dbus_connection_call_sync(connection(), owner, path, interface, method, arguments, nullptr,
+                                                    G_DBUS_CALL_FLAGS_NONE, patience, nullptr, &error));
+    require(answer != nullptr, method, error);
+    return answer;
+}
+
+GDBusConnection* Companions::connection() const {
+    if (connection_ == nullptr) {
+        GError* error = nullptr;
+        connection_.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error));
+        require(connection_ != nullptr, "cannot reach " + busAddress_, error);
+        g_dbus_connection_set_exit_on_close(connection_.get(), FALSE);
+    }
+    return connection_.get();
+}
+
+} // namespace system_test

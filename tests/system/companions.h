@@ -1,0 +1,82 @@
+#ifndef TESTS_SYSTEM_COMPANIONS_H
+#define TESTS_SYSTEM_COMPANIONS_H
+
+#include "application_ids.h"
+#include "glib_owners.h"
+
+#include <map>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace system_test {
+
+namespace ids = deskwatch::ids;
+
+using Entries = std::map<std::string, std::string>;
+
+/// A launch request that an application got.
+struct Launch {
+    std::string caller;
+    /// Whether an answer is still owed.
+    bool waits = false;
+    Entries extraData;
+
+    bool operator==(const Launch& other) const {
+        return caller == other.caller && waits == other.waits && extraData == other.extraData;
+    }
+};
+
+/// A message that arrived at an application's port.
+struct Message {
+    std::string sender;
+    Entries entries;
+
+    bool operator==(const Message& other) const { return sender == other.sender && entries == other.entries; }
+};
+
+void PrintTo(const Launch& launch, std::ostream* output);
+void PrintTo(const Message& message, std::ostream* output);
+
+/// The applications of a watch as seen from the bus, on the connection that the platform's functions use here: what was
+/// sent before is ahead of what is asked for now.
+class Companions {
+public:
+    /// Connects on first use; the environment must name the watch then.
+    explicit Companions(std::string busAddress) : busAddress_(std::move(busAddress)) {}
+
+    /// Waits until an application, started when it does not run, has handled what was sent to it.
+    void settle(const std::string& id) const;
+
+    /// What an application was launched with, in order. Launch requests that the service sent before it settled are
+    /// among them. An application that does not run is started, and was launched with nothing.
+    std::vector<Launch> launches(const std::string& id) const;
+
+    /// What arrived at the mail application's port, in order.
+    std::vector<Message> messages() const;
+
+    /// Answers the oldest launch request that waits, and waits until the service has got the answer.
+    void answer(const std::string& id, const std::string& result) const;
+
+    bool isRunning(const std::string& id) const;
+
+    /// The process behind an application; an error of the test when it does not run.
+    pid_t processOf(const std::string& id) const;
+
+    /// Announces an event of the device, one of app_event_type_e, and waits until the service has handled it.
+    void announce(int event) const;
+
+    /// Calls any method on the bus. Throws std::runtime_error with the answer when it fails.
+    deskwatch::VariantOwner call(const char* owner, const char* path, const char* interface, const char* method,
+                                 GVariant* arguments) const;
+
+private:
+    GDBusConnection* connection() const;
+
+    std::string busAddress_;
+    mutable deskwatch::ObjectOwner<GDBusConnection> connection_;
+};
+
+} // namespace system_test
+
+#endif

@@ -1,0 +1,145 @@
+#include "device_state.h"
+
+#include "application_ids.h"
+#include "glib_owners.h"
+
+#include <dconf.h>
+#include <dpm/password.h>
+#include <dpm/restriction.h>
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <vconf.h>
+
+#include <memory>
+#include <stdexcept>
+#include <tuple>
+#include <type_traits>
+
+namespace system_test {
+namespace {
+
+struct ManagerRelease {
+    void operator()(device_policy_manager_h manager) const { dpm_manager_destroy(manager); }
+};
+
+using Manager = std::unique_ptr<std::remove_pointer_t<device_policy_manager_h>, ManagerRelease>;
+
+auto fields(const Settings& s) {
+    return std::make_tuple(s.quality, s.minLength, s.failedAttempts, s.complexCharacters, s.inactivity, s.expiration,
+                           s.history, s.wifi, s.messaging, s.popImap, s.encryption);
+}
+
+struct DatabaseRelease {
+    void operator()(sqlite3* database) const { sqlite3_close(database); }
+};
+
+struct StatementRelease {
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+};
+
+using Database = std::unique_ptr<sqlite3, DatabaseRelease>;
+using Statement = std::unique_ptr<sqlite3_stmt, StatementRelease>;
+
+/// A number that another process keeps in the watch's store.
+std::optional<int> storedNumber(const std::string& path) {
+    const deskwatch::ObjectOwner<DConfClient> client(dconf_client_new());
+    const deskwatch::VariantOwner value(dconf_client_read(client.get(), path.c_str()));
+    return value != nullptr ? std::optional<int>(g_variant_get_int32(value.get())) : std::nullopt;
+}
+
+Database openForReading(const std::filesystem::path& path) {
+    sqlite3* opened = nullptr;
+    const int result = sqlite3_open_v2(path.c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
+    Database database(opened);
+    if (result != SQLITE_OK) {
+        throw std::runtime_error("cannot read " + path.string() + ": " + sqlite3_errmsg(opened));
+    }
+    return database;
+}
+
+std::string columnText(sqlite3_stmt* row, int column) {
+    const unsigned char* text = sqlite3_column_text(row, column);
+    return text != nullptr ? reinterpret_cast<const char*>(text) : "NULL";
+}
+
+} // namespace
+
+bool Settings::operator==(const Settings& other) const {
+    return fields(*this) == fields(other);
+}
+
+void PrintTo(const Settings& settings, std::ostream* output) {
+    *output << testing::PrintToString(fields(settings));
+}
+
+Settings settings() {
+    const Manager manager(dpm_manager_create());
+    device_policy_manager_h handle = manager.get();
+    Settings s;
+    const bool areRead = dpm_password_get_quality(handle, &s.quality) == 0 &&
+                         dpm_password_get_minimum_length(handle, &s.minLength) == 0 &&
+                         dpm_password_get_maximum_failed_attempts_for_wipe(handle, &s.failedAttempts) == 0 &&
+                         dpm_password_get_min_complex_chars(handle, &s.complexCharacters) == 0 &&
+                         dpm_password_get_max_inactivity_time_device_lock(handle, &s.inactivity) == 0 &&
+                         dpm_password_get_expires(handle, &s.expiration) == 0 &&
+                         dpm_password_get_history(handle, &s.history) == 0 &&
+                         dpm_restriction_get_wifi_state(handle, &s.wifi) == 0 &&
+                         dpm_restriction_get_messaging_state(handle, "*", &s.messaging) == 0 &&
+                         dpm_restriction_get_popimap_email_state(handle, &s.popImap) == 0;
+    EXPECT_TRUE(areRead);
+    // the manager's own getter tells whether the storage is encrypted, not whether that is demanded
+    s.encryption = storedNumber("/dpm/security/internal-storage-encryption").value_or(0);
+    return s;
+}
+
+int tryToAdminister() {
+    const Manager manager(dpm_manager_create());
+    int quality = 0;
+    EXPECT_EQ(dpm_password_get_quality(manager.get(), &quality), DPM_ERROR_NONE);
+    return dpm_password_set_quality(manager.get(), quality);
+}
+
+std::optional<int> key(const std::string& name) {
+    int value = 0;
+    return vconf_get_int(name.c_str(), &value) == 0 ? std::optional(value) : std::nullopt;
+}
+
+void setKey(const std::string& name, int value) {
+    ASSERT_EQ(vconf_set_int(name.c_str(), value), 0) << name;
+}
+
+void setKey(const std::string& name, const std::string& value) {
+    ASSERT_EQ(vconf_set_str(name.c_str(), value.c_str()), 0) << name;
+}
+
+std::optional<int> enforcingAccount() {
+    return storedNumber(std::string("/apps/") + deskwatch::ids::service + "/pref/tesk-agent/pwd_enforce_account_id");
+}
+
+std::vector<Row> storedRows(const std::filesystem::path& database) {
+    const Database opened = openForReading(database);
+    sqlite3_stmt* prepared = nullptr;
+    const int result =
+        sqlite3_prepare_v2(opened.get(), "select * from eas_policy_tbl order by account_id", -1, &prepared, nullptr);
+    const Statement statement(prepared);
+    EXPECT_EQ(result, SQLITE_OK) << sqlite3_errmsg(opened.get());
+    std::vector<Row> rows;
+    while (sqlite3_step(statement.get()) == SQLITE_ROW) {
+        constexpr int policyColumns = 24; // behind them are columns that nobody fills
+        Row& row = rows.emplace_back();
+        for (int column = 0; column < policyColumns; ++column) {
+            row.push_back(columnText(statement.get(), column));
+        }
+    }
+    return rows;
+}
+
+std::vector<std::string> storedAccounts(const std::filesystem::path& database) {
+    std::vector<std::string> ids;
+    for (const Row& row : storedRows(database)) {
+        ids.push_back(row.front());
+    }
+    return ids;
+}
+
+} // namespace system_test

@@ -1,0 +1,71 @@
+#ifndef TESTS_SYSTEM_DEVICE_STATE_H
+#define TESTS_SYSTEM_DEVICE_STATE_H
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace system_test {
+
+/// The settings of the device policy manager that policies reach, in the order in which a policy is applied.
+struct Settings {
+    int quality = 0;
+    int minLength = 0;
+    int failedAttempts = 0;
+    int complexCharacters = 0;
+    int inactivity = 0;
+    int expiration = 0;
+    int history = 0;
+    int wifi = 0;
+    int messaging = 0;
+    int popImap = 0;
+    /// Whether the encryption of the internal storage is demanded.
+    int encryption = 0;
+
+    bool operator==(const Settings& other) const;
+};
+
+void PrintTo(const Settings& settings, std::ostream* output);
+
+/// What the device policy manager of this process's watch holds now.
+Settings settings();
+
+/// What it holds once nothing is required and everything is allowed.
+inline constexpr Settings releasedSettings{0, 0, 10, 0, 0, 0, 0, 1, 1, 1, 0};
+
+/// What a set-up device policy manager answers to a process that wants to change a setting to the value it has: a
+/// platform code, which tells whether a client is registered.
+int tryToAdminister();
+
+/// A number of the settings store, by its key; none when it was never set.
+std::optional<int> key(const std::string& name);
+
+/// Changes a number of the settings store, as another application does.
+void setKey(const std::string& name, int value);
+void setKey(const std::string& name, const std::string& value);
+
+/// The account that the password is enforced for, as the service noted it; none when it never did.
+std::optional<int> enforcingAccount();
+
+namespace keys {
+inline constexpr char passwordApplied[] = "db/eas/password_policy_applied";
+inline constexpr char encryptionApplied[] = "db/eas/device_encryption_applied";
+inline constexpr char inputFinished[] = "db/eas/is_pwd_input_finished";
+inline constexpr char lockType[] = "db/setting/lock_type";
+inline constexpr char cryptoState[] = "db/ode/crypto_state";
+inline constexpr char country[] = "db/rgn/country_iso";
+} // namespace keys
+
+/// A stored account: its columns, in order, as texts.
+using Row = std::vector<std::string>;
+
+/// The stored accounts in the order of their ids. The file is read and never changed.
+std::vector<Row> storedRows(const std::filesystem::path& database);
+
+/// Their ids alone.
+std::vector<std::string> storedAccounts(const std::filesystem::path& database);
+
+} // namespace system_test
+
+#endif
