@@ -12,6 +12,7 @@
 #include <chrono>
 #include <cstdio>
 #include <exception>
+#include <fstream>
 #include <stdexcept>
 #include <system_error>
 
@@ -47,9 +48,18 @@ void waitForApplications(const std::vector<ProcessHandle>& applications) {
     }
 }
 
+/// A boot that ended suddenly leaves a bus without this mark, which the next boot takes for what it is.
+void writeBootedMark(const DeviceLayout& layout) {
+    std::ofstream mark(layout.bootedMark());
+    if (!mark.is_open()) {
+        throw std::system_error(errno, std::generic_category(), "cannot write " + layout.bootedMark().string());
+    }
+}
+
 bool endBus(const DeviceLayout& layout, const BusProcess& bus) {
     const bool wasRunning = bus.running().has_value();
     const auto applications = wasRunning ? applicationsOf(layout) : std::vector<ProcessHandle>{};
+    std::filesystem::remove(layout.bootedMark());
     bus.stop();
     std::filesystem::remove(layout.socket());
     waitForApplications(applications);
@@ -62,7 +72,7 @@ void Device::boot(const std::vector<Application>& applications, const WatchState
     layout_.makeFolders();
     const auto lock = lockBoot(layout_);
     const BusProcess bus(layout_.busRecord());
-    if (bus.running()) {
+    if (isBooted()) {
         throw std::runtime_error(layout_.folder().string() + " is booted already");
     }
     endBus(layout_, bus); // what a sudden end left behind
@@ -71,6 +81,7 @@ void Device::boot(const std::vector<Application>& applications, const WatchState
     bus.start({layout_.busConfiguration(), layout_.log(), layout_.commonEnvironment()});
     try {
         writeFirstSettings(BusClient(busAddress()), state, fresh);
+        writeBootedMark(layout_);
     } catch (...) {
         endBus(layout_, bus);
         throw;
@@ -78,7 +89,7 @@ void Device::boot(const std::vector<Application>& applications, const WatchState
 }
 
 bool Device::isBooted() const {
-    return BusProcess(layout_.busRecord()).running().has_value();
+    return std::filesystem::exists(layout_.bootedMark()) && BusProcess(layout_.busRecord()).running().has_value();
 }
 
 bool Device::off() const {

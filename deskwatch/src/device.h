@@ -32,7 +32,7 @@ public:
     /// booted already or when a step fails; then nothing of it runs.
     void boot(const std::vector<Application>& applications, const WatchState& state = {}) const;
 
-    /// Whether the watch's bus runs.
+    /// Whether the watch has been booted to the end and its bus runs.
     bool isBooted() const;
 
     /// Switches the watch off: ends its bus, waits for that and for the applications, which end when their bus goes.

@@ -30,9 +30,9 @@ bool isControl(char character) {
 }
 
 bool belongsToDevice(const fs::path& name) {
-    constexpr std::array<std::string_view, 12> names{"bus",      "bus.conf", "bus.process", "boot.lock",
-                                                     "services", "config",   "run",         "apps",
-                                                     "storage",  "passwd",   "group",       "log"};
+    constexpr std::array<std::string_view, 13> names{"booted",   "bus",    "bus.conf", "bus.process", "boot.lock",
+                                                     "services", "config", "run",      "apps",        "storage",
+                                                     "passwd",   "group",  "log"};
     return std::find(names.begin(), names.end(), name.native()) != names.end();
 }
 

@@ -20,6 +20,8 @@ public:
     std::filesystem::path busConfiguration() const { return folder_ / "bus.conf"; }
     std::filesystem::path busRecord() const { return folder_ / "bus.process"; }
     std::filesystem::path bootLock() const { return folder_ / "boot.lock"; }
+    /// There from the end of a boot on until the watch is switched off.
+    std::filesystem::path bootedMark() const { return folder_ / "booted"; }
     std::filesystem::path services() const { return folder_ / "services"; }
     std::filesystem::path config() const { return folder_ / "config"; }
     std::filesystem::path settingsProfile() const { return config() / "dconf-profile"; }

@@ -180,6 +180,21 @@ TEST(Device, KilledBusIsCleanedUpByOff) {
     EXPECT_FALSE(std::filesystem::exists(watch.layout().busRecord()));
 }
 
+TEST(Device, BootThatEndedSuddenlyIsCleanedUpByTheNextOne) {
+    const TemporaryFolder folder;
+    const Device watch(folder.path());
+    watch.boot(someApplications());
+    const auto bus = busOf(watch);
+    std::filesystem::remove(watch.layout().bootedMark()); // as if the boot had not come to its end
+    EXPECT_FALSE(watch.isBooted());
+
+    watch.boot(someApplications());
+
+    EXPECT_TRUE(bus.waitForEnd(std::chrono::milliseconds::zero()));
+    EXPECT_TRUE(watch.isBooted());
+    EXPECT_TRUE(watch.off());
+}
+
 TEST(Device, ProcessThatGotTheNumberOfTheBusIsLeftAlone) {
     const TemporaryFolder folder;
     const Device watch(folder.path());
