@@ -1,0 +1,10 @@
+# The layout of a preloaded application. The diagnostic interface's bus policy goes into a package of its own.
+set(app_id com.velmor.tesk-agent)
+set(app_folder ${CMAKE_INSTALL_PREFIX}/apps/${app_id})
+set(TESK_EXECUTABLE ${app_folder}/bin/tesk-agent)
+
+configure_file(device/tizen-manifest.xml.in ${CMAKE_CURRENT_BINARY_DIR}/${app_id}.xml @ONLY)
+
+install(TARGETS tesk-agent RUNTIME DESTINATION ${app_folder}/bin)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${app_id}.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/packages)
+install(FILES device/tesk-agent-diagnostics.conf DESTINATION ${CMAKE_INSTALL_FULL_SYSCONFDIR}/dbus-1/system.d)
