@@ -9,6 +9,8 @@
 #include <cstring>
 #include <new>
 
+#include <gio/gio.h>
+
 #include "fake_platform.h"
 
 using fake::FakePlatform;
@@ -55,6 +57,7 @@ extern "C" {
 gboolean __real_g_source_remove(guint tag);
 long __real_sysconf(int name);
 FILE* __real_fopen(const char* path, const char* mode);
+GDBusNodeInfo* __real_g_dbus_node_info_new_for_xml(const gchar* xml, GError** error);
 void* __real_malloc(size_t size);
 void __real_free(void* memory);
 void __real_g_free(void* memory);
@@ -67,6 +70,7 @@ gboolean __wrap_g_source_remove(guint tag);
 long __wrap_sysconf(int name);
 int __wrap_getpwnam_r(const char* name, passwd* entry, char* buffer, size_t size, passwd** result);
 FILE* __wrap_fopen(const char* path, const char* mode);
+GDBusNodeInfo* __wrap_g_dbus_node_info_new_for_xml(const gchar* xml, GError** error);
 void* __wrap_malloc(size_t size);
 void __wrap_free(void* memory);
 void __wrap_g_free(void* memory);
@@ -125,6 +129,14 @@ FILE* __wrap_fopen(const char* path, const char* mode) {
         }
     }
     return __real_fopen(path, mode);
+}
+
+GDBusNodeInfo* __wrap_g_dbus_node_info_new_for_xml(const gchar* xml, GError** error) {
+    if (FakePlatform::current().faults.onCall("g_dbus_node_info_new_for_xml")) {
+        g_set_error_literal(error, G_MARKUP_ERROR, G_MARKUP_ERROR_PARSE, "the test says so");
+        return nullptr;
+    }
+    return __real_g_dbus_node_info_new_for_xml(xml, error);
 }
 
 void* __wrap_malloc(size_t size) {

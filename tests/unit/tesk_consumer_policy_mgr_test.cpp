@@ -97,6 +97,25 @@ TEST_F(PolicyMgrClientTest, RefusedDeregistrationIsLoggedLikeARefusedRegistratio
     EXPECT_EQ(journal.warnings(), Lines{"W Failed to register policy admin : -111"});
 }
 
+using PolicyMgrLifeTest = UnitTest;
+
+TEST_F(PolicyMgrLifeTest, HandleLivesAsLongAsTheManager) {
+    {
+        const TeskConsumerPolicyMgr manager;
+        EXPECT_EQ(platform.devicePolicy.handles.size(), 1U);
+    }
+    EXPECT_TRUE(platform.devicePolicy.handles.empty());
+    EXPECT_EQ(journal.calls(), (Lines{"dpm_manager_create", "dpm_manager_destroy"}));
+}
+
+TEST_F(PolicyMgrLifeTest, MissingHandleMakesEveryDecisionDemandAPassword) {
+    platform.faults.always("dpm_manager_create");
+    TeskConsumerPolicyMgr manager;
+
+    EXPECT_EQ(manager.applyPolicy(), -6000);
+    EXPECT_EQ(journal.logs(DLOG_ERROR).at(0), "E Failed to get password quality. [-22]");
+}
+
 using PolicyMgrWipeTest = PolicyMgrTest;
 
 TEST_F(PolicyMgrWipeTest, FactoryResetWipesTheInternalStorageOnce) {

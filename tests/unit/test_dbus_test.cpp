@@ -334,6 +334,15 @@ TEST_F(TestDbusTest, UnknownMethodIsRefused) {
     EXPECT_EQ(storedAccounts(), 0);
 }
 
+TEST_F(TestDbusTest, UnreadableDescriptionIsAnErrorAndTheNameIsOwnedAllTheSame) {
+    platform.faults.always("g_dbus_node_info_new_for_xml");
+
+    startService();
+
+    EXPECT_EQ(journal.warnings(), Lines{"E g_dbus_node_info_new_for_xml failed: [the test says so]"});
+    EXPECT_EQ(call("ping"), -1);
+}
+
 using TestDbusWithoutBusTest = UnitTest;
 
 TEST_F(TestDbusWithoutBusTest, MissingBusDoesNotStopTheStart) {
