@@ -11,7 +11,7 @@
 namespace system_test {
 namespace {
 
-constexpr std::chrono::seconds patience{60};
+constexpr std::chrono::seconds patience{30};
 
 deskwatch::ObjectOwner<GSubprocess> start(const deskwatch::DeviceLayout& layout,
                                           const deskwatch::Environment& environment) {

@@ -51,7 +51,7 @@ protected:
         setKey(keys::cryptoState, "encrypted");
         setKey(keys::encryptionApplied, 1);
 
-        EXPECT_TRUE(service->waitForEnd(std::chrono::minutes(1)));
+        EXPECT_TRUE(service->waitForEnd(std::chrono::seconds(30)));
         EXPECT_EQ(watch_.log().count("Goodbye World!"), 1);
     }
 

@@ -15,7 +15,7 @@ namespace system_test {
 namespace {
 
 /// Longer than a busy machine takes for anything, sanitizers included.
-constexpr std::chrono::seconds patience{60};
+constexpr std::chrono::seconds patience{30};
 
 /// Prepares the environment from which the watch takes what its processes have in common.
 const deskwatch::WatchState& strict(const deskwatch::WatchState& state) {
