@@ -137,7 +137,7 @@ TEST_P(AccountListTest, TextsOfAnotherKindAreLoggedAndStillApplyOnce) {
         {"", "E json_parser_get_root failed"},
         {"[]", "E json_node_get_object failed"},
         {"{}", "E msgId is diffrent"},
-        {std::string("{\"msgId\":\"") + GetParam().otherKind + "\"}", "E msgId is diffrent"},
+        {R"({"msgId":")" + std::string(GetParam().otherKind) + R"("})", "E msgId is diffrent"},
     };
     for (const auto& [text, error] : texts) {
         SCOPED_TRACE(text);

@@ -19,7 +19,7 @@ protected:
 
     template <typename Message>
     static void expectKind(const std::string& msgId, int type) {
-        const auto message = create("{\"msgId\":\"" + msgId + "\"}");
+        const auto message = create(R"({"msgId":")" + msgId + R"("})");
         ASSERT_NE(dynamic_cast<Message*>(message.get()), nullptr) << msgId;
         EXPECT_EQ(message->msgType, type);
     }
@@ -51,7 +51,7 @@ TEST_F(RespMsgFactoryTest, TextsThatAreNoJsonYieldNothing) {
 }
 
 TEST_F(RespMsgFactoryTest, RootsThatAreNoObjectYieldNothing) {
-    for (const auto* text : {"[]", "[{\"msgId\":\"eas-remote-wipe\"}]", "1", "\"eas-remote-wipe\"", "null", "true"}) {
+    for (const auto* text : {"[]", R"([{"msgId":"eas-remote-wipe"}])", "1", R"("eas-remote-wipe")", "null", "true"}) {
         journal.clear();
         EXPECT_EQ(create(text), nullptr) << text;
         EXPECT_EQ(journal.logs(), (Lines{"I Enter", "E json_node_get_object failed"})) << text;
@@ -61,7 +61,7 @@ TEST_F(RespMsgFactoryTest, RootsThatAreNoObjectYieldNothing) {
 TEST_F(RespMsgFactoryTest, UnknownKindsYieldNothing) {
     for (const auto* kind : {"EMAIL-INIT-RES", "email-init-res ", "", "unknown"}) {
         journal.clear();
-        EXPECT_EQ(create(std::string("{\"msgId\":\"") + kind + "\"}"), nullptr) << kind;
+        EXPECT_EQ(create(R"({"msgId":")" + std::string(kind) + R"("})"), nullptr) << kind;
         EXPECT_EQ(journal.logs(), (Lines{"I Enter", std::string("E this is not request msgId: ") + kind, "I Leave"}));
     }
 }
@@ -109,7 +109,7 @@ TEST_F(RespMsgFactoryTest, DeepNestingDoesNotEndTheProcess) {
 }
 
 TEST_F(RespMsgFactoryTest, DeepNestingBehindATextOrACommentDoesNotEndTheProcess) {
-    for (const auto* beginning : {"{'\"':", "/* \" */", "{\"a\":\"\\\"\",\"b\":", "// \"\n", "{'a\\'':"}) {
+    for (const auto* beginning : {"{'\"':", "/* \" */", R"({"a":"\"","b":)", "// \"\n", "{'a\\'':"}) {
         std::string deep(beginning);
         for (int i = 0; i < 50000; ++i) {
             deep += "[";

@@ -21,7 +21,9 @@ protected:
         return *std::unique_ptr<std::string>(TestDbus::__getPolicyDataJson(record));
     }
 
-    static bool contains(const std::string& text, const std::string& part) { return text.find(part) != text.npos; }
+    static bool contains(const std::string& text, const std::string& part) {
+        return text.find(part) != std::string::npos;
+    }
 };
 
 TEST_F(PolicyDataJsonTest, DefaultRecordBecomesAWholeIndication) {
@@ -86,6 +88,10 @@ TEST_F(PolicyDataJsonTest, AccountNameLooksLikeAnAddress) {
 
 /// The service's object on a system bus of the test's own, and a developer who calls it.
 class TestDbusTest : public UnitTest {
+public:
+    TestDbusTest(const TestDbusTest&) = delete;
+    TestDbusTest& operator=(const TestDbusTest&) = delete;
+
 protected:
     TestDbusTest() : bus_(g_test_dbus_new(G_TEST_DBUS_NONE)) {
         g_test_dbus_up(bus_);
@@ -104,8 +110,6 @@ protected:
         g_test_dbus_stop(bus_);
         g_object_unref(bus_);
     }
-    TestDbusTest(const TestDbusTest&) = delete;
-    TestDbusTest& operator=(const TestDbusTest&) = delete;
 
     /// Runs the main loop until something has happened, for ten seconds at most.
     static bool waitUntil(const std::function<bool()>& happened) {
