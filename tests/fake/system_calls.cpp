@@ -61,8 +61,8 @@ GDBusNodeInfo* __real_g_dbus_node_info_new_for_xml(const gchar* xml, GError** er
 void* __real_malloc(size_t size);
 void __real_free(void* memory);
 void __real_g_free(void* memory);
-void* __real__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t& tag);
-void* __real__ZnamRKSt9nothrow_t(size_t size, const std::nothrow_t& tag);
+void* realNew(size_t size, const std::nothrow_t& tag) __asm__("__real__Znw" FAKE_SIZE_MANGLED "RKSt9nothrow_t");
+void* realArrayNew(size_t size, const std::nothrow_t& tag) __asm__("__real__Zna" FAKE_SIZE_MANGLED "RKSt9nothrow_t");
 
 void __wrap_g_usleep(gulong microseconds);
 guint __wrap_g_timeout_add_seconds(guint interval, GSourceFunc function, gpointer data);
@@ -74,8 +74,8 @@ GDBusNodeInfo* __wrap_g_dbus_node_info_new_for_xml(const gchar* xml, GError** er
 void* __wrap_malloc(size_t size);
 void __wrap_free(void* memory);
 void __wrap_g_free(void* memory);
-void* __wrap__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t& tag);
-void* __wrap__ZnamRKSt9nothrow_t(size_t size, const std::nothrow_t& tag);
+void* wrapNew(size_t size, const std::nothrow_t& tag) __asm__("__wrap__Znw" FAKE_SIZE_MANGLED "RKSt9nothrow_t");
+void* wrapArrayNew(size_t size, const std::nothrow_t& tag) __asm__("__wrap__Zna" FAKE_SIZE_MANGLED "RKSt9nothrow_t");
 
 void __wrap_g_usleep(gulong microseconds) {
     FakePlatform::current().call("g_usleep", microseconds);
@@ -158,13 +158,13 @@ void __wrap_g_free(void* memory) {
     __real_g_free(memory);
 }
 
-void* __wrap__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t& tag) {
+void* wrapNew(size_t size, const std::nothrow_t& tag) {
     const bool fails = FakePlatform::exists() && FakePlatform::current().faults.onCall("operator new");
-    return fails ? nullptr : __real__ZnwmRKSt9nothrow_t(size, tag);
+    return fails ? nullptr : realNew(size, tag);
 }
 
-void* __wrap__ZnamRKSt9nothrow_t(size_t size, const std::nothrow_t& tag) {
+void* wrapArrayNew(size_t size, const std::nothrow_t& tag) {
     const bool fails = FakePlatform::exists() && FakePlatform::current().faults.onCall("operator new[]");
-    return fails ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
+    return fails ? nullptr : realArrayNew(size, tag);
 }
 }
