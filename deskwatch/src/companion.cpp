@@ -93,7 +93,9 @@ private:
     static gboolean onMessages(TeskDeskCompanion* object, GDBusMethodInvocation* call, gpointer self);
     static gboolean onAnswer(TeskDeskCompanion* object, GDBusMethodInvocation* call, const char* result, gpointer self);
 
-    /// Answers the oldest request that waits. False when none does.
+    static gboolean onDismiss(TeskDeskCompanion* object, GDBusMethodInvocation* call, gpointer self);
+
+    /// Answers the oldest request that waits; a null result cancels it. False when none waits.
     bool answer(const char* result);
 
     std::vector<Launch> launches_;
@@ -105,6 +107,7 @@ Companion::Companion() {
     g_signal_connect(object_.get(), "handle-launches", G_CALLBACK(onLaunches), this);
     g_signal_connect(object_.get(), "handle-messages", G_CALLBACK(onMessages), this);
     g_signal_connect(object_.get(), "handle-answer", G_CALLBACK(onAnswer), this);
+    g_signal_connect(object_.get(), "handle-dismiss", G_CALLBACK(onDismiss), this);
     // Before the platform takes the application's name: who started it by a call finds the object there.
     GError* error = nullptr;
     const ObjectOwner<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error));
@@ -166,13 +169,26 @@ gboolean Companion::onMessages(TeskDeskCompanion* object, GDBusMethodInvocation*
     return TRUE;
 }
 
+void refuseAnswer(GDBusMethodInvocation* call) {
+    g_dbus_method_invocation_return_error_literal(call, G_DBUS_ERROR, G_DBUS_ERROR_FAILED,
+                                                  "no launch request waits for an answer");
+}
+
 gboolean Companion::onAnswer(TeskDeskCompanion* object, GDBusMethodInvocation* call, const char* result,
                              gpointer self) {
     if (static_cast<Companion*>(self)->answer(result)) {
         tesk_desk_companion_complete_answer(object, call);
     } else {
-        g_dbus_method_invocation_return_error_literal(call, G_DBUS_ERROR, G_DBUS_ERROR_FAILED,
-                                                      "no launch request waits for an answer");
+        refuseAnswer(call);
+    }
+    return TRUE;
+}
+
+gboolean Companion::onDismiss(TeskDeskCompanion* object, GDBusMethodInvocation* call, gpointer self) {
+    if (static_cast<Companion*>(self)->answer(nullptr)) {
+        tesk_desk_companion_complete_dismiss(object, call);
+    } else {
+        refuseAnswer(call);
     }
     return TRUE;
 }
@@ -185,8 +201,11 @@ bool Companion::answer(const char* result) {
     }
     app_control_h reply = nullptr;
     app_control_create(&reply);
-    app_control_add_extra_data(reply, "result", result);
-    const int outcome = app_control_reply_to_launch_request(reply, oldest->waiting, APP_CONTROL_RESULT_SUCCEEDED);
+    if (result != nullptr) {
+        app_control_add_extra_data(reply, "result", result);
+    }
+    const int outcome = app_control_reply_to_launch_request(
+        reply, oldest->waiting, result != nullptr ? APP_CONTROL_RESULT_SUCCEEDED : APP_CONTROL_RESULT_CANCELED);
     app_control_destroy(reply);
     oldest->waiting = nullptr;
     return outcome == APP_CONTROL_ERROR_NONE;

@@ -42,13 +42,18 @@ constexpr std::array<Setting, 10> settings{{
     {"popimap_email_state", dpm_restriction_get_popimap_email_state},
 }};
 
-} // namespace
-
-std::vector<NamedValue> readDevicePolicy(DConfClient* store) {
-    const ManagerOwner manager(dpm_manager_create());
+ManagerOwner newManager() {
+    ManagerOwner manager(dpm_manager_create());
     if (manager == nullptr) {
         throw std::runtime_error("cannot reach the device policy manager");
     }
+    return manager;
+}
+
+} // namespace
+
+std::vector<NamedValue> readDevicePolicy(DConfClient* store) {
+    const ManagerOwner manager = newManager();
     std::vector<NamedValue> values;
     for (const auto& setting : settings) {
         int value = 0;
@@ -58,6 +63,16 @@ std::vector<NamedValue> readDevicePolicy(DConfClient* store) {
     // What was demanded has no getter; whether the storage is encrypted is another matter, see db/ode/crypto_state.
     values.push_back({"internal_storage_encryption", readSetting(store, "/dpm/security/internal-storage-encryption")});
     return values;
+}
+
+LockDemand readLockDemand() {
+    const ManagerOwner manager = newManager();
+    LockDemand demand;
+    if (dpm_password_get_quality(manager.get(), &demand.quality) != DPM_ERROR_NONE ||
+        dpm_password_get_minimum_length(manager.get(), &demand.minimumLength) != DPM_ERROR_NONE) {
+        throw std::runtime_error("the device policy manager does not tell what it demands of a lock");
+    }
+    return demand;
 }
 
 } // namespace deskwatch

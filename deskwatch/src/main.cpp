@@ -1,4 +1,5 @@
 #include "commands/commands.h"
+#include "refusal.h"
 
 #include <iostream>
 #include <stdexcept>
@@ -8,6 +9,7 @@ namespace {
 
 constexpr int failed = 1;
 constexpr int usage = 2;
+constexpr int refused = 3;
 
 /// The command as the user typed it: its names from the outermost to the innermost.
 std::string commandName(const CLI::App& program) {
@@ -19,20 +21,9 @@ std::string commandName(const CLI::App& program) {
     return name;
 }
 
-void addCommands(CLI::App& program, deskwatch::CommonOptions& options) {
-    program.add_option("--device", options.device, "Folder of the watch (default: the newest booted one)")
-        ->envname("DESKWATCH_DEVICE")
-        ->type_name("DIR");
-    program.require_subcommand(1);
-    program.fallthrough();
-    deskwatch::addBootCommand(program, options);
-    deskwatch::addOffCommand(program, options);
-    deskwatch::addMailCommand(program, options);
-    deskwatch::addStatusCommand(program, options);
-    deskwatch::addCompanionCommand(program);
-    program.footer("Exit status: 0 done, 1 the command failed, 2 the arguments are wrong.\n"
-                   "Example:\n  deskwatch boot /tmp/watch\n  deskwatch mail policy samples/hardened.json\n"
-                   "  deskwatch status\n  deskwatch off");
+int report(const CLI::App& program, const std::exception& error, int status) {
+    std::cerr << "deskwatch: " << commandName(program) << ": " << error.what() << '\n';
+    return status;
 }
 
 int run(CLI::App& program, int argc, char** argv) {
@@ -41,9 +32,10 @@ int run(CLI::App& program, int argc, char** argv) {
         return 0;
     } catch (const CLI::ParseError& error) {
         return program.exit(error) == 0 ? 0 : usage;
+    } catch (const deskwatch::Refusal& error) {
+        return report(program, error, refused);
     } catch (const std::exception& error) {
-        std::cerr << "deskwatch: " << commandName(program) << ": " << error.what() << '\n';
-        return failed;
+        return report(program, error, failed);
     }
 }
 
@@ -53,7 +45,7 @@ int main(int argc, char** argv) {
     try {
         CLI::App program("A watch on the desk: boots it, plays its mail application, shows its state");
         deskwatch::CommonOptions options;
-        addCommands(program, options);
+        deskwatch::addCommands(program, options);
         return run(program, argc, argv);
     } catch (const std::exception& error) {
         std::cerr << "deskwatch: " << error.what() << '\n';

@@ -59,4 +59,18 @@ std::string readMessageFile(const std::filesystem::path& file, Check check) {
     return text;
 }
 
+std::string readMessageOfKind(const std::filesystem::path& file, const std::string& kind) {
+    std::string text = readMessageFile(file, Check::json);
+    const auto message = nlohmann::json::parse(text);
+    const auto found = message.is_object() ? message.find("msgId") : message.end();
+    if (found == message.end() || !found->is_string()) {
+        throw std::runtime_error(file.string() + ": this is no message: it has no \"msgId\"");
+    }
+    if (*found != kind) {
+        throw std::runtime_error(file.string() + ": this is a message of the kind " + found->get<std::string>() +
+                                 ", not " + kind);
+    }
+    return text;
+}
+
 } // namespace deskwatch

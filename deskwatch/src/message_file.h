@@ -13,6 +13,10 @@ enum class Check { json, none };
 /// message can carry; with Check::json also when it is no JSON, with file, line and column.
 std::string readMessageFile(const std::filesystem::path& file, Check check);
 
+/// The text of a message file whose kind, its "msgId", is that one. Throws std::runtime_error as above, and when it is
+/// a message of another kind, or none.
+std::string readMessageOfKind(const std::filesystem::path& file, const std::string& kind);
+
 } // namespace deskwatch
 
 #endif

@@ -1,5 +1,6 @@
 #include "watch_client.h"
 
+#include "application_ids.h"
 #include "host_bus.h"
 #include "tesk-host-bus.h"
 
@@ -67,6 +68,15 @@ std::vector<std::string> WatchClient::settle(const std::string& id) const {
     }
     g_strfreev(launched);
     return ids;
+}
+
+void WatchClient::settleService() const {
+    if (!isRunning(ids::service)) {
+        return;
+    }
+    for (const auto& id : settle(ids::service)) {
+        settle(id);
+    }
 }
 
 } // namespace deskwatch

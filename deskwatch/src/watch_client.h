@@ -26,6 +26,10 @@ public:
     /// Throws std::runtime_error when the application does not come up, or ends meanwhile.
     std::vector<std::string> settle(const std::string& id) const;
 
+    /// Waits until the service, when it runs, has handled what came to it before, and until the applications that it
+    /// launched have got their launch requests. Starts nothing. Throws std::runtime_error as settle does.
+    void settleService() const;
+
     /// The connection of this process as an application.
     GDBusConnection* connection() const { return connection_.get(); }
 

@@ -1,82 +1,13 @@
 #include "application_ids.h"
 #include "bus_client.h"
 #include "bus_process.h"
-#include "companion_bus.h"
-#include "device.h"
-#include "program.h"
+#include "commands_fixture.h"
 #include "temporary_folder.h"
 
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
-
 #include <csignal>
-#include <fstream>
 
 namespace deskwatch {
 namespace {
-
-using Json = nlohmann::json;
-
-constexpr std::chrono::seconds patience{20};
-
-/// The deskwatch program with a list of watches of its own, and a watch to boot.
-class Commands : public testing::Test {
-protected:
-    Commands() {
-        setenv("XDG_STATE_HOME", (folder_.path() / "state").c_str(), 1);
-        unsetenv("DESKWATCH_DEVICE");
-    }
-
-    ~Commands() override {
-        if (device_.isBooted()) {
-            device_.off();
-        }
-    }
-
-    void boot(const std::vector<std::string>& options = {}) const {
-        std::vector<std::string> arguments{"boot", device_.layout().folder().string()};
-        arguments.insert(arguments.end(), options.begin(), options.end());
-        run(arguments);
-    }
-
-    /// Runs a command that has to succeed; returns what it wrote.
-    static std::string run(const std::vector<std::string>& arguments) {
-        const auto outcome = deskwatchProgram(arguments);
-        EXPECT_EQ(outcome.status, 0) << outcome.errors;
-        EXPECT_EQ(outcome.errors, "");
-        return outcome.output;
-    }
-
-    static Json status() { return Json::parse(run({"status", "--json"})); }
-
-    static std::string sample(const std::string& name) { return std::string(SAMPLES) + "/" + name; }
-
-    std::filesystem::path write(const std::string& name, const std::string& text) const {
-        auto file = folder_.path() / name;
-        std::ofstream(file) << text;
-        return file;
-    }
-
-    const Device& device() const { return device_; }
-
-    /// Asks a stand-in for an application.
-    std::string ask(const char* id, const char* method, GVariant* arguments = nullptr) const {
-        const auto answer = BusClient(device_.busAddress())
-                                .call({id, companion_bus::path, "tesk.desk.Companion", method}, arguments, patience);
-        const MemoryOwner<char> text(g_variant_print(answer.get(), FALSE));
-        return text.get();
-    }
-
-    /// Returns when an application has handled what was sent to it before.
-    void settle(const char* id) const {
-        BusClient(device_.busAddress())
-            .call({id, "/tesk/host/application", "tesk.host.Application", "Settle"}, nullptr, patience);
-    }
-
-private:
-    TemporaryFolder folder_;
-    Device device_{folder_.path() / "watch"};
-};
 
 TEST_F(Commands, PolicyOfTwoAccountsIsStoredEnforcedAndShown) {
     boot();
@@ -254,15 +185,6 @@ TEST_F(Commands, WrongArgumentsAreToldApartFromFailures) {
     EXPECT_EQ(deskwatchProgram({}).status, 2);
     EXPECT_EQ(deskwatchProgram({"mail"}).status, 2);
     EXPECT_EQ(deskwatchProgram({"boot", "--lock", "chain"}).status, 2);
-}
-
-TEST_F(Commands, HelpOfEveryCommandHasAnExample) {
-    const std::vector<std::vector<std::string>> commands{
-        {}, {"boot"}, {"off"}, {"mail"}, {"mail", "policy"}, {"mail", "delete"}, {"mail", "send"}, {"status"}};
-    for (auto command : commands) {
-        command.emplace_back("--help");
-        EXPECT_NE(run(command).find("Example:\n  deskwatch "), std::string::npos) << command.front();
-    }
 }
 
 } // namespace

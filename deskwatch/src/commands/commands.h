@@ -24,6 +24,13 @@ void addBootCommand(CLI::App& program, const CommonOptions& common);
 void addOffCommand(CLI::App& program, const CommonOptions& common);
 void addMailCommand(CLI::App& program, const CommonOptions& common);
 void addStatusCommand(CLI::App& program, const CommonOptions& common);
+void addPopupCommand(CLI::App& program, const CommonOptions& common);
+void addLockCommand(CLI::App& program, const CommonOptions& common);
+void addEncryptCommand(CLI::App& program, const CommonOptions& common);
+void addTutorialCommand(CLI::App& program, const CommonOptions& common);
+
+/// Adds all commands and the options ahead of them, which end up in `common`.
+void addCommands(CLI::App& program, CommonOptions& common);
 
 /// Adds the command that the bus starts as the applications beside the service; users do not see it.
 void addCompanionCommand(CLI::App& program);

@@ -1,0 +1,32 @@
+#include "commands.h"
+
+namespace deskwatch {
+namespace {
+
+void addCommonOptions(CLI::App& program, CommonOptions& common) {
+    program.add_option("--device", common.device, "Folder of the watch (default: the newest booted one)")
+        ->envname("DESKWATCH_DEVICE")
+        ->type_name("DIR");
+}
+
+} // namespace
+
+void addCommands(CLI::App& program, CommonOptions& common) {
+    addCommonOptions(program, common);
+    program.require_subcommand(1);
+    program.fallthrough();
+    addBootCommand(program, common);
+    addOffCommand(program, common);
+    addMailCommand(program, common);
+    addPopupCommand(program, common);
+    addLockCommand(program, common);
+    addEncryptCommand(program, common);
+    addTutorialCommand(program, common);
+    addStatusCommand(program, common);
+    addCompanionCommand(program);
+    program.footer("Exit status: 0 done, 1 the command failed, 2 the arguments are wrong, 3 the watch refuses it.\n"
+                   "Example:\n  deskwatch boot /tmp/watch\n  deskwatch mail policy samples/hardened.json\n"
+                   "  deskwatch status\n  deskwatch off");
+}
+
+} // namespace deskwatch

@@ -1,0 +1,108 @@
+#include "wearer.h"
+
+#include "application_ids.h"
+#include "bus_client.h"
+#include "companion_bus.h"
+#include "device_policy.h"
+#include "lock_rules.h"
+#include "refusal.h"
+#include "tesk-desk-bus.h"
+#include "watch_client.h"
+
+#include <vconf.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+namespace deskwatch {
+namespace {
+
+constexpr int patience = 20'000;
+
+constexpr char lockTypeKey[] = "db/setting/lock_type";
+constexpr char cryptoStateKey[] = "db/ode/crypto_state";
+constexpr char encryptionAppliedKey[] = "db/eas/device_encryption_applied";
+constexpr char tutorialKey[] = "memory/private/com.velmor.hearth/tutorial_is_in_progress";
+
+void check(int result, const std::string& key) {
+    if (result != 0) {
+        throw std::runtime_error("cannot set " + key);
+    }
+}
+
+ObjectOwner<TeskDeskCompanion> popupOf(const WatchClient& watch) {
+    const auto flags =
+        static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
+                                     G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS | G_DBUS_PROXY_FLAGS_DO_NOT_AUTO_START);
+    GError* error = nullptr;
+    ObjectOwner<TeskDeskCompanion> popup(tesk_desk_companion_proxy_new_sync(watch.connection(), flags, ids::popup,
+                                                                            companion_bus::path, nullptr, &error));
+    if (popup == nullptr) {
+        throw std::runtime_error("cannot speak to the popup: " + takeMessage(error));
+    }
+    return popup;
+}
+
+bool send(TeskDeskCompanion* popup, PopupAnswer answer, GError** error) {
+    if (answer == PopupAnswer::dismiss) {
+        return tesk_desk_companion_call_dismiss_sync(popup, G_DBUS_CALL_FLAGS_NO_AUTO_START, patience, nullptr,
+                                                     error) != FALSE;
+    }
+    const char* result = answer == PopupAnswer::ok ? "ok" : "sync_off_ok";
+    return tesk_desk_companion_call_answer_sync(popup, result, G_DBUS_CALL_FLAGS_NO_AUTO_START, patience, nullptr,
+                                                error) != FALSE;
+}
+
+} // namespace
+
+void answerPopup(const Device& device, PopupAnswer answer) {
+    const WatchClient watch(device, ids::popup);
+    if (!watch.isRunning(ids::popup)) {
+        throw Refusal("no popup is open (deskwatch status shows what is)");
+    }
+    watch.settle(ids::popup);
+    if (answer == PopupAnswer::syncOff) {
+        watch.settle(ids::mail); // its port gets the service's request only while it runs
+    }
+    GError* error = nullptr;
+    if (!send(popupOf(watch).get(), answer, &error)) {
+        throw Refusal("the popup takes no answer: " + takeMessage(error));
+    }
+    watch.settleService();
+    if (answer == PopupAnswer::syncOff) {
+        watch.settle(ids::mail);
+    }
+}
+
+int setLock(const Device& device, Lock lock, std::optional<int> length) {
+    const WatchClient watch(device, ids::lockSettings);
+    const LockDemand demand = readLockDemand();
+    const LockChoice choice{lock, lock == Lock::none ? 0 : length.value_or(proposedLength(demand))};
+    if (const auto refusal = refusalOf(choice, demand)) {
+        throw Refusal(*refusal);
+    }
+    check(vconf_set_int(lockTypeKey, static_cast<int>(lock)), lockTypeKey);
+    watch.settleService();
+    return choice.length;
+}
+
+bool encrypt(const Device& device) {
+    const WatchClient watch(device, ids::encryptionSettings);
+    const std::unique_ptr<char, decltype(&std::free)> state(vconf_get_str(cryptoStateKey), &std::free);
+    if (state != nullptr && std::string(state.get()) == "encrypted") {
+        return false;
+    }
+    check(vconf_set_str(cryptoStateKey, "encrypted"), cryptoStateKey);
+    check(vconf_set_int(encryptionAppliedKey, 1), encryptionAppliedKey); // who hears of it finds the state changed
+    watch.settleService();
+    return true;
+}
+
+void setTutorial(const Device& device, bool isInProgress) {
+    const WatchClient watch(device, ids::lockSettings);
+    check(vconf_set_int(tutorialKey, isInProgress ? 1 : 0), tutorialKey);
+    watch.settleService();
+}
+
+} // namespace deskwatch

@@ -1,0 +1,165 @@
+#include "application_ids.h"
+#include "commands_fixture.h"
+
+#include <algorithm>
+
+namespace deskwatch {
+namespace {
+
+constexpr int refused = 3;
+
+class WearerCommands : public Commands {
+protected:
+    /// How often an application was launched.
+    static long launchesOf(const Json& watch, const std::string& id) {
+        const auto& launches = watch["launches"];
+        return std::count_if(launches.begin(), launches.end(),
+                             [&](const Json& launch) { return launch["application"] == id; });
+    }
+
+    /// Whether the popup still waits for an answer.
+    static bool isPopupOpen(const Json& watch) {
+        const auto& launches = watch["launches"];
+        return std::any_of(launches.begin(), launches.end(), [](const Json& launch) {
+            return launch["application"] == ids::popup && launch["waiting"] == true;
+        });
+    }
+};
+
+TEST_F(WearerCommands, PopupsOkOpensTheLockSettings) {
+    boot();
+    run({"mail", "policy", sample("hardened.json")});
+    ASSERT_TRUE(isPopupOpen(status()));
+
+    run({"popup", "ok"});
+
+    const auto watch = status();
+    EXPECT_FALSE(isPopupOpen(watch));
+    EXPECT_EQ(launchesOf(watch, ids::lockSettings), 1);
+}
+
+TEST_F(WearerCommands, PopupsSyncOffReachesTheMailApplication) {
+    boot();
+    run({"mail", "policy", sample("hardened.json")});
+
+    run({"popup", "sync-off"});
+
+    EXPECT_EQ(ask(ids::mail, "Messages"),
+              "([('com.velmor.tesk-agent', [('req', 'req_disable_password_eas_accounts'), ('msg', '')])],)");
+    EXPECT_EQ(launchesOf(status(), ids::lockSettings), 0);
+}
+
+TEST_F(WearerCommands, DismissedPopupIsClosedAndNothingFollows) {
+    boot();
+    run({"mail", "policy", sample("hardened.json")});
+    settle(ids::mail);
+
+    run({"popup", "dismiss"});
+
+    const auto watch = status();
+    EXPECT_FALSE(isPopupOpen(watch));
+    EXPECT_EQ(launchesOf(watch, ids::lockSettings), 0);
+    EXPECT_EQ(ask(ids::mail, "Messages"), "([],)");
+}
+
+TEST_F(WearerCommands, PopupThatIsNotOpenTakesNoAnswer) {
+    boot();
+    auto outcome = deskwatchProgram({"popup", "ok"});
+    EXPECT_EQ(outcome.status, refused);
+    EXPECT_EQ(outcome.errors, "deskwatch: popup ok: no popup is open (deskwatch status shows what is)\n");
+
+    run({"mail", "policy", sample("hardened.json")});
+    run({"popup", "dismiss"});
+    outcome = deskwatchProgram({"popup", "dismiss"});
+
+    EXPECT_EQ(outcome.status, refused);
+    EXPECT_EQ(outcome.errors,
+              "deskwatch: popup dismiss: the popup takes no answer: no launch request waits for an answer\n");
+}
+
+TEST_F(WearerCommands, DemandedLockIsSetAndTheServiceHearsOfIt) {
+    boot();
+    run({"mail", "policy", sample("hardened.json")});
+    ASSERT_EQ(status()["keys"]["db/eas/password_policy_applied"], 0);
+
+    EXPECT_EQ(run({"lock", "password"}), "the screen is locked with a password of 4 characters\n");
+
+    const auto watch = status();
+    EXPECT_EQ(watch["keys"]["db/setting/lock_type"], 2);
+    EXPECT_EQ(watch["keys"]["db/eas/password_policy_applied"], 1);
+    EXPECT_EQ(launchesOf(watch, ids::encryptionPopup), 1) << "encryption is what the policy demands next";
+}
+
+TEST_F(WearerCommands, WeakerLockIsRefusedWithWhatIsDemanded) {
+    boot({"--lock", "password"});
+    run({"mail", "policy", sample("strictest.json")});
+
+    const auto pin = deskwatchProgram({"lock", "pin", "--length", "16"});
+    const auto shortOne = deskwatchProgram({"lock", "password", "--length", "15"});
+    const auto none = deskwatchProgram({"lock", "none"});
+
+    EXPECT_EQ(pin.status, refused);
+    EXPECT_EQ(pin.errors, "deskwatch: lock: a PIN is not enough: an alphanumeric password of at least 16 characters is "
+                          "demanded\n");
+    EXPECT_EQ(shortOne.status, refused);
+    EXPECT_EQ(shortOne.errors, "deskwatch: lock: 15 characters are not enough: at least 16 are demanded\n");
+    EXPECT_EQ(none.status, refused);
+    EXPECT_EQ(status()["keys"]["db/setting/lock_type"], 2);
+}
+
+TEST_F(WearerCommands, LockOfAFreshWatchIsTheWearersOwn) {
+    boot();
+    EXPECT_EQ(run({"lock", "pin", "--length", "8"}), "the screen is locked with a PIN of 8 characters\n");
+    EXPECT_EQ(status()["keys"]["db/setting/lock_type"], 1);
+    EXPECT_EQ(run({"lock", "none"}), "the screen has no lock\n");
+    const auto watch = status();
+    EXPECT_EQ(watch["keys"]["db/setting/lock_type"], 0);
+    EXPECT_FALSE(watch["serviceRunning"]) << "it need not run for this";
+}
+
+TEST_F(WearerCommands, LengthOfALockIsANumber) {
+    boot();
+    EXPECT_EQ(deskwatchProgram({"lock", "pin", "--length", "0"}).status, 2);
+    EXPECT_EQ(deskwatchProgram({"lock", "gesture"}).status, 2);
+    EXPECT_EQ(deskwatchProgram({"lock"}).status, 2);
+}
+
+TEST_F(WearerCommands, EncryptionIsCompleteAtOnce) {
+    boot();
+    run({"mail", "policy", sample("hardened.json")});
+    ASSERT_EQ(status()["keys"]["db/eas/device_encryption_applied"], 0);
+
+    EXPECT_EQ(run({"encrypt"}), "the internal storage is encrypted\n");
+
+    const auto keys = status()["keys"];
+    EXPECT_EQ(keys["db/ode/crypto_state"], "encrypted");
+    EXPECT_EQ(keys["db/eas/device_encryption_applied"], 1);
+    EXPECT_EQ(run({"encrypt"}), "the internal storage is encrypted already\n");
+}
+
+TEST_F(WearerCommands, TutorialKeepsThePopupClosedUntilItIsDone) {
+    boot();
+    run({"tutorial", "start"});
+    run({"mail", "policy", sample("hardened.json")});
+    EXPECT_EQ(launchesOf(status(), ids::popup), 0);
+
+    run({"tutorial", "done"});
+    run({"mail", "policy", sample("hardened.json")});
+
+    EXPECT_EQ(launchesOf(status(), ids::popup), 1);
+}
+
+TEST_F(WearerCommands, WatchThatIsOffIsNamed) {
+    const auto folder = device().layout().folder().string();
+    for (const std::vector<std::string>& command :
+         {std::vector<std::string>{"lock", "pin"}, {"encrypt"}, {"tutorial", "done"}, {"popup", "ok"}}) {
+        auto arguments = command;
+        arguments.insert(arguments.begin(), {"--device", folder});
+        const auto outcome = deskwatchProgram(arguments);
+        EXPECT_EQ(outcome.status, 1) << command.front();
+        EXPECT_NE(outcome.errors.find(folder + " is not booted"), std::string::npos) << outcome.errors;
+    }
+}
+
+} // namespace
+} // namespace deskwatch
