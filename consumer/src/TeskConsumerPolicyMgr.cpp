@@ -2,7 +2,6 @@
 
 #include <vconf.h>
 
-#include <cstring>
 #include <new>
 
 #include "TeskConsumerDbMgr.h"
@@ -14,15 +13,10 @@
 #include "TeskConsumerText.h"
 #include "TeskConsumerUtil.h"
 #include "TeskPolicyMerge.h"
+#include "TeskPolicySettings.h"
 
 namespace {
 
-constexpr int oldStyleType = 16;
-constexpr int migratedQuality = 33;
-
-constexpr int defaultFailedAttempts = 10;
-constexpr int minLengthElsewhere = 4;
-constexpr int minLengthInKorea = 6;
 constexpr char allSims[] = "*";
 
 /// Logs a setting that the device policy manager refused.
@@ -107,9 +101,7 @@ int TeskConsumerPolicyMgr::applyPolicy() {
     const bool enforcePassword = __getPasswordEnforceFlag(policy);
     const bool enforceEncryption = __getOdeEnforceFlag(policy);
 
-    __applyPasswordRules(*policy);
-    __applyRestrictions(*policy);
-    __applyEncryption(*policy);
+    __apply(*policy);
     __publishEncryption(enforceEncryption);
     __publishPassword(enforcePassword);
     return enforcePassword ? TESK_POLICY_PASSWORD_REQUIRED : 0;
@@ -141,14 +133,12 @@ int TeskConsumerPolicyMgr::getIsRequiredDeviceEncryption(bool* required) {
 
 bool TeskConsumerPolicyMgr::isDeviceEncrypted() {
     const TeskConsumerText state(vconf_get_str(TeskConsumerKeys::cryptoState));
-    return !state || std::strcmp(state.get(), "unencrypted") != 0;
+    return TeskPolicySettings::isEncrypted(state.get());
 }
 
 int TeskConsumerPolicyMgr::getCountryMinPasswordLength(int* length) {
     const TeskConsumerText country(vconf_get_str(TeskConsumerKeys::countryIso));
-    // compared over the stored text's own length, so that an unset region ("") gets the longer minimum too
-    const bool longer = country && std::strncmp(country.get(), "KR", std::strlen(country.get())) == 0;
-    *length = longer ? minLengthInKorea : minLengthElsewhere;
+    *length = TeskPolicySettings::countryMinLength(country.get());
     return 0;
 }
 
@@ -229,7 +219,8 @@ bool TeskConsumerPolicyMgr::__readCurrentRules(TeskPasswordRules& current) {
 
 /// Devices that were managed before the device policy manager came hold a quality that it no longer knows.
 void TeskConsumerPolicyMgr::__migrateQuality(TeskPasswordRules& current) {
-    if (TeskPasswordDecision::typeOf(current.quality) != oldStyleType) {
+    const int migratedQuality = TeskPasswordDecision::migrated(current.quality);
+    if (migratedQuality == current.quality) {
         return;
     }
     TESK_WARN("Before MDM -> DPM migration - current Type: [%d], current Quality: [%d]",
@@ -247,42 +238,41 @@ void TeskConsumerPolicyMgr::__migrateQuality(TeskPasswordRules& current) {
               TeskPasswordDecision::typeOf(current.quality), current.quality);
 }
 
-void TeskConsumerPolicyMgr::__applyPasswordRules(const TeskPolicyData& policy) {
+void TeskConsumerPolicyMgr::__apply(const TeskPolicyData& policy) {
     if (policy.devicePasswordEnabled == 0) {
         vconf_set_int(TeskConsumerKeys::passwordInputFinished, 0);
     }
     int countryMinLength = 0;
     getCountryMinPasswordLength(&countryMinLength);
-    const auto rules = TeskPasswordDecision::required(policy, countryMinLength);
-    const int attempts =
-        policy.maxDevicePasswordFailedAttempts != 0 ? policy.maxDevicePasswordFailedAttempts : defaultFailedAttempts;
-    const int complexCharacters = TeskPasswordDecision::complexCharacters(policy);
-    const int inactivity = policy.maxInactivityTimeDeviceLock;
-    const int expiration = policy.devicePasswordExpiration;
-    const int history = policy.devicePasswordHistory;
-
-    logRefusal("setPasswordQuality", rules.quality, adapter->setPasswordQuality(rules.quality));
-    logRefusal("setPasswordMinLength", rules.minLength, adapter->setPasswordMinLength(rules.minLength));
-    logRefusal("setPasswordMaxFailedAttempts", attempts, adapter->setPasswordMaxFailedAttempts(attempts));
-    logRefusal("setPasswordMinComplexCharacters", complexCharacters,
-               adapter->setPasswordMinComplexCharacters(complexCharacters));
-    logRefusal("setPasswordMaxInactivityTimeDeviceLock", inactivity,
-               adapter->setPasswordMaxInactivityTimeDeviceLock(inactivity));
-    logRefusal("setPasswordExpires", expiration, adapter->setPasswordExpires(expiration));
-    logRefusal("setPasswordHistory", history, adapter->setPasswordHistory(history));
+    const auto settings = TeskPolicySettings::of(policy, countryMinLength);
+    __applyPasswordRules(settings);
+    __applyRestrictions(settings);
+    __applyEncryption(settings);
 }
 
-void TeskConsumerPolicyMgr::__applyRestrictions(const TeskPolicyData& policy) {
-    logRefusal("setRestrictionWifi", policy.allowWifi, adapter->setRestrictionWifi(policy.allowWifi));
-    logRefusal("setRestrictionMessaging", policy.allowTextMessaging,
-               adapter->setRestrictionMessaging(allSims, policy.allowTextMessaging));
-    logRefusal("setRestrictionPopImap", policy.allowPopimapEmail,
-               adapter->setRestrictionPopImap(policy.allowPopimapEmail));
+void TeskConsumerPolicyMgr::__applyPasswordRules(const TeskPolicySettings& settings) {
+    logRefusal("setPasswordQuality", settings.quality, adapter->setPasswordQuality(settings.quality));
+    logRefusal("setPasswordMinLength", settings.minLength, adapter->setPasswordMinLength(settings.minLength));
+    logRefusal("setPasswordMaxFailedAttempts", settings.failedAttempts,
+               adapter->setPasswordMaxFailedAttempts(settings.failedAttempts));
+    logRefusal("setPasswordMinComplexCharacters", settings.complexCharacters,
+               adapter->setPasswordMinComplexCharacters(settings.complexCharacters));
+    logRefusal("setPasswordMaxInactivityTimeDeviceLock", settings.inactivity,
+               adapter->setPasswordMaxInactivityTimeDeviceLock(settings.inactivity));
+    logRefusal("setPasswordExpires", settings.expiration, adapter->setPasswordExpires(settings.expiration));
+    logRefusal("setPasswordHistory", settings.history, adapter->setPasswordHistory(settings.history));
 }
 
-void TeskConsumerPolicyMgr::__applyEncryption(const TeskPolicyData& policy) {
-    const bool required = policy.requireDeviceEncryption != 0;
-    if (required && isDeviceEncrypted()) {
+void TeskConsumerPolicyMgr::__applyRestrictions(const TeskPolicySettings& settings) {
+    logRefusal("setRestrictionWifi", settings.wifi, adapter->setRestrictionWifi(settings.wifi));
+    logRefusal("setRestrictionMessaging", settings.messaging,
+               adapter->setRestrictionMessaging(allSims, settings.messaging));
+    logRefusal("setRestrictionPopImap", settings.popImap, adapter->setRestrictionPopImap(settings.popImap));
+}
+
+void TeskConsumerPolicyMgr::__applyEncryption(const TeskPolicySettings& settings) {
+    const bool required = settings.encryption;
+    if (required && !settings.needsEncryptionWrite(isDeviceEncrypted())) {
         return;
     }
     logRefusal("setSecurityInternalStorageEncryption", static_cast<int>(required),

@@ -6,6 +6,7 @@
 #include "ITeskConsumerPolicyAdapter.h"
 #include "TeskPasswordDecision.h"
 #include "TeskPolicyData.h"
+#include "TeskPolicySettings.h"
 
 /// What applyPolicy() answers when the wearer must set a stronger lock.
 constexpr int TESK_POLICY_PASSWORD_REQUIRED = -6000;
@@ -57,9 +58,10 @@ private:
 
     bool __readCurrentRules(TeskPasswordRules& current);
     void __migrateQuality(TeskPasswordRules& current);
-    void __applyPasswordRules(const TeskPolicyData& policy);
-    void __applyRestrictions(const TeskPolicyData& policy);
-    void __applyEncryption(const TeskPolicyData& policy);
+    void __apply(const TeskPolicyData& policy);
+    void __applyPasswordRules(const TeskPolicySettings& settings);
+    void __applyRestrictions(const TeskPolicySettings& settings);
+    void __applyEncryption(const TeskPolicySettings& settings);
     void __publishEncryption(bool enforce);
     void __publishPassword(bool enforce);
 

@@ -9,6 +9,9 @@ constexpr int alphanumericQuality = 128;
 constexpr int simpleAllowedBit = 1;
 constexpr int typeMask = ~0xF;
 
+constexpr int oldStyleType = 16;
+constexpr int oldStyleSuccessor = numericQuality + simpleAllowedBit;
+
 constexpr int needsSomeLock = 32;
 constexpr int needsMoreThanPin = 64;
 constexpr int noLock = 0;
@@ -18,6 +21,10 @@ constexpr int pinLock = 1;
 
 int TeskPasswordDecision::typeOf(int quality) {
     return quality & typeMask;
+}
+
+int TeskPasswordDecision::migrated(int quality) {
+    return typeOf(quality) == oldStyleType ? oldStyleSuccessor : quality;
 }
 
 TeskPasswordRules TeskPasswordDecision::required(const TeskPolicyData& policy, int countryMinLength) {

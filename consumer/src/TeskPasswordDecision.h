@@ -27,6 +27,9 @@ namespace TeskPasswordDecision {
 /// The quality without its low bits, among them the one that allows simple passwords.
 int typeOf(int quality);
 
+/// The quality that stands for one that the device policy manager no longer knows; any other as it is.
+int migrated(int quality);
+
 /// What a policy wants where `countryMinLength` is the least length; nothing at all when it wants no password.
 TeskPasswordRules required(const TeskPolicyData& policy, int countryMinLength);
 

@@ -1,8 +1,8 @@
 #include "msgs/TeskConsumerEasRemoteWipeIndMsg.h"
 
 #include "TeskConsumerLog.h"
-#include "TeskConsumerPolicyMgr.h"
 #include "msgs/TeskConsumerEnvelope.h"
+#include "msgs/TeskConsumerPolicyStorage.h"
 
 TeskConsumerEasRemoteWipeIndMsg::TeskConsumerEasRemoteWipeIndMsg() {
     msgType = TESK_MSG_REMOTE_WIPE;
@@ -23,6 +23,6 @@ int TeskConsumerEasRemoteWipeIndMsg::fromJson(const std::string& text) {
 }
 
 int TeskConsumerEasRemoteWipeIndMsg::process() {
-    TeskConsumerPolicyMgr::getInstance()->factoryReset();
+    TeskConsumerPolicyStorage::wipeDevice();
     return 0;
 }

@@ -11,3 +11,7 @@ void TeskConsumerPolicyStorage::storeAndApply(const TeskConsumerPolicyInfoList& 
     }
     TeskConsumerPolicyMgr::getInstance()->applyPolicyAndWarn();
 }
+
+void TeskConsumerPolicyStorage::wipeDevice() {
+    TeskConsumerPolicyMgr::getInstance()->factoryReset();
+}

@@ -3,12 +3,15 @@
 
 #include "msgs/TeskConsumerItPolicyIndMsg.h"
 
-/// What all messages do that carry policy sets.
+/// What messages have the service do. Reading a message needs nothing of the service; this is where they meet.
 namespace TeskConsumerPolicyStorage {
 
 /// Stores each policy under its account, in order, and enforces what the stored ones demand together. A policy that
 /// cannot be stored stops neither the others nor the enforcement. Empty pointers are passed over.
 void storeAndApply(const TeskConsumerPolicyInfoList& policies);
+
+/// Wipes the device's internal storage at once.
+void wipeDevice();
 
 } // namespace TeskConsumerPolicyStorage
 
