@@ -24,6 +24,8 @@ void addBootCommand(CLI::App& program, const CommonOptions& common);
 void addOffCommand(CLI::App& program, const CommonOptions& common);
 void addMailCommand(CLI::App& program, const CommonOptions& common);
 void addStatusCommand(CLI::App& program, const CommonOptions& common);
+void addExplainCommand(CLI::App& program, const CommonOptions& common);
+void addWhatifCommand(CLI::App& program, const CommonOptions& common);
 void addPopupCommand(CLI::App& program, const CommonOptions& common);
 void addLockCommand(CLI::App& program, const CommonOptions& common);
 void addEncryptCommand(CLI::App& program, const CommonOptions& common);

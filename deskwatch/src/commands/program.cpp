@@ -23,6 +23,8 @@ void addCommands(CLI::App& program, CommonOptions& common) {
     addEncryptCommand(program, common);
     addTutorialCommand(program, common);
     addStatusCommand(program, common);
+    addExplainCommand(program, common);
+    addWhatifCommand(program, common);
     addCompanionCommand(program);
     program.footer("Exit status: 0 done, 1 the command failed, 2 the arguments are wrong, 3 the watch refuses it.\n"
                    "Example:\n  deskwatch boot /tmp/watch\n  deskwatch mail policy samples/hardened.json\n"

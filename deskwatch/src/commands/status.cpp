@@ -1,17 +1,12 @@
 #include "commands.h"
 
+#include "observer.h"
 #include "watch_status.h"
 
 #include <iostream>
 #include <memory>
 
 namespace deskwatch {
-namespace {
-
-/// The id under which this program looks at a watch; no application of the watch has it.
-constexpr char observerId[] = "tesk.desk.observer";
-
-} // namespace
 
 void addStatusCommand(CLI::App& program, const CommonOptions& common) {
     auto* command = program.add_subcommand("status", "Show accounts, settings, keys and launch requests of a watch");

@@ -1,0 +1,26 @@
+#ifndef DESKWATCH_VALUE_TEXT_H
+#define DESKWATCH_VALUE_TEXT_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace deskwatch {
+
+/// A number; "-" for none.
+inline std::string numberText(const std::optional<int>& value) {
+    return value ? std::to_string(*value) : "-";
+}
+
+/// Parts behind each other with a separator between them; "-" for none.
+inline std::string joined(const std::vector<std::string>& parts, const std::string& separator) {
+    std::string text;
+    for (const auto& part : parts) {
+        text += (text.empty() ? "" : separator) + part;
+    }
+    return text.empty() ? "-" : text;
+}
+
+} // namespace deskwatch
+
+#endif
