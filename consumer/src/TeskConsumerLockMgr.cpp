@@ -31,11 +31,11 @@ TeskConsumerLockMgr* TeskConsumerLockMgr::getInstance() {
 }
 
 TeskConsumerLockMgr::TeskConsumerLockMgr() {
-    TESK_INFO("TeskConsumerLockMgr");
+    TESK_INFO("");
 }
 
 TeskConsumerLockMgr::~TeskConsumerLockMgr() {
-    TESK_INFO("~TeskConsumerLockMgr");
+    TESK_INFO("");
 }
 
 int TeskConsumerLockMgr::init() {

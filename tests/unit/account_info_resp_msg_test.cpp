@@ -175,11 +175,11 @@ TEST_F(AccountInfoMessageTest, ListUnderParamIsIgnored) {
     EXPECT_EQ(storedAccounts(), 0);
 }
 
-TEST_F(AccountInfoMessageTest, ConstructorAndDestructorLogUnderTheirNames) {
+TEST_F(AccountInfoMessageTest, ConstructorAndDestructorLogBareLinesUnderTheirNames) {
     { const TeskConsumerAccountInfoRespMsg message; }
 
-    EXPECT_EQ(journal.logsOf("TeskConsumerAccountInfoRespMsg").size(), 1U);
-    EXPECT_EQ(journal.logsOf("~TeskConsumerAccountInfoRespMsg").size(), 1U);
+    EXPECT_EQ(journal.logsOf("TeskConsumerAccountInfoRespMsg"), Lines{"I "});
+    EXPECT_EQ(journal.logsOf("~TeskConsumerAccountInfoRespMsg"), Lines{"I "});
 }
 
 using InitRespMessageTest = UnitTest;

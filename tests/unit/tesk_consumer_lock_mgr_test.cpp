@@ -71,6 +71,30 @@ TEST_F(LockMgrTest, NewLockAsksForTheRequiredEncryptionFirst) {
               (Lines{"vconf_set_int db/eas/password_policy_applied 1", encryptionLaunch, mailLaunch}));
 }
 
+TEST_F(LockMgrTest, NewLockIsNotedBeforeTheEncryptionIsConsidered) {
+    auto data = account(1);
+    data.requireDeviceEncryption = 1;
+    store({data});
+    setApplied(0);
+
+    changeLock(1);
+
+    EXPECT_EQ(journal.calls({"vconf_set", "vconf_get_str db/ode"}),
+              (Lines{"vconf_set_int db/eas/password_policy_applied 1", "vconf_get_str db/ode/crypto_state"}));
+}
+
+TEST_F(LockMgrTest, LockSettingsDuringTheTutorialStillReturnToMail) {
+    auto data = account(1);
+    data.requireDeviceEncryption = 1;
+    store({data});
+    setApplied(0);
+    platform.settings.setKeyAsDevice("memory/private/com.velmor.hearth/tutorial_is_in_progress", 1);
+
+    changeLock(1);
+
+    EXPECT_EQ(launches(), Lines{mailLaunch});
+}
+
 TEST_F(LockMgrTest, NewLockOnAnEncryptedDeviceAsksForNothing) {
     auto data = account(1);
     data.requireDeviceEncryption = 1;
@@ -121,12 +145,12 @@ TEST_F(LockMgrTest, SecondChangeFindsNothingLeftToDo) {
 
 using LockMgrCreationTest = UnitTest;
 
-TEST_F(LockMgrCreationTest, ConstructorAndDestructorLogUnderTheirNames) {
+TEST_F(LockMgrCreationTest, ConstructorAndDestructorLogBareLinesUnderTheirNames) {
     { const TeskConsumerLockMgr manager; }
 
-    EXPECT_EQ(journal.logsOf("TeskConsumerLockMgr").size(), 1U);
-    EXPECT_EQ(journal.logsOf("~TeskConsumerLockMgr").size(), 1U);
-    EXPECT_EQ(journal.logs(DLOG_WARN), Lines{});
+    EXPECT_EQ(journal.logsOf("TeskConsumerLockMgr"), Lines{"I "});
+    EXPECT_EQ(journal.logsOf("~TeskConsumerLockMgr"), Lines{"I "});
+    EXPECT_EQ(journal.logs().size(), 2U);
 }
 
 } // namespace

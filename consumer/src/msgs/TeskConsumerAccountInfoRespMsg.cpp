@@ -41,12 +41,12 @@ void teskStoreAndApply(const TeskConsumerAccountInfoList& accounts) {
 }
 
 TeskConsumerAccountInfoRespMsg::TeskConsumerAccountInfoRespMsg() {
-    TESK_INFO("TeskConsumerAccountInfoRespMsg");
+    TESK_INFO("");
     msgType = TESK_MSG_ACCOUNT_INFO;
 }
 
 TeskConsumerAccountInfoRespMsg::~TeskConsumerAccountInfoRespMsg() {
-    TESK_INFO("~TeskConsumerAccountInfoRespMsg");
+    TESK_INFO("");
 }
 
 int TeskConsumerAccountInfoRespMsg::fromJson(const std::string& text) {
