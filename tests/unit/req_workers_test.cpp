@@ -24,6 +24,13 @@ TEST_F(ReqFactoryTest, EachRequestHasItsWorker) {
     EXPECT_EQ(journal.warnings(), Lines{});
 }
 
+TEST_F(ReqFactoryTest, SelectionLogsItsBeginningAndEnd) {
+    TeskConsumerReqFactory::getWorker("chk_password_policy");
+
+    EXPECT_EQ(journal.logs(), (Lines{"I Enter", "I Leave"}));
+    EXPECT_EQ(journal.logsOf("getWorker").size(), 2U);
+}
+
 TEST_F(ReqFactoryTest, EachCallMakesANewWorker) {
     const auto first = TeskConsumerReqFactory::getWorker("chk_password_policy");
     EXPECT_NE(first, TeskConsumerReqFactory::getWorker("chk_password_policy"));
@@ -142,6 +149,14 @@ TEST_F(DeleteAccountWorkerTest, FailedCountResetsTheEnforcingAccount) {
     EXPECT_EQ(enforcingAccount(), 0);
 }
 
+TEST_F(DeleteAccountWorkerTest, RefusedResetOfTheEnforcingAccountIsAWarning) {
+    platform.faults.always("preference_set_int", -5);
+
+    run("req_delete_account", "1");
+
+    EXPECT_EQ(journal.warnings().back(), "W preference_set_int failed: [-5]");
+}
+
 TEST_F(DeleteAccountWorkerTest, NumberOutOfRangeDeletesNothing) {
     store({account(1)});
 
@@ -180,6 +195,14 @@ TEST_F(CheckOdeWorkerTest, LaunchesTheEncryptionPopupOnceThePasswordIsThere) {
 
     ASSERT_EQ(platform.launches.sent.size(), 1U);
     EXPECT_EQ(platform.launches.sent[0].appId, "com.velmor.dialset.encryption");
+}
+
+TEST_F(CheckOdeWorkerTest, AnyValueButZeroMeansThatThePasswordIsThere) {
+    platform.settings.setKeyAsDevice("db/eas/password_policy_applied", -1);
+
+    run("chk_device_encryption_policy", "");
+
+    EXPECT_EQ(platform.launches.sent.size(), 1U);
 }
 
 } // namespace

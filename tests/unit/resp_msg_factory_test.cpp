@@ -99,6 +99,29 @@ TEST_F(RespMsgFactoryTest, MissingMemoryYieldsNothing) {
     EXPECT_EQ(factoryLogs(), (Lines{"I Enter", "I Leave"}));
 }
 
+TEST_F(RespMsgFactoryTest, TextIsReadDownTo1024Levels) {
+    const auto nested = [](std::size_t levels) {
+        return R"({"msgId":"eas-remote-wipe","more":)" + std::string(levels - 1, '[') + std::string(levels - 1, ']') +
+               "}";
+    };
+
+    EXPECT_NE(create(nested(1024)), nullptr);
+    EXPECT_EQ(create(nested(1025)), nullptr);
+    EXPECT_EQ(journal.warnings(), Lines{"E json_parser_get_root failed"});
+}
+
+TEST_F(RespMsgFactoryTest, UnknownMembersAreIgnored) {
+    EXPECT_NE(create(R"({"more":[1],"msgId":"eas-remote-wipe","other":{"msgId":"unknown"}})"), nullptr);
+    EXPECT_EQ(journal.warnings(), Lines{});
+}
+
+TEST_F(RespMsgFactoryTest, MessageReadsItsTextOnce) {
+    create(samples::indication(1, samples::builtIn));
+
+    EXPECT_EQ(journal.logsOf("fromJson"), (Lines{"I Enter", "I Leave"}));
+    EXPECT_EQ(storedAccounts(), 0);
+}
+
 TEST_F(RespMsgFactoryTest, DeepNestingDoesNotEndTheProcess) {
     for (const auto& text :
          {std::string(100000, '['), R"({"msgId":"email-itpolicy-ind","param":)" + std::string(100000, '[')}) {
@@ -148,6 +171,7 @@ INSTANTIATE_TEST_SUITE_P(
                       R"({"msgId":"email-itpolicy-ind","param":[{"accountId":1,"policySet":[]}]})",
                       R"({"msgId":"email-itpolicy-ind","param":[{"accountName":"a","policySet":{}}]})",
                       R"({"msgId":"email-itpolicy-ind","param":[{"accountId":"1","accountName":"a","policySet":{}}]})",
+                      R"({"msgId":"email-itpolicy-ind","param":[{"accountId":-3,"accountName":"a","policySet":{}}]})",
                       R"({"msgId":"email-account-info"})", R"({"msgId":"email-account-info","accountId":{}})",
                       R"({"msgId":"email-account-info","accountId":[1,null,"x"]})",
                       R"({"msgId":"email-init-res","param":[]})", R"({"msgId":"email-init-res","param":{}})",

@@ -167,6 +167,42 @@ TEST_F(DbMgrTest, MissingBusyHandlerClosesTheDatabase) {
     expectEveryOperationFails(db);
 }
 
+TEST_F(DbMgrTest, OpeningIsTracedFromTheConstructorOn) {
+    const TeskConsumerDbMgr db;
+
+    const auto lines = journal.logs();
+    EXPECT_EQ(Lines(lines.begin(), lines.begin() + 3), (Lines{"I ", "I ", "I Enter"}));
+    EXPECT_EQ(journal.logsOf("__init"), Lines{"I "});
+}
+
+TEST_F(DbMgrTest, OnlyAMissingBusyHandlerLeavesTheFailedOpeningTraced) {
+    platform.faults.always("sqlite3_open", 14);
+    { const TeskConsumerDbMgr db; }
+    EXPECT_FALSE(logged("I Leave"));
+
+    platform.faults.never("sqlite3_open");
+    platform.faults.always("sqlite3_busy_handler", 21);
+    const TeskConsumerDbMgr db;
+    EXPECT_TRUE(logged("I Leave"));
+}
+
+TEST_F(DbMgrTest, BusyHandlerIsThereBeforeTheTableIsMade) {
+    const TeskConsumerDbMgr db;
+
+    const auto calls = journal.calls({"sqlite3_"});
+    ASSERT_GE(calls.size(), 3U);
+    EXPECT_EQ(Lines(calls.begin(), calls.begin() + 3),
+              (Lines{"sqlite3_open", "sqlite3_busy_handler", "sqlite3_prepare_v2 " + TeskPolicyTable::createSql()}));
+}
+
+TEST_F(DbMgrTest, MissingBusyHandlerOfTheNamedFileClosesIt) {
+    platform.faults.atCall("sqlite3_busy_handler", 2, 21);
+    TeskConsumerDbMgr db;
+
+    EXPECT_EQ(journal.warnings(), (Lines{"E sqlite3_busy_handler failed: [21]", "W db initialize fail!"}));
+    expectEveryOperationFails(db);
+}
+
 TEST_F(DbMgrTest, MissingDataPathFailsEveryOperation) {
     platform.faults.always("app_get_data_path");
     TeskConsumerDbMgr db;
@@ -226,6 +262,7 @@ TEST_F(DbMgrTest, DestructorClosesTheDatabase) {
     }
 
     EXPECT_EQ(journal.calls({"sqlite3_close"}), Lines{"sqlite3_close"});
+    EXPECT_EQ(journal.logsOf("~TeskConsumerDbMgr"), Lines{"I "});
 }
 
 TEST_F(DbMgrTest, DestructorOfAnUnopenedDatabaseClosesNothing) {
@@ -371,6 +408,19 @@ TEST_F(DbMgrTest, ListAppendsOneRecordForEachRow) {
     EXPECT_EQ(list.front()->accountId, 77);
     EXPECT_EQ(fieldsOf(**std::next(list.begin())), fieldsOf(account(1)));
     EXPECT_EQ(fieldsOf(*list.back()), fieldsOf(everyFieldDifferent(100)));
+}
+
+TEST_F(DbMgrTest, ListEndsQuietlyAtTheFirstStepThatIsNoRow) {
+    TeskConsumerDbMgr db;
+    db.insertPolicy(account(1));
+    db.insertPolicy(account(2));
+    platform.faults.atCall("sqlite3_step", 2, SQLITE_BUSY);
+    TeskPolicyDataList list;
+    journal.clear();
+
+    EXPECT_EQ(db.getPolicyDataList(list), 0);
+    EXPECT_EQ(list.size(), 1U);
+    EXPECT_EQ(journal.warnings(), Lines{});
 }
 
 TEST_F(DbMgrTest, EmptyTableHasNoListAndCountsZero) {
@@ -536,7 +586,8 @@ TEST_F(DbMgrTest, AbsentNamesReadAsEmptyTexts) {
 }
 
 TEST_F(DbMgrTest, LogLinesCarryTagFileFunctionAndLine) {
-    const TeskConsumerDbMgr db;
+    TeskConsumerDbMgr db;
+    db.insertPolicy(account(1));
 
     for (const auto& line : journal.logLines()) {
         EXPECT_EQ(line.tag, "TESK_CONSUMER");

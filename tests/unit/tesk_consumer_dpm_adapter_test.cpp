@@ -123,6 +123,63 @@ TEST_F(DpmAdapterTest, ErrorsComeBackUnchangedAndUnlogged) {
     EXPECT_EQ(journal.logs(), Lines{});
 }
 
+TEST_F(DpmAdapterTest, EveryOperationPassesItsErrorOn) {
+    int value = 5;
+    const std::vector<std::pair<std::string, std::function<int()>>> operations{
+        {"dpm_admin_register_client", [&] { return adapter.registerClient(); }},
+        {"dpm_admin_deregister_client", [&] { return adapter.deregisterClient(); }},
+        {"dpm_password_set_quality", [&] { return adapter.setPasswordQuality(1); }},
+        {"dpm_password_get_quality", [&] { return adapter.getPasswordQuality(&value); }},
+        {"dpm_password_set_minimum_length", [&] { return adapter.setPasswordMinLength(1); }},
+        {"dpm_password_get_minimum_length", [&] { return adapter.getPasswordMinLength(&value); }},
+        {"dpm_password_set_maximum_failed_attempts_for_wipe", [&] { return adapter.setPasswordMaxFailedAttempts(1); }},
+        {"dpm_password_get_maximum_failed_attempts_for_wipe",
+         [&] { return adapter.getPasswordMaxFailedAttempts(&value); }},
+        {"dpm_password_set_min_complex_chars", [&] { return adapter.setPasswordMinComplexCharacters(1); }},
+        {"dpm_password_get_min_complex_chars", [&] { return adapter.getPasswordMinComplexCharacters(&value); }},
+        {"dpm_password_set_max_inactivity_time_device_lock",
+         [&] { return adapter.setPasswordMaxInactivityTimeDeviceLock(1); }},
+        {"dpm_password_get_max_inactivity_time_device_lock",
+         [&] { return adapter.getPasswordMaxInactivityTimeDeviceLock(&value); }},
+        {"dpm_password_set_expires", [&] { return adapter.setPasswordExpires(1); }},
+        {"dpm_password_get_expires", [&] { return adapter.getPasswordExpires(&value); }},
+        {"dpm_password_set_history", [&] { return adapter.setPasswordHistory(1); }},
+        {"dpm_password_get_history", [&] { return adapter.getPasswordHistory(&value); }},
+        {"dpm_restriction_set_wifi_state", [&] { return adapter.setRestrictionWifi(1); }},
+        {"dpm_restriction_get_wifi_state", [&] { return adapter.getRestrictionWifi(&value); }},
+        {"dpm_restriction_set_messaging_state", [&] { return adapter.setRestrictionMessaging("*", 1); }},
+        {"dpm_restriction_get_messaging_state", [&] { return adapter.getRestrictionMessaging("*", &value); }},
+        {"dpm_restriction_set_popimap_email_state", [&] { return adapter.setRestrictionPopImap(1); }},
+        {"dpm_restriction_get_popimap_email_state", [&] { return adapter.getRestrictionPopImap(&value); }},
+        {"dpm_security_set_internal_storage_encryption",
+         [&] { return adapter.setSecurityInternalStorageEncryption(true); }},
+        {"dpm_security_is_internal_storage_encrypted",
+         [&] { return adapter.isSecurityInternalStorageEncrypted(&value); }},
+        {"dpm_security_set_external_storage_encryption",
+         [&] { return adapter.setSecurityExternalStorageEncryption(true); }},
+        {"dpm_security_is_external_storage_encrypted",
+         [&] { return adapter.isSecurityExternalStorageEncrypted(&value); }},
+        {"dpm_security_wipe_data", [&] { return adapter.wipeInternalStorage(); }},
+        {"dpm_security_wipe_data", [&] { return adapter.wipeExternalStorage(); }},
+    };
+    int error = -100;
+    for (const auto& [function, operation] : operations) {
+        platform.faults.always(function, --error);
+        EXPECT_EQ(operation(), error) << function;
+    }
+    EXPECT_EQ(value, 5);
+    EXPECT_EQ(journal.logs(), Lines{});
+}
+
+TEST_F(DpmAdapterTest, MessagesAreReadOfTheSimThatIsNamed) {
+    platform.devicePolicy.settings["messaging_state sim1"] = 0;
+    int value = 5;
+
+    EXPECT_EQ(callsOf([&] { adapter.getRestrictionMessaging("sim1", &value); }),
+              Lines{"dpm_restriction_get_messaging_state sim1"});
+    EXPECT_EQ(value, 0);
+}
+
 TEST_F(DpmAdapterTest, MissingHandleMakesEveryCallFail) {
     platform.faults.always("dpm_manager_create");
     TeskConsumerDpmAdapter unconnected;

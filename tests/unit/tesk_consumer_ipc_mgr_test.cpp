@@ -25,6 +25,13 @@ TEST_F(IpcMgrTest, RefusedPortIsAnError) {
     EXPECT_EQ(journal.warnings(), Lines{"E Failed message port register. (-5)"});
 }
 
+TEST_F(IpcMgrTest, OnlyANegativePortIdIsAnError) {
+    platform.faults.always("message_port_register_local_port", 0);
+
+    EXPECT_TRUE(manager.init());
+    EXPECT_EQ(journal.warnings(), Lines{});
+}
+
 TEST_F(IpcMgrTest, ClosesThePortThatItOpened) {
     manager.init();
     const int id = platform.ports.localPorts.begin()->first;
@@ -42,6 +49,14 @@ TEST_F(IpcMgrTest, PortThatCannotBeClosedIsAnError) {
 
     EXPECT_FALSE(manager.deinit());
     EXPECT_EQ(journal.warnings(), Lines{"E Failed message port unregister. (-22)"});
+}
+
+TEST_F(IpcMgrTest, AnyCodeButZeroIsAnErrorOfTheClosing) {
+    manager.init();
+    platform.faults.always("message_port_unregister_local_port", 7);
+
+    EXPECT_FALSE(manager.deinit());
+    EXPECT_EQ(journal.warnings(), Lines{"E Failed message port unregister. (7)"});
 }
 
 using IpcMgrCreationTest = UnitTest;
@@ -63,6 +78,19 @@ TEST_F(IpcMgrTest, DeliveredRequestRunsToItsEnd) {
 
     EXPECT_EQ(storedAccounts(), 1);
     EXPECT_EQ(journal.logsOf("__teskItpolicyReqCb"), (Lines{"I Enter", "I Leave"}));
+}
+
+TEST_F(IpcMgrTest, RequestsOfAnyApplicationAreServed) {
+    manager.init();
+    const auto port = platform.ports.localPorts.begin()->second;
+    bundle* const message = bundle_create();
+    bundle_add_str(message, "req", "req_update_policy");
+    bundle_add_str(message, "msg", samples::indication(5, samples::builtIn).c_str());
+
+    port.callback(-3, "com.example.stranger", nullptr, false, message, port.userData);
+
+    EXPECT_EQ(storedAccounts(), 1);
+    bundle_free(message);
 }
 
 TEST_F(IpcMgrTest, UnsupportedRequestsAreLoggedAndDropped) {
@@ -136,6 +164,15 @@ TEST_F(IpcMgrTest, RelayedRequestRunsAsIfItHadComeOverThePort) {
     EXPECT_EQ(journal.logs()[0], "I [RELAY MSG] req_delete_account : 5");
     EXPECT_EQ(journal.logsOf("__teskItpolicyReqCb"), (Lines{"I Enter", "I Leave"}));
     EXPECT_EQ(journal.logsOf("policyTest").size() + journal.logsOf("newRequest").size(), 1U);
+}
+
+TEST_F(IpcMgrTest, RelayReleasesItsMessageBehindTheRequest) {
+    manager.policyTest("req_unknown", "text");
+
+    EXPECT_EQ(journal.all(),
+              (Lines{"bundle_create", "I [RELAY MSG] req_unknown : text", "bundle_add_str req req_unknown",
+                     "bundle_add_str msg text", "I Enter", "bundle_get_str req", "I Enter",
+                     "E Unsupported request : req_unknown", "I Leave", "I Leave", "bundle_free"}));
 }
 
 TEST_F(IpcMgrTest, RelayNeedsNoOpenPort) {

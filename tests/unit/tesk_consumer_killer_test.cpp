@@ -24,6 +24,14 @@ TEST_F(KillerTest, ConstructorLogsABareLineUnderItsName) {
     EXPECT_EQ(journal.logsOf("TeskConsumerKiller"), Lines{"I "});
 }
 
+using KillerEndTest = UnitTest;
+
+TEST_F(KillerEndTest, DestructorLogsABareLineUnderItsName) {
+    { const TeskConsumerKiller killer; }
+
+    EXPECT_EQ(journal.logsOf("~TeskConsumerKiller"), Lines{"I "});
+}
+
 TEST_F(KillerTest, WatchesBothKeysInOrder) {
     killer.init();
 
@@ -66,6 +74,16 @@ TEST_F(KillerTest, SecondTriggerStartsTheTenSecondsAgain) {
     EXPECT_EQ(platform.system.timers(), 1U);
     platform.system.passSeconds(1);
     EXPECT_TRUE(exited());
+}
+
+TEST_F(KillerTest, OldTimerGoesBeforeTheNewOneComes) {
+    setApplied(1, 1);
+    killer.tryStartKillTimer();
+    journal.clear();
+
+    killer.tryStartKillTimer();
+
+    EXPECT_EQ(journal.calls({"g_"}), (Lines{"g_source_remove", "g_timeout_add_seconds 10"}));
 }
 
 TEST_F(KillerTest, TimerFiresOnce) {

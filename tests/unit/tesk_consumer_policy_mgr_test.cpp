@@ -90,6 +90,15 @@ TEST_F(PolicyMgrClientTest, StoredAccountKeepsItFromDeregistering) {
     EXPECT_EQ(messages(), Lines{"I easAccountCount : 2"});
 }
 
+TEST_F(PolicyMgrClientTest, FailedCountDeregisters) {
+    store({account(1)});
+    platform.faults.always("sqlite3_prepare_v2", 1);
+
+    EXPECT_EQ(manager.deregisterClient(), 0);
+    EXPECT_EQ(journal.calls({"dpm_"}), Lines{"dpm_admin_deregister_client com.velmor.tesk-agent 5001"});
+    EXPECT_EQ(journal.logsOf("deregisterClient").front(), "I Enter");
+}
+
 TEST_F(PolicyMgrClientTest, RefusedDeregistrationIsLoggedLikeARefusedRegistration) {
     platform.faults.always("dpm_admin_deregister_client", -111);
 
@@ -106,6 +115,14 @@ TEST_F(PolicyMgrLifeTest, HandleLivesAsLongAsTheManager) {
     }
     EXPECT_TRUE(platform.devicePolicy.handles.empty());
     EXPECT_EQ(journal.calls(), (Lines{"dpm_manager_create", "dpm_manager_destroy"}));
+}
+
+TEST_F(PolicyMgrLifeTest, ConstructorAndDestructorLogBareLinesUnderTheirNames) {
+    { const TeskConsumerPolicyMgr manager; }
+
+    EXPECT_EQ(journal.logs(), (Lines{"I ", "I "}));
+    EXPECT_EQ(journal.logsOf("TeskConsumerPolicyMgr").size(), 1U);
+    EXPECT_EQ(journal.logsOf("~TeskConsumerPolicyMgr").size(), 1U);
 }
 
 TEST_F(PolicyMgrLifeTest, MissingHandleMakesEveryDecisionDemandAPassword) {
@@ -483,13 +500,16 @@ TEST_F(ApplyPolicyTest, EnforcedPolicyReachesTheDeviceInOrder) {
 }
 
 TEST_F(ApplyPolicyTest, DecisionsAreMadeBeforeAnythingIsWritten) {
-    store({passwordAccount(1)});
+    auto data = passwordAccount(1);
+    data.requireDeviceEncryption = 1;
+    store({data});
     manager.applyPolicy();
 
-    const auto calls = journal.calls({"dpm_", "vconf_set"});
-    EXPECT_EQ(Lines(calls.begin(), calls.begin() + 4),
-              (Lines{"dpm_password_get_quality", "dpm_password_get_minimum_length",
-                     "dpm_password_get_min_complex_chars", "dpm_password_set_quality 33"}));
+    const auto calls = journal.calls({"dpm_", "vconf_set", "vconf_get_str db/ode"});
+    EXPECT_EQ(
+        Lines(calls.begin(), calls.begin() + 5),
+        (Lines{"dpm_password_get_quality", "dpm_password_get_minimum_length", "dpm_password_get_min_complex_chars",
+               "vconf_get_str db/ode/crypto_state", "dpm_password_set_quality 33"}));
 }
 
 TEST_F(ApplyPolicyTest, QualityFollowsTypeAndSimplicity) {
@@ -644,10 +664,27 @@ TEST_F(ApplyPolicyTest, EnforcingAccountIsTheOneWithTheStrictestPassword) {
     EXPECT_NE(std::find(lines.begin(), lines.end(), "I Enforce password"), lines.end());
 }
 
+TEST_F(ApplyPolicyTest, VerdictIsLoggedBeforeItIsPublished) {
+    const auto indexOf = [this](const std::string& line) {
+        const auto lines = journal.all();
+        return std::distance(lines.begin(), std::find(lines.begin(), lines.end(), line));
+    };
+    manager.applyPolicy();
+    EXPECT_LT(indexOf("I NOT Enforce password"), indexOf("vconf_set_int db/eas/password_policy_applied 1"));
+
+    store({passwordAccount(1)});
+    manager.applyPolicy();
+    EXPECT_LT(indexOf("I Enforce password"), indexOf("vconf_set_int db/eas/password_policy_applied 0"));
+    EXPECT_LT(indexOf("vconf_set_int db/eas/password_policy_applied 0"),
+              indexOf("I Password enforcing account id : 1"));
+}
+
 TEST_F(ApplyPolicyTest, DemandWithoutAPasswordAccountEnforcesAccountZero) {
     platform.faults.always("dpm_password_get_quality", -13);
 
     EXPECT_EQ(manager.applyPolicy(), -6000);
+    const auto lines = messages();
+    EXPECT_NE(std::find(lines.begin(), lines.end(), "I Password enforcing account id : 0"), lines.end());
     EXPECT_EQ(std::get<int>(platform.preferences.at("pref/tesk-agent/pwd_enforce_account_id")), 0);
     EXPECT_EQ(platform.settings.integer("db/eas/password_policy_applied"), 0);
 }

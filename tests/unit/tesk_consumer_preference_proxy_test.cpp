@@ -92,6 +92,15 @@ TEST_F(PreferenceProxyTest, SecondInitLeavesTheAccountAlone) {
     EXPECT_EQ(journal.calls({"preference_set"}), Lines{});
 }
 
+TEST_F(PreferenceProxyTest, UnknownExistenceGivesTheAccountItsFirstValueAgain) {
+    platform.preferences[key] = 7;
+    platform.faults.always("preference_is_existing", -5);
+
+    TeskConsumerPreferenceProxy::init();
+
+    EXPECT_EQ(std::get<int>(platform.preferences.at(key)), 0);
+}
+
 TEST_F(PreferenceProxyTest, EnforcingAccountIsKept) {
     EXPECT_EQ(TeskConsumerPreferenceProxy::setPwdEnforcingAccountId(12), 0);
     EXPECT_EQ(TeskConsumerPreferenceProxy::getPwdEnforcingAccountId(), 12);

@@ -4,7 +4,12 @@
 #include <array>
 #include <functional>
 
+#include "TeskConsumerAccountMgr.h"
 #include "TeskConsumerDbMgr.h"
+#include "TeskConsumerIpcMgr.h"
+#include "TeskConsumerKiller.h"
+#include "TeskConsumerLockMgr.h"
+#include "TeskConsumerPolicyMgr.h"
 #include "sample_policies.h"
 #include "unit_test.h"
 
@@ -36,6 +41,23 @@ TEST_F(ConsumerTest, ConstructorAndDestructorLogTheirBeginningAndEnd) {
 
     EXPECT_EQ(journal.logsOf("TeskConsumer"), (Lines{"I Enter", "I Leave"}));
     EXPECT_EQ(journal.logsOf("~TeskConsumer"), (Lines{"I Enter", "I Leave"}));
+}
+
+template <typename Manager>
+void expectOneInstance() {
+    auto* const instance = Manager::getInstance();
+    EXPECT_NE(instance, nullptr);
+    EXPECT_EQ(Manager::getInstance(), instance);
+}
+
+TEST_F(ConsumerTest, EveryManagerIsMadeOnce) {
+    expectOneInstance<TeskConsumer>();
+    expectOneInstance<TeskConsumerAccountMgr>();
+    expectOneInstance<TeskConsumerDbMgr>();
+    expectOneInstance<TeskConsumerIpcMgr>();
+    expectOneInstance<TeskConsumerKiller>();
+    expectOneInstance<TeskConsumerLockMgr>();
+    expectOneInstance<TeskConsumerPolicyMgr>();
 }
 
 TEST_F(ConsumerTest, ListensToThreeSystemEvents) {
@@ -81,13 +103,11 @@ TEST_F(ConsumerTest, BringsEverythingUpInOrder) {
 TEST_F(ConsumerTest, DiagnosticInterfaceIsAskedForFirst) {
     run();
 
-    const auto lines = messages();
+    const auto lines = journal.all();
     const auto ownerId = std::find_if(lines.begin(), lines.end(),
                                       [](const std::string& line) { return line.rfind("I ownerId: [", 0) == 0; });
     ASSERT_NE(ownerId, lines.end());
-    const auto database = std::find_if(lines.begin(), lines.end(),
-                                       [](const std::string& line) { return line.rfind("I dbPath", 0) == 0; });
-    EXPECT_LT(ownerId, database);
+    EXPECT_LT(ownerId, std::find(lines.begin(), lines.end(), keyWatches[0]));
 }
 
 TEST_F(ConsumerTest, StartWithoutAccountsAppliesNothing) {
@@ -152,6 +172,23 @@ TEST_F(ConsumerTest, UnopenedDatabaseDoesNotEndTheStart) {
     EXPECT_EQ(journal.calls({"dpm_"}), Lines{});
 }
 
+TEST_F(ConsumerTest, FailedCountCountsAsNoAccount) {
+    store({passwordAccount(1)});
+    platform.faults.always("sqlite3_prepare_v2", 1);
+
+    EXPECT_EQ(run(), 0);
+    EXPECT_EQ(journal.logsOf("applyPolicy"), Lines{});
+}
+
+TEST_F(ConsumerTest, RefusedStartIsTracedToItsEnd) {
+    platform.faults.always("message_port_register_local_port", -13);
+
+    run();
+
+    EXPECT_EQ(journal.logsOf("appCreated"), (Lines{"I Enter", "I Leave"}));
+    EXPECT_EQ(journal.logsOf("start"), (Lines{"I Enter", "I Leave"}));
+}
+
 TEST_F(ConsumerTest, PortThatCannotBeClosedIsLogged) {
     platform.faults.always("message_port_unregister_local_port", -5);
 
@@ -178,6 +215,19 @@ TEST_F(ConsumerTest, EveryLaunchOnlyTriggersTheIdleTerminator) {
             journal.calls(),
             (Lines{"vconf_get_int db/eas/password_policy_applied", "vconf_get_int db/eas/device_encryption_applied",
                    "vconf_get_int db/eas/password_policy_applied", "vconf_get_int db/eas/device_encryption_applied"}));
+    });
+}
+
+TEST_F(ConsumerTest, RequestsOfThePortAreNoTriggers) {
+    run([&] {
+        platform.settings.setKeyAsDevice("db/eas/password_policy_applied", 1);
+        platform.settings.setKeyAsDevice("db/eas/device_encryption_applied", 1);
+        platform.settings.deliverChanges();
+        platform.system.passSeconds(9);
+        platform.ports.deliver("chk_password_policy", "");
+        platform.ports.deliver("req_unknown", "");
+        platform.system.passSeconds(1);
+        EXPECT_TRUE(platform.service.exited);
     });
 }
 

@@ -32,6 +32,23 @@ protected:
         EXPECT_EQ(platform.launches.sent[0].extraData, extraData);
         EXPECT_EQ(platform.launches.sent[0].wantsReply(), wantsReply);
         EXPECT_EQ(platform.leaks(), Lines{});
+        EXPECT_EQ(journal.calls({"app_control"}), stepsOf(appId, extraData));
+        const auto all = journal.all();
+        EXPECT_EQ(Lines(all.end() - 2, all.end()), (Lines{"app_control_destroy", "I Leave"}));
+    }
+
+    /// The calls of a launch, in their order.
+    static Lines stepsOf(const std::string& appId, const Extras& extraData) {
+        Lines steps{"app_control_create", "app_control_set_app_id " + appId};
+        std::string sent = "app_control_send_launch_request " + appId;
+        for (const auto& [key, value] : extraData) {
+            steps.push_back("app_control_add_extra_data ");
+            steps.back().append(key).append(" ").append(value);
+            sent.append(" ").append(key).append("=").append(value);
+        }
+        steps.push_back(sent);
+        steps.emplace_back("app_control_destroy");
+        return steps;
     }
 
     /// Makes one platform call after the other fail: each is logged, and the launch answers -1 and leaves nothing open.
@@ -60,6 +77,7 @@ protected:
         platform.faults.atCall("app_control_create", 1, 0);
         EXPECT_EQ(launch(), -1);
         EXPECT_EQ(launchWarnings(), (Lines{"W app_control_create() failed: -12", "W app_control_create() failed: 0"}));
+        EXPECT_EQ(journal.all().back(), "W app_control_create() failed: 0");
         EXPECT_TRUE(platform.launches.sent.empty());
     }
 };
@@ -106,6 +124,28 @@ TEST_F(LaunchPopupTest, CarriesTheRulesOfTheEnforcingAccount) {
                   {"password_required", "1"}},
                  true);
     EXPECT_EQ(journal.logsOf("launchPopup"), (Lines{"I Enter", "I Leave"}));
+}
+
+TEST_F(LaunchPopupTest, AccountAndPolicyAreReadOnTheWay) {
+    store({passwordAccount(4)});
+    platform.preferences[enforcingKey] = 4;
+
+    TeskConsumerUtil::launchPopup();
+
+    EXPECT_EQ(
+        journal.calls(),
+        (Lines{std::string("vconf_get_int ") + tutorialKey, "app_control_create",
+               "app_control_set_app_id com.velmor.tesk-popup", "app_control_add_extra_data OPERATION SET_PRIVACY_LOCK",
+               std::string("preference_get_int ") + enforcingKey,
+               "sqlite3_prepare_v2 select * from eas_policy_tbl where account_id=?;",
+               "app_control_add_extra_data ACCOUNT_NAME ", "dpm_manager_create",
+               "sqlite3_prepare_v2 select * from eas_policy_tbl;", "vconf_get_str db/rgn/country_iso",
+               "app_control_add_extra_data password_min_length 4", "app_control_add_extra_data password_max_length 16",
+               "app_control_add_extra_data allow_simple 1", "app_control_add_extra_data password_required 0",
+               "app_control_send_launch_request com.velmor.tesk-popup "
+               "OPERATION=SET_PRIVACY_LOCK ACCOUNT_NAME= password_min_length=4 "
+               "password_max_length=16 allow_simple=1 password_required=0",
+               "app_control_destroy"}));
 }
 
 TEST_F(LaunchPopupTest, UnknownAccountIsCalledEas) {
@@ -219,7 +259,8 @@ using ExitPopupTest = UtilTest;
 TEST_F(ExitPopupTest, AsksThePopupToExit) {
     EXPECT_EQ(TeskConsumerUtil::exitPopup(), 0);
     expectLaunch("com.velmor.tesk-popup", {{"OPERATION", "EXIT"}}, true);
-    EXPECT_EQ(journal.logs(DLOG_INFO).back(), "I Leave");
+    EXPECT_EQ(journal.logs(), Lines{"I Leave"});
+    EXPECT_EQ(journal.logsOf("exitPopup"), Lines{"I Leave"});
 }
 
 TEST_F(ExitPopupTest, FailedCreationIsLogged) {
@@ -244,6 +285,7 @@ TEST_F(LaunchOdePopupTest, WaitsForTheEndOfTheTutorial) {
     EXPECT_EQ(TeskConsumerUtil::launchOdePopup(), -1);
     EXPECT_EQ(journal.warnings(), Lines{"W tutorial is not finished yet"});
     EXPECT_EQ(journal.calls({"app_control"}), Lines{});
+    EXPECT_EQ(journal.logsOf("launchOdePopup"), Lines{"I Enter"});
 }
 
 TEST_F(LaunchOdePopupTest, FailedCreationIsLogged) {
@@ -311,6 +353,15 @@ TEST_F(LaunchMailTest, FailedCreationShowsInTheLaunch) {
 
     EXPECT_FALSE(TeskConsumerUtil::launchQuillonConsumer());
     EXPECT_EQ(journal.warnings(), Lines{"E consumer launching fail: [-22]"});
+}
+
+TEST_F(LaunchMailTest, RefusedIdIsOnlySeenInTheLaunch) {
+    platform.faults.always("app_control_set_app_id", -22);
+
+    TeskConsumerUtil::launchQuillonConsumer();
+
+    EXPECT_EQ(journal.calls({"app_control_send"}).size(), 1U);
+    EXPECT_EQ(journal.logs(DLOG_WARN).size(), journal.logs(DLOG_ERROR).size());
 }
 
 using GetUserIdTest = UtilTest;

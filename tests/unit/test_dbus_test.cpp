@@ -5,6 +5,11 @@
 #include <fstream>
 #include <functional>
 #include <memory>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <gio/gio.h>
 #include <json-glib/json-glib.h>
@@ -176,6 +181,16 @@ protected:
 
     int call(const char* method, int value) { return call(method, g_variant_new("(i)", value)); }
 
+    GDBusConnection* developer() const { return developer_; }
+
+    /// Whether a method is answered in time; for a thread of its own, since nobody runs the main loop meanwhile.
+    bool answersWithin(const char* method, std::chrono::milliseconds time) const {
+        g_autoptr(GVariant) answer = g_dbus_connection_call_sync(
+            developer_, "tesk.consumer.test", "/tesk/consumer/test", "tesk.consumer.test", method, nullptr, nullptr,
+            G_DBUS_CALL_FLAGS_NONE, static_cast<int>(time.count()), nullptr, nullptr);
+        return answer != nullptr;
+    }
+
     bool logged(const std::string& line) const {
         const auto lines = journal.logs();
         return std::find(lines.begin(), lines.end(), line) != lines.end();
@@ -318,6 +333,48 @@ TEST_F(TestDbusTest, EmptyFileSendsAnEmptyText) {
 
     EXPECT_TRUE(logged("W Failed to get string from file."));
     EXPECT_TRUE(logged("I [RELAY MSG] req_update_policy : "));
+}
+
+TEST_F(TestDbusTest, AnswerComesBeforeTheWorkIsDone) {
+    // A pipe in the place of the file holds the service up until somebody writes to it.
+    const auto pipe = platform.dataPath + "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    platform.system.movedFiles["/opt/usr/media/policy.json"] = pipe;
+    startService();
+    bool answered = false;
+    std::thread developer([&] {
+        answered = answersWithin("usingFile", std::chrono::seconds(10));
+        const int end = open(pipe.c_str(), O_WRONLY);
+        close(end);
+    });
+
+    EXPECT_TRUE(waitUntil([&] { return logged("I [RELAY MSG] req_update_policy : "); }));
+    developer.join();
+    EXPECT_TRUE(answered);
+}
+
+TEST_F(TestDbusTest, SecondRegistrationOfTheObjectIsOnlyLogged) {
+    startService();
+
+    EXPECT_TRUE(TestDbus::init());
+
+    EXPECT_TRUE(waitUntil([&] { return logged("I regId: [0]"); }));
+    EXPECT_EQ(journal.warnings(), Lines{});
+    EXPECT_EQ(call("ping"), 0);
+}
+
+TEST_F(TestDbusTest, NameThatAnotherOwnsIsOnlyTraced) {
+    g_autoptr(GVariant) owned = g_dbus_connection_call_sync(
+        developer(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
+        g_variant_new("(su)", "tesk.consumer.test", 0U), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+    ASSERT_NE(owned, nullptr);
+
+    EXPECT_TRUE(TestDbus::init());
+
+    ASSERT_TRUE(waitUntil([&] { return !journal.logsOf("__onNameLost").empty(); }));
+    EXPECT_EQ(journal.logsOf("__onNameLost"), Lines{"I Enter"});
+    EXPECT_EQ(journal.logsOf("__onNameAcquired"), Lines{});
+    EXPECT_EQ(journal.warnings(), Lines{});
 }
 
 TEST_F(TestDbusTest, InterfaceDescribesItsMethodsInOrder) {
