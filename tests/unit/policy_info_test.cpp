@@ -154,6 +154,8 @@ TEST_F(PolicyInfoTest, OddNumbersAreReadAsTheLibraryReadsThem) {
     EXPECT_EQ(lengthOf("0.4"), 0);
     EXPECT_EQ(lengthOf("true"), 1);
     EXPECT_EQ(lengthOf("99999999999999999999"), -1);
+    EXPECT_EQ(lengthOf("-99999999999999999999"), 1);
+    EXPECT_EQ(lengthOf("-4294967300"), -4);
     EXPECT_EQ(lengthOf("4294967300"), 4);
     EXPECT_EQ(lengthOf("010"), 8);
     EXPECT_EQ(lengthOf("0x10"), 16);

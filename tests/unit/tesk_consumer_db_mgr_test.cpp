@@ -197,10 +197,12 @@ TEST_F(DbMgrTest, BusyHandlerIsThereBeforeTheTableIsMade) {
 
 TEST_F(DbMgrTest, MissingBusyHandlerOfTheNamedFileClosesIt) {
     platform.faults.atCall("sqlite3_busy_handler", 2, 21);
-    TeskConsumerDbMgr db;
-
-    EXPECT_EQ(journal.warnings(), (Lines{"E sqlite3_busy_handler failed: [21]", "W db initialize fail!"}));
-    expectEveryOperationFails(db);
+    {
+        TeskConsumerDbMgr db;
+        EXPECT_EQ(journal.warnings(), (Lines{"E sqlite3_busy_handler failed: [21]", "W db initialize fail!"}));
+        expectEveryOperationFails(db);
+    }
+    EXPECT_EQ(journal.calls({"sqlite3_close"}).size(), 2U) << "the new file and the named one, once each";
 }
 
 TEST_F(DbMgrTest, MissingDataPathFailsEveryOperation) {
