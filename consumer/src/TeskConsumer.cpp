@@ -93,12 +93,10 @@ bool TeskConsumer::appCreated(void* /*userData*/) {
 
 void TeskConsumer::appTerminated(void* /*userData*/) {
     const TeskConsumerTrace trace;
-    auto* const ipcMgr = TeskConsumerIpcMgr::getInstance();
-    if (ipcMgr == nullptr) {
+    if (TeskConsumerIpcMgr::getInstance() == nullptr) {
         TESK_WARN("TeskConsumerIpcMgr::getInstance() failed");
-        return;
     }
-    if (!ipcMgr->deinit()) {
+    if (!TeskConsumerIpcMgr::deinit()) {
         TESK_WARN("ipcMgr->init() failed");
     }
 }

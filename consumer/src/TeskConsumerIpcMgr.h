@@ -17,8 +17,8 @@ public:
     /// Opens the port. Returns whether that worked.
     bool init();
 
-    /// Closes the port. Returns whether that worked.
-    bool deinit();
+    /// Closes the port. Returns whether that worked. The port belongs to the process, so no instance is needed.
+    static bool deinit();
 
     /// Sends a request to the mail application. It is lost when that cannot take it; no answer comes.
     void sendEasItpolicyReq(const char* req, const char* msg);

@@ -37,7 +37,7 @@ TEST_F(IpcMgrTest, ClosesThePortThatItOpened) {
     const int id = platform.ports.localPorts.begin()->first;
     journal.clear();
 
-    EXPECT_TRUE(manager.deinit());
+    EXPECT_TRUE(TeskConsumerIpcMgr::deinit());
     EXPECT_EQ(journal.calls(), Lines{"message_port_unregister_local_port " + std::to_string(id)});
     EXPECT_EQ(journal.logs(), (Lines{"I Enter", "I Leave"}));
     EXPECT_TRUE(platform.ports.localPorts.empty());
@@ -47,7 +47,7 @@ TEST_F(IpcMgrTest, PortThatCannotBeClosedIsAnError) {
     manager.init();
     platform.faults.always("message_port_unregister_local_port", -22);
 
-    EXPECT_FALSE(manager.deinit());
+    EXPECT_FALSE(TeskConsumerIpcMgr::deinit());
     EXPECT_EQ(journal.warnings(), Lines{"E Failed message port unregister. (-22)"});
 }
 
@@ -55,7 +55,7 @@ TEST_F(IpcMgrTest, AnyCodeButZeroIsAnErrorOfTheClosing) {
     manager.init();
     platform.faults.always("message_port_unregister_local_port", 7);
 
-    EXPECT_FALSE(manager.deinit());
+    EXPECT_FALSE(TeskConsumerIpcMgr::deinit());
     EXPECT_EQ(journal.warnings(), Lines{"E Failed message port unregister. (7)"});
 }
 

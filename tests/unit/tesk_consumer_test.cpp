@@ -196,12 +196,13 @@ TEST_F(ConsumerTest, PortThatCannotBeClosedIsLogged) {
     EXPECT_EQ(journal.warnings(), (Lines{"E Failed message port unregister. (-5)", "W ipcMgr->init() failed"}));
 }
 
-TEST_F(ConsumerTest, MissingPortManagerAtTheEndIsLogged) {
+TEST_F(ConsumerTest, MissingPortManagerAtTheEndIsLoggedAndThePortStillClosed) {
     platform.faults.atCall("operator new", 1);
 
     TeskConsumer::appTerminated(nullptr);
 
-    EXPECT_EQ(journal.warnings().front(), "W TeskConsumerIpcMgr::getInstance() failed");
+    EXPECT_EQ(journal.warnings(), (Lines{"W TeskConsumerIpcMgr::getInstance() failed",
+                                         "E Failed message port unregister. (-22)", "W ipcMgr->init() failed"}));
 }
 
 TEST_F(ConsumerTest, EveryLaunchOnlyTriggersTheIdleTerminator) {
