@@ -57,6 +57,7 @@ extern "C" {
 gboolean __real_g_source_remove(guint tag);
 long __real_sysconf(int name);
 FILE* __real_fopen(const char* path, const char* mode);
+int __real_rename(const char* from, const char* to);
 GDBusNodeInfo* __real_g_dbus_node_info_new_for_xml(const gchar* xml, GError** error);
 void* __real_malloc(size_t size);
 void __real_free(void* memory);
@@ -70,6 +71,7 @@ gboolean __wrap_g_source_remove(guint tag);
 long __wrap_sysconf(int name);
 int __wrap_getpwnam_r(const char* name, passwd* entry, char* buffer, size_t size, passwd** result);
 FILE* __wrap_fopen(const char* path, const char* mode);
+int __wrap_rename(const char* from, const char* to);
 GDBusNodeInfo* __wrap_g_dbus_node_info_new_for_xml(const gchar* xml, GError** error);
 void* __wrap_malloc(size_t size);
 void __wrap_free(void* memory);
@@ -129,6 +131,15 @@ FILE* __wrap_fopen(const char* path, const char* mode) {
         }
     }
     return __real_fopen(path, mode);
+}
+
+int __wrap_rename(const char* from, const char* to) {
+    const auto fault = FakePlatform::exists() ? FakePlatform::current().faults.onCall("rename") : std::nullopt;
+    if (fault) {
+        errno = *fault;
+        return -1;
+    }
+    return __real_rename(from, to);
 }
 
 GDBusNodeInfo* __wrap_g_dbus_node_info_new_for_xml(const gchar* xml, GError** error) {

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <limits>
@@ -209,7 +210,17 @@ TEST_F(DbMgrTest, MissingDataPathFailsEveryOperation) {
     platform.faults.always("app_get_data_path");
     TeskConsumerDbMgr db;
 
-    EXPECT_TRUE(logged("W db initialize fail!"));
+    EXPECT_EQ(journal.warnings(), (Lines{"E app_get_data_path failed", "W db initialize fail!"}));
+    expectEveryOperationFails(db);
+}
+
+TEST_F(DbMgrTest, FileThatCannotBeNamedFailsEveryOperation) {
+    platform.faults.atCall("rename", 1, EACCES);
+    TeskConsumerDbMgr db;
+
+    EXPECT_EQ(journal.warnings(),
+              (Lines{"E rename failed: [" + std::to_string(EACCES) + "]", "W db initialize fail!"}));
+    EXPECT_FALSE(std::filesystem::exists(dbPath()));
     expectEveryOperationFails(db);
 }
 
