@@ -264,6 +264,7 @@ TEST_F(PolicyMgrDecisionTest, FailedReadOfTheQualityDemandsAPassword) {
     EXPECT_EQ(manager.applyPolicy(), -6000);
     EXPECT_EQ(reasons(), Lines{"E Failed to get password quality. [-13]"});
     EXPECT_EQ(journal.calls({"dpm_password_get"}), Lines{"dpm_password_get_quality"});
+    EXPECT_EQ(journal.logsOf("__getPasswordEnforceFlag").at(0), "I Enter");
 }
 
 TEST_F(PolicyMgrDecisionTest, FailedReadOfTheLengthDemandsAPassword) {
