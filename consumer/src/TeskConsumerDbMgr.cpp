@@ -205,8 +205,8 @@ bool TeskConsumerDbMgr::__openNewFile(const std::string& path) {
     }
     TESK_INFO("Let's create db!");
     if (!__createDb()) {
-        return true; // without its table the file answers every operation with a failure, and the next start tries
-                     // again
+        // every operation fails for lack of the table, and the next start tries again
+        return true;
     }
     sqlite3_close(handle);
     handle = nullptr;
