@@ -58,28 +58,28 @@ void Registry::remove(const fs::path& watch) const {
 }
 
 std::optional<fs::path> Registry::newest() const {
-    const auto watches = read();
-    return watches.empty() ? std::nullopt : std::optional(watches.back());
+    const auto all = watches();
+    return all.empty() ? std::nullopt : std::optional(all.back());
 }
 
-std::vector<fs::path> Registry::read() const {
-    std::vector<fs::path> watches;
+std::vector<fs::path> Registry::watches() const {
+    std::vector<fs::path> all;
     std::ifstream file(folder_ / "watches");
     for (std::string line; std::getline(file, line);) {
-        watches.emplace_back(line);
+        all.emplace_back(line);
     }
-    return watches;
+    return all;
 }
 
 void Registry::change(const fs::path& watch, bool isKept) const {
     fs::create_directories(folder_);
     const auto lock = lockList(folder_);
-    auto watches = read();
-    watches.erase(std::remove(watches.begin(), watches.end(), watch), watches.end());
+    auto all = watches();
+    all.erase(std::remove(all.begin(), all.end(), watch), all.end());
     if (isKept) {
-        watches.push_back(watch);
+        all.push_back(watch);
     }
-    write(folder_ / "watches", watches);
+    write(folder_ / "watches", all);
 }
 
 } // namespace deskwatch

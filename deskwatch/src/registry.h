@@ -25,11 +25,13 @@ public:
     /// The watch that was added last; none when there is none.
     std::optional<std::filesystem::path> newest() const;
 
+    /// All of them, the newest last.
+    std::vector<std::filesystem::path> watches() const;
+
     /// The folder of a watch that is booted without a folder of its own.
     std::filesystem::path defaultWatch() const { return folder_ / "watch"; }
 
 private:
-    std::vector<std::filesystem::path> read() const;
     void change(const std::filesystem::path& watch, bool isKept) const;
 
     std::filesystem::path folder_;

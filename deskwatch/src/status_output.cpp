@@ -1,34 +1,17 @@
 #include "watch_status.h"
 
 #include "text_table.h"
-
-#include <nlohmann/json.hpp>
+#include "value_output.h"
 
 namespace deskwatch {
 namespace {
 
 using Json = nlohmann::ordered_json;
 
-std::string asText(const Value& value) {
-    if (const int* number = std::get_if<int>(&value)) {
-        return std::to_string(*number);
-    }
-    const auto* text = std::get_if<std::string>(&value);
-    return text != nullptr ? *text : "-";
-}
-
-Json asJson(const Value& value) {
-    if (const int* number = std::get_if<int>(&value)) {
-        return *number;
-    }
-    const auto* text = std::get_if<std::string>(&value);
-    return text != nullptr ? Json(*text) : Json(nullptr);
-}
-
 Json asObject(const std::vector<NamedValue>& values) {
     Json object = Json::object();
     for (const auto& [name, value] : values) {
-        object[name] = asJson(value);
+        object[name] = valueJson(value);
     }
     return object;
 }
@@ -37,7 +20,7 @@ std::string namedValues(const std::vector<NamedValue>& values) {
     std::vector<std::vector<std::string>> rows;
     rows.reserve(values.size());
     for (const auto& [name, value] : values) {
-        rows.push_back({name, asText(value)});
+        rows.push_back({name, valueText(value)});
     }
     return textTable(rows);
 }
@@ -51,7 +34,7 @@ std::string accountTable(const std::vector<StoredAccount>& accounts) {
     for (std::size_t field = 0; field < accounts.front().size(); ++field) {
         rows.push_back({accounts.front()[field].name});
         for (const auto& account : accounts) {
-            rows.back().push_back(asText(account[field].value));
+            rows.back().push_back(valueText(account[field].value));
         }
     }
     return textTable(rows);
@@ -104,12 +87,12 @@ std::string statusJson(const WatchStatus& status) {
     }
     object["settings"] = asObject(status.settings);
     object["keys"] = asObject(status.keys);
-    object["enforcingAccount"] = asJson(status.enforcingAccount.value);
+    object["enforcingAccount"] = valueJson(status.enforcingAccount.value);
     object["launches"] = Json::array();
     for (const auto& screen : status.screens) {
         object["launches"].push_back(screenJson(screen));
     }
-    return object.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    return jsonText(object, 2) + "\n";
 }
 
 } // namespace deskwatch

@@ -30,6 +30,11 @@ void addPopupCommand(CLI::App& program, const CommonOptions& common);
 void addLockCommand(CLI::App& program, const CommonOptions& common);
 void addEncryptCommand(CLI::App& program, const CommonOptions& common);
 void addTutorialCommand(CLI::App& program, const CommonOptions& common);
+void addKeyCommand(CLI::App& program, const CommonOptions& common);
+void addEventCommand(CLI::App& program, const CommonOptions& common);
+void addBusCommand(CLI::App& program, const CommonOptions& common);
+void addLogCommand(CLI::App& program, const CommonOptions& common);
+void addListCommand(CLI::App& program);
 
 /// Adds all commands and the options ahead of them, which end up in `common`.
 void addCommands(CLI::App& program, CommonOptions& common);

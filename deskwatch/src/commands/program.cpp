@@ -17,6 +17,7 @@ void addCommands(CLI::App& program, CommonOptions& common) {
     program.fallthrough();
     addBootCommand(program, common);
     addOffCommand(program, common);
+    addListCommand(program);
     addMailCommand(program, common);
     addPopupCommand(program, common);
     addLockCommand(program, common);
@@ -25,6 +26,10 @@ void addCommands(CLI::App& program, CommonOptions& common) {
     addStatusCommand(program, common);
     addExplainCommand(program, common);
     addWhatifCommand(program, common);
+    addLogCommand(program, common);
+    addKeyCommand(program, common);
+    addEventCommand(program, common);
+    addBusCommand(program, common);
     addCompanionCommand(program);
     program.footer("Exit status: 0 done, 1 the command failed, 2 the arguments are wrong, 3 the watch refuses it.\n"
                    "Example:\n  deskwatch boot /tmp/watch\n  deskwatch mail policy samples/hardened.json\n"

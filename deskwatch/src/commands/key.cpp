@@ -1,0 +1,92 @@
+#include "commands.h"
+
+#include "observer.h"
+#include "value_output.h"
+#include "watch_keys.h"
+
+#include <iostream>
+#include <memory>
+
+namespace deskwatch {
+namespace {
+
+struct KeyOptions {
+    std::string key;
+    std::vector<std::string> keys;
+    std::string value;
+    int count = 0;
+    bool isText = false;
+    bool isJson = false;
+};
+
+std::string asLine(const std::string& key, const Value& value) {
+    return jsonText({{"key", key}, {"value", valueJson(value)}});
+}
+
+void get(const CommonOptions& common, const KeyOptions& options) {
+    const WatchClient watch(chosenDevice(common), observerId);
+    const Value value = readKey(options.key);
+    if (std::holds_alternative<std::monostate>(value)) {
+        throw std::runtime_error(options.key + " is not set");
+    }
+    std::cout << (options.isJson ? asLine(options.key, value) : valueText(value)) << '\n';
+}
+
+void set(const CommonOptions& common, const KeyOptions& options) {
+    const WatchClient watch(chosenDevice(common), observerId);
+    writeKey(options.key, options.isText ? Value(options.value) : typedValue(options.value));
+    watch.settleService();
+}
+
+void watchAll(const CommonOptions& common, const KeyOptions& options) {
+    const WatchClient watch(chosenDevice(common), observerId);
+    watchKeys(options.keys, [&, left = options.count](const std::string& key, const Value& value) mutable {
+        std::cout << (options.isJson ? asLine(key, value) : key + " " + valueText(value)) << std::endl;
+        return left == 0 || --left > 0;
+    });
+}
+
+void addGet(CLI::App& key, const CommonOptions& common) {
+    auto* command = key.add_subcommand("get", "Print a key's value");
+    auto options = std::make_shared<KeyOptions>();
+    command->add_option("KEY", options->key, "The key, such as db/setting/lock_type")->required();
+    command->add_flag("--json", options->isJson, "One JSON object");
+    command->footer("Fails with 1 when the key is not set.\nExample:\n  deskwatch key get db/setting/lock_type");
+    command->callback([&common, options] { get(common, *options); });
+}
+
+void addSet(CLI::App& key, const CommonOptions& common) {
+    auto* command = key.add_subcommand("set", "Set a key, as any application may");
+    auto options = std::make_shared<KeyOptions>();
+    command->add_option("KEY", options->key, "The key, below db/, file/ or memory/")->required();
+    command->add_option("VALUE", options->value, "Its value: a number when it looks like one, else a text")->required();
+    command->add_flag("--text", options->isText, "The value is a text, whatever it looks like");
+    command->footer("Returns when the service has handled the change.\n"
+                    "Example:\n  deskwatch key set db/rgn/country_iso KR");
+    command->callback([&common, options] { set(common, *options); });
+}
+
+void addWatch(CLI::App& key, const CommonOptions& common) {
+    auto* command = key.add_subcommand("watch", "Print keys now, and again each time they change");
+    auto options = std::make_shared<KeyOptions>();
+    command->add_option("KEY", options->keys, "The keys")->required();
+    command->add_option("--count", options->count, "End after so many lines (default: go on until it is stopped)")
+        ->check(CLI::PositiveNumber)
+        ->type_name("N");
+    command->add_flag("--json", options->isJson, "Each line is a JSON object");
+    command->footer("Example:\n  deskwatch key watch db/setting/lock_type db/ode/crypto_state");
+    command->callback([&common, options] { watchAll(common, *options); });
+}
+
+} // namespace
+
+void addKeyCommand(CLI::App& program, const CommonOptions& common) {
+    auto* command = program.add_subcommand("key", "Read, set and watch the keys that applications share");
+    command->require_subcommand(1);
+    addGet(*command, common);
+    addSet(*command, common);
+    addWatch(*command, common);
+    command->footer("Example:\n  deskwatch key get db/setting/lock_type");
+}
+
+} // namespace deskwatch

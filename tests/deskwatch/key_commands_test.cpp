@@ -1,0 +1,68 @@
+#include "commands_fixture.h"
+#include "running_program.h"
+#include "watch_keys.h"
+
+namespace deskwatch {
+namespace {
+
+class KeyCommands : public Commands {};
+
+TEST_F(KeyCommands, KeyHasTheValueThatItWasSetTo) {
+    boot();
+    run({"key", "set", "db/rgn/country_iso", "KR"});
+    EXPECT_EQ(run({"key", "get", "db/rgn/country_iso"}), "KR\n");
+    EXPECT_EQ(run({"key", "get", "--json", "db/setting/lock_type"}),
+              "{\"key\":\"db/setting/lock_type\",\"value\":0}\n");
+}
+
+TEST_F(KeyCommands, NumberCanBeSetAsAText) {
+    boot();
+    run({"key", "set", "--text", "db/test/number", "42"});
+    EXPECT_EQ(run({"key", "get", "--json", "db/test/number"}), "{\"key\":\"db/test/number\",\"value\":\"42\"}\n");
+}
+
+TEST_F(KeyCommands, KeyThatIsNotSetFails) {
+    boot();
+    const auto outcome = deskwatchProgram({"key", "get", "db/nothing/here"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors, "deskwatch: key get: db/nothing/here is not set\n");
+}
+
+TEST_F(KeyCommands, TextThatIsNoKeyIsRefused) {
+    boot();
+    for (const std::vector<std::string>& command : {std::vector<std::string>{"get", "setting/lock_type"},
+                                                    {"set", "db/folder/", "1"},
+                                                    {"watch", "dpm/password"}}) {
+        auto arguments = command;
+        arguments.insert(arguments.begin(), "key");
+        const auto outcome = deskwatchProgram(arguments);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_NE(outcome.errors.find("is no key: one begins with db/"), std::string::npos) << outcome.errors;
+    }
+}
+
+TEST_F(KeyCommands, WatchTellsTheValueAndItsChanges) {
+    boot();
+    RunningProgram watch({"key", "watch", "--count", "4", "db/setting/lock_type", "db/test/text"});
+    EXPECT_EQ(watch.nextLine(), "db/setting/lock_type 0");
+    EXPECT_EQ(watch.nextLine(), "db/test/text -");
+
+    run({"lock", "pin"});
+    run({"key", "set", "db/test/text", "new"});
+
+    EXPECT_EQ(watch.nextLine(), "db/setting/lock_type 1");
+    EXPECT_EQ(watch.nextLine(), "db/test/text new");
+    EXPECT_EQ(watch.waitForEnd(), 0);
+}
+
+TEST(TypedValue, IsANumberOnlyWhenAllOfItIsOne) {
+    EXPECT_EQ(typedValue("42"), Value(42));
+    EXPECT_EQ(typedValue("-1"), Value(-1));
+    EXPECT_EQ(typedValue("42a"), Value(std::string("42a")));
+    EXPECT_EQ(typedValue("4.2"), Value(std::string("4.2")));
+    EXPECT_EQ(typedValue("99999999999"), Value(std::string("99999999999")));
+    EXPECT_EQ(typedValue(""), Value(std::string()));
+}
+
+} // namespace
+} // namespace deskwatch

@@ -1,0 +1,97 @@
+#include "bus_process.h"
+#include "commands_fixture.h"
+#include "running_program.h"
+
+#include <csignal>
+
+namespace deskwatch {
+namespace {
+
+/// Looking at a watch, and what happens to it from outside.
+class ObserverCommands : public Commands {};
+
+TEST_F(ObserverCommands, EventReachesTheService) {
+    boot();
+    run({"mail", "check-password"});
+    run({"event", "low-memory"});
+    run({"event", "low-battery"});
+    run({"event", "orientation"});
+    const std::string log = run({"log"});
+    for (const char* text : {"Low memory!", "Low battery!", "appDeviceOrientationChanged"}) {
+        EXPECT_NE(log.find(text), std::string::npos) << text;
+    }
+}
+
+TEST_F(ObserverCommands, EventNeedsNoService) {
+    boot();
+    run({"event", "low-memory"});
+    EXPECT_FALSE(status()["serviceRunning"]);
+    EXPECT_EQ(deskwatchProgram({"event", "rain"}).status, 2);
+}
+
+TEST_F(ObserverCommands, DiagnosticMethodStartsTheServiceAndTakesEffect) {
+    boot();
+    EXPECT_EQ(run({"bus", "ping"}), "0\n");
+    EXPECT_EQ(run({"bus", "allowWifi", "0"}), "0\n");
+    const auto watch = status();
+    EXPECT_EQ(watch["accounts"][0]["account_id"], 999);
+    EXPECT_EQ(watch["settings"]["wifi_state"], 0);
+}
+
+TEST_F(ObserverCommands, UnknownDiagnosticMethodIsNamed) {
+    boot();
+    const auto outcome = deskwatchProgram({"bus", "selfDestruct"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors.find("deskwatch: bus: the service does not answer selfDestruct: "), 0U) << outcome.errors;
+    EXPECT_EQ(deskwatchProgram({"bus", "allowWifi", "no"}).status, 2);
+}
+
+TEST_F(ObserverCommands, LogShowsTheWantedLevels) {
+    boot();
+    run({"mail", "policy", sample("hardened.json")});
+    const std::string all = run({"log"});
+    const std::string warnings = run({"log", "--level", "W"});
+    EXPECT_NE(all.find("I/TESK_CONSUMER("), std::string::npos);
+    EXPECT_NE(warnings.find("W/TESK_CONSUMER("), std::string::npos);
+    EXPECT_EQ(warnings.find("I/TESK_CONSUMER("), std::string::npos);
+    EXPECT_EQ(deskwatchProgram({"log", "--level", "X"}).status, 2);
+}
+
+TEST_F(ObserverCommands, FollowedLogGoesOn) {
+    boot();
+    run({"bus", "ping"});
+    RunningProgram log({"log", "--follow", "--level", "W"});
+    const auto isPong = [](const std::string& line) { return line.find("Pong") != std::string::npos; };
+    EXPECT_TRUE(isPong(log.awaitLine(isPong)));
+
+    run({"bus", "ping"});
+
+    EXPECT_TRUE(isPong(log.awaitLine(isPong)));
+}
+
+TEST_F(ObserverCommands, ListShowsEachWatchAndWhatBecameOfIt) {
+    EXPECT_EQ(run({"ls"}), "");
+    boot();
+    run({"bus", "ping"});
+    const TemporaryFolder other;
+    run({"boot", other.path().string()});
+
+    const auto both = Json::parse(run({"ls", "--json"}));
+    BusProcess(Device(other.path()).layout().busRecord()).running().value().signal(SIGKILL);
+    BusProcess(Device(other.path()).layout().busRecord()).running().value().waitForEnd(patience);
+    const auto table = run({"ls"});
+    run({"--device", other.path().string(), "off"});
+    const auto one = Json::parse(run({"ls", "--json"}));
+
+    const auto first = device().layout().folder().string();
+    EXPECT_EQ(both, Json::parse(R"([{"watch": ")" + first + R"(", "state": "booted", "serviceRunning": true,
+                                     "newest": false}, {"watch": ")" +
+                                other.path().string() + R"(", "state": "booted", "serviceRunning": false,
+                                     "newest": true}])"));
+    EXPECT_NE(table.find("ended suddenly", table.find(other.path().string())), std::string::npos) << table;
+    ASSERT_EQ(one.size(), 1U);
+    EXPECT_EQ(one[0]["watch"], first);
+}
+
+} // namespace
+} // namespace deskwatch

@@ -1,0 +1,37 @@
+#ifndef DESKWATCH_RUNNING_PROGRAM_H
+#define DESKWATCH_RUNNING_PROGRAM_H
+
+#include "glib_owners.h"
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+/// The deskwatch program while it runs; it ends with this object.
+class RunningProgram {
+public:
+    explicit RunningProgram(const std::vector<std::string>& arguments);
+    ~RunningProgram();
+    RunningProgram(const RunningProgram&) = delete;
+    RunningProgram& operator=(const RunningProgram&) = delete;
+
+    /// The next line that it writes, without the line break. Throws std::runtime_error when none comes in time or its
+    /// output has ended.
+    std::string nextLine();
+
+    /// The next line that the condition holds for; the others before it are dropped.
+    std::string awaitLine(const std::function<bool(const std::string& line)>& condition);
+
+    /// Waits for its end, with what it writes until then left unread; returns its exit status.
+    int waitForEnd();
+
+private:
+    /// Reads what it writes next; false at the end of its output.
+    bool readMore();
+
+    deskwatch::ObjectOwner<GSubprocess> process_;
+    std::string unread_;
+};
+
+#endif
