@@ -1,0 +1,55 @@
+# A Debian package with everything for a watch on the desk. The host platform is private to the programs, which find it
+# beside themselves.
+# two folders below lib, or CPack has the machine's cache of libraries rebuilt for it
+set(library_folder ${CMAKE_INSTALL_LIBDIR}/tesk-agent-desk/platform)
+set_target_properties(tesk-platform tesk-agent deskwatch PROPERTIES INSTALL_RPATH "$ORIGIN/../${library_folder}")
+
+install(TARGETS tesk-agent deskwatch RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT desk)
+install(TARGETS tesk-platform LIBRARY DESTINATION ${library_folder} COMPONENT desk)
+
+find_program(GZIP gzip REQUIRED)
+foreach(page IN ITEMS deskwatch tesk-agent)
+    configure_file(desk/${page}.1.in ${CMAKE_CURRENT_BINARY_DIR}/${page}.1 @ONLY)
+endforeach()
+configure_file(desk/changelog.in ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian @ONLY)
+foreach(text IN ITEMS deskwatch.1 tesk-agent.1 changelog.Debian)
+    add_custom_command(
+        OUTPUT ${text}.gz
+        COMMAND ${GZIP} --best --no-name --stdout ${text} > ${text}.gz
+        DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/${text}
+        VERBATIM)
+endforeach()
+add_custom_target(desk-documents ALL DEPENDS deskwatch.1.gz tesk-agent.1.gz changelog.Debian.gz)
+
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/deskwatch.1.gz ${CMAKE_CURRENT_BINARY_DIR}/tesk-agent.1.gz
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT desk)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian.gz DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tesk-agent-desk COMPONENT desk)
+install(FILES desk/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tesk-agent-desk COMPONENT desk)
+install(FILES desk/deskwatch.bash-completion RENAME deskwatch
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT desk)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/samples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tesk-agent-desk/examples
+    COMPONENT desk FILES_MATCHING PATTERN *.json)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_COMPONENTS_ALL desk)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_DESK_PACKAGE_NAME tesk-agent-desk)
+set(CPACK_DEBIAN_DESK_PACKAGE_SECTION devel)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_MAINTAINER "tesk-agent developers <tesk-agent@velmor.example>")
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+# a watch starts these programs
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "dbus-daemon, dconf-service, libnss-wrapper")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Exchange policies on a watch without a watch")
+set(CPACK_COMPONENT_DESK_DESCRIPTION
+"The service that enforces Exchange ActiveSync policies on a watch, a platform
+for it on Linux, and deskwatch, which boots a watch in a folder, sends it the
+policies of mail accounts and shows what the service makes of them.")
+set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+include(CPack)
