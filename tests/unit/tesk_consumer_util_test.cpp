@@ -1,5 +1,6 @@
 #include "TeskConsumerUtil.h"
 
+#include <algorithm>
 #include <functional>
 
 #include "unit_test.h"
@@ -129,23 +130,26 @@ TEST_F(LaunchPopupTest, CarriesTheRulesOfTheEnforcingAccount) {
 TEST_F(LaunchPopupTest, AccountAndPolicyAreReadOnTheWay) {
     store({passwordAccount(4)});
     platform.preferences[enforcingKey] = 4;
+    auto expected = stepsOf("com.velmor.tesk-popup", {{"OPERATION", "SET_PRIVACY_LOCK"},
+                                                      {"ACCOUNT_NAME", ""},
+                                                      {"password_min_length", "4"},
+                                                      {"password_max_length", "16"},
+                                                      {"allow_simple", "1"},
+                                                      {"password_required", "0"}});
+    const auto insertBefore = [&expected](const std::string& step, const Lines& reads) {
+        expected.insert(std::find(expected.begin(), expected.end(), step), reads.begin(), reads.end());
+    };
+    insertBefore("app_control_create", {std::string("vconf_get_int ") + tutorialKey});
+    insertBefore("app_control_add_extra_data ACCOUNT_NAME ",
+                 {std::string("preference_get_int ") + enforcingKey,
+                  "sqlite3_prepare_v2 select * from eas_policy_tbl where account_id=?;"});
+    insertBefore(
+        "app_control_add_extra_data password_min_length 4",
+        {"dpm_manager_create", "sqlite3_prepare_v2 select * from eas_policy_tbl;", "vconf_get_str db/rgn/country_iso"});
 
     TeskConsumerUtil::launchPopup();
 
-    EXPECT_EQ(
-        journal.calls(),
-        (Lines{std::string("vconf_get_int ") + tutorialKey, "app_control_create",
-               "app_control_set_app_id com.velmor.tesk-popup", "app_control_add_extra_data OPERATION SET_PRIVACY_LOCK",
-               std::string("preference_get_int ") + enforcingKey,
-               "sqlite3_prepare_v2 select * from eas_policy_tbl where account_id=?;",
-               "app_control_add_extra_data ACCOUNT_NAME ", "dpm_manager_create",
-               "sqlite3_prepare_v2 select * from eas_policy_tbl;", "vconf_get_str db/rgn/country_iso",
-               "app_control_add_extra_data password_min_length 4", "app_control_add_extra_data password_max_length 16",
-               "app_control_add_extra_data allow_simple 1", "app_control_add_extra_data password_required 0",
-               "app_control_send_launch_request com.velmor.tesk-popup "
-               "OPERATION=SET_PRIVACY_LOCK ACCOUNT_NAME= password_min_length=4 "
-               "password_max_length=16 allow_simple=1 password_required=0",
-               "app_control_destroy"}));
+    EXPECT_EQ(journal.calls(), expected);
 }
 
 TEST_F(LaunchPopupTest, UnknownAccountIsCalledEas) {
