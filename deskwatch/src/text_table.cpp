@@ -11,18 +11,6 @@ std::size_t width(const std::string& text) {
     return static_cast<std::size_t>(g_utf8_strlen(text.data(), static_cast<gssize>(text.size())));
 }
 
-std::string printable(const std::string& text) {
-    const MemoryOwner<char> valid(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())));
-    std::string result;
-    for (const char* at = valid.get(); *at != '\0';) {
-        const char* next = g_utf8_next_char(at);
-        const bool isControl = g_unichar_iscntrl(g_utf8_get_char(at)) != FALSE;
-        result += isControl ? "\uFFFD" : std::string(at, next);
-        at = next;
-    }
-    return result;
-}
-
 std::vector<std::size_t> columnWidths(const std::vector<std::vector<std::string>>& rows) {
     std::vector<std::size_t> widths;
     for (const auto& row : rows) {
@@ -35,6 +23,18 @@ std::vector<std::size_t> columnWidths(const std::vector<std::vector<std::string>
 }
 
 } // namespace
+
+std::string printable(const std::string& text) {
+    const MemoryOwner<char> valid(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())));
+    std::string result;
+    for (const char* at = valid.get(); *at != '\0';) {
+        const char* next = g_utf8_next_char(at);
+        const bool isControl = g_unichar_iscntrl(g_utf8_get_char(at)) != FALSE;
+        result += isControl ? "\uFFFD" : std::string(at, next);
+        at = next;
+    }
+    return result;
+}
 
 std::string textTable(const std::vector<std::vector<std::string>>& rows) {
     auto cells = rows;

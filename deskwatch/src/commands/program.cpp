@@ -30,6 +30,7 @@ void addCommands(CLI::App& program, CommonOptions& common) {
     addKeyCommand(program, common);
     addEventCommand(program, common);
     addBusCommand(program, common);
+    addImportCommand(program);
     addCompanionCommand(program);
     program.footer("Exit status: 0 done, 1 the command failed, 2 the arguments are wrong, 3 the watch refuses it.\n"
                    "Example:\n  deskwatch boot /tmp/watch\n  deskwatch mail policy samples/hardened.json\n"

@@ -1,0 +1,62 @@
+#include "commands.h"
+
+#include "provisioning_import.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+
+namespace deskwatch {
+namespace {
+
+struct ImportOptions {
+    std::string file;
+    std::string output;
+    ImportTarget target{1, "imported@example.com", false};
+    bool isJson = false;
+};
+
+void writeMessage(const std::string& output, const std::string& message) {
+    if (output.empty()) {
+        std::cout << message << std::flush;
+        return;
+    }
+    std::ofstream stream(output, std::ios::binary | std::ios::trunc);
+    stream << message << std::flush;
+    if (!stream) {
+        throw std::runtime_error("cannot write " + output + ": " + std::strerror(errno));
+    }
+}
+
+void import(const ImportOptions& options) {
+    const auto result = importProvisioning(options.file, readProvisioningDocument(options.file), options.target);
+    writeMessage(options.output, result.message);
+    std::cerr << (options.isJson ? importJson(options.file, result) : importText(options.file, result));
+}
+
+} // namespace
+
+void addImportCommand(CLI::App& program) {
+    auto* command = program.add_subcommand("import", "Turn an Exchange provisioning document into a policy update");
+    auto options = std::make_shared<ImportOptions>();
+    command->add_option("FILE", options->file, "XML with an EASProvisionDoc, alone or in its Provision envelope")
+        ->required();
+    command->add_option("--account", options->target.account, "The account's number (default: 1)")
+        ->check(CLI::PositiveNumber)
+        ->type_name("ID");
+    command->add_option("--name", options->target.name, "The account's name (default: imported@example.com)")
+        ->type_name("NAME");
+    command->add_option("-o,--output", options->output, "File for the message (default: standard output)")
+        ->type_name("OUT");
+    command->add_flag("--keep-limits", options->target.keepsLimits,
+                      "Carry the password limits of a document without a password; the protocol ignores them");
+    command->add_flag("--json", options->isJson, "The report as one JSON object");
+    command->footer("The report, what the watch does with each element, goes to standard error.\n"
+                    "Example:\n  deskwatch import samples/provision-hardened.xml -o policy.json");
+    command->callback([options] { import(*options); });
+}
+
+} // namespace deskwatch

@@ -1,0 +1,113 @@
+#include "provisioning_document.h"
+#include "temporary_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <stdexcept>
+
+namespace deskwatch {
+namespace {
+
+class ProvisioningDocument : public testing::Test {
+protected:
+    std::vector<ProvisioningElement> read(const std::string& text) const {
+        std::ofstream(file_, std::ios::binary) << text;
+        return readProvisioningDocument(file_);
+    }
+
+    /// What is said about a file that is refused, without its name in front.
+    std::string refusal(const std::string& text) const {
+        try {
+            read(text);
+        } catch (const std::runtime_error& error) {
+            const std::string what = error.what();
+            EXPECT_EQ(what.find(file_.string()), 0U) << what;
+            return what.substr(file_.string().size());
+        }
+        return "it was read";
+    }
+
+    const TemporaryFolder& folder() const { return folder_; }
+
+private:
+    TemporaryFolder folder_;
+    std::filesystem::path file_ = folder_.path() / "provision.xml";
+};
+
+TEST_F(ProvisioningDocument, ElementsComeInOrderWithTheirLines) {
+    const auto elements = read(
+        "<EASProvisionDoc xmlns='Provision'>\n  <AllowWifi> 1\n</AllowWifi>\n\n  <AllowCamera/></EASProvisionDoc>");
+    ASSERT_EQ(elements.size(), 2U);
+    EXPECT_EQ(elements[0].name, "AllowWifi");
+    EXPECT_EQ(elements[0].value, "1");
+    EXPECT_EQ(elements[0].line, 2);
+    EXPECT_EQ(elements[1].value, "");
+    EXPECT_EQ(elements[1].line, 5);
+}
+
+TEST_F(ProvisioningDocument, EnvelopeAndPrefixesDoNotMatter) {
+    const auto elements = read("<p:Provision xmlns:p='Provision'><p:Policies><p:Policy><p:Data><p:EASProvisionDoc>"
+                               "<p:AllowWifi>0</p:AllowWifi></p:EASProvisionDoc></p:Data></p:Policy></p:Policies>"
+                               "</p:Provision>");
+    ASSERT_EQ(elements.size(), 1U);
+    EXPECT_EQ(elements[0].name, "AllowWifi");
+}
+
+TEST_F(ProvisioningDocument, ListHasNoValue) {
+    const auto elements = read("<EASProvisionDoc><L><Hash>a</Hash></L></EASProvisionDoc>");
+    ASSERT_EQ(elements.size(), 1U);
+    EXPECT_TRUE(elements[0].isList);
+    EXPECT_EQ(elements[0].value, "");
+}
+
+TEST_F(ProvisioningDocument, WhatIsNoXmlIsRefusedWithItsLine) {
+    EXPECT_EQ(refusal("<EASProvisionDoc>\n<AllowWifi>1</EASProvisionDoc>").find(":2: this is no XML: "), 0U);
+    EXPECT_NE(refusal("").find("this is no XML"), std::string::npos);
+    EXPECT_NE(refusal("{}").find(":1: this is no XML"), std::string::npos);
+}
+
+TEST_F(ProvisioningDocument, XmlWithoutTheDocumentIsRefused) {
+    EXPECT_EQ(refusal("<Provision/>"), ":1: this XML holds no EASProvisionDoc");
+}
+
+TEST_F(ProvisioningDocument, SecondDocumentIsRefused) {
+    EXPECT_EQ(refusal("<P>\n<EASProvisionDoc/>\n<EASProvisionDoc/></P>"), ":3: this is a second EASProvisionDoc");
+}
+
+TEST_F(ProvisioningDocument, DocumentTypeIsRefusedBeforeAnyEntityIsRead) {
+    const auto secret = folder().path() / "secret";
+    std::ofstream(secret) << "1";
+    const auto text = refusal("<?xml version='1.0'?>\n<!DOCTYPE d [<!ENTITY e SYSTEM '" + secret.string() +
+                              "'>]>\n<EASProvisionDoc><AllowWifi>&e;</AllowWifi></EASProvisionDoc>");
+    EXPECT_EQ(text.find(":2: a document type"), 0U) << text;
+}
+
+TEST_F(ProvisioningDocument, EntitiesThatGrowAreRefused) {
+    std::string text = "<!DOCTYPE d [<!ENTITY a0 'aaaaaaaaaa'>";
+    for (int level = 1; level < 12; ++level) {
+        const std::string inner = "&a" + std::to_string(level - 1) + ";";
+        text += "<!ENTITY a" + std::to_string(level) + " '" + inner + inner + inner + inner + inner + inner + "'>";
+    }
+    EXPECT_EQ(refusal(text + "]><EASProvisionDoc><X>&a11;</X></EASProvisionDoc>").find(":1: a document type"), 0U);
+}
+
+TEST_F(ProvisioningDocument, FileBeyondAllMeasureIsRefused) {
+    EXPECT_EQ(refusal(std::string(1'000'001, ' ')), " is too large for a provisioning document");
+}
+
+TEST_F(ProvisioningDocument, DeepNestingIsRefused) {
+    std::string text;
+    for (int level = 0; level < 100'000; ++level) {
+        text += "<a>";
+    }
+    EXPECT_NE(refusal(text).find("this is no XML"), std::string::npos);
+}
+
+TEST_F(ProvisioningDocument, MissingFileIsNamed) {
+    EXPECT_THROW(readProvisioningDocument("/nowhere/provision.xml"), std::runtime_error);
+    EXPECT_THROW(readProvisioningDocument("/tmp"), std::runtime_error);
+}
+
+} // namespace
+} // namespace deskwatch

@@ -1,0 +1,174 @@
+#include "provisioning_import.h"
+#include "temporary_folder.h"
+
+#include "program.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <stdexcept>
+
+namespace deskwatch {
+namespace {
+
+using Json = nlohmann::json;
+
+std::vector<ProvisioningElement> document(const std::vector<std::pair<std::string, std::string>>& values) {
+    std::vector<ProvisioningElement> elements;
+    for (const auto& [name, value] : values) {
+        elements.push_back({name, value, false, static_cast<long>(elements.size()) + 1});
+    }
+    return elements;
+}
+
+ProvisioningImport import(const std::vector<std::pair<std::string, std::string>>& values, bool keepsLimits = false) {
+    return importProvisioning("p.xml", document(values), {1, "alice@contoso.example", keepsLimits});
+}
+
+Json policySet(const ProvisioningImport& import) {
+    return Json::parse(import.message)["param"][0]["policySet"];
+}
+
+std::string refusal(const std::vector<std::pair<std::string, std::string>>& values) {
+    try {
+        import(values);
+    } catch (const std::runtime_error& error) {
+        return error.what();
+    }
+    return "";
+}
+
+Json readJson(const std::string& file) {
+    std::ifstream stream(file);
+    return Json::parse(stream);
+}
+
+std::string sample(const std::string& name) {
+    return std::string(SAMPLES) + "/" + name;
+}
+
+TEST(ProvisioningImport, EmptyDocumentRestrictsNothing) {
+    EXPECT_EQ(policySet(import({})), readJson(sample("exchange-default.json"))["param"][0]["policySet"]);
+}
+
+TEST(ProvisioningImport, EmptyElementsMeanWhatAbsentOnesDo) {
+    EXPECT_EQ(policySet(import({{"AllowWifi", ""}, {"AllowBluetooth", ""}, {"DevicePasswordEnabled", ""}})),
+              policySet(import({})));
+}
+
+TEST(ProvisioningImport, HardenedSampleIsTheHardenedPolicy) {
+    const auto outcome =
+        deskwatchProgram({"import", sample("provision-hardened.xml"), "--account", "2", "--name", "bob@bank.example"});
+    const auto expected = readJson(sample("hardened.json"));
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_EQ(Json::parse(outcome.output)["param"], expected["param"]);
+    EXPECT_EQ(Json::parse(outcome.output)["msgId"], "email-itpolicy-ind");
+}
+
+TEST(ProvisioningImport, LimitsWithoutAPasswordAreIgnored) {
+    const std::vector<std::pair<std::string, std::string>> limits{{"MaxDevicePasswordFailedAttempts", "8"},
+                                                                  {"AllowSimpleDevicePassword", "0"}};
+    EXPECT_EQ(policySet(import(limits)), policySet(import({})));
+    EXPECT_EQ(import(limits).elements[0].remark, "ignored, because the document requires no password");
+    EXPECT_EQ(policySet(import(limits, true))["maxDevicePasswordFailedAttempts"], 8);
+    EXPECT_EQ(policySet(import(limits, true))["allowSimplePassword"], false);
+}
+
+TEST(ProvisioningImport, BluetoothLevelsArriveAsAFlag) {
+    EXPECT_EQ(policySet(import({{"AllowBluetooth", "0"}}))["allowBluetoothMode"], false);
+    EXPECT_EQ(policySet(import({{"AllowBluetooth", "1"}}))["allowBluetoothMode"], true);
+    EXPECT_EQ(policySet(import({{"AllowBluetooth", "2"}}))["allowBluetoothMode"], true);
+}
+
+TEST(ProvisioningImport, InactivityIsTakenAsItStands) {
+    const auto set = policySet(import({{"DevicePasswordEnabled", "1"}, {"MaxInactivityTimeDeviceLock", "9999"}}));
+    EXPECT_EQ(set["maxInactivityTimeDeviceLock"], 9999);
+}
+
+TEST(ProvisioningImport, FateOfEachElementIsTold) {
+    const auto elements = import({{"AllowWifi", "0"},
+                                  {"AllowCamera", "0"},
+                                  {"RequireStorageCardEncryption", "1"},
+                                  {"AllowIrDA", "0"},
+                                  {"AllowTeleport", "0"}})
+                              .elements;
+    EXPECT_EQ(elements[0].fate, Fate::enforced);
+    EXPECT_EQ(elements[0].carried, "false");
+    EXPECT_EQ(elements[1].fate, Fate::stored);
+    EXPECT_EQ(elements[2].fate, Fate::notDeliverable);
+    EXPECT_EQ(elements[2].member, "");
+    EXPECT_EQ(elements[3].fate, Fate::unknown);
+    EXPECT_EQ(elements[3].remark, "");
+    EXPECT_EQ(elements[4].remark, "no element of a provisioning document");
+}
+
+TEST(ProvisioningImport, ValuesOutsideTheirBoundsAreRefusedAtBothEnds) {
+    const std::map<std::string, std::pair<int, int>> bounds{{"DevicePasswordEnabled", {0, 1}},
+                                                            {"AlphanumericDevicePasswordRequired", {0, 1}},
+                                                            {"MinDevicePasswordLength", {1, 16}},
+                                                            {"MinDevicePasswordComplexCharacters", {1, 4}},
+                                                            {"MaxDevicePasswordFailedAttempts", {4, 16}},
+                                                            {"DevicePasswordExpiration", {0, 730}},
+                                                            {"DevicePasswordHistory", {0, 50}},
+                                                            {"AllowBluetooth", {0, 2}},
+                                                            {"AllowWifi", {0, 1}},
+                                                            {"RequireStorageCardEncryption", {0, 1}}};
+    for (const auto& [name, range] : bounds) {
+        EXPECT_EQ(refusal({{name, std::to_string(range.first)}}), "") << name;
+        EXPECT_EQ(refusal({{name, std::to_string(range.second)}}), "") << name;
+        EXPECT_NE(refusal({{name, std::to_string(range.first - 1)}}), "") << name;
+        EXPECT_NE(refusal({{name, std::to_string(range.second + 1)}}), "") << name;
+    }
+}
+
+TEST(ProvisioningImport, EveryIllegalValueIsNamedWithItsLine) {
+    EXPECT_EQ(refusal({{"AllowWifi", "yes"}, {"AllowCamera", "1"}, {"MinDevicePasswordLength", "40"}}),
+              "p.xml:1: AllowWifi is \"yes\"; it can be 0 or 1\n"
+              "p.xml:3: MinDevicePasswordLength is \"40\"; it can be a number from 1 to 16");
+    EXPECT_NE(refusal({{"MaxInactivityTimeDeviceLock", "99999999999"}}), "");
+    EXPECT_NE(refusal({{"AllowWifi", "0x1"}}), "");
+}
+
+TEST(ProvisioningImport, ElementThatIsGivenTwiceIsRefused) {
+    EXPECT_EQ(refusal({{"AllowWifi", "1"}, {"AllowWifi", "1"}}),
+              "p.xml:2: AllowWifi is given a second time, first in line 1");
+}
+
+TEST(ProvisioningImport, IllegalDocumentLeavesNoMessage) {
+    const TemporaryFolder folder;
+    const auto file = folder.path() / "bad.xml";
+    const auto output = folder.path() / "message.json";
+    std::ofstream(file) << "<EASProvisionDoc>\n<AllowWifi>2</AllowWifi></EASProvisionDoc>";
+
+    const auto outcome = deskwatchProgram({"import", file.string(), "-o", output.string()});
+
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.errors, "deskwatch: import: " + file.string() + ":2: AllowWifi is \"2\"; it can be 0 or 1\n");
+    EXPECT_FALSE(std::filesystem::exists(output));
+}
+
+TEST(ProvisioningImport, MessageGoesToAFileAndTheReportToStandardError) {
+    const TemporaryFolder folder;
+    const auto output = folder.path() / "message.json";
+    const auto file = sample("provision-limits-without-password.xml");
+
+    const auto outcome = deskwatchProgram({"import", file, "-o", output.string(), "--json", "--keep-limits"});
+
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(readJson(output)["param"][0]["policySet"],
+              readJson(sample("open-source-server.json"))["param"][0]["policySet"]);
+    const auto report = Json::parse(outcome.errors);
+    ASSERT_EQ(report["elements"].size(), 7U);
+    EXPECT_EQ(report["elements"][5], Json::parse(R"({"line": 16, "element": "AllowBluetooth", "value": "1",
+        "watch": "stored, not enforced", "member": "allowBluetoothMode", "carried": true,
+        "remark": "hands-free only (1) and allowed (2) arrive alike"})"));
+    EXPECT_EQ(report["elements"][6]["watch"], "unknown to the watch");
+}
+
+} // namespace
+} // namespace deskwatch
