@@ -353,16 +353,6 @@ TEST_F(TestDbusTest, AnswerComesBeforeTheWorkIsDone) {
     EXPECT_TRUE(answered);
 }
 
-TEST_F(TestDbusTest, SecondRegistrationOfTheObjectIsOnlyLogged) {
-    startService();
-
-    EXPECT_TRUE(TestDbus::init());
-
-    EXPECT_TRUE(waitUntil([&] { return logged("I regId: [0]"); }));
-    EXPECT_EQ(journal.warnings(), Lines{});
-    EXPECT_EQ(call("ping"), 0);
-}
-
 TEST_F(TestDbusTest, NameThatAnotherOwnsIsOnlyTraced) {
     g_autoptr(GVariant) owned = g_dbus_connection_call_sync(
         developer(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
