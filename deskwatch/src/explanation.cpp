@@ -30,14 +30,15 @@ constexpr std::array<Decision, 13> decisions{{
 }};
 
 std::optional<std::size_t> settingOf(std::int32_t TeskPolicyData::*field) {
-    const auto decision = std::find_if(decisions.begin(), decisions.end(),
-                                       [field](const Decision& candidate) { return candidate.field == field; });
+    const auto* const decision = std::find_if(decisions.begin(), decisions.end(),
+                                              [field](const Decision& candidate) { return candidate.field == field; });
     if (decision == decisions.end()) {
         return std::nullopt;
     }
     const std::string name = decision->setting;
-    const auto setting = std::find_if(deviceSettings.begin(), deviceSettings.end(),
-                                      [&name](const DeviceSetting& candidate) { return candidate.name == name; });
+    const auto* const setting =
+        std::find_if(deviceSettings.begin(), deviceSettings.end(),
+                     [&name](const DeviceSetting& candidate) { return candidate.name == name; });
     return static_cast<std::size_t>(setting - deviceSettings.begin());
 }
 

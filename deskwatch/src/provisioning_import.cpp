@@ -43,7 +43,7 @@ std::string legalValues(const ElementRule& rule) {
 /// The checked values of a document: what its elements say, by name. Collects everything that is wrong.
 class Values {
 public:
-    Values(const std::string& file, const std::vector<ProvisioningElement>& elements) : file_(file) {
+    Values(std::string file, const std::vector<ProvisioningElement>& elements) : file_(std::move(file)) {
         for (const auto& element : elements) {
             take(element);
         }

@@ -28,9 +28,14 @@ const char* fateText(Fate fate) {
 std::string importText(const std::string& file, const ProvisioningImport& import) {
     std::string text;
     for (const auto& [element, fate, member, carried, remark] : import.elements) {
-        text += file + ":" + std::to_string(element.line) + ": " + element.name +
-                (element.value.empty() ? "" : " " + printable(element.value)) + ": " + fateText(fate) +
-                (member.empty() ? "" : ", " + member + " " + carried) + (remark.empty() ? "" : "; " + remark) + "\n";
+        text += file;
+        text.append(":").append(std::to_string(element.line)).append(": ").append(element.name);
+        text.append(element.value.empty() ? "" : " ").append(printable(element.value));
+        text.append(": ").append(fateText(fate));
+        if (!member.empty()) {
+            text.append(", ").append(member).append(" ").append(carried);
+        }
+        text.append(remark.empty() ? "" : "; ").append(remark).append("\n");
     }
     return text;
 }

@@ -128,6 +128,7 @@ std::vector<std::string> applications(const Forecast& forecast) {
 
 std::vector<int> numbersOf(const TeskPolicyData& policy) {
     std::vector<int> numbers;
+    numbers.reserve(TeskPolicyTable::numbers.size());
     for (const auto& number : TeskPolicyTable::numbers) {
         numbers.push_back(policy.*number.field);
     }
@@ -162,7 +163,7 @@ TEST_F(Agreement, ExplanationIsWhatTheServiceDid) {
 
         const auto strong = TeskConsumerPolicyMgr::getInstance()->getStrongPolicy();
         for (const auto& field : explanation.fields) {
-            const auto row =
+            const auto* const row =
                 std::find_if(TeskPolicyTable::numbers.begin(), TeskPolicyTable::numbers.end(),
                              [&field](const TeskPolicyNumber& number) { return number.column == field.field; });
             EXPECT_EQ(field.merged, (*strong).*row->field) << field.field;

@@ -86,8 +86,11 @@ TEST_F(ProvisioningDocument, DocumentTypeIsRefusedBeforeAnyEntityIsRead) {
 TEST_F(ProvisioningDocument, EntitiesThatGrowAreRefused) {
     std::string text = "<!DOCTYPE d [<!ENTITY a0 'aaaaaaaaaa'>";
     for (int level = 1; level < 12; ++level) {
-        const std::string inner = "&a" + std::to_string(level - 1) + ";";
-        text += "<!ENTITY a" + std::to_string(level) + " '" + inner + inner + inner + inner + inner + inner + "'>";
+        text.append("<!ENTITY a").append(std::to_string(level)).append(" '");
+        for (int copy = 0; copy < 6; ++copy) {
+            text.append("&a").append(std::to_string(level - 1)).append(";");
+        }
+        text += "'>";
     }
     EXPECT_EQ(refusal(text + "]><EASProvisionDoc><X>&a11;</X></EASProvisionDoc>").find(":1: a document type"), 0U);
 }

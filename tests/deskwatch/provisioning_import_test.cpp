@@ -18,6 +18,7 @@ using Json = nlohmann::json;
 
 std::vector<ProvisioningElement> document(const std::vector<std::pair<std::string, std::string>>& values) {
     std::vector<ProvisioningElement> elements;
+    elements.reserve(values.size());
     for (const auto& [name, value] : values) {
         elements.push_back({name, value, false, static_cast<long>(elements.size()) + 1});
     }

@@ -50,6 +50,7 @@ std::vector<Arrival> readArrivals(const std::vector<std::string>& files, Check c
     // The service's code logs while it reads, which is no output of this program.
     setenv("DLOG_LEVEL", "S", 1);
     std::vector<Arrival> arrivals;
+    arrivals.reserve(files.size());
     for (const auto& file : files) {
         arrivals.push_back(readArrival(file, readMessageFile(file, check)));
     }
