@@ -37,6 +37,8 @@ void addLogCommand(CLI::App& program, const CommonOptions& common);
 void addListCommand(CLI::App& program);
 
 void addImportCommand(CLI::App& program);
+void addRecordCommand(CLI::App& program, const CommonOptions& common);
+void addReplayCommand(CLI::App& program);
 
 /// Adds all commands and the options ahead of them, which end up in `common`.
 void addCommands(CLI::App& program, CommonOptions& common);

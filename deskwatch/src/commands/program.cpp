@@ -31,6 +31,8 @@ void addCommands(CLI::App& program, CommonOptions& common) {
     addEventCommand(program, common);
     addBusCommand(program, common);
     addImportCommand(program);
+    addRecordCommand(program, common);
+    addReplayCommand(program);
     addCompanionCommand(program);
     program.footer("Exit status: 0 done, 1 the command failed, 2 the arguments are wrong, 3 the watch refuses it.\n"
                    "Example:\n  deskwatch boot /tmp/watch\n  deskwatch mail policy samples/hardened.json\n"

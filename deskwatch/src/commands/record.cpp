@@ -1,0 +1,77 @@
+#include "commands.h"
+
+#include "recording.h"
+#include "replay.h"
+
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+
+namespace deskwatch {
+namespace {
+
+struct ReplayOptions {
+    std::string file;
+    std::string service;
+};
+
+/// A new folder for a watch, which goes with this object.
+class FreshFolder {
+public:
+    FreshFolder() : path_((std::filesystem::temp_directory_path() / "deskwatch-XXXXXX").string()) {
+        if (mkdtemp(path_.data()) == nullptr) {
+            throw std::runtime_error("cannot make a folder for the watch");
+        }
+    }
+    ~FreshFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    FreshFolder(const FreshFolder&) = delete;
+    FreshFolder& operator=(const FreshFolder&) = delete;
+
+    std::filesystem::path watch() const { return std::filesystem::path(path_) / "watch"; }
+
+private:
+    std::string path_;
+};
+
+void replayOnFreshWatch(const ReplayOptions& options) {
+    const auto recording = readRecording(options.file);
+    const auto self = std::filesystem::read_symlink("/proc/self/exe");
+    const auto service =
+        options.service.empty() ? self.parent_path() / "tesk-agent" : std::filesystem::absolute(options.service);
+    const FreshFolder folder;
+    const BootedDevice device(folder.watch(), standardApplications(service, {self.string(), "companion"}),
+                              recording.watch);
+    const auto outcome = replay(*device, recording);
+    if (outcome.difference) {
+        throw std::runtime_error(std::to_string(outcome.equal) + " effects are equal, then " + options.file + ", " +
+                                 *outcome.difference);
+    }
+    std::cout << "all " << outcome.equal << " effects are equal\n";
+}
+
+} // namespace
+
+void addRecordCommand(CLI::App& program, const CommonOptions& common) {
+    auto* command = program.add_subcommand("record", "Write down what comes to the service and what it does");
+    auto file = std::make_shared<std::string>();
+    command->add_option("FILE", *file, "The recording, a line of JSON for each event")->required();
+    command->footer("Runs until it is interrupted or the watch is switched off. The watch has no stored account yet.\n"
+                    "Example:\n  deskwatch record story.jsonl");
+    command->callback([&common, file] { record(chosenDevice(common), *file); });
+}
+
+void addReplayCommand(CLI::App& program) {
+    auto* command = program.add_subcommand("replay", "Play a recording on a fresh watch and compare every effect");
+    auto options = std::make_shared<ReplayOptions>();
+    command->add_option("FILE", options->file, "The recording")->required();
+    command->add_option("--service", options->service, "Program of the service (default: tesk-agent beside deskwatch)")
+        ->type_name("PATH");
+    command->footer("Exit status 1 when an effect differs; it says where.\nExample:\n  deskwatch replay story.jsonl");
+    command->callback([options] { replayOnFreshWatch(*options); });
+}
+
+} // namespace deskwatch

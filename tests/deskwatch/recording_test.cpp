@@ -1,0 +1,142 @@
+#include "commands_fixture.h"
+
+#include <glib.h>
+
+#include <csignal>
+#include <iterator>
+
+namespace deskwatch {
+namespace {
+
+constexpr std::chrono::seconds deadline{20};
+constexpr std::chrono::milliseconds lookAgain{10};
+
+std::string contents(const std::filesystem::path& file) {
+    std::ifstream stream(file);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// A recording that runs beside the test.
+class RunningRecord {
+public:
+    explicit RunningRecord(const std::filesystem::path& file) {
+        GError* error = nullptr;
+        process_.reset(
+            g_subprocess_new(G_SUBPROCESS_FLAGS_NONE, &error, DESKWATCH_PROGRAM, "record", file.c_str(), nullptr));
+        EXPECT_NE(process_, nullptr) << takeMessage(error);
+        const auto end = std::chrono::steady_clock::now() + deadline;
+        while (contents(file).find('\n') == std::string::npos && std::chrono::steady_clock::now() < end) {
+            g_usleep(std::chrono::microseconds(lookAgain).count());
+        }
+    }
+
+    ~RunningRecord() { g_subprocess_force_exit(process_.get()); }
+    RunningRecord(const RunningRecord&) = delete;
+    RunningRecord& operator=(const RunningRecord&) = delete;
+
+    void interrupt() const { g_subprocess_send_signal(process_.get(), SIGINT); }
+
+    int status() const {
+        g_subprocess_wait(process_.get(), nullptr, nullptr);
+        return g_subprocess_get_if_exited(process_.get()) != FALSE ? g_subprocess_get_exit_status(process_.get()) : -1;
+    }
+
+private:
+    ObjectOwner<GSubprocess> process_;
+};
+
+class Recordings : public Commands {
+protected:
+    /// From the first policy to the wearer's last answer.
+    std::filesystem::path recordStory() const {
+        const auto file = write("story.jsonl", "");
+        boot({"--country", "KR"});
+        const RunningRecord recording(file);
+        run({"mail", "policy", sample("hardened.json"), sample("open-source-server.json")});
+        run({"popup", "ok"});
+        run({"lock", "password"});
+        run({"encrypt"});
+        run({"mail", "policy", sample("strictest.json")});
+        run({"popup", "sync-off"});
+        run({"mail", "delete", "4"});
+        run({"off"});
+        EXPECT_EQ(recording.status(), 0);
+        return file;
+    }
+};
+
+TEST_F(Recordings, WearersStoryReplaysWithEveryEffectEqual) {
+    const auto file = recordStory();
+    const auto text = contents(file);
+    EXPECT_NE(text.find(R"({"in":"reply","from":"com.velmor.tesk-popup","extraData":{"result":"ok"}})"),
+              std::string::npos)
+        << text;
+    EXPECT_NE(text.find(R"({"out":"write","key":"/dpm/password/minimum-length","value":6})"), std::string::npos)
+        << text;
+    EXPECT_NE(text.find(R"({"out":"message","to":"com.velmor.quillon.consumer")"), std::string::npos) << text;
+
+    const auto replayed = run({"replay", file.string()});
+
+    EXPECT_EQ(replayed.find("all "), 0U) << replayed;
+    EXPECT_GT(std::stoi(replayed.substr(4)), 40) << replayed;
+}
+
+TEST_F(Recordings, ReplayNamesTheLineOfTheFirstEffectThatDiffers) {
+    const auto file = recordStory();
+    auto text = contents(file);
+    const std::string effect = R"("/dpm/password/minimum-length","value":6)";
+    const auto place = text.find(effect);
+    ASSERT_NE(place, std::string::npos);
+    const auto line = 1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(place), '\n');
+    text.replace(place, effect.size(), R"("/dpm/password/minimum-length","value":5)");
+    const auto changed = write("changed.jsonl", text);
+
+    const auto outcome = deskwatchProgram({"replay", changed.string()});
+
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.errors.find(changed.string() + ", line " + std::to_string(line) + ":\n"), std::string::npos)
+        << outcome.errors;
+    EXPECT_NE(outcome.errors.find(R"("value":6)"), std::string::npos) << outcome.errors;
+}
+
+TEST_F(Recordings, EndOfTheServiceIsReplayed) {
+    const auto file = write("end.jsonl", "");
+    boot();
+    const RunningRecord recording(file);
+    run({"mail", "policy", sample("hardened.json")});
+    const auto pid = BusClient(device().busAddress())
+                         .call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                "GetConnectionUnixProcessID"},
+                               g_variant_new("(s)", "com.velmor.tesk-agent"), patience);
+    guint32 number = 0;
+    g_variant_get(pid.get(), "(u)", &number);
+    const auto service = ProcessHandle::open(static_cast<pid_t>(number));
+    service->signal(SIGTERM);
+    ASSERT_TRUE(service->waitForEnd(patience));
+    run({"mail", "delete", "2"});
+    recording.interrupt();
+    EXPECT_EQ(recording.status(), 0);
+
+    EXPECT_NE(contents(file).find(R"({"in":"end","application":"com.velmor.tesk-agent"})"), std::string::npos);
+    EXPECT_EQ(run({"replay", file.string()}).find("all "), 0U);
+}
+
+TEST_F(Recordings, WatchWithAccountsIsNotRecorded) {
+    boot();
+    run({"mail", "policy", sample("hardened.json")});
+    const auto outcome = deskwatchProgram({"record", (device().layout().folder() / "late.jsonl").string()});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.errors.find("stored accounts already"), std::string::npos) << outcome.errors;
+}
+
+TEST_F(Recordings, FileThatIsNoRecordingIsRefusedWithItsLine) {
+    const auto file = write("odd.jsonl", "{\"recording\":1,\"serviceRunning\":false}\n{\"in\":\n");
+    const auto outcome = deskwatchProgram({"replay", file.string()});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors.find("deskwatch: replay: " + file.string() + ":2: no line of a recording"), 0U)
+        << outcome.errors;
+    EXPECT_EQ(deskwatchProgram({"replay", "/nowhere/story.jsonl"}).status, 1);
+}
+
+} // namespace
+} // namespace deskwatch
