@@ -3,6 +3,7 @@
 #include "TeskConsumerIpcMgr.h"
 #include "msgs/TeskConsumerAccountInfoRespMsg.h"
 #include "msgs/TeskConsumerEasRemoteWipeIndMsg.h"
+#include "msgs/TeskConsumerEnvelope.h"
 #include "msgs/TeskConsumerInitRespMsg.h"
 #include "msgs/TeskConsumerItPolicyIndMsg.h"
 #include "msgs/TeskConsumerRespMsgFactory.h"
@@ -32,6 +33,20 @@ TEST_F(RespMsgFactoryTest, EachKindHasItsClassAndTypeCode) {
     expectKind<TeskConsumerAccountInfoRespMsg>("email-account-info", 10002);
     expectKind<TeskConsumerItPolicyIndMsg>("email-itpolicy-ind", 10003);
     expectKind<TeskConsumerEasRemoteWipeIndMsg>("eas-remote-wipe", 10004);
+}
+
+TEST_F(RespMsgFactoryTest, EnvelopesOfOneTextShareWhatWasParsed) {
+    const TeskConsumerEnvelope first(R"({"msgId":"eas-remote-wipe"})");
+    const TeskConsumerEnvelope second(R"({"msgId":"eas-remote-wipe"})");
+    EXPECT_NE(first.root(), nullptr);
+    EXPECT_EQ(first.root(), second.root());
+}
+
+TEST_F(RespMsgFactoryTest, AnEnvelopeNeverShowsAnotherText) {
+    const TeskConsumerEnvelope first(R"({"msgId":"eas-remote-wipe"})");
+    const TeskConsumerEnvelope second(R"({"msgId":"email-init-res"})");
+    EXPECT_EQ(TeskConsumerEnvelope::kindOf(first.root()), "eas-remote-wipe");
+    EXPECT_EQ(TeskConsumerEnvelope::kindOf(second.root()), "email-init-res");
 }
 
 TEST_F(RespMsgFactoryTest, FactoryLogsItsBeginningAndEnd) {

@@ -3,13 +3,39 @@
 #include "TeskConsumerLog.h"
 #include "msgs/TeskConsumerJson.h"
 
-TeskConsumerEnvelope::TeskConsumerEnvelope(const std::string& text) : parser(json_parser_new()) {
-    // a text with something behind its object fails to load and leaves the object all the same, hence no look at the
-    // result
-    if (!TeskConsumerJson::isNestedTooDeep(text)) {
-        json_parser_load_from_data(parser.get(), text.c_str(), -1, nullptr);
+namespace {
+
+struct Releaser {
+    void operator()(gpointer object) const { g_object_unref(object); }
+};
+
+struct ParsedText {
+    explicit ParsedText(const std::string& parsedText) : text(parsedText), parser(json_parser_new()) {
+        // a text with something behind its object fails to load and leaves the object all the same, hence no look at
+        // the result
+        if (!TeskConsumerJson::isNestedTooDeep(text)) {
+            json_parser_load_from_data(parser.get(), text.c_str(), -1, nullptr);
+        }
     }
+
+    const std::string text;
+    const std::unique_ptr<JsonParser, Releaser> parser;
+};
+
+/// The parser of a text, shared with the envelope that was made last when that one lives and has the same text.
+std::shared_ptr<JsonParser> parserOf(const std::string& text) {
+    static std::weak_ptr<ParsedText> last;
+    auto parsed = last.lock();
+    if (!parsed || parsed->text != text) {
+        parsed = std::make_shared<ParsedText>(text);
+        last = parsed;
+    }
+    return {parsed, parsed->parser.get()};
 }
+
+} // namespace
+
+TeskConsumerEnvelope::TeskConsumerEnvelope(const std::string& text) : parser(parserOf(text)) {}
 
 JsonObject* TeskConsumerEnvelope::root() const {
     JsonNode* const node = json_parser_get_root(parser.get());

@@ -43,16 +43,12 @@ TeskConsumerResponsedMsg* newMessageOf(const std::string& kindName) {
 
 TeskConsumerResponsedMsg* TeskConsumerRespMsgFactory::createResponsedMsg(const std::string& text) {
     TESK_INFO("Enter");
-    std::string kindName;
-    {
-        const TeskConsumerEnvelope envelope(text);
-        JsonObject* const root = envelope.root();
-        if (root == nullptr) {
-            return nullptr;
-        }
-        kindName = TeskConsumerEnvelope::kindOf(root);
+    const TeskConsumerEnvelope envelope(text); // lives until the message has read the text
+    JsonObject* const root = envelope.root();
+    if (root == nullptr) {
+        return nullptr;
     }
-    auto* const message = newMessageOf(kindName);
+    auto* const message = newMessageOf(TeskConsumerEnvelope::kindOf(root));
     if (message != nullptr) {
         message->fromJson(text);
     }
