@@ -43,6 +43,11 @@ bench::DataFolder::~DataFolder() {
 }
 
 void bench::DataFolder::fill(int accounts) const {
+    writeAccounts(accounts);
+    sqlite3_shutdown(); // whoever opens the database next finds SQLite as a new process does
+}
+
+void bench::DataFolder::writeAccounts(int accounts) const {
     const Database database = open(this->database());
     run(prepare(database, TeskPolicyTable::createSql()));
     run(prepare(database, "begin"));

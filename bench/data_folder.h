@@ -24,6 +24,8 @@ public:
     void fill(int accounts) const;
 
 private:
+    void writeAccounts(int accounts) const;
+
     std::filesystem::path folder_;
 };
 

@@ -262,7 +262,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        measure(fs::absolute(argv[1]), fs::absolute(argv[2]), std::stoi(argv[3]));
+        measure(fs::absolute(argv[1]), fs::absolute(argv[2]), std::max(1, std::stoi(argv[3])));
         return 0;
     } catch (const std::exception& error) {
         std::cerr << error.what() << '\n';
