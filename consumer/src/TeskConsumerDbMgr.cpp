@@ -218,8 +218,8 @@ bool TeskConsumerDbMgr::__openNewFile(const std::string& path) {
 }
 
 bool TeskConsumerDbMgr::__openFile(const std::string& path) {
-    // Nobody reads SQLite's statistics of its memory, and keeping them takes a lock at every allocation. Where a library
-    // of the platform was first to use SQLite, the statistics stay, and nothing else is different.
+    // Nobody reads SQLite's statistics of its memory, and keeping them takes a lock at every allocation. Where a
+    // library of the platform was first to use SQLite, the statistics stay, and nothing else is different.
     sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
     sqlite3* opened = nullptr;
     int result = sqlite3_open(path.c_str(), &opened);
