@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <map>
 #include <stdexcept>
 
 namespace deskwatch {
@@ -198,9 +199,31 @@ std::string described(const TraceEvent* event) {
     return event != nullptr ? event->dump() : "nothing";
 }
 
+/// Effects that the bus keeps in order: all that is written, and what goes to one application. Which of two
+/// applications hears first is up to them.
+struct Channel {
+    std::vector<Effect> recorded;
+    std::vector<TraceEvent> happened;
+};
+
+std::string channelOf(const TraceEvent& event) {
+    return event.value("out", "") + " " + event.value("to", "");
+}
+
+std::map<std::string, Channel> channels(const std::vector<Effect>& recorded, const std::vector<TraceEvent>& happened) {
+    std::map<std::string, Channel> channels;
+    for (const auto& effect : recorded) {
+        channels[channelOf(effect.event)].recorded.push_back(effect);
+    }
+    for (const auto& event : happened) {
+        channels[channelOf(event)].happened.push_back(event);
+    }
+    return channels;
+}
+
 /// Compares in order, up to the first difference.
-ReplayOutcome compare(const std::vector<Effect>& recorded, const std::vector<TraceEvent>& happened) {
-    ReplayOutcome outcome;
+void compare(const Channel& channel, ReplayOutcome& outcome) {
+    const auto& [recorded, happened] = channel;
     const std::size_t count = std::max(recorded.size(), happened.size());
     for (std::size_t index = 0; index < count; ++index, ++outcome.equal) {
         const auto* expected = index < recorded.size() ? &recorded[index].event : nullptr;
@@ -209,9 +232,18 @@ ReplayOutcome compare(const std::vector<Effect>& recorded, const std::vector<Tra
             continue;
         }
         const std::string place =
-            expected != nullptr ? "line " + std::to_string(recorded[index].line) : "behind the end";
+            expected != nullptr ? "line " + std::to_string(recorded[index].line) : "behind the last of its kind";
         outcome.difference = place + ":\n  recorded " + described(expected) + "\n  now      " + described(seen);
-        break;
+        return;
+    }
+}
+
+ReplayOutcome compare(const std::vector<Effect>& recorded, const std::vector<TraceEvent>& happened) {
+    ReplayOutcome outcome;
+    for (const auto& [name, channel] : channels(recorded, happened)) {
+        if (!outcome.difference) {
+            compare(channel, outcome);
+        }
     }
     return outcome;
 }

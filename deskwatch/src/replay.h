@@ -17,7 +17,8 @@ struct ReplayOutcome {
 };
 
 /// Lets the service of a watch that was booted in the recording's first state have what came to it in the recording,
-/// and compares all that it does. Throws std::runtime_error when the watch or an application of it does not answer.
+/// and compares all that it does: what it writes, and what it sends to each application, in order. Throws
+/// std::runtime_error when the watch or an application of it does not answer.
 ReplayOutcome replay(const Device& device, const Recording& recording);
 
 } // namespace deskwatch
