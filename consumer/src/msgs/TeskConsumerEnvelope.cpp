@@ -1,5 +1,7 @@
 #include "msgs/TeskConsumerEnvelope.h"
 
+#include <utility>
+
 #include "TeskConsumerLog.h"
 #include "msgs/TeskConsumerJson.h"
 
@@ -10,7 +12,7 @@ struct Releaser {
 };
 
 struct ParsedText {
-    explicit ParsedText(const std::string& parsedText) : text(parsedText), parser(json_parser_new()) {
+    explicit ParsedText(std::string parsedText) : text(std::move(parsedText)), parser(json_parser_new()) {
         // a text with something behind its object fails to load and leaves the object all the same, hence no look at
         // the result
         if (!TeskConsumerJson::isNestedTooDeep(text)) {
