@@ -49,7 +49,7 @@ class Recordings : public Commands {
 protected:
     /// From the first policy to the wearer's last answer.
     std::filesystem::path recordStory() const {
-        const auto file = write("story.jsonl", "");
+        auto file = write("story.jsonl", "");
         boot({"--country", "KR"});
         const RunningRecord recording(file);
         run({"mail", "policy", sample("hardened.json"), sample("open-source-server.json")});
