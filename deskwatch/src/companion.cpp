@@ -134,12 +134,16 @@ bool Companion::onCreate(void* self) {
 }
 
 void Companion::onLaunch(app_control_h request, void* self) {
-    static_cast<Companion*>(self)->launches_.push_back(readLaunch(request));
+    auto& companion = *static_cast<Companion*>(self);
+    companion.launches_.push_back(readLaunch(request));
+    tesk_desk_companion_emit_changed(companion.object_.get());
 }
 
 void Companion::onMessage(int /*port*/, const char* sender, const char* /*senderPort*/, bool /*trusted*/,
                           bundle* message, void* self) {
-    static_cast<Companion*>(self)->messages_.push_back(readMessage(sender, message));
+    auto& companion = *static_cast<Companion*>(self);
+    companion.messages_.push_back(readMessage(sender, message));
+    tesk_desk_companion_emit_changed(companion.object_.get());
 }
 
 gboolean Companion::onLaunches(TeskDeskCompanion* object, GDBusMethodInvocation* call, gpointer self) {
@@ -208,6 +212,7 @@ bool Companion::answer(const char* result) {
         reply, oldest->waiting, result != nullptr ? APP_CONTROL_RESULT_SUCCEEDED : APP_CONTROL_RESULT_CANCELED);
     app_control_destroy(reply);
     oldest->waiting = nullptr;
+    tesk_desk_companion_emit_changed(object_.get());
     return outcome == APP_CONTROL_ERROR_NONE;
 }
 

@@ -22,6 +22,7 @@ GVariant* textValue(const std::string& value) {
 
 ChangesetOwner firstChanges(const WatchState& state, bool fresh) {
     ChangesetOwner changes(dconf_changeset_new());
+    dconf_changeset_set(changes.get(), "/faults/", nullptr);
     dconf_changeset_set(changes.get(), "/vconf/memory/", nullptr);
     dconf_changeset_set(changes.get(), "/vconf/memory/private/com.velmor.hearth/tutorial_is_in_progress",
                         intValue(state.tutorial.value_or(false) ? 1 : 0));

@@ -3,6 +3,8 @@
 #include "text_table.h"
 #include "value_output.h"
 
+#include <algorithm>
+
 namespace deskwatch {
 namespace {
 
@@ -16,17 +18,43 @@ Json asObject(const std::vector<NamedValue>& values) {
     return object;
 }
 
-std::string namedValues(const std::vector<NamedValue>& values) {
+/// The value that an earlier status had under that name, where it was another one.
+std::string markOf(const NamedValue& now, const std::vector<NamedValue>& earlier) {
+    const auto before =
+        std::find_if(earlier.begin(), earlier.end(), [&](const NamedValue& value) { return value.name == now.name; });
+    const bool isChanged = before != earlier.end() && before->value != now.value;
+    return isChanged ? "* was " + valueText(before->value) : "";
+}
+
+std::string namedValues(const std::vector<NamedValue>& values, const std::vector<NamedValue>& earlier) {
     std::vector<std::vector<std::string>> rows;
     rows.reserve(values.size());
-    for (const auto& [name, value] : values) {
-        rows.push_back({name, valueText(value)});
+    for (const auto& value : values) {
+        rows.push_back({value.name, valueText(value.value), markOf(value, earlier)});
     }
     return textTable(rows);
 }
 
+std::vector<NamedValue> keysOf(const WatchStatus& status) {
+    auto keys = status.keys;
+    keys.push_back(status.enforcingAccount);
+    return keys;
+}
+
+std::string serviceText(const WatchStatus& status) {
+    if (!status.isServiceRunning) {
+        return "the service does not run";
+    }
+    if (!status.idleExit) {
+        return "the service runs";
+    }
+    return std::string("the service runs, idle exit ") + (status.idleExit->isExact ? "in " : "within ") +
+           std::to_string(status.idleExit->in.count()) + " s";
+}
+
 /// One column per account: a policy has many fields, a watch few accounts.
-std::string accountTable(const std::vector<StoredAccount>& accounts) {
+std::string accountTable(const WatchStatus& status) {
+    const auto& accounts = status.accounts;
     if (accounts.empty()) {
         return "  none\n";
     }
@@ -35,6 +63,9 @@ std::string accountTable(const std::vector<StoredAccount>& accounts) {
         rows.push_back({accounts.front()[field].name});
         for (const auto& account : accounts) {
             rows.back().push_back(valueText(account[field].value));
+        }
+        if (field < status.mergedPolicy.size()) {
+            rows.back().push_back(field == 0 ? "merged" : valueText(status.mergedPolicy[field].value));
         }
     }
     return textTable(rows);
@@ -68,23 +99,16 @@ Json screenJson(const ScreenLaunch& screen) {
             {"extraData", extraData}};
 }
 
-} // namespace
-
-std::string statusTables(const WatchStatus& status) {
-    auto keys = status.keys;
-    keys.push_back(status.enforcingAccount);
-    return "Watch " + status.folder + ", the service " + (status.isServiceRunning ? "runs" : "does not run") +
-           "\n\nStored accounts\n" + accountTable(status.accounts) + "\nSettings of the device policy manager\n" +
-           namedValues(status.settings) + "\nKeys\n" + namedValues(keys) + "\nLaunch requests\n" +
-           screenTable(status.screens);
-}
-
-std::string statusJson(const WatchStatus& status) {
+Json statusObject(const WatchStatus& status) {
     Json object{{"watch", status.folder}, {"serviceRunning", status.isServiceRunning}};
+    object["idleExit"] = status.idleExit
+                             ? Json{{"seconds", status.idleExit->in.count()}, {"exact", status.idleExit->isExact}}
+                             : Json(nullptr);
     object["accounts"] = Json::array();
     for (const auto& account : status.accounts) {
         object["accounts"].push_back(asObject(account));
     }
+    object["mergedPolicy"] = status.mergedPolicy.empty() ? Json(nullptr) : asObject(status.mergedPolicy);
     object["settings"] = asObject(status.settings);
     object["keys"] = asObject(status.keys);
     object["enforcingAccount"] = valueJson(status.enforcingAccount.value);
@@ -92,7 +116,24 @@ std::string statusJson(const WatchStatus& status) {
     for (const auto& screen : status.screens) {
         object["launches"].push_back(screenJson(screen));
     }
-    return jsonText(object, 2) + "\n";
+    return object;
+}
+
+} // namespace
+
+std::string statusTables(const WatchStatus& status, const WatchStatus* earlier) {
+    const WatchStatus& before = earlier != nullptr ? *earlier : status;
+    return "Watch " + status.folder + ", " + serviceText(status) + "\n\nStored accounts\n" + accountTable(status) +
+           "\nSettings of the device policy manager\n" + namedValues(status.settings, before.settings) + "\nKeys\n" +
+           namedValues(keysOf(status), keysOf(before)) + "\nLaunch requests\n" + screenTable(status.screens);
+}
+
+std::string statusJson(const WatchStatus& status) {
+    return jsonText(statusObject(status), 2) + "\n";
+}
+
+std::string statusJsonLine(const WatchStatus& status) {
+    return jsonText(statusObject(status)) + "\n";
 }
 
 } // namespace deskwatch

@@ -50,6 +50,21 @@ bool WatchClient::isRunning(const std::string& id) const {
     return isOwned != FALSE;
 }
 
+std::optional<pid_t> WatchClient::processOf(const std::string& id) const {
+    GError* error = nullptr;
+    const VariantOwner answer(g_dbus_connection_call_sync(
+        connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+        "GetConnectionUnixProcessID", g_variant_new("(s)", id.c_str()), G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE,
+        patience, nullptr, &error));
+    if (answer == nullptr) {
+        g_clear_error(&error); // nobody has that name
+        return std::nullopt;
+    }
+    guint32 process = 0;
+    g_variant_get(answer.get(), "(u)", &process);
+    return static_cast<pid_t>(process);
+}
+
 std::vector<std::string> WatchClient::settle(const std::string& id) const {
     const auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
                                                     G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS);

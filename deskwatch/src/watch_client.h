@@ -4,6 +4,9 @@
 #include "device.h"
 #include "glib_owners.h"
 
+#include <sys/types.h>
+
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,6 +23,9 @@ public:
 
     /// Whether an application runs now.
     bool isRunning(const std::string& id) const;
+
+    /// The process of an application; none when it does not run.
+    std::optional<pid_t> processOf(const std::string& id) const;
 
     /// Waits until an application, started when it does not run, has handled all that was sent to it, by this process
     /// before or by the bus ahead of this. Returns the applications whose answer to its launch requests is still out.

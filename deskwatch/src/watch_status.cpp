@@ -6,7 +6,15 @@
 #include "policy_database.h"
 #include "setting_value.h"
 #include "tesk-desk-bus.h"
+#include "watch_facts.h"
 
+#include <TeskPolicyMerge.h>
+#include <TeskPolicyTable.h>
+
+#include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 
 namespace deskwatch {
@@ -72,6 +80,42 @@ void readLaunches(const WatchClient& watch, const std::string& application, std:
     }
 }
 
+/// The end of a file that only grows: what the service decided last is there.
+std::string endOf(const std::filesystem::path& file) {
+    constexpr std::streamoff most = 262'144;
+    std::ifstream stream(file, std::ios::binary | std::ios::ate);
+    const std::streamoff size = stream.tellg();
+    stream.seekg(std::max<std::streamoff>(size - most, 0));
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::optional<IdleExit> readIdleExit(const WatchClient& watch) {
+    const auto process = watch.processOf(ids::service);
+    const auto log = watch.device().layout().log();
+    std::error_code error;
+    const auto changed = std::filesystem::last_write_time(log, error);
+    if (!process || error) {
+        return std::nullopt;
+    }
+    const auto age = std::filesystem::file_time_type::clock::now() - changed;
+    return idleExitOf(endOf(log), *process, std::chrono::duration_cast<std::chrono::seconds>(age));
+}
+
+StoredAccount mergedPolicy(const std::vector<StoredAccount>& accounts) {
+    StoredAccount merged;
+    if (accounts.empty()) {
+        return merged;
+    }
+    const auto policy = TeskPolicyMerge::strongest(policyRecords(accounts));
+    for (const auto& [column, value] : accounts.front()) {
+        const auto number = std::find_if(TeskPolicyTable::numbers.begin(), TeskPolicyTable::numbers.end(),
+                                         [name = column](const TeskPolicyNumber& row) { return row.column == name; });
+        const bool isMerged = number != TeskPolicyTable::numbers.end() && number->rule != TeskMergeRule::NotMerged;
+        merged.push_back({column, isMerged ? Value(policy.*number->field) : Value()});
+    }
+    return merged;
+}
+
 } // namespace
 
 WatchStatus readStatus(const WatchClient& watch) {
@@ -81,6 +125,8 @@ WatchStatus readStatus(const WatchClient& watch) {
     status.folder = layout.folder().string();
     status.isServiceRunning = watch.isRunning(ids::service);
     status.accounts = readStoredAccounts(layout.applicationData(ids::service) / "dbspace" / ".tesk.db");
+    status.mergedPolicy = mergedPolicy(status.accounts);
+    status.idleExit = readIdleExit(watch);
     status.settings = readDevicePolicy(store.get());
     status.keys = readKeys(store.get());
     status.enforcingAccount = {enforcingAccountKey, readSetting(store.get(), std::string("/apps/") + ids::service +

@@ -1,9 +1,11 @@
 #ifndef DESKWATCH_WATCH_STATUS_H
 #define DESKWATCH_WATCH_STATUS_H
 
+#include "idle_exit.h"
 #include "value.h"
 #include "watch_client.h"
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,7 +25,12 @@ struct ScreenLaunch {
 struct WatchStatus {
     std::string folder;
     bool isServiceRunning = false;
+    /// Set while the service is about to end itself.
+    std::optional<IdleExit> idleExit;
     std::vector<StoredAccount> accounts;
+    /// What the accounts' policies are together, by the accounts' columns; one that is not merged has no value. Empty
+    /// when there is no account.
+    StoredAccount mergedPolicy;
     /// What the device policy manager holds.
     std::vector<NamedValue> settings;
     /// The keys of the settings store that policies are about.
@@ -37,11 +44,15 @@ struct WatchStatus {
 /// Looks at a booted watch; starts nothing and changes nothing there. Throws std::runtime_error.
 WatchStatus readStatus(const WatchClient& watch);
 
-/// The status as tables for a reader.
-std::string statusTables(const WatchStatus& status);
+/// The status as tables for a reader. With an earlier one, settings and keys that had another value then are marked
+/// with it.
+std::string statusTables(const WatchStatus& status, const WatchStatus* earlier = nullptr);
 
 /// The status as one JSON object.
 std::string statusJson(const WatchStatus& status);
+
+/// The same on one line.
+std::string statusJsonLine(const WatchStatus& status);
 
 } // namespace deskwatch
 

@@ -2,8 +2,10 @@
 #define PLATFORM_GUARD_H
 
 #include <exception>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 
 namespace host {
 
@@ -19,9 +21,20 @@ void report(const std::string& text) noexcept;
 /// Reports the exception that is being handled, as met by the named function.
 void reportException(const char* function) noexcept;
 
-/// Runs the body of a C function or callback. An exception does not leave it: it is reported, and `failure` answered.
+/// The code that this call of a function is to answer instead of doing its work (see Faults), if it is.
+std::optional<int> faultOf(const char* function) noexcept;
+
+/// Runs the body of a C function or callback, unless it is to fail: then it answers the code that was asked for, or
+/// `failure` where it answers no code. An exception does not leave it: it is reported, and `failure` answered.
 template <class Result, class Body>
 Result guarded(const char* function, Result failure, Body&& body) noexcept {
+    if (const auto code = faultOf(function)) {
+        if constexpr (std::is_same_v<Result, int>) {
+            return *code;
+        } else {
+            return failure;
+        }
+    }
     try {
         return body();
     } catch (...) {

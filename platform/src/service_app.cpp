@@ -8,6 +8,7 @@
 #include "bus.h"
 #include "environment.h"
 #include "guard.h"
+#include "settings_store.h"
 
 using host::ApplicationObject;
 using host::Bus;
@@ -102,6 +103,7 @@ void leaveBus(Bus& bus) {
 int runApplication(const service_app_lifecycle_callback_s& callbacks, void* userData) {
     const std::string& id = host::Environment::get().applicationId();
     Bus& bus = Bus::get();
+    host::SettingsStore::get(); // from now on the platform's functions fail where they were told to
     const EndOnSignal onTermination(SIGTERM);
     const EndOnSignal onInterrupt(SIGINT);
     ApplicationObject object(bus, [&](app_control_h request) {

@@ -3,6 +3,7 @@
 #include <dconf.h>
 
 #include "bus.h"
+#include "faults.h"
 #include "guard.h"
 #include "text.h"
 
@@ -10,6 +11,7 @@ namespace host {
 
 SettingsStore& SettingsStore::get() {
     static SettingsStore store;
+    Faults::get().load(store);
     return store;
 }
 
@@ -75,10 +77,14 @@ void SettingsStore::replaceFolder(const std::string& folder, const std::string& 
     }
 }
 
-bool SettingsStore::isEmptyFolder(const std::string& folder) {
+std::vector<std::string> SettingsStore::list(const std::string& folder) {
     int length = 0;
     const TextListPtr names(dconf_client_list(client_.get(), folder.c_str(), &length));
-    return length == 0;
+    return {names.get(), names.get() + length};
+}
+
+bool SettingsStore::isEmptyFolder(const std::string& folder) {
+    return list(folder).empty();
 }
 
 void SettingsStore::watch(const std::string& key) {
@@ -91,10 +97,14 @@ void SettingsStore::unwatch(const std::string& key) {
 
 void SettingsStore::onChanged(DConfClient* /*client*/, const char* prefix, const char* const* changes,
                               const char* /*tag*/, gpointer self) {
-    const Listener& listener = static_cast<SettingsStore*>(self)->listener_;
+    auto& store = *static_cast<SettingsStore*>(self);
     guarded("news of changed settings", 0, [&] {
-        for (; listener && *changes != nullptr; ++changes) {
-            listener(std::string(prefix) + *changes);
+        for (; *changes != nullptr; ++changes) {
+            const std::string path = std::string(prefix) + *changes;
+            Faults::get().notify(store, path);
+            if (store.listener_) {
+                store.listener_(path);
+            }
         }
         return 0;
     });

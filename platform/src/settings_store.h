@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "glib_ptr.h"
 
@@ -45,10 +46,13 @@ public:
     /// Removes the keys that are in a folder and writes one of them, in one step. Throws HostError.
     void replaceFolder(const std::string& folder, const std::string& key, GVariant* value);
 
+    /// The names of what is in a folder; those of folders end in "/".
+    std::vector<std::string> list(const std::string& folder);
+
     /// Whether a folder holds anything.
     bool isEmptyFolder(const std::string& folder);
 
-    /// Starts and ends listening to a key; a key can be watched several times.
+    /// Starts and ends listening to a key, or to all below a folder; a key can be watched several times.
     void watch(const std::string& key);
     void unwatch(const std::string& key);
 

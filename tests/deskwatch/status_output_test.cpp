@@ -52,7 +52,7 @@ TEST(StatusOutput, TablesOfAFreshWatchSayThatThereIsNothing) {
 TEST(StatusOutput, JsonHoldsTheSame) {
     const auto json = nlohmann::json::parse(statusJson(fullStatus()));
     EXPECT_EQ(json, nlohmann::json::parse(R"({
-        "watch": "/tmp/watch", "serviceRunning": true,
+        "watch": "/tmp/watch", "serviceRunning": true, "idleExit": null, "mergedPolicy": null,
         "accounts": [{"account_id": 1, "account_name": "alice"}, {"account_id": 2, "account_name": "bob"}],
         "settings": {"quality": 128}, "keys": {"db/a": "text", "db/b": null}, "enforcingAccount": 2,
         "launches": [{"application": "com.example.popup", "caller": "com.example.agent", "waiting": true,

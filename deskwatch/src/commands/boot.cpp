@@ -61,7 +61,7 @@ void addBootCommand(CLI::App& program, const CommonOptions& common) {
     command->add_option("DIR", options->folder, "The watch's folder, new or an earlier one's");
     command->add_option("--country", options->country, "Country of the watch (a fresh one: US)");
     command->add_option("--lock", options->lock, "Lock of the screen (a fresh one: none)")
-        ->transform(CLI::CheckedTransformer(locks))
+        ->transform(CLI::CheckedTransformer(locks).description(""))
         ->type_name("none|pin|password");
     command->add_flag("--encrypted", options->isEncrypted, "The internal storage is encrypted");
     command->add_flag("--tutorial", options->isTutorialShown, "The tutorial of the first use is being shown");

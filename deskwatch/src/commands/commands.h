@@ -33,12 +33,16 @@ void addTutorialCommand(CLI::App& program, const CommonOptions& common);
 void addKeyCommand(CLI::App& program, const CommonOptions& common);
 void addEventCommand(CLI::App& program, const CommonOptions& common);
 void addBusCommand(CLI::App& program, const CommonOptions& common);
+void addFaultCommand(CLI::App& program, const CommonOptions& common);
 void addLogCommand(CLI::App& program, const CommonOptions& common);
 void addListCommand(CLI::App& program);
 
 void addImportCommand(CLI::App& program);
 void addRecordCommand(CLI::App& program, const CommonOptions& common);
 void addReplayCommand(CLI::App& program);
+
+/// Adds the command that writes the manual page and the completion from the commands; the build runs it.
+void addDocsCommand(CLI::App& program);
 
 /// Adds all commands and the options ahead of them, which end up in `common`.
 void addCommands(CLI::App& program, CommonOptions& common);

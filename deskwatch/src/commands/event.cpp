@@ -24,7 +24,7 @@ void addEventCommand(CLI::App& program, const CommonOptions& common) {
     auto type = std::make_shared<app_event_type_e>();
     command->add_option("EVENT", *type, "What happened")
         ->required()
-        ->transform(CLI::CheckedTransformer(events))
+        ->transform(CLI::CheckedTransformer(events).description(""))
         ->type_name("low-memory|low-battery|orientation");
     command->footer("Example:\n  deskwatch event low-memory");
     command->callback([&common, type] { announceEvent(chosenDevice(common), *type); });

@@ -33,7 +33,9 @@ void addCommands(CLI::App& program, CommonOptions& common) {
     addImportCommand(program);
     addRecordCommand(program, common);
     addReplayCommand(program);
+    addFaultCommand(program, common);
     addCompanionCommand(program);
+    addDocsCommand(program);
     program.footer("Exit status: 0 done, 1 the command failed, 2 the arguments are wrong, 3 the watch refuses it.\n"
                    "Example:\n  deskwatch boot /tmp/watch\n  deskwatch mail policy samples/hardened.json\n"
                    "  deskwatch status\n  deskwatch off");

@@ -1,22 +1,66 @@
 #include "commands.h"
 
 #include "observer.h"
+#include "status_follower.h"
 #include "watch_status.h"
+
+#include <unistd.h>
 
 #include <iostream>
 #include <memory>
+#include <optional>
 
 namespace deskwatch {
+namespace {
+
+struct StatusOptions {
+    bool isJson = false;
+    bool isFollowed = false;
+};
+
+/// Puts each status in the place of the one before: on a terminal by clearing it, elsewhere behind an empty line. A
+/// status that looks like the one before is not shown again.
+class StatusDisplay {
+public:
+    explicit StatusDisplay(bool isJson) : isJson_(isJson) {}
+
+    void show(const WatchStatus& status) {
+        first_ = first_.value_or(status);
+        const std::string text = isJson_ ? statusJsonLine(status) : statusTables(status, &*first_);
+        if (text == shown_) {
+            return;
+        }
+        const bool isTerminal = isatty(STDOUT_FILENO) == 1;
+        std::cout << (isJson_ ? "" : isTerminal ? "\x1b[H\x1b[2J" : shown_.empty() ? "" : "\n") << text << std::flush;
+        shown_ = text;
+    }
+
+private:
+    bool isJson_;
+    std::optional<WatchStatus> first_;
+    std::string shown_;
+};
+
+void showStatus(const CommonOptions& common, const StatusOptions& options) {
+    const WatchClient watch(chosenDevice(common), observerId);
+    if (options.isFollowed) {
+        StatusDisplay display(options.isJson);
+        followStatus(watch, [&](const WatchStatus& status) { display.show(status); });
+    }
+    const auto status = readStatus(watch);
+    std::cout << (options.isJson ? statusJson(status) : statusTables(status));
+}
+
+} // namespace
 
 void addStatusCommand(CLI::App& program, const CommonOptions& common) {
     auto* command = program.add_subcommand("status", "Show accounts, settings, keys and launch requests of a watch");
-    auto isJson = std::make_shared<bool>(false);
-    command->add_flag("--json", *isJson, "One JSON object instead of tables");
-    command->footer("Example:\n  deskwatch status --json");
-    command->callback([&common, isJson] {
-        const auto status = readStatus(WatchClient(chosenDevice(common), observerId));
-        std::cout << (*isJson ? statusJson(status) : statusTables(status));
-    });
+    auto options = std::make_shared<StatusOptions>();
+    command->add_flag("--json", options->isJson, "One JSON object instead of tables; with --follow, one on each line");
+    command->add_flag("--follow", options->isFollowed, "Show it again after each change, with what was there at first");
+    command->footer("Starts nothing and changes nothing. The last column of the accounts is the merged policy.\n"
+                    "Example:\n  deskwatch status --json");
+    command->callback([&common, options] { showStatus(common, *options); });
 }
 
 } // namespace deskwatch

@@ -61,7 +61,7 @@ void addLockCommand(CLI::App& program, const CommonOptions& common) {
     auto options = std::make_shared<LockOptions>();
     command->add_option("LOCK", options->lock, "Kind of the lock")
         ->required()
-        ->transform(CLI::CheckedTransformer(locks))
+        ->transform(CLI::CheckedTransformer(locks).description(""))
         ->type_name("none|pin|password");
     command->add_option("--length", options->length, "Its characters (default: the fewest that are allowed)")
         ->check(CLI::PositiveNumber)

@@ -1,0 +1,135 @@
+#include "commands.h"
+
+#include <algorithm>
+#include <functional>
+#include <iostream>
+#include <memory>
+#include <sstream>
+
+namespace deskwatch {
+namespace {
+
+/// Visits a command and those inside it that users see, with the words by which one calls it.
+void visit(const CLI::App& command, const std::string& path,
+           const std::function<void(const CLI::App& command, const std::string& path)>& visitor) {
+    visitor(command, path);
+    for (const auto* inner : command.get_subcommands([](const CLI::App*) { return true; })) {
+        if (!inner->get_group().empty()) {
+            visit(*inner, path.empty() ? inner->get_name() : path + " " + inner->get_name(), visitor);
+        }
+    }
+}
+
+std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+/// Text as it stands: no character of it is a request or an escape of the formatter.
+std::string roff(const std::string& text) {
+    std::string escaped;
+    for (const char character : text) {
+        escaped += character == '\\' ? "\\e" : character == '-' ? "\\-" : std::string(1, character);
+    }
+    const bool isRequest = !escaped.empty() && (escaped[0] == '.' || escaped[0] == '\'');
+    return isRequest ? "\\&" + escaped : escaped;
+}
+
+std::string optionUsage(const CLI::Option& option) {
+    const bool takesValue = option.get_items_expected_max() > 0 && !option.get_type_name().empty();
+    const std::string name = option.get_positional() ? option.get_name() : option.get_name(false, true);
+    return name + (takesValue ? " " + option.get_type_name() : "");
+}
+
+void writeManCommand(const CLI::App& command, const std::string& path) {
+    std::cout << ".SS deskwatch" << (path.empty() ? "" : " " + roff(path)) << '\n'
+              << roff(command.get_description()) << ".\n";
+    for (const auto* option : command.get_options()) {
+        std::cout << ".TP\n.B " << roff(optionUsage(*option)) << '\n' << roff(option->get_description()) << '\n';
+    }
+    std::cout << ".PP\n.nf\n";
+    for (const auto& line : linesOf(command.get_footer())) {
+        std::cout << roff(line) << '\n';
+    }
+    std::cout << ".fi\n";
+}
+
+void writeMan(const CLI::App& program) {
+    std::cout << ".TH DESKWATCH 1\n.SH NAME\ndeskwatch \\- " << roff(program.get_description())
+              << "\n.SH SYNOPSIS\n.B deskwatch\n[\\-\\-device DIR] COMMAND [ARGUMENT...]\n.SH COMMANDS\n";
+    visit(program, "", writeManCommand);
+}
+
+/// The values between which an option chooses, named `one|another`.
+std::string choices(const CLI::Option& option) {
+    std::string values = option.get_type_name();
+    if (values.find('|') == std::string::npos) {
+        return "";
+    }
+    std::replace(values.begin(), values.end(), '|', ' ');
+    return " " + values;
+}
+
+/// What may follow the words of a command: the commands in it, its options and their values.
+std::string wordsAfter(const CLI::App& command) {
+    std::string words;
+    for (const auto* inner : command.get_subcommands([](const CLI::App*) { return true; })) {
+        words += inner->get_group().empty() ? "" : " " + inner->get_name();
+    }
+    for (const auto* option : command.get_options()) {
+        for (const auto& name : option->get_lnames()) {
+            words += " --" + name;
+        }
+        words += choices(*option);
+    }
+    return words.empty() ? words : words.substr(1);
+}
+
+void writeCompletion(const CLI::App& program) {
+    std::cout << R"(# bash completion for deskwatch
+_deskwatch() {
+    local current=${COMP_WORDS[COMP_CWORD]} command= words= word
+    for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
+        case "$command/$word" in
+)";
+    visit(program, "", [](const CLI::App& command, const std::string& path) {
+        const auto outer = path.rfind(' ') == std::string::npos ? "" : path.substr(0, path.rfind(' '));
+        std::cout << (path.empty() ? ""
+                                   : "        '" + outer + "/" + command.get_name() + "') command='" + path + "' ;;\n");
+    });
+    std::cout << "        esac\n    done\n    case \"$command\" in\n";
+    visit(program, "", [](const CLI::App& command, const std::string& path) {
+        std::cout << "    '" << path << "') words='" << wordsAfter(command) << "' ;;\n";
+    });
+    std::cout << R"(    esac
+    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+}
+complete -o bashdefault -o default -F _deskwatch deskwatch
+)";
+}
+
+} // namespace
+
+void addDocsCommand(CLI::App& program) {
+    auto* command = program.add_subcommand("docs", "Write the manual page or the completion");
+    command->group(""); // not in the help: the build calls it
+    auto isMan = std::make_shared<bool>(false);
+    auto isCompletion = std::make_shared<bool>(false);
+    auto* kind = command->add_option_group("kind");
+    kind->add_flag("--man", *isMan, "The manual page");
+    kind->add_flag("--completion", *isCompletion, "The completion for bash");
+    kind->require_option(1);
+    command->callback([&program, isMan] {
+        if (*isMan) {
+            writeMan(program);
+        } else {
+            writeCompletion(program);
+        }
+    });
+}
+
+} // namespace deskwatch

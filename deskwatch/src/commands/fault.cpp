@@ -1,0 +1,69 @@
+#include "commands.h"
+
+#include "platform_faults.h"
+#include "text_table.h"
+#include "value_output.h"
+
+#include <iostream>
+#include <memory>
+
+namespace deskwatch {
+namespace {
+
+struct FaultOptions {
+    PlatformFault fault;
+    bool isCleared = false;
+    bool isJson = false;
+};
+
+std::string asTable(const std::vector<PlatformFault>& faults) {
+    std::vector<std::vector<std::string>> rows;
+    for (const auto& fault : faults) {
+        rows.push_back({fault.function, std::to_string(fault.code),
+                        fault.nth == 0 ? "every call" : "call " + std::to_string(fault.nth)});
+    }
+    return rows.empty() ? "  none\n" : textTable(rows);
+}
+
+std::string asJson(const std::vector<PlatformFault>& faults) {
+    auto list = nlohmann::ordered_json::array();
+    for (const auto& fault : faults) {
+        list.push_back({{"function", fault.function}, {"code", fault.code}, {"nth", fault.nth}});
+    }
+    return jsonText(list, 2) + "\n";
+}
+
+void changeFaults(const CommonOptions& common, const FaultOptions& options) {
+    const Device device = chosenDevice(common);
+    if (options.isCleared) {
+        clearFaults(device);
+    } else if (!options.fault.function.empty()) {
+        setFault(device, options.fault);
+    } else {
+        const auto faults = readFaults(device);
+        std::cout << (options.isJson ? asJson(faults) : asTable(faults));
+    }
+}
+
+} // namespace
+
+void addFaultCommand(CLI::App& program, const CommonOptions& common) {
+    auto* command = program.add_subcommand("fault", "Have a function of the platform fail when the service calls it");
+    auto options = std::make_shared<FaultOptions>();
+    auto* function =
+        command->add_option("FUNCTION", options->fault.function, "The function (default: list the faults)");
+    auto* code = command->add_option("CODE", options->fault.code, "The code that it answers instead of doing its work");
+    function->needs(code);
+    code->needs(function);
+    command->add_option("--nth", options->fault.nth, "Only this call fails, counted from now (default: every call)")
+        ->check(CLI::PositiveNumber)
+        ->needs(function)
+        ->type_name("N");
+    command->add_flag("--clear", options->isCleared, "No function fails any more")->excludes(function);
+    command->add_flag("--json", options->isJson, "List the faults as a JSON array");
+    command->footer("A function that answers a pointer answers null. A boot clears all faults.\n"
+                    "Example:\n  deskwatch fault dpm_password_set_quality -13 --nth 2\n  deskwatch fault --clear");
+    command->callback([&common, options] { changeFaults(common, *options); });
+}
+
+} // namespace deskwatch

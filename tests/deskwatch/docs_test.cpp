@@ -1,0 +1,81 @@
+#include "commands/commands.h"
+#include "commands_fixture.h"
+
+#include <algorithm>
+
+namespace deskwatch {
+namespace {
+
+/// How one calls each command that users see.
+std::vector<std::string> commandsIn(const CLI::App& command, const std::string& path) {
+    std::vector<std::string> paths;
+    for (const auto* inner : command.get_subcommands([](const CLI::App*) { return true; })) {
+        if (!inner->get_group().empty()) {
+            const auto name = path.empty() ? inner->get_name() : path + " " + inner->get_name();
+            paths.push_back(name);
+            const auto more = commandsIn(*inner, name);
+            paths.insert(paths.end(), more.begin(), more.end());
+        }
+    }
+    return paths;
+}
+
+class Docs : public Commands {
+protected:
+    Docs() { addCommands(program_, common_); }
+
+    std::vector<std::string> commands() const { return commandsIn(program_, ""); }
+
+    /// What the completion proposes behind these words.
+    std::string proposed(const std::string& words) const {
+        const auto script = write("completion.bash", run({"docs", "--completion"}));
+        const auto file = write("ask.bash", "source " + script.string() + "\nCOMP_WORDS=(" + words +
+                                                ")\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n_deskwatch\n"
+                                                "echo \"${COMPREPLY[*]}\"\n");
+        GError* error = nullptr;
+        char* output = nullptr;
+        const std::string line = "bash -eu " + file.string();
+        EXPECT_TRUE(g_spawn_command_line_sync(line.c_str(), &output, nullptr, nullptr, &error)) << takeMessage(error);
+        const MemoryOwner<char> owner(output);
+        return output != nullptr ? output : "";
+    }
+
+private:
+    CLI::App program_{"", "deskwatch"};
+    CommonOptions common_;
+};
+
+TEST_F(Docs, ManualPageHasEveryCommandAndNoneThatIsHidden) {
+    const auto page = run({"docs", "--man"});
+    for (auto command : commands()) {
+        for (auto dash = command.find('-'); dash != std::string::npos; dash = command.find('-', dash + 2)) {
+            command.insert(dash, "\\");
+        }
+        EXPECT_NE(page.find("\n.SS deskwatch " + command + "\n"), std::string::npos) << command;
+    }
+    EXPECT_EQ(page.find("companion"), std::string::npos);
+}
+
+TEST_F(Docs, CompletionKnowsEveryCommand) {
+    const auto script = run({"docs", "--completion"});
+    for (const auto& command : commands()) {
+        EXPECT_NE(script.find("    '" + command + "') words='"), std::string::npos) << command;
+    }
+    EXPECT_EQ(script.find("companion"), std::string::npos);
+}
+
+TEST_F(Docs, CompletionProposesCommandsOptionsAndValues) {
+    EXPECT_EQ(proposed("deskwatch wha"), "whatif\n");
+    EXPECT_EQ(proposed("deskwatch mail check-"), "check-password check-encryption\n");
+    EXPECT_EQ(proposed("deskwatch --device /tmp/watch status --f"), "--follow\n");
+    EXPECT_EQ(proposed("deskwatch lock p"), "pin password\n");
+    EXPECT_EQ(proposed("deskwatch boot --lock n"), "none\n");
+}
+
+TEST_F(Docs, KindHasToBeNamed) {
+    EXPECT_EQ(deskwatchProgram({"docs"}).status, 2);
+    EXPECT_EQ(deskwatchProgram({"docs", "--man", "--completion"}).status, 2);
+}
+
+} // namespace
+} // namespace deskwatch
