@@ -108,8 +108,9 @@ StoredAccount mergedPolicy(const std::vector<StoredAccount>& accounts) {
     }
     const auto policy = TeskPolicyMerge::strongest(policyRecords(accounts));
     for (const auto& [column, value] : accounts.front()) {
-        const auto number = std::find_if(TeskPolicyTable::numbers.begin(), TeskPolicyTable::numbers.end(),
-                                         [name = column](const TeskPolicyNumber& row) { return row.column == name; });
+        const auto* const number =
+            std::find_if(TeskPolicyTable::numbers.begin(), TeskPolicyTable::numbers.end(),
+                         [name = column](const TeskPolicyNumber& row) { return row.column == name; });
         const bool isMerged = number != TeskPolicyTable::numbers.end() && number->rule != TeskMergeRule::NotMerged;
         merged.push_back({column, isMerged ? Value(policy.*number->field) : Value()});
     }

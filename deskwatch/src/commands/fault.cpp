@@ -18,6 +18,7 @@ struct FaultOptions {
 
 std::string asTable(const std::vector<PlatformFault>& faults) {
     std::vector<std::vector<std::string>> rows;
+    rows.reserve(faults.size());
     for (const auto& fault : faults) {
         rows.push_back({fault.function, std::to_string(fault.code),
                         fault.nth == 0 ? "every call" : "call " + std::to_string(fault.nth)});
