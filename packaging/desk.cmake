@@ -8,15 +8,21 @@ install(TARGETS tesk-agent deskwatch RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
 install(TARGETS tesk-platform LIBRARY DESTINATION ${library_folder} COMPONENT desk)
 
 find_program(GZIP gzip REQUIRED)
-foreach(page IN ITEMS deskwatch tesk-agent)
-    configure_file(desk/${page}.1.in ${CMAKE_CURRENT_BINARY_DIR}/${page}.1 @ONLY)
-endforeach()
+configure_file(desk/tesk-agent.1.in ${CMAKE_CURRENT_BINARY_DIR}/tesk-agent.1 @ONLY)
 configure_file(desk/changelog.in ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian @ONLY)
-foreach(text IN ITEMS deskwatch.1 tesk-agent.1 changelog.Debian)
+
+# What deskwatch says of itself is written when it is built.
+set(deskwatch_documents ${PROJECT_BINARY_DIR}/deskwatch)
+
+foreach(text IN ITEMS
+        ${deskwatch_documents}/deskwatch.1
+        ${CMAKE_CURRENT_BINARY_DIR}/tesk-agent.1
+        ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian)
+    get_filename_component(name ${text} NAME)
     add_custom_command(
-        OUTPUT ${text}.gz
-        COMMAND ${GZIP} --best --no-name --stdout ${text} > ${text}.gz
-        DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/${text}
+        OUTPUT ${name}.gz
+        COMMAND ${GZIP} --best --no-name --stdout ${text} > ${name}.gz
+        DEPENDS ${text} deskwatch
         VERBATIM)
 endforeach()
 add_custom_target(desk-documents ALL DEPENDS deskwatch.1.gz tesk-agent.1.gz changelog.Debian.gz)
@@ -25,10 +31,10 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/deskwatch.1.gz ${CMAKE_CURRENT_BINARY_
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT desk)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian.gz DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tesk-agent-desk COMPONENT desk)
 install(FILES desk/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tesk-agent-desk COMPONENT desk)
-install(FILES desk/deskwatch.bash-completion RENAME deskwatch
+install(FILES ${deskwatch_documents}/deskwatch.bash RENAME deskwatch
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT desk)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/samples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tesk-agent-desk/examples
-    COMPONENT desk FILES_MATCHING PATTERN *.json)
+    COMPONENT desk FILES_MATCHING PATTERN *.json PATTERN *.xml)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)

@@ -4,7 +4,6 @@
 
 #include <stdexcept>
 
-using deskwatch::GFree;
 using deskwatch::MemoryOwner;
 using deskwatch::ObjectOwner;
 
