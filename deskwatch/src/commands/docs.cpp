@@ -123,10 +123,11 @@ void addDocsCommand(CLI::App& program) {
     kind->add_flag("--man", *isMan, "The manual page");
     kind->add_flag("--completion", *isCompletion, "The completion for bash");
     kind->require_option(1);
-    command->callback([&program, isMan] {
+    command->callback([&program, isMan, isCompletion] {
         if (*isMan) {
             writeMan(program);
-        } else {
+        }
+        if (*isCompletion) {
             writeCompletion(program);
         }
     });

@@ -55,6 +55,7 @@ std::vector<ListedWatch> listedWatches() {
 
 std::string asTable(const std::vector<ListedWatch>& watches) {
     std::vector<std::vector<std::string>> rows;
+    rows.reserve(watches.size());
     for (const auto& watch : watches) {
         rows.push_back({watch.folder, watch.state, watch.isServiceRunning ? "service runs" : "service does not run",
                         watch.isNewest ? "newest" : ""});
