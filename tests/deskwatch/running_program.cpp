@@ -51,7 +51,7 @@ std::string RunningProgram::nextLine() {
             throw std::runtime_error("deskwatch has ended; the unfinished line: " + unread_);
         }
     }
-    const std::string line = unread_.substr(0, end);
+    std::string line = unread_.substr(0, end);
     unread_.erase(0, end + 1);
     return line;
 }
