@@ -40,11 +40,10 @@ char* app_get_data_path(void) {
 }
 
 int app_get_id(char** id) {
-    constexpr int invalidParameter = -22;
     if (id == nullptr) {
-        return invalidParameter;
+        return -EINVAL;
     }
-    return guarded("app_get_id", invalidParameter, [&] {
+    return guarded("app_get_id", -EINVAL, [&] {
         *id = host::copyForCaller(Environment::get().applicationId());
         return 0;
     });

@@ -1,7 +1,9 @@
+#include <cerrno>
 #include <memory>
 #include <unordered_map>
 
 #include "bus.h"
+#include "bus_values.h"
 #include "guard.h"
 #include "host_bus.h"
 #include "service_app.h"
@@ -21,15 +23,10 @@ struct app_event_handler {
 
 namespace {
 
-constexpr int invalidParameter = -22;
-constexpr int failed = -5;
-
 void onEvent(GDBusConnection* /*connection*/, const char* /*sender*/, const char* /*path*/, const char* /*interface*/,
              const char* /*signal*/, GVariant* arguments, gpointer data) {
     const auto* handler = static_cast<app_event_handler*>(data);
-    gint32 type = -1;
-    g_variant_get(arguments, "(i)", &type);
-    if (type == handler->type) {
+    if (host::intArgumentOf(arguments) == handler->type) {
         app_event_info info{handler->type};
         handler->callback(&info, handler->userData);
     }
@@ -61,9 +58,9 @@ int service_app_add_event_handler(app_event_handler_h* handler, app_event_type_e
                                   void* user_data) {
     if (handler == nullptr || callback == nullptr || event_type < APP_EVENT_LOW_MEMORY ||
         event_type > APP_EVENT_SUSPENDED_STATE_CHANGED) {
-        return invalidParameter;
+        return -EINVAL;
     }
-    return guarded("service_app_add_event_handler", failed, [&] {
+    return guarded("service_app_add_event_handler", -EIO, [&] {
         auto added = std::make_unique<app_event_handler>(app_event_handler{event_type, callback, user_data});
         app_event_handler_h addedHandle = added.get();
         subscribe(Bus::get(), std::move(added));
@@ -73,10 +70,10 @@ int service_app_add_event_handler(app_event_handler_h* handler, app_event_type_e
 }
 
 int service_app_remove_event_handler(app_event_handler_h event_handler) {
-    return guarded("service_app_remove_event_handler", failed, [&] {
+    return guarded("service_app_remove_event_handler", -EIO, [&] {
         const auto found = subscriptions().find(event_handler);
         if (found == subscriptions().end()) {
-            return invalidParameter;
+            return -EINVAL;
         }
         const guint subscription = found->second;
         subscriptions().erase(found);

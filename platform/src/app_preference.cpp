@@ -14,7 +14,7 @@ using host::SettingsStore;
 namespace {
 
 // Where a preference is kept; empty when the key is none.
-std::string pathOf(const char* key) {
+std::string preferencePath(const char* key) {
     if (key == nullptr) {
         return {};
     }
@@ -25,7 +25,7 @@ std::string pathOf(const char* key) {
 template <class MakeValue>
 int setPreference(const char* function, const char* key, MakeValue makeValue) {
     return guarded<int>(function, PREFERENCE_ERROR_IO_ERROR, [&] {
-        const std::string path = pathOf(key);
+        const std::string path = preferencePath(key);
         if (path.empty()) {
             return PREFERENCE_ERROR_INVALID_PARAMETER;
         }
@@ -37,7 +37,7 @@ int setPreference(const char* function, const char* key, MakeValue makeValue) {
 template <class TakeValue>
 int getPreference(const char* function, const char* key, const GVariantType* type, TakeValue takeValue) {
     return guarded<int>(function, PREFERENCE_ERROR_IO_ERROR, [&] {
-        const std::string path = pathOf(key);
+        const std::string path = preferencePath(key);
         if (path.empty()) {
             return PREFERENCE_ERROR_INVALID_PARAMETER;
         }
@@ -109,7 +109,7 @@ int preference_get_string(const char* key, char** value) {
 
 int preference_is_existing(const char* key, bool* existing) {
     return guarded<int>("preference_is_existing", PREFERENCE_ERROR_IO_ERROR, [&] {
-        const std::string path = pathOf(key);
+        const std::string path = preferencePath(key);
         if (path.empty() || existing == nullptr) {
             return PREFERENCE_ERROR_INVALID_PARAMETER;
         }

@@ -15,9 +15,6 @@
 
 namespace {
 
-constexpr int invalidParameter = -22;
-constexpr int outOfMemory = -12;
-
 struct CFree {
     void operator()(char* text) const { std::free(text); }
 };
@@ -116,7 +113,7 @@ int writeText(const Level& level, const char* tag, const std::string& text) {
 int __dlog_print(log_id_t log_id, int prio, const char* tag, const char* fmt, ...) {
     const Level* level = findLevel(prio);
     if (log_id == LOG_ID_INVALID || level == nullptr || prio == DLOG_SILENT || fmt == nullptr) {
-        return invalidParameter;
+        return -EINVAL;
     }
     const int savedError = errno;
     int result = 0;
@@ -127,8 +124,8 @@ int __dlog_print(log_id_t log_id, int prio, const char* tag, const char* fmt, ..
         const int length = vasprintf(&text, fmt, arguments);
         va_end(arguments);
         const std::unique_ptr<char, CFree> owner(length < 0 ? nullptr : text);
-        result = host::guarded("__dlog_print", outOfMemory, [&] {
-            return owner != nullptr ? writeText(*level, tag != nullptr ? tag : "", owner.get()) : outOfMemory;
+        result = host::guarded("__dlog_print", -ENOMEM, [&] {
+            return owner != nullptr ? writeText(*level, tag != nullptr ? tag : "", owner.get()) : -ENOMEM;
         });
     }
     errno = savedError;

@@ -10,7 +10,7 @@ using host::SettingsStore;
 namespace {
 
 // Where a client is kept; empty when the name or the user is none.
-std::string pathOf(const char* name, uid_t uid) {
+std::string clientPath(const char* name, uid_t uid) {
     if (name == nullptr || *name == '\0' || uid == static_cast<uid_t>(-1)) {
         return {};
     }
@@ -30,7 +30,7 @@ bool isRegistered(const std::string& path, uid_t uid) {
 
 int dpm_admin_register_client(device_policy_manager_h handle, const char* name, uid_t uid) {
     return guarded<int>("dpm_admin_register_client", DPM_ERROR_CONNECTION_REFUSED, [&] {
-        const std::string path = pathOf(name, uid);
+        const std::string path = clientPath(name, uid);
         if (handle == nullptr || path.empty()) {
             return DPM_ERROR_INVALID_PARAMETER;
         }
@@ -41,7 +41,7 @@ int dpm_admin_register_client(device_policy_manager_h handle, const char* name, 
 
 int dpm_admin_deregister_client(device_policy_manager_h handle, const char* name, uid_t uid) {
     return guarded<int>("dpm_admin_deregister_client", DPM_ERROR_CONNECTION_REFUSED, [&] {
-        const std::string path = pathOf(name, uid);
+        const std::string path = clientPath(name, uid);
         if (handle == nullptr || path.empty()) {
             return DPM_ERROR_INVALID_PARAMETER;
         }

@@ -17,12 +17,8 @@ constexpr char popimapEmailState[] = "/dpm/restriction/popimap-email-state";
 constexpr char messagingState[] = "/dpm/restriction/messaging-state/";
 constexpr char everySim[] = "*";
 
-int normalized(int allow) {
-    return allow != 0 ? 1 : 0;
-}
-
 // Where a SIM's state is kept; empty when the id is none.
-std::string pathOf(const char* simId) {
+std::string messagingPath(const char* simId) {
     if (simId == nullptr) {
         return {};
     }
@@ -34,7 +30,7 @@ std::string pathOf(const char* simId) {
 } // namespace
 
 int dpm_restriction_set_wifi_state(device_policy_manager_h handle, int allow) {
-    return host::dpm::set("dpm_restriction_set_wifi_state", handle, wifiState, normalized(allow));
+    return host::dpm::set("dpm_restriction_set_wifi_state", handle, wifiState, host::dpm::truth(allow));
 }
 
 int dpm_restriction_get_wifi_state(device_policy_manager_h handle, int* is_allowed) {
@@ -42,7 +38,8 @@ int dpm_restriction_get_wifi_state(device_policy_manager_h handle, int* is_allow
 }
 
 int dpm_restriction_set_popimap_email_state(device_policy_manager_h handle, int allow) {
-    return host::dpm::set("dpm_restriction_set_popimap_email_state", handle, popimapEmailState, normalized(allow));
+    return host::dpm::set("dpm_restriction_set_popimap_email_state", handle, popimapEmailState,
+                          host::dpm::truth(allow));
 }
 
 int dpm_restriction_get_popimap_email_state(device_policy_manager_h handle, int* is_allowed) {
@@ -51,14 +48,14 @@ int dpm_restriction_get_popimap_email_state(device_policy_manager_h handle, int*
 
 int dpm_restriction_set_messaging_state(device_policy_manager_h handle, const char* sim_id, int allow) {
     return guarded<int>("dpm_restriction_set_messaging_state", DPM_ERROR_CONNECTION_REFUSED, [&]() -> int {
-        const std::string path = pathOf(sim_id);
+        const std::string path = messagingPath(sim_id);
         if (handle == nullptr || path.empty()) {
             return DPM_ERROR_INVALID_PARAMETER;
         }
         if (!host::dpm::isAdministered()) {
             return DPM_ERROR_PERMISSION_DENIED;
         }
-        GVariant* value = g_variant_new_int32(normalized(allow));
+        GVariant* value = g_variant_new_int32(host::dpm::truth(allow));
         if (std::string(sim_id) == everySim) {
             SettingsStore::get().replaceFolder(messagingState, path, value);
         } else {
@@ -70,13 +67,13 @@ int dpm_restriction_set_messaging_state(device_policy_manager_h handle, const ch
 
 int dpm_restriction_get_messaging_state(device_policy_manager_h handle, const char* sim_id, int* is_allowed) {
     return guarded<int>("dpm_restriction_get_messaging_state", DPM_ERROR_CONNECTION_REFUSED, [&] {
-        const std::string path = pathOf(sim_id);
+        const std::string path = messagingPath(sim_id);
         if (handle == nullptr || is_allowed == nullptr || path.empty()) {
             return DPM_ERROR_INVALID_PARAMETER;
         }
         SettingsStore& store = SettingsStore::get();
         const std::optional<int> own = store.readInt(path);
-        *is_allowed = own ? *own : store.readInt(pathOf(everySim)).value_or(allowed);
+        *is_allowed = own ? *own : store.readInt(messagingPath(everySim)).value_or(allowed);
         return DPM_ERROR_NONE;
     });
 }

@@ -19,10 +19,6 @@ constexpr char externalDemand[] = "/dpm/security/external-storage-encryption";
 constexpr char internalState[] = "/vconf/db/ode/crypto_state";
 constexpr char externalState[] = "/vconf/db/ode/external_crypto_state";
 
-int normalized(int encrypt) {
-    return encrypt != 0 ? 1 : 0;
-}
-
 int isEncrypted(const char* function, device_policy_manager_h handle, const char* stateKey, int* encrypted) {
     if (handle == nullptr || encrypted == nullptr) {
         return DPM_ERROR_INVALID_PARAMETER;
@@ -36,7 +32,8 @@ int isEncrypted(const char* function, device_policy_manager_h handle, const char
 } // namespace
 
 int dpm_security_set_internal_storage_encryption(device_policy_manager_h handle, int encrypt) {
-    return host::dpm::set("dpm_security_set_internal_storage_encryption", handle, internalDemand, normalized(encrypt));
+    return host::dpm::set("dpm_security_set_internal_storage_encryption", handle, internalDemand,
+                          host::dpm::truth(encrypt));
 }
 
 int dpm_security_is_internal_storage_encrypted(device_policy_manager_h handle, int* is_encrypted) {
@@ -44,7 +41,8 @@ int dpm_security_is_internal_storage_encrypted(device_policy_manager_h handle, i
 }
 
 int dpm_security_set_external_storage_encryption(device_policy_manager_h handle, int encrypt) {
-    return host::dpm::set("dpm_security_set_external_storage_encryption", handle, externalDemand, normalized(encrypt));
+    return host::dpm::set("dpm_security_set_external_storage_encryption", handle, externalDemand,
+                          host::dpm::truth(encrypt));
 }
 
 int dpm_security_is_external_storage_encrypted(device_policy_manager_h handle, int* is_encrypted) {

@@ -15,6 +15,11 @@ namespace host::dpm {
 /// Whether any client may administer the device.
 bool isAdministered();
 
+/// How the store keeps a yes or no: 1 or 0.
+inline int truth(int value) {
+    return value != 0 ? 1 : 0;
+}
+
 /// A setter: writes an integer, or answers the null handle or the missing client.
 int set(const char* function, device_policy_manager_h handle, const std::string& key, int value);
 

@@ -1,7 +1,9 @@
 #include "faults.h"
 
 #include <cstdlib>
+#include <tuple>
 
+#include "bus_values.h"
 #include "environment.h"
 #include "guard.h"
 #include "host_bus.h"
@@ -36,10 +38,9 @@ void Faults::notify(SettingsStore& store, const std::string& path) {
 void Faults::read(SettingsStore& store) {
     std::map<std::string, Fault, std::less<>> faults;
     for (const auto& function : store.list(folder_)) {
-        const VariantPtr value = store.read(folder_ + function);
-        if (value != nullptr && g_variant_is_of_type(value.get(), G_VARIANT_TYPE("(ii)"))) {
+        if (const auto value = intPairOf(store.read(folder_ + function).get())) {
             Fault fault;
-            g_variant_get(value.get(), "(ii)", &fault.code, &fault.nth);
+            std::tie(fault.code, fault.nth) = *value;
             const auto known = faults_.find(function);
             const bool isSame =
                 known != faults_.end() && known->second.code == fault.code && known->second.nth == fault.nth;

@@ -1,7 +1,5 @@
 #include "message_ports.h"
 
-#include <algorithm>
-
 #include "bundle_handle.h"
 #include "environment.h"
 #include "guard.h"
@@ -51,10 +49,8 @@ MessagePorts::~MessagePorts() {
 }
 
 int MessagePorts::open(const std::string& name, message_port_message_cb callback, void* userData) {
-    const auto present = find(name);
-    if (present != ports_.end()) {
-        present->second = Port{name, callback, userData};
-        return present->first;
+    if (ports_.find(name)) {
+        return ports_.set(name, callback, userData);
     }
     const std::string nameOnBus = busName(Environment::get().applicationId(), name);
     if (!g_dbus_is_name(nameOnBus.c_str())) {
@@ -63,7 +59,7 @@ int MessagePorts::open(const std::string& name, message_port_message_cb callback
     g_autoptr(GError) error = nullptr;
     // The object comes before the name: whoever sees the name may send at once.
     auto* skeleton = G_DBUS_INTERFACE_SKELETON(skeleton_.get());
-    if (ports_.empty() &&
+    if (ports_.isEmpty() &&
         !g_dbus_interface_skeleton_export(skeleton, bus_.connection(), host_bus::applicationPath, &error)) {
         throw HostError("cannot open the port " + name + ": " + error->message);
     }
@@ -71,18 +67,17 @@ int MessagePorts::open(const std::string& name, message_port_message_cb callback
         report("cannot open the port " + name + ": another process of this application has it open");
         return MESSAGE_PORT_ERROR_RESOURCE_UNAVAILABLE;
     }
-    ports_.emplace(++lastId_, Port{name, callback, userData});
-    return lastId_;
+    return ports_.set(name, callback, userData);
 }
 
 int MessagePorts::close(int id) {
-    const auto port = ports_.find(id);
-    if (port == ports_.end()) {
+    const auto name = ports_.nameOf(id);
+    if (!name) {
         return MESSAGE_PORT_ERROR_PORT_NOT_FOUND;
     }
-    bus_.releaseName(busName(Environment::get().applicationId(), port->second.name));
-    ports_.erase(port);
-    if (ports_.empty()) {
+    bus_.releaseName(busName(Environment::get().applicationId(), *name));
+    ports_.remove(id);
+    if (ports_.isEmpty()) {
         g_dbus_interface_skeleton_unexport(G_DBUS_INTERFACE_SKELETON(skeleton_.get()));
     }
     return MESSAGE_PORT_ERROR_NONE;
@@ -107,26 +102,10 @@ int MessagePorts::send(const std::string& application, const std::string& port, 
     return MESSAGE_PORT_ERROR_NONE;
 }
 
-MessagePorts::Ports::iterator MessagePorts::find(const std::string& name) {
-    return std::find_if(ports_.begin(), ports_.end(), [&](const auto& entry) { return entry.second.name == name; });
-}
-
-// The callback may close its port, so nothing of the port is used after it.
-void MessagePorts::deliver(const std::string& port, const char* sender, GVariant* message) {
-    const auto found = find(port);
-    if (found == ports_.end()) {
-        throw HostError("the port " + port + " is not open");
-    }
-    const int id = found->first;
-    const Port target = found->second;
-    bundle content{StringMap(message)};
-    target.callback(id, sender, nullptr, false, &content, target.userData);
-}
-
 gboolean MessagePorts::onSend(PlatformBusMessagePort* object, GDBusMethodInvocation* invocation, const char* port,
                               const char* sender, GVariant* message, gpointer self) {
     try {
-        static_cast<MessagePorts*>(self)->deliver(port, sender, message);
+        static_cast<MessagePorts*>(self)->ports_.deliver(port, sender, message);
         platform_bus_message_port_complete_send(object, invocation);
     } catch (const std::exception& error) {
         g_dbus_method_invocation_return_dbus_error(invocation, "tesk.host.Error.PortNotFound", error.what());

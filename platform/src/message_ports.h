@@ -1,11 +1,11 @@
 #ifndef PLATFORM_MESSAGE_PORTS_H
 #define PLATFORM_MESSAGE_PORTS_H
 
-#include <map>
 #include <string>
 
 #include "bus.h"
 #include "message_port.h"
+#include "open_ports.h"
 
 namespace host {
 
@@ -38,25 +38,14 @@ public:
     int send(const std::string& application, const std::string& port, const bundle& message);
 
 private:
-    struct Port {
-        std::string name;
-        message_port_message_cb callback;
-        void* userData;
-    };
-    using Ports = std::map<int, Port>;
-
     explicit MessagePorts(Bus& bus);
-
-    Ports::iterator find(const std::string& name);
-    void deliver(const std::string& port, const char* sender, GVariant* message);
 
     static gboolean onSend(PlatformBusMessagePort* object, GDBusMethodInvocation* invocation, const char* port,
                            const char* sender, GVariant* message, gpointer self);
 
     Bus& bus_;
     ObjectPtr<PlatformBusMessagePort> skeleton_;
-    Ports ports_;
-    int lastId_ = 0;
+    OpenPorts ports_;
 };
 
 } // namespace host

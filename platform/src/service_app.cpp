@@ -2,6 +2,7 @@
 
 #include <glib-unix.h>
 
+#include <cerrno>
 #include <csignal>
 
 #include "application_object.h"
@@ -16,7 +17,6 @@ using host::guarded;
 
 namespace {
 
-constexpr int invalidParameter = -22;
 constexpr int failed = -1;
 
 /// The application's main loop, and whether it was told to end, which may happen before it runs.
@@ -133,7 +133,7 @@ int runApplication(const service_app_lifecycle_callback_s& callbacks, void* user
 
 int service_app_main(int /*argc*/, char** argv, service_app_lifecycle_callback_s* callback, void* user_data) {
     if (argv == nullptr || callback == nullptr || callback->create == nullptr) {
-        return invalidParameter;
+        return -EINVAL;
     }
     return guarded("service_app_main", failed, [&] {
         // A reader that went away is an error of the write, not the application's end.

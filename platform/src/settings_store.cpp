@@ -3,6 +3,7 @@
 #include <dconf.h>
 
 #include "bus.h"
+#include "bus_values.h"
 #include "faults.h"
 #include "guard.h"
 #include "text.h"
@@ -36,19 +37,11 @@ VariantPtr SettingsStore::read(const std::string& key) {
 }
 
 std::optional<int> SettingsStore::readInt(const std::string& key) {
-    const VariantPtr value = read(key);
-    if (value == nullptr || !g_variant_is_of_type(value.get(), G_VARIANT_TYPE_INT32)) {
-        return std::nullopt;
-    }
-    return g_variant_get_int32(value.get());
+    return intOf(read(key).get());
 }
 
 std::optional<std::string> SettingsStore::readText(const std::string& key) {
-    const VariantPtr value = read(key);
-    if (value == nullptr || !g_variant_is_of_type(value.get(), G_VARIANT_TYPE_STRING)) {
-        return std::nullopt;
-    }
-    return g_variant_get_string(value.get(), nullptr);
+    return textOf(read(key).get());
 }
 
 void SettingsStore::write(const std::string& key, GVariant* value) {

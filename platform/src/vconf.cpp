@@ -18,7 +18,7 @@ namespace {
 
 constexpr int failure = -1;
 
-std::string pathOf(const char* key) {
+std::string keyPath(const char* key) {
     return key != nullptr ? vconfPath(key) : std::string();
 }
 
@@ -26,7 +26,7 @@ std::string pathOf(const char* key) {
 
 int vconf_get_int(const char* in_key, int* intval) {
     return guarded("vconf_get_int", failure, [&] {
-        const std::string path = pathOf(in_key);
+        const std::string path = keyPath(in_key);
         const auto value = path.empty() || intval == nullptr ? std::nullopt : SettingsStore::get().readInt(path);
         if (!value) {
             return failure;
@@ -38,7 +38,7 @@ int vconf_get_int(const char* in_key, int* intval) {
 
 int vconf_set_int(const char* in_key, const int intval) {
     return guarded("vconf_set_int", failure, [&] {
-        const std::string path = pathOf(in_key);
+        const std::string path = keyPath(in_key);
         if (path.empty()) {
             return failure;
         }
@@ -49,7 +49,7 @@ int vconf_set_int(const char* in_key, const int intval) {
 
 char* vconf_get_str(const char* in_key) {
     return guarded<char*>("vconf_get_str", nullptr, [&]() -> char* {
-        const std::string path = pathOf(in_key);
+        const std::string path = keyPath(in_key);
         const auto value = path.empty() ? std::nullopt : SettingsStore::get().readText(path);
         return value ? host::copyForCaller(*value) : nullptr;
     });
@@ -57,7 +57,7 @@ char* vconf_get_str(const char* in_key) {
 
 int vconf_set_str(const char* in_key, const char* strval) {
     return guarded("vconf_set_str", failure, [&] {
-        const std::string path = pathOf(in_key);
+        const std::string path = keyPath(in_key);
         if (path.empty() || strval == nullptr || !host::isUtf8(strval)) {
             return failure;
         }
@@ -68,7 +68,7 @@ int vconf_set_str(const char* in_key, const char* strval) {
 
 int vconf_notify_key_changed(const char* in_key, vconf_callback_fn cb, void* user_data) {
     return guarded("vconf_notify_key_changed", failure, [&] {
-        if (cb == nullptr || pathOf(in_key).empty()) {
+        if (cb == nullptr || keyPath(in_key).empty()) {
             return failure;
         }
         VconfWatches::get().add(in_key, cb, user_data);
@@ -78,7 +78,7 @@ int vconf_notify_key_changed(const char* in_key, vconf_callback_fn cb, void* use
 
 int vconf_ignore_key_changed(const char* in_key, vconf_callback_fn cb) {
     return guarded("vconf_ignore_key_changed", failure, [&] {
-        const bool valid = cb != nullptr && !pathOf(in_key).empty();
+        const bool valid = cb != nullptr && !keyPath(in_key).empty();
         return valid && VconfWatches::get().remove(in_key, cb) ? 0 : failure;
     });
 }

@@ -1,0 +1,39 @@
+#include "bus_values.h"
+
+namespace host {
+namespace {
+
+bool isOf(GVariant* value, const GVariantType* type) {
+    return value != nullptr && g_variant_is_of_type(value, type) != FALSE;
+}
+
+} // namespace
+
+std::optional<int> intOf(GVariant* value) {
+    return isOf(value, G_VARIANT_TYPE_INT32) ? std::optional(g_variant_get_int32(value)) : std::nullopt;
+}
+
+std::optional<std::string> textOf(GVariant* value) {
+    return isOf(value, G_VARIANT_TYPE_STRING) ? std::optional<std::string>(g_variant_get_string(value, nullptr))
+                                              : std::nullopt;
+}
+
+std::optional<std::pair<int, int>> intPairOf(GVariant* value) {
+    if (!isOf(value, G_VARIANT_TYPE("(ii)"))) {
+        return std::nullopt;
+    }
+    std::pair<int, int> numbers;
+    g_variant_get(value, "(ii)", &numbers.first, &numbers.second);
+    return numbers;
+}
+
+std::optional<int> intArgumentOf(GVariant* arguments) {
+    if (!isOf(arguments, G_VARIANT_TYPE("(i)"))) {
+        return std::nullopt;
+    }
+    int number = 0;
+    g_variant_get(arguments, "(i)", &number);
+    return number;
+}
+
+} // namespace host

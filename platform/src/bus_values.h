@@ -1,0 +1,24 @@
+#ifndef PLATFORM_BUS_VALUES_H
+#define PLATFORM_BUS_VALUES_H
+
+#include <glib.h>
+
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace host {
+
+/// What signals and settings hold. Anyone on the device can send the one and write the other, and nothing but these
+/// functions looks at the type: each has a value of one type, and nothing for every other and for null.
+
+std::optional<int> intOf(GVariant* value);
+std::optional<std::string> textOf(GVariant* value);
+std::optional<std::pair<int, int>> intPairOf(GVariant* value);
+
+/// The one number that a signal carries.
+std::optional<int> intArgumentOf(GVariant* arguments);
+
+} // namespace host
+
+#endif

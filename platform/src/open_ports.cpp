@@ -1,0 +1,38 @@
+#include "open_ports.h"
+
+#include <algorithm>
+
+#include "bundle_handle.h"
+#include "guard.h"
+
+namespace host {
+
+std::optional<int> OpenPorts::find(const std::string& name) const {
+    const auto found =
+        std::find_if(ports_.begin(), ports_.end(), [&](const auto& entry) { return entry.second.name == name; });
+    return found != ports_.end() ? std::optional(found->first) : std::nullopt;
+}
+
+std::optional<std::string> OpenPorts::nameOf(int id) const {
+    const auto found = ports_.find(id);
+    return found != ports_.end() ? std::optional(found->second.name) : std::nullopt;
+}
+
+int OpenPorts::set(const std::string& name, message_port_message_cb callback, void* userData) {
+    const auto present = find(name);
+    const int id = present ? *present : ++lastId_;
+    ports_[id] = Port{name, callback, userData};
+    return id;
+}
+
+void OpenPorts::deliver(const std::string& name, const char* sender, GVariant* message) const {
+    const auto id = find(name);
+    if (!id) {
+        throw HostError("the port " + name + " is not open");
+    }
+    const Port target = ports_.at(*id); // a copy, since the callback may close the port
+    bundle content{StringMap(message)};
+    target.callback(*id, sender, nullptr, false, &content, target.userData);
+}
+
+} // namespace host

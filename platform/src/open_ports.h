@@ -1,0 +1,46 @@
+#ifndef PLATFORM_OPEN_PORTS_H
+#define PLATFORM_OPEN_PORTS_H
+
+#include <map>
+#include <optional>
+#include <string>
+
+#include "glib_ptr.h"
+#include "message_port.h"
+
+namespace host {
+
+/// The message ports that a process has open, and who gets the messages. Knows nothing of the bus.
+class OpenPorts {
+public:
+    bool isEmpty() const { return ports_.empty(); }
+
+    /// The id of an open port, if it is open.
+    std::optional<int> find(const std::string& name) const;
+
+    /// The name of a port, if it is open.
+    std::optional<std::string> nameOf(int id) const;
+
+    /// Adds a port, or gives an open one another callback. Returns its id.
+    int set(const std::string& name, message_port_message_cb callback, void* userData);
+
+    void remove(int id) { ports_.erase(id); }
+
+    /// Hands a message in its bus form, a(ss), to a port's callback, which may close the port. Throws HostError when no
+    /// port of that name is open.
+    void deliver(const std::string& name, const char* sender, GVariant* message) const;
+
+private:
+    struct Port {
+        std::string name;
+        message_port_message_cb callback;
+        void* userData;
+    };
+
+    std::map<int, Port> ports_;
+    int lastId_ = 0;
+};
+
+} // namespace host
+
+#endif
