@@ -74,7 +74,7 @@ struct Rule {
     const char* text;
 };
 
-constexpr std::array<Rule, 8> rules{{
+constexpr std::array<Rule, 8> noteRules{{
     {limitsWithoutPassword,
      "the password limits of an account that requires no password take part in the merge all the same; the protocol "
      "tells clients to ignore them"},
@@ -100,7 +100,7 @@ constexpr std::array<Rule, 8> rules{{
 std::vector<AdministratorNote> administratorNotes(const TeskPolicyDataList& accounts) {
     const auto merged = TeskPolicyMerge::strongest(accounts);
     std::vector<AdministratorNote> notes;
-    for (const auto& rule : rules) {
+    for (const auto& rule : noteRules) {
         AdministratorNote note{{}, rule.text};
         for (const auto& account : accounts) {
             if (rule.applies({*account, merged, accounts})) {

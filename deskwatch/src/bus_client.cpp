@@ -5,7 +5,7 @@
 namespace deskwatch {
 namespace {
 
-constexpr std::chrono::seconds patience{10};
+constexpr std::chrono::seconds daemonPatience{10};
 
 BusClient::Method busMethod(const char* name) {
     return {"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", name};
@@ -35,7 +35,7 @@ VariantOwner BusClient::call(const Method& method, GVariant* arguments, std::chr
 }
 
 std::vector<std::string> BusClient::ownedNames() const {
-    const auto answer = call(busMethod("ListNames"), nullptr, patience);
+    const auto answer = call(busMethod("ListNames"), nullptr, daemonPatience);
     const VariantOwner list(g_variant_get_child_value(answer.get(), 0));
     std::vector<std::string> names;
     GVariantIter iterator;
@@ -54,7 +54,7 @@ std::vector<ProcessHandle> BusClient::applicationProcesses() const {
     for (const auto& name : ownedNames()) {
         VariantOwner answer;
         try {
-            answer = call(busMethod("GetConnectionUnixProcessID"), g_variant_new("(s)", name.c_str()), patience);
+            answer = call(busMethod("GetConnectionUnixProcessID"), g_variant_new("(s)", name.c_str()), daemonPatience);
         } catch (const std::runtime_error&) {
             continue; // it has gone since the list was made
         }

@@ -5,7 +5,7 @@
 namespace deskwatch {
 namespace {
 
-constexpr int patience = 10'000;
+constexpr int monitorPatience = 10'000;
 
 /// Called in the connection's own thread. Keeps every message that comes in, so that nothing here answers it: a monitor
 /// that says something is cut off.
@@ -42,7 +42,7 @@ BusMonitor::BusMonitor(const std::string& address) : messages_(g_async_queue_new
     const VariantOwner answer(g_dbus_connection_call_sync(connection_.get(), "org.freedesktop.DBus",
                                                           "/org/freedesktop/DBus", "org.freedesktop.DBus.Monitoring",
                                                           "BecomeMonitor", g_variant_new("(asu)", nullptr, 0U), nullptr,
-                                                          G_DBUS_CALL_FLAGS_NONE, patience, nullptr, &error));
+                                                          G_DBUS_CALL_FLAGS_NONE, monitorPatience, nullptr, &error));
     if (answer == nullptr) {
         throw std::runtime_error("cannot watch the bus at " + address + ": " + takeMessage(error));
     }

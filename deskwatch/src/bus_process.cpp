@@ -16,7 +16,7 @@
 namespace deskwatch {
 namespace {
 
-constexpr std::chrono::seconds patience{20};
+constexpr std::chrono::seconds busPatience{20};
 
 /// The descriptor that the daemon writes its address to when it is ready.
 constexpr int readyDescriptor = 3;
@@ -67,7 +67,7 @@ std::string findDaemon() {
 /// Waits until the daemon says that it is ready. False when it ends instead, or takes too long.
 bool waitUntilReady(const FileDescriptor& ready) {
     pollfd entry{ready.get(), POLLIN, 0};
-    const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(patience).count();
+    const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(busPatience).count();
     char first = '\0';
     return poll(&entry, 1, static_cast<int>(milliseconds)) == 1 && read(ready.get(), &first, 1) == 1;
 }
@@ -131,7 +131,7 @@ std::optional<ProcessHandle> BusProcess::running() const {
 void BusProcess::stop() const {
     if (const auto daemon = running()) {
         daemon->signal(SIGTERM);
-        if (!daemon->waitForEnd(patience)) {
+        if (!daemon->waitForEnd(busPatience)) {
             throw std::runtime_error("dbus-daemon (process " + std::to_string(daemon->pid()) + ") does not end");
         }
     }

@@ -8,7 +8,7 @@
 namespace deskwatch {
 namespace {
 
-constexpr std::chrono::seconds patience{10};
+constexpr std::chrono::seconds ownerPatience{10};
 
 std::string textOf(const char* text) {
     return text != nullptr ? text : "";
@@ -73,7 +73,7 @@ BusTrace::BusTrace(const BusClient& bus, Sink sink) : sink_(std::move(sink)) {
         }
         const auto answer =
             bus.call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetNameOwner"},
-                     g_variant_new("(s)", name.c_str()), patience);
+                     g_variant_new("(s)", name.c_str()), ownerPatience);
         const char* owner = nullptr;
         g_variant_get(answer.get(), "(&s)", &owner);
         owners_[owner] = name;

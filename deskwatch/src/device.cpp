@@ -19,7 +19,7 @@
 namespace deskwatch {
 namespace {
 
-constexpr std::chrono::seconds patience{20};
+constexpr std::chrono::seconds applicationPatience{20};
 
 /// Keeps two processes from booting or ending one device at the same time. The lock goes with the descriptor.
 FileDescriptor lockBoot(const DeviceLayout& layout) {
@@ -41,7 +41,7 @@ std::vector<ProcessHandle> applicationsOf(const DeviceLayout& layout) {
 
 void waitForApplications(const std::vector<ProcessHandle>& applications) {
     for (const auto& application : applications) {
-        if (!application.waitForEnd(patience)) {
+        if (!application.waitForEnd(applicationPatience)) {
             throw std::runtime_error("process " + std::to_string(application.pid()) +
                                      " goes on although its bus has gone");
         }

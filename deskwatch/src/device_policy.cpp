@@ -29,7 +29,7 @@ struct Setting {
     int (*read)(device_policy_manager_h manager, int* value);
 };
 
-constexpr std::array<Setting, 10> settings{{
+constexpr std::array<Setting, 10> storedSettings{{
     {"quality", dpm_password_get_quality},
     {"minimum_length", dpm_password_get_minimum_length},
     {"maximum_failed_attempts_for_wipe", dpm_password_get_maximum_failed_attempts_for_wipe},
@@ -55,7 +55,7 @@ ManagerOwner newManager() {
 std::vector<NamedValue> readDevicePolicy(DConfClient* store) {
     const ManagerOwner manager = newManager();
     std::vector<NamedValue> values;
-    for (const auto& setting : settings) {
+    for (const auto& setting : storedSettings) {
         int value = 0;
         const bool isRead = setting.read(manager.get(), &value) == DPM_ERROR_NONE;
         values.push_back({setting.name, isRead ? Value(value) : Value()});

@@ -1,6 +1,7 @@
 #include "explanation.h"
 
 #include "text_table.h"
+#include "value_output.h"
 #include "value_text.h"
 
 #include <nlohmann/json.hpp>
@@ -104,10 +105,6 @@ std::string noteLines(const Explanation& explanation) {
     return text.empty() ? "  nothing\n" : text;
 }
 
-Json number(const std::optional<int>& value) {
-    return value ? Json(*value) : Json(nullptr);
-}
-
 const char* standingText(Standing standing) {
     switch (standing) {
     case Standing::wins:
@@ -126,14 +123,15 @@ Json fieldJson(const Explanation& explanation, const FieldExplanation& field) {
         accounts.push_back(
             {{"account", share.account}, {"value", share.value}, {"standing", standingText(share.standing)}});
     }
-    Json object{
-        {"field", field.field},    {"rule", field.rule},     {"accounts", accounts}, {"winner", number(field.winner)},
-        {"losers", losers(field)}, {"merged", field.merged}, {"setting", nullptr},   {"written", nullptr},
-        {"now", nullptr}};
+    Json object{{"field", field.field},    {"rule", field.rule},
+                {"accounts", accounts},    {"winner", numberJson(field.winner)},
+                {"losers", losers(field)}, {"merged", field.merged},
+                {"setting", nullptr},      {"written", nullptr},
+                {"now", nullptr}};
     if (field.setting) {
         object["setting"] = deviceSettings[*field.setting].name;
-        object["written"] = number(explanation.written[*field.setting]);
-        object["now"] = number(explanation.now[*field.setting]);
+        object["written"] = numberJson(explanation.written[*field.setting]);
+        object["now"] = numberJson(explanation.now[*field.setting]);
     }
     return object;
 }
@@ -163,8 +161,8 @@ std::string explanationJson(const Explanation& explanation) {
         object["fields"].push_back(fieldJson(explanation, field));
     }
     for (std::size_t setting = 0; setting < deviceSettings.size(); ++setting) {
-        object["settings"][deviceSettings[setting].name] = {{"written", number(explanation.written[setting])},
-                                                            {"now", number(explanation.now[setting])}};
+        object["settings"][deviceSettings[setting].name] = {{"written", numberJson(explanation.written[setting])},
+                                                            {"now", numberJson(explanation.now[setting])}};
     }
     object["password"] = passwordJson(explanation);
     object["notes"] = Json::array();

@@ -1,5 +1,6 @@
 #include "first_settings.h"
 
+#include <TeskConsumerKeys.h>
 #include <dconf.h>
 
 namespace deskwatch {
@@ -11,7 +12,7 @@ struct ChangesetRelease {
 
 using ChangesetOwner = std::unique_ptr<DConfChangeset, ChangesetRelease>;
 
-constexpr std::chrono::seconds patience{30};
+constexpr std::chrono::seconds settingsPatience{30};
 
 GVariant* intValue(int value) {
     return g_variant_new_int32(value);
@@ -20,22 +21,24 @@ GVariant* textValue(const std::string& value) {
     return g_variant_new_string(value.c_str());
 }
 
+void setKey(const ChangesetOwner& changes, const std::string& key, GVariant* value) {
+    dconf_changeset_set(changes.get(), ("/vconf/" + key).c_str(), value);
+}
+
 ChangesetOwner firstChanges(const WatchState& state, bool fresh) {
     ChangesetOwner changes(dconf_changeset_new());
     dconf_changeset_set(changes.get(), "/faults/", nullptr);
     dconf_changeset_set(changes.get(), "/vconf/memory/", nullptr);
-    dconf_changeset_set(changes.get(), "/vconf/memory/private/com.velmor.hearth/tutorial_is_in_progress",
-                        intValue(state.tutorial.value_or(false) ? 1 : 0));
+    setKey(changes, TeskConsumerKeys::tutorialInProgress, intValue(state.tutorial.value_or(false) ? 1 : 0));
     if (fresh || state.lock) {
-        dconf_changeset_set(changes.get(), "/vconf/db/setting/lock_type",
-                            intValue(static_cast<int>(state.lock.value_or(Lock::none))));
+        setKey(changes, TeskConsumerKeys::lockType, intValue(static_cast<int>(state.lock.value_or(Lock::none))));
     }
     if (fresh || state.encrypted) {
-        dconf_changeset_set(changes.get(), "/vconf/db/ode/crypto_state",
-                            textValue(state.encrypted.value_or(false) ? "encrypted" : "unencrypted"));
+        setKey(changes, TeskConsumerKeys::cryptoState,
+               textValue(state.encrypted.value_or(false) ? "encrypted" : "unencrypted"));
     }
     if (fresh || state.country) {
-        dconf_changeset_set(changes.get(), "/vconf/db/rgn/country_iso", textValue(state.country.value_or("US")));
+        setKey(changes, TeskConsumerKeys::countryIso, textValue(state.country.value_or("US")));
     }
     return changes;
 }
@@ -50,7 +53,7 @@ void writeFirstSettings(const BusClient& bus, const WatchState& state, bool fres
     GVariant* bytes = g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, g_variant_get_data(serialised.get()),
                                                 g_variant_get_size(serialised.get()), 1);
     bus.call({"ca.desrt.dconf", "/ca/desrt/dconf/Writer/user", "ca.desrt.dconf.Writer", "Change"},
-             g_variant_new("(@ay)", bytes), patience);
+             g_variant_new("(@ay)", bytes), settingsPatience);
 }
 
 } // namespace deskwatch

@@ -1,6 +1,7 @@
 #include "forecast.h"
 
 #include "text_table.h"
+#include "value_output.h"
 #include "value_text.h"
 
 #include <TeskPolicyTable.h>
@@ -69,10 +70,6 @@ std::string remarkLines(const Forecast& forecast) {
     return rows.empty() ? "" : "\nRemarks\n" + textTable(rows);
 }
 
-Json number(const std::optional<int>& value) {
-    return value ? Json(*value) : Json(nullptr);
-}
-
 Json mergedJson(const Forecast& forecast) {
     Json merged = Json::object();
     for (const auto& row : TeskPolicyTable::numbers) {
@@ -87,8 +84,8 @@ Json mergedJson(const Forecast& forecast) {
 Json settingsJson(const Forecast& forecast) {
     Json settings = Json::object();
     for (std::size_t setting = 0; setting < deviceSettings.size(); ++setting) {
-        settings[deviceSettings[setting].name] = {{"before", number(forecast.settingsBefore[setting])},
-                                                  {"after", number(forecast.settingsAfter[setting])}};
+        settings[deviceSettings[setting].name] = {{"before", numberJson(forecast.settingsBefore[setting])},
+                                                  {"after", numberJson(forecast.settingsAfter[setting])}};
     }
     return settings;
 }

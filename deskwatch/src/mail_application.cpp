@@ -24,7 +24,7 @@ struct AppControlRelease {
 using BundleOwner = std::unique_ptr<bundle, BundleRelease>;
 using AppControlOwner = std::unique_ptr<app_control_s, AppControlRelease>;
 
-void check(int result, const std::string& what) {
+void expectSuccess(int result, const std::string& what) {
     if (result != 0) {
         throw std::runtime_error("cannot " + what + ": the platform answers " + std::to_string(result));
     }
@@ -32,17 +32,17 @@ void check(int result, const std::string& what) {
 
 void launchService() {
     app_control_h created = nullptr;
-    check(app_control_create(&created), "make a launch request");
+    expectSuccess(app_control_create(&created), "make a launch request");
     const AppControlOwner request(created);
-    check(app_control_set_app_id(request.get(), ids::service), "address a launch request");
-    check(app_control_send_launch_request(request.get(), nullptr, nullptr), "launch the service");
+    expectSuccess(app_control_set_app_id(request.get(), ids::service), "address a launch request");
+    expectSuccess(app_control_send_launch_request(request.get(), nullptr, nullptr), "launch the service");
 }
 
 void send(const Request& request) {
     const BundleOwner message(bundle_create());
-    check(bundle_add_str(message.get(), "req", request.name.c_str()), "write the request's name");
-    check(bundle_add_str(message.get(), "msg", request.argument.c_str()), "write the request's argument");
-    check(message_port_send_message(ids::service, ids::policyPort, message.get()), "send " + request.name);
+    expectSuccess(bundle_add_str(message.get(), "req", request.name.c_str()), "write the request's name");
+    expectSuccess(bundle_add_str(message.get(), "msg", request.argument.c_str()), "write the request's argument");
+    expectSuccess(message_port_send_message(ids::service, ids::policyPort, message.get()), "send " + request.name);
 }
 
 } // namespace

@@ -13,7 +13,7 @@ namespace {
 
 constexpr char diagnosticName[] = "tesk.consumer.test";
 constexpr char diagnosticPath[] = "/tesk/consumer/test";
-constexpr int patience = 20'000; // milliseconds
+constexpr int eventPatience = 20'000; // milliseconds
 
 void send(GDBusConnection* connection, app_event_type_e type) {
     const ObjectOwner<TeskHostSystem> system(tesk_host_system_skeleton_new());
@@ -35,7 +35,7 @@ public:
         DiagnosticName name;
         const guint watch = g_bus_watch_name_on_connection(connection, diagnosticName, G_BUS_NAME_WATCHER_FLAGS_NONE,
                                                            onAppeared, nullptr, &name, nullptr);
-        const guint timer = g_timeout_add(patience, onLate, &name);
+        const guint timer = g_timeout_add(eventPatience, onLate, &name);
         g_main_loop_run(name.loop_.get());
         g_bus_unwatch_name(watch);
         if (!name.isThere_) {
@@ -76,7 +76,7 @@ int callDiagnosticMethod(const Device& device, const std::string& method, std::o
     const VariantOwner answer(
         g_dbus_connection_call_sync(watch.connection(), diagnosticName, diagnosticPath, diagnosticName, method.c_str(),
                                     value ? g_variant_new("(i)", *value) : nullptr, G_VARIANT_TYPE("(i)"),
-                                    G_DBUS_CALL_FLAGS_NO_AUTO_START, patience, nullptr, &error));
+                                    G_DBUS_CALL_FLAGS_NO_AUTO_START, eventPatience, nullptr, &error));
     if (answer == nullptr) {
         throw std::runtime_error("the service does not answer " + method + ": " + takeMessage(error));
     }

@@ -14,7 +14,7 @@
 namespace deskwatch {
 namespace {
 
-const std::string folder = std::string("/faults/") + ids::service + "/";
+const std::string faultsFolder = std::string("/faults/") + ids::service + "/";
 
 void write(const std::string& path, GVariant* value) {
     const ObjectOwner<DConfClient> store(dconf_client_new());
@@ -44,13 +44,13 @@ void setFault(const Device& device, const PlatformFault& fault) {
         throw std::runtime_error("the platform has no function " + fault.function +
                                  "; one is named as in its headers, such as dpm_password_set_quality");
     }
-    write(folder + fault.function, g_variant_new("(ii)", fault.code, fault.nth));
+    write(faultsFolder + fault.function, g_variant_new("(ii)", fault.code, fault.nth));
     watch.settleService();
 }
 
 void clearFaults(const Device& device) {
     const WatchClient watch(device, observerId);
-    write(folder, nullptr);
+    write(faultsFolder, nullptr);
     watch.settleService();
 }
 
@@ -58,11 +58,11 @@ std::vector<PlatformFault> readFaults(const Device& device) {
     const WatchClient watch(device, observerId);
     const ObjectOwner<DConfClient> store(dconf_client_new());
     int count = 0;
-    char** names = dconf_client_list(store.get(), folder.c_str(), &count);
+    char** names = dconf_client_list(store.get(), faultsFolder.c_str(), &count);
     std::vector<PlatformFault> faults;
     for (int index = 0; index < count; ++index) {
         PlatformFault fault{names[index]};
-        const VariantOwner value(dconf_client_read(store.get(), (folder + fault.function).c_str()));
+        const VariantOwner value(dconf_client_read(store.get(), (faultsFolder + fault.function).c_str()));
         if (value != nullptr && g_variant_is_of_type(value.get(), G_VARIANT_TYPE("(ii)")) != FALSE) {
             g_variant_get(value.get(), "(ii)", &fault.code, &fault.nth);
             faults.push_back(fault);

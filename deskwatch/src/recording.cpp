@@ -5,6 +5,8 @@
 #include "observer.h"
 #include "watch_status.h"
 
+#include <TeskConsumerKeys.h>
+
 #include <sys/signalfd.h>
 
 #include <csignal>
@@ -18,11 +20,6 @@ namespace {
 
 constexpr std::chrono::milliseconds lookUp{100};
 constexpr int version = 1;
-
-constexpr char lockKey[] = "db/setting/lock_type";
-constexpr char cryptoKey[] = "db/ode/crypto_state";
-constexpr char countryKey[] = "db/rgn/country_iso";
-constexpr char tutorialKey[] = "memory/private/com.velmor.hearth/tutorial_is_in_progress";
 
 /// Holds SIGINT and SIGTERM back, so that the end of a recording is a place in the code.
 class EndSignals {
@@ -48,7 +45,8 @@ private:
 TraceEvent header(const WatchStatus& status) {
     TraceEvent head{{"recording", version}, {"serviceRunning", status.isServiceRunning}};
     for (const auto& [name, value] : status.keys) {
-        for (const auto* key : {lockKey, cryptoKey, countryKey, tutorialKey}) {
+        for (const auto* key : {TeskConsumerKeys::lockType, TeskConsumerKeys::cryptoState, TeskConsumerKeys::countryIso,
+                                TeskConsumerKeys::tutorialInProgress}) {
             if (name == key && std::holds_alternative<int>(value)) {
                 head[key] = std::get<int>(value);
             } else if (name == key && std::holds_alternative<std::string>(value)) {
@@ -73,10 +71,10 @@ Recording recordingOf(const TraceEvent& head) {
     }
     Recording recording;
     recording.isServiceRunning = head.at("serviceRunning").get<bool>();
-    recording.watch.lock = static_cast<Lock>(head.value(lockKey, 0));
-    recording.watch.encrypted = head.value(cryptoKey, "") == "encrypted";
-    recording.watch.country = head.value(countryKey, "");
-    recording.watch.tutorial = head.value(tutorialKey, 0) != 0;
+    recording.watch.lock = static_cast<Lock>(head.value(TeskConsumerKeys::lockType, 0));
+    recording.watch.encrypted = head.value(TeskConsumerKeys::cryptoState, "") == "encrypted";
+    recording.watch.country = head.value(TeskConsumerKeys::countryIso, "");
+    recording.watch.tutorial = head.value(TeskConsumerKeys::tutorialInProgress, 0) != 0;
     return recording;
 }
 

@@ -16,7 +16,7 @@ namespace deskwatch {
 namespace {
 
 /// Longer than the bus waits for a program to come up.
-constexpr std::chrono::seconds patience{120};
+constexpr std::chrono::seconds replayPatience{120};
 
 struct ChangesetRelease {
     void operator()(DConfChangeset* changeset) const { dconf_changeset_unref(changeset); }
@@ -73,7 +73,7 @@ public:
 
     void launch(const std::string& caller, const TraceEvent& extraData) const {
         bus_.call({ids::service, host_bus::applicationPath, "tesk.host.Application", "Launch"},
-                  g_variant_new("(s@a(ss)b)", caller.c_str(), entries(extraData), FALSE), patience);
+                  g_variant_new("(s@a(ss)b)", caller.c_str(), entries(extraData), FALSE), replayPatience);
     }
 
     /// Does what came in.
@@ -119,7 +119,7 @@ private:
         bus_.call({ids::service, host_bus::applicationPath, "tesk.host.MessagePort", "Send"},
                   g_variant_new("(ss@a(ss))", event.at("port").get<std::string>().c_str(),
                                 event.at("from").get<std::string>().c_str(), entries(event.at("entries"))),
-                  patience);
+                  replayPatience);
     }
 
     void reply(const TraceEvent& event) const {
@@ -128,7 +128,7 @@ private:
         GVariant* arguments =
             isAnswer ? g_variant_new("(s)", extraData.at("result").get<std::string>().c_str()) : nullptr;
         bus_.call({event.at("from"), companion_bus::path, "tesk.desk.Companion", isAnswer ? "Answer" : "Dismiss"},
-                  arguments, patience);
+                  arguments, replayPatience);
     }
 
     void setKey(const std::string& key, const TraceEvent& value) const {
@@ -138,11 +138,11 @@ private:
         GVariant* bytes = g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, g_variant_get_data(serialised.get()),
                                                     g_variant_get_size(serialised.get()), 1);
         bus_.call({"ca.desrt.dconf", "/ca/desrt/dconf/Writer/user", "ca.desrt.dconf.Writer", "Change"},
-                  g_variant_new("(@ay)", bytes), patience);
+                  g_variant_new("(@ay)", bytes), replayPatience);
     }
 
     void settle(const std::string& application) const {
-        bus_.call({application, host_bus::applicationPath, "tesk.host.Application", "Settle"}, nullptr, patience);
+        bus_.call({application, host_bus::applicationPath, "tesk.host.Application", "Settle"}, nullptr, replayPatience);
     }
 
     bool isRunning(const std::string& application) const {
@@ -157,13 +157,13 @@ private:
         }
         const auto answer = bus_.call(
             {"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetConnectionUnixProcessID"},
-            g_variant_new("(s)", ids::service), patience);
+            g_variant_new("(s)", ids::service), replayPatience);
         guint32 pid = 0;
         g_variant_get(answer.get(), "(u)", &pid);
         const auto process = ProcessHandle::open(static_cast<pid_t>(pid));
         if (process) {
             process->signal(SIGTERM);
-            process->waitForEnd(patience);
+            process->waitForEnd(replayPatience);
         }
     }
 
@@ -171,8 +171,8 @@ private:
     void readUpToNow() {
         const std::string marker = "tesk.desk.marker" + std::to_string(++markers_);
         bus_.call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner"},
-                  g_variant_new("(s)", marker.c_str()), patience);
-        while (const auto message = monitor_.next(patience)) {
+                  g_variant_new("(s)", marker.c_str()), replayPatience);
+        while (const auto message = monitor_.next(replayPatience)) {
             GVariant* body = g_dbus_message_get_body(message.get());
             const char* member = g_dbus_message_get_member(message.get());
             if (member != nullptr && std::string(member) == "NameHasOwner" && body != nullptr &&

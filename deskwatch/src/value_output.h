@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <optional>
 #include <string>
 
 namespace deskwatch {
@@ -14,6 +15,11 @@ std::string valueText(const Value& value);
 
 /// A value for a program; null for none.
 nlohmann::ordered_json valueJson(const Value& value);
+
+/// A number for a program; null for none.
+inline nlohmann::ordered_json numberJson(const std::optional<int>& value) {
+    return value ? nlohmann::ordered_json(*value) : nlohmann::ordered_json(nullptr);
+}
 
 /// JSON as text: on one line, or indented by `indent` columns. Bytes that are no UTF-8 become visible.
 std::string jsonText(const nlohmann::ordered_json& json, int indent = -1);

@@ -11,7 +11,7 @@ namespace deskwatch {
 namespace {
 
 /// Longer than the bus waits for a program to come up, and than the service waits for a locked database.
-constexpr int patience = 120'000;
+constexpr int settlePatience = 120'000;
 
 void becomeApplication(const Device& device, const std::string& id) {
     if (!device.isBooted()) {
@@ -41,7 +41,7 @@ bool WatchClient::isRunning(const std::string& id) const {
     GError* error = nullptr;
     const VariantOwner answer(g_dbus_connection_call_sync(
         connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
-        g_variant_new("(s)", id.c_str()), nullptr, G_DBUS_CALL_FLAGS_NONE, patience, nullptr, &error));
+        g_variant_new("(s)", id.c_str()), nullptr, G_DBUS_CALL_FLAGS_NONE, settlePatience, nullptr, &error));
     if (answer == nullptr) {
         throw std::runtime_error("the bus does not say whether " + id + " runs: " + takeMessage(error));
     }
@@ -55,7 +55,7 @@ std::optional<pid_t> WatchClient::processOf(const std::string& id) const {
     const VariantOwner answer(g_dbus_connection_call_sync(
         connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
         "GetConnectionUnixProcessID", g_variant_new("(s)", id.c_str()), G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE,
-        patience, nullptr, &error));
+        settlePatience, nullptr, &error));
     if (answer == nullptr) {
         g_clear_error(&error); // nobody has that name
         return std::nullopt;
@@ -72,7 +72,7 @@ std::vector<std::string> WatchClient::settle(const std::string& id) const {
     const ObjectOwner<TeskHostApplication> proxy(tesk_host_application_proxy_new_sync(
         connection_.get(), flags, id.c_str(), host_bus::applicationPath, nullptr, &error));
     char** launched = nullptr;
-    if (proxy == nullptr || tesk_host_application_call_settle_sync(proxy.get(), G_DBUS_CALL_FLAGS_NONE, patience,
+    if (proxy == nullptr || tesk_host_application_call_settle_sync(proxy.get(), G_DBUS_CALL_FLAGS_NONE, settlePatience,
                                                                    &launched, nullptr, &error) == FALSE) {
         throw std::runtime_error(id + " does not answer, see " + device_.layout().log().string() + ": " +
                                  takeMessage(error));

@@ -8,10 +8,12 @@
 #include "tesk-desk-bus.h"
 #include "watch_facts.h"
 
+#include <TeskConsumerKeys.h>
 #include <TeskPolicyMerge.h>
 #include <TeskPolicyTable.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <fstream>
 #include <iterator>
@@ -20,22 +22,18 @@
 namespace deskwatch {
 namespace {
 
-constexpr int patience = 20'000;
+constexpr int launchesPatience = 20'000;
 
-constexpr const char* shownKeys[] = {
-    "db/eas/password_policy_applied",
-    "db/eas/device_encryption_applied",
-    "db/eas/is_pwd_input_finished",
-    "db/setting/lock_type",
-    "db/ode/crypto_state",
-    "db/rgn/country_iso",
-    "memory/private/com.velmor.hearth/tutorial_is_in_progress",
-};
+constexpr std::array shownKeys{TeskConsumerKeys::passwordPolicyApplied, TeskConsumerKeys::deviceEncryptionApplied,
+                               TeskConsumerKeys::passwordInputFinished, TeskConsumerKeys::lockType,
+                               TeskConsumerKeys::cryptoState,           TeskConsumerKeys::countryIso,
+                               TeskConsumerKeys::tutorialInProgress};
 
 constexpr char enforcingAccountKey[] = "pref/tesk-agent/pwd_enforce_account_id";
 
 std::vector<NamedValue> readKeys(DConfClient* store) {
     std::vector<NamedValue> keys;
+    keys.reserve(shownKeys.size());
     for (const auto* key : shownKeys) {
         keys.push_back({key, readSetting(store, std::string("/vconf/") + key)});
     }
@@ -68,8 +66,9 @@ void readLaunches(const WatchClient& watch, const std::string& application, std:
     const ObjectOwner<TeskDeskCompanion> proxy(tesk_desk_companion_proxy_new_sync(
         watch.connection(), flags, application.c_str(), companion_bus::path, nullptr, &error));
     GVariant* answer = nullptr;
-    if (proxy == nullptr || tesk_desk_companion_call_launches_sync(proxy.get(), G_DBUS_CALL_FLAGS_NO_AUTO_START,
-                                                                   patience, &answer, nullptr, &error) == FALSE) {
+    if (proxy == nullptr ||
+        tesk_desk_companion_call_launches_sync(proxy.get(), G_DBUS_CALL_FLAGS_NO_AUTO_START, launchesPatience, &answer,
+                                               nullptr, &error) == FALSE) {
         g_clear_error(&error);
         return;
     }

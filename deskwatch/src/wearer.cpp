@@ -9,6 +9,7 @@
 #include "tesk-desk-bus.h"
 #include "watch_client.h"
 
+#include <TeskConsumerKeys.h>
 #include <vconf.h>
 
 #include <cstdlib>
@@ -18,14 +19,9 @@
 namespace deskwatch {
 namespace {
 
-constexpr int patience = 20'000;
+constexpr int companionPatience = 20'000;
 
-constexpr char lockTypeKey[] = "db/setting/lock_type";
-constexpr char cryptoStateKey[] = "db/ode/crypto_state";
-constexpr char encryptionAppliedKey[] = "db/eas/device_encryption_applied";
-constexpr char tutorialKey[] = "memory/private/com.velmor.hearth/tutorial_is_in_progress";
-
-void check(int result, const std::string& key) {
+void expectSet(int result, const std::string& key) {
     if (result != 0) {
         throw std::runtime_error("cannot set " + key);
     }
@@ -46,12 +42,12 @@ ObjectOwner<TeskDeskCompanion> popupOf(const WatchClient& watch) {
 
 bool send(TeskDeskCompanion* popup, PopupAnswer answer, GError** error) {
     if (answer == PopupAnswer::dismiss) {
-        return tesk_desk_companion_call_dismiss_sync(popup, G_DBUS_CALL_FLAGS_NO_AUTO_START, patience, nullptr,
+        return tesk_desk_companion_call_dismiss_sync(popup, G_DBUS_CALL_FLAGS_NO_AUTO_START, companionPatience, nullptr,
                                                      error) != FALSE;
     }
     const char* result = answer == PopupAnswer::ok ? "ok" : "sync_off_ok";
-    return tesk_desk_companion_call_answer_sync(popup, result, G_DBUS_CALL_FLAGS_NO_AUTO_START, patience, nullptr,
-                                                error) != FALSE;
+    return tesk_desk_companion_call_answer_sync(popup, result, G_DBUS_CALL_FLAGS_NO_AUTO_START, companionPatience,
+                                                nullptr, error) != FALSE;
 }
 
 } // namespace
@@ -82,26 +78,28 @@ int setLock(const Device& device, Lock lock, std::optional<int> length) {
     if (const auto refusal = refusalOf(choice, demand)) {
         throw Refusal(*refusal);
     }
-    check(vconf_set_int(lockTypeKey, static_cast<int>(lock)), lockTypeKey);
+    expectSet(vconf_set_int(TeskConsumerKeys::lockType, static_cast<int>(lock)), TeskConsumerKeys::lockType);
     watch.settleService();
     return choice.length;
 }
 
 bool encrypt(const Device& device) {
     const WatchClient watch(device, ids::encryptionSettings);
-    const std::unique_ptr<char, decltype(&std::free)> state(vconf_get_str(cryptoStateKey), &std::free);
+    const std::unique_ptr<char, decltype(&std::free)> state(vconf_get_str(TeskConsumerKeys::cryptoState), &std::free);
     if (state != nullptr && std::string(state.get()) == "encrypted") {
         return false;
     }
-    check(vconf_set_str(cryptoStateKey, "encrypted"), cryptoStateKey);
-    check(vconf_set_int(encryptionAppliedKey, 1), encryptionAppliedKey); // who hears of it finds the state changed
+    expectSet(vconf_set_str(TeskConsumerKeys::cryptoState, "encrypted"), TeskConsumerKeys::cryptoState);
+    expectSet(vconf_set_int(TeskConsumerKeys::deviceEncryptionApplied, 1),
+              TeskConsumerKeys::deviceEncryptionApplied); // who hears of it finds the state changed
     watch.settleService();
     return true;
 }
 
 void setTutorial(const Device& device, bool isInProgress) {
     const WatchClient watch(device, ids::lockSettings);
-    check(vconf_set_int(tutorialKey, isInProgress ? 1 : 0), tutorialKey);
+    expectSet(vconf_set_int(TeskConsumerKeys::tutorialInProgress, isInProgress ? 1 : 0),
+              TeskConsumerKeys::tutorialInProgress);
     watch.settleService();
 }
 

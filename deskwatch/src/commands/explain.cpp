@@ -7,6 +7,8 @@
 #include "observer.h"
 #include "watch_status.h"
 
+#include <TeskConsumerKeys.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
@@ -33,11 +35,10 @@ WatchFacts watchFacts(const WatchStatus& status) {
     facts.accounts = policyRecords(status.accounts);
     std::transform(deviceSettings.begin(), deviceSettings.end(), facts.settings.begin(),
                    [&](const DeviceSetting& setting) { return read<int>(status.settings, setting.name); });
-    facts.lockType = read<int>(status.keys, "db/setting/lock_type").value_or(0);
-    facts.country = read<std::string>(status.keys, "db/rgn/country_iso");
-    facts.cryptoState = read<std::string>(status.keys, "db/ode/crypto_state");
-    facts.isTutorialShown =
-        read<int>(status.keys, "memory/private/com.velmor.hearth/tutorial_is_in_progress").value_or(0) != 0;
+    facts.lockType = read<int>(status.keys, TeskConsumerKeys::lockType).value_or(0);
+    facts.country = read<std::string>(status.keys, TeskConsumerKeys::countryIso);
+    facts.cryptoState = read<std::string>(status.keys, TeskConsumerKeys::cryptoState);
+    facts.isTutorialShown = read<int>(status.keys, TeskConsumerKeys::tutorialInProgress).value_or(0) != 0;
     facts.isServiceRunning = status.isServiceRunning;
     return facts;
 }
