@@ -22,6 +22,7 @@ constexpr char dbFile[] = "dbspace/.tesk.db";
 constexpr char newFileSuffix[] = ".new";
 constexpr mode_t dbDirMode = 0755;
 constexpr mode_t dbFileMode = 0600;
+constexpr int maxLinks = 40; // as the kernel has it
 constexpr int maxBusyCalls = 5;
 constexpr gulong busySleepStep = 100000; // microseconds
 
@@ -40,10 +41,28 @@ bool makeDirOf(const std::string& path) {
     return true;
 }
 
+/// Where the file comes to lie when the path is a link that leads nowhere yet; empty when links go in circles.
+std::string endOfLinks(std::string path) {
+    for (int links = 0; links <= maxLinks; ++links) {
+        g_autofree char* target = g_file_read_link(path.c_str(), nullptr);
+        if (target == nullptr) {
+            return path;
+        }
+        path = g_path_is_absolute(target) != FALSE ? target : path.substr(0, path.rfind('/') + 1) + target;
+    }
+    return {};
+}
+
+/// Whoever opens the file would play them into it, even if they were another file's.
+void removeJournalsOf(const std::string& path) {
+    unlink((path + "-journal").c_str());
+    unlink((path + "-wal").c_str());
+}
+
 /// An empty file that nobody else may read, in the place of whatever an earlier start may have left there.
 void makeEmptyFile(const std::string& path) {
     unlink(path.c_str());
-    unlink((path + "-journal").c_str());
+    removeJournalsOf(path);
     const std::ofstream file(path, std::ios::out | std::ios::trunc);
     chmod(path.c_str(), dbFileMode);
 }
@@ -193,12 +212,18 @@ bool TeskConsumerDbMgr::__openDb() {
 }
 
 /// A file without a table would never be repaired, since a file that exists is used as it is. So the file gets its name
-/// only once the table is in it: a start that is cut off on the way leaves nothing that counts.
+/// only once the table is in it: a start that is cut off on the way leaves nothing that counts. A link in its place
+/// stays, since what it leads to may only be missing for now.
 bool TeskConsumerDbMgr::__openNewFile(const std::string& path) {
-    const std::string newPath = path + newFileSuffix;
     if (!makeDirOf(path)) {
         return false;
     }
+    const std::string place = endOfLinks(path);
+    if (place.empty()) {
+        TESK_ERROR("sqlite3_open failed: [%d]", SQLITE_CANTOPEN); // what it would answer
+        return false;
+    }
+    const std::string newPath = place + newFileSuffix;
     makeEmptyFile(newPath);
     if (!__openFile(newPath)) {
         return false;
@@ -210,7 +235,8 @@ bool TeskConsumerDbMgr::__openNewFile(const std::string& path) {
     }
     sqlite3_close(handle);
     handle = nullptr;
-    if (std::rename(newPath.c_str(), path.c_str()) != 0) {
+    removeJournalsOf(place);
+    if (std::rename(newPath.c_str(), place.c_str()) != 0) {
         TESK_ERROR("rename failed: [%d]", errno);
         return false;
     }

@@ -11,7 +11,7 @@
 namespace {
 
 constexpr char portName[] = "eas-itpolicy-port";
-constexpr char mailId[] = "com.velmor.quillon.consumer";
+constexpr char receiverId[] = "com.velmor.quillon.consumer";
 constexpr char requestKey[] = "req";
 constexpr char argumentKey[] = "msg";
 
@@ -73,7 +73,7 @@ bool TeskConsumerIpcMgr::deinit() {
 void TeskConsumerIpcMgr::sendEasItpolicyReq(const char* req, const char* msg) {
     const TeskConsumerTrace trace;
     const Bundle message = newRequest(req, msg);
-    message_port_send_message(mailId, portName, message.get());
+    message_port_send_message(receiverId, portName, message.get());
 }
 
 void TeskConsumerIpcMgr::policyTest(const char* req, const char* msg) {
