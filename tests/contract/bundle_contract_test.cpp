@@ -1,20 +1,16 @@
 #include <bundle.h>
 #include <gtest/gtest.h>
 
-#include <memory>
+#include "bundle_owner.h"
 
 namespace {
-
-struct BundleFree {
-    void operator()(bundle* b) const { bundle_free(b); }
-};
 
 class BundleContract : public testing::Test {
 protected:
     bundle* content() const { return bundle_.get(); }
 
 private:
-    std::unique_ptr<bundle, BundleFree> bundle_{bundle_create()};
+    contract::BundleOwner bundle_{bundle_create()};
 };
 
 TEST_F(BundleContract, GivesBackWhatWasAdded) {

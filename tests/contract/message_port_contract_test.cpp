@@ -5,17 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "bundle_owner.h"
 #include "contract_environment.h"
 
 namespace {
 
 constexpr char port[] = "example-port";
 constexpr const char* self = contract::applicationId;
-
-struct BundleFree {
-    void operator()(bundle* b) const { bundle_free(b); }
-};
-using BundlePtr = std::unique_ptr<bundle, BundleFree>;
 
 struct Inbox {
     std::vector<std::string> texts;
@@ -42,8 +38,8 @@ void receiveAndClose(int portId, const char* sender, const char* remotePort, boo
     receive(portId, sender, remotePort, trusted, message, data);
 }
 
-BundlePtr messageOf(const std::string& text) {
-    BundlePtr message(bundle_create());
+contract::BundleOwner messageOf(const std::string& text) {
+    contract::BundleOwner message(bundle_create());
     bundle_add_str(message.get(), "text", text.c_str());
     return message;
 }
@@ -137,7 +133,7 @@ TEST(MessagePortContract, SecondRegistrationKeepsTheIdAndTakesTheNewCallback) {
 
 TEST(MessagePortContract, NullArgumentsAreInvalid) {
     bool exists = false;
-    const BundlePtr message = messageOf("hello");
+    const contract::BundleOwner message = messageOf("hello");
     EXPECT_EQ(message_port_register_local_port(nullptr, receive, nullptr), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(message_port_register_local_port(port, nullptr, nullptr), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(message_port_unregister_local_port(0), MESSAGE_PORT_ERROR_INVALID_PARAMETER);

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr char key[] = "db/example/key";
+constexpr char exampleKey[] = "db/example/key";
 constexpr char otherKey[] = "db/example/key_2";
 
 struct News {
@@ -32,12 +32,12 @@ void recordToo(keynode_t* node, void* data) {
 
 void recordOnce(keynode_t* node, void* data) {
     record(node, data);
-    vconf_ignore_key_changed(key, recordOnce);
+    vconf_ignore_key_changed(exampleKey, recordOnce);
 }
 
 void endTheOther(keynode_t* node, void* data) {
     record(node, data);
-    vconf_ignore_key_changed(key, record);
+    vconf_ignore_key_changed(exampleKey, record);
 }
 
 bool heard(const News& news, std::size_t count) {
@@ -45,22 +45,22 @@ bool heard(const News& news, std::size_t count) {
 }
 
 TEST(VconfContract, KeepsAnInteger) {
-    EXPECT_EQ(vconf_set_int(key, 42), 0);
+    EXPECT_EQ(vconf_set_int(exampleKey, 42), 0);
     int value = 0;
-    EXPECT_EQ(vconf_get_int(key, &value), 0);
+    EXPECT_EQ(vconf_get_int(exampleKey, &value), 0);
     EXPECT_EQ(value, 42);
 }
 
 TEST(VconfContract, KeepsAText) {
-    EXPECT_EQ(vconf_set_str(key, "encrypted"), 0);
-    EXPECT_EQ(taken(vconf_get_str(key)), "encrypted");
+    EXPECT_EQ(vconf_set_str(exampleKey, "encrypted"), 0);
+    EXPECT_EQ(taken(vconf_get_str(exampleKey)), "encrypted");
 }
 
 TEST(VconfContract, LaterValueReplacesTheEarlier) {
-    vconf_set_int(key, 1);
-    vconf_set_int(key, 2);
+    vconf_set_int(exampleKey, 1);
+    vconf_set_int(exampleKey, 2);
     int value = 0;
-    vconf_get_int(key, &value);
+    vconf_get_int(exampleKey, &value);
     EXPECT_EQ(value, 2);
 }
 
@@ -72,16 +72,16 @@ TEST(VconfContract, KeysOfAllThreeStoresCanBeSet) {
 
 TEST(VconfContract, KeyThatWasNeverSetCannotBeRead) {
     int value = 5;
-    EXPECT_EQ(vconf_get_int(key, &value), -1);
+    EXPECT_EQ(vconf_get_int(exampleKey, &value), -1);
     EXPECT_EQ(value, 5);
-    EXPECT_EQ(vconf_get_str(key), nullptr);
+    EXPECT_EQ(vconf_get_str(exampleKey), nullptr);
 }
 
 TEST(VconfContract, KeyOfAnotherTypeCannotBeRead) {
-    vconf_set_str(key, "7");
+    vconf_set_str(exampleKey, "7");
     vconf_set_int(otherKey, 7);
     int value = 5;
-    EXPECT_EQ(vconf_get_int(key, &value), -1);
+    EXPECT_EQ(vconf_get_int(exampleKey, &value), -1);
     EXPECT_EQ(value, 5);
     EXPECT_EQ(vconf_get_str(otherKey), nullptr);
 }
@@ -97,21 +97,21 @@ TEST(VconfContract, KeyOfNoStoreIsRefused) {
 
 TEST(VconfContract, WatchHearsOfAnOwnChangeOnTheMainLoop) {
     News news;
-    ASSERT_EQ(vconf_notify_key_changed(key, record, &news), 0);
+    ASSERT_EQ(vconf_notify_key_changed(exampleKey, record, &news), 0);
 
-    vconf_set_int(key, 7);
+    vconf_set_int(exampleKey, 7);
     EXPECT_TRUE(news.names.empty()) << "called inside vconf_set_int";
 
     ASSERT_TRUE(heard(news, 1));
-    EXPECT_EQ(news.names, std::vector<std::string>{key});
+    EXPECT_EQ(news.names, std::vector<std::string>{exampleKey});
     EXPECT_EQ(news.numbers, std::vector<int>{7});
     EXPECT_EQ(news.texts, std::vector<std::string>{"(null)"});
 }
 
 TEST(VconfContract, WatchHearsOfATextToo) {
     News news;
-    vconf_notify_key_changed(key, record, &news);
-    vconf_set_str(key, "encrypted");
+    vconf_notify_key_changed(exampleKey, record, &news);
+    vconf_set_str(exampleKey, "encrypted");
     ASSERT_TRUE(heard(news, 1));
     EXPECT_EQ(news.texts, std::vector<std::string>{"encrypted"});
     EXPECT_EQ(news.numbers, std::vector<int>{0});
@@ -119,9 +119,9 @@ TEST(VconfContract, WatchHearsOfATextToo) {
 
 TEST(VconfContract, WatchHearsOfEachChangeOnce) {
     News news;
-    vconf_notify_key_changed(key, record, &news);
+    vconf_notify_key_changed(exampleKey, record, &news);
     for (int value = 1; value <= 3; ++value) {
-        vconf_set_int(key, value);
+        vconf_set_int(exampleKey, value);
         ASSERT_TRUE(heard(news, static_cast<std::size_t>(value)));
     }
     News last;
@@ -134,10 +134,10 @@ TEST(VconfContract, WatchHearsOfEachChangeOnce) {
 TEST(VconfContract, SeveralCallbacksWatchOneKey) {
     News first;
     News second;
-    vconf_notify_key_changed(key, record, &first);
-    vconf_notify_key_changed(key, recordToo, &second);
+    vconf_notify_key_changed(exampleKey, record, &first);
+    vconf_notify_key_changed(exampleKey, recordToo, &second);
 
-    vconf_set_int(key, 1);
+    vconf_set_int(exampleKey, 1);
 
     EXPECT_TRUE(heard(first, 1));
     EXPECT_TRUE(heard(second, 1));
@@ -146,11 +146,11 @@ TEST(VconfContract, SeveralCallbacksWatchOneKey) {
 TEST(VconfContract, EndedWatchHearsNothing) {
     News ended;
     News other;
-    vconf_notify_key_changed(key, record, &ended);
-    vconf_notify_key_changed(key, recordToo, &other);
-    EXPECT_EQ(vconf_ignore_key_changed(key, record), 0);
+    vconf_notify_key_changed(exampleKey, record, &ended);
+    vconf_notify_key_changed(exampleKey, recordToo, &other);
+    EXPECT_EQ(vconf_ignore_key_changed(exampleKey, record), 0);
 
-    vconf_set_int(key, 1);
+    vconf_set_int(exampleKey, 1);
 
     ASSERT_TRUE(heard(other, 1));
     EXPECT_TRUE(ended.names.empty());
@@ -159,12 +159,12 @@ TEST(VconfContract, EndedWatchHearsNothing) {
 TEST(VconfContract, WatchCanEndItself) {
     News once;
     News always;
-    vconf_notify_key_changed(key, recordOnce, &once);
-    vconf_notify_key_changed(key, record, &always);
+    vconf_notify_key_changed(exampleKey, recordOnce, &once);
+    vconf_notify_key_changed(exampleKey, record, &always);
 
-    vconf_set_int(key, 1);
+    vconf_set_int(exampleKey, 1);
     ASSERT_TRUE(heard(always, 1));
-    vconf_set_int(key, 2);
+    vconf_set_int(exampleKey, 2);
     ASSERT_TRUE(heard(always, 2));
 
     EXPECT_EQ(once.names.size(), 1U);
@@ -173,10 +173,10 @@ TEST(VconfContract, WatchCanEndItself) {
 TEST(VconfContract, WatchCanEndTheNextOne) {
     News first;
     News next;
-    vconf_notify_key_changed(key, endTheOther, &first);
-    vconf_notify_key_changed(key, record, &next);
+    vconf_notify_key_changed(exampleKey, endTheOther, &first);
+    vconf_notify_key_changed(exampleKey, record, &next);
 
-    vconf_set_int(key, 1);
+    vconf_set_int(exampleKey, 1);
 
     ASSERT_TRUE(heard(first, 1));
     contract::runPending();
@@ -184,21 +184,21 @@ TEST(VconfContract, WatchCanEndTheNextOne) {
 }
 
 TEST(VconfContract, WatchThatIsNoneCannotEnd) {
-    EXPECT_EQ(vconf_ignore_key_changed(key, record), -1);
+    EXPECT_EQ(vconf_ignore_key_changed(exampleKey, record), -1);
 }
 
 TEST(VconfContract, NullArgumentsFail) {
     int value = 0;
     EXPECT_EQ(vconf_get_int(nullptr, &value), -1);
-    EXPECT_EQ(vconf_get_int(key, nullptr), -1);
+    EXPECT_EQ(vconf_get_int(exampleKey, nullptr), -1);
     EXPECT_EQ(vconf_set_int(nullptr, 1), -1);
     EXPECT_EQ(vconf_get_str(nullptr), nullptr);
     EXPECT_EQ(vconf_set_str(nullptr, "text"), -1);
-    EXPECT_EQ(vconf_set_str(key, nullptr), -1);
+    EXPECT_EQ(vconf_set_str(exampleKey, nullptr), -1);
     EXPECT_EQ(vconf_notify_key_changed(nullptr, record, nullptr), -1);
-    EXPECT_EQ(vconf_notify_key_changed(key, nullptr, nullptr), -1);
+    EXPECT_EQ(vconf_notify_key_changed(exampleKey, nullptr, nullptr), -1);
     EXPECT_EQ(vconf_ignore_key_changed(nullptr, record), -1);
-    EXPECT_EQ(vconf_ignore_key_changed(key, nullptr), -1);
+    EXPECT_EQ(vconf_ignore_key_changed(exampleKey, nullptr), -1);
     EXPECT_EQ(vconf_keynode_get_name(nullptr), nullptr);
     EXPECT_EQ(vconf_keynode_get_int(nullptr), 0);
     EXPECT_EQ(vconf_keynode_get_str(nullptr), nullptr);

@@ -16,7 +16,7 @@
 namespace deskwatch {
 namespace {
 
-constexpr std::chrono::seconds patience{20};
+constexpr std::chrono::seconds endPatience{20};
 
 /// Applications that are never asked for in these tests; `true` is a program that every machine has.
 std::vector<Application> someApplications() {
@@ -51,7 +51,7 @@ void writeSetting(const Device& device, const char* key, int value) {
                                                 g_variant_get_size(serialised.get()), 1);
     BusClient(device.busAddress())
         .call({"ca.desrt.dconf", "/ca/desrt/dconf/Writer/user", "ca.desrt.dconf.Writer", "Change"},
-              g_variant_new("(@ay)", bytes), patience);
+              g_variant_new("(@ay)", bytes), endPatience);
 }
 
 std::string textOf(const std::filesystem::path& path) {
@@ -71,7 +71,7 @@ std::string failureOf(Action action) {
 
 /// Calls an application that ends at once with a failure, which starts it; returns what became of it.
 std::string activate(const Device& device, const std::string& id) {
-    return failureOf([&] { BusClient(device.busAddress()).call({id, "/x", "x.y", "Z"}, nullptr, patience); });
+    return failureOf([&] { BusClient(device.busAddress()).call({id, "/x", "x.y", "Z"}, nullptr, endPatience); });
 }
 
 TEST(Device, FreshWatchHasNoLockNoEncryptionAndNoTutorial) {
@@ -157,7 +157,7 @@ TEST(Device, KilledBusIsCleanedUpByTheNextBoot) {
     watch.boot(someApplications());
     const auto bus = busOf(watch);
     bus.signal(SIGKILL);
-    ASSERT_TRUE(bus.waitForEnd(patience));
+    ASSERT_TRUE(bus.waitForEnd(endPatience));
     EXPECT_FALSE(watch.isBooted());
 
     watch.boot(someApplications());
@@ -172,7 +172,7 @@ TEST(Device, KilledBusIsCleanedUpByOff) {
     watch.boot(someApplications());
     const auto bus = busOf(watch);
     bus.signal(SIGKILL);
-    ASSERT_TRUE(bus.waitForEnd(patience));
+    ASSERT_TRUE(bus.waitForEnd(endPatience));
 
     EXPECT_FALSE(watch.off());
 

@@ -5,15 +5,16 @@
 namespace deskwatch {
 namespace {
 
-constexpr char text[] = "I/TESK_CONSUMER(    7): one\ndbus-daemon: two\nW/TESK_CONSUMER(    7): three\nE/X(7): four\n";
+constexpr char logText[] =
+    "I/TESK_CONSUMER(    7): one\ndbus-daemon: two\nW/TESK_CONSUMER(    7): three\nE/X(7): four\n";
 
 TEST(LogLines, AllAreShownWithoutALevel) {
-    EXPECT_EQ(LogLines(std::nullopt).add(text), text);
+    EXPECT_EQ(LogLines(std::nullopt).add(logText), logText);
 }
 
 TEST(LogLines, LowerLevelsAndLinesWithoutOneAreLeftOut) {
-    EXPECT_EQ(LogLines('W').add(text), "W/TESK_CONSUMER(    7): three\nE/X(7): four\n");
-    EXPECT_EQ(LogLines('F').add(text), "");
+    EXPECT_EQ(LogLines('W').add(logText), "W/TESK_CONSUMER(    7): three\nE/X(7): four\n");
+    EXPECT_EQ(LogLines('F').add(logText), "");
 }
 
 TEST(LogLines, LineIsShownWhenItIsComplete) {

@@ -9,8 +9,8 @@
 /// An empty folder with a short path that goes, with all it holds, when this object does.
 class TemporaryFolder {
 public:
-    TemporaryFolder() {
-        std::string path = "/tmp/desk-XXXXXX";
+    explicit TemporaryFolder(const std::string& parent = "/tmp") {
+        std::string path = parent + "/desk-XXXXXX";
         if (mkdtemp(path.data()) == nullptr) {
             throw std::runtime_error("cannot make a temporary folder");
         }

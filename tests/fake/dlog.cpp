@@ -16,6 +16,9 @@ int __dlog_print(log_id_t log_id, int prio, const char* tag, const char* fmt, ..
     va_start(arguments, fmt);
     g_autofree char* message = g_strdup_vprintf(fmt, arguments);
     va_end(arguments);
-    FakePlatform::current().journal.addLog(fake::parseLogLine(prio, tag, message));
+    auto& journal = FakePlatform::current().journal;
+    if (journal.isKept) {
+        journal.addLog(fake::parseLogLine(prio, tag, message));
+    }
     return static_cast<int>(std::char_traits<char>::length(message));
 }

@@ -35,9 +35,7 @@ FakePlatform::~FakePlatform() {
     for (auto* handle : devicePolicy.handles) {
         delete handle;
     }
-    for (auto* handler : service.handlers) {
-        delete handler;
-    }
+    endProcess();
     std::error_code ignored;
     std::filesystem::remove_all(folder_, ignored);
 }
@@ -57,6 +55,19 @@ FakePlatform& FakePlatform::current() {
 void FakePlatform::deliverPending() {
     settings.deliverChanges();
     ports.deliverOwn();
+}
+
+void FakePlatform::endProcess() {
+    for (auto* handler : service.handlers) {
+        delete handler;
+    }
+    service.handlers.clear();
+    service.exited = false;
+    settings.ignoreAll();
+    system.removeAllTimers();
+    ports.localPorts.clear();
+    ports.pending.clear();
+    launches.sent.clear();
 }
 
 char* FakePlatform::handOut(const std::string& text) {

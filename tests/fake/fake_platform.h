@@ -56,13 +56,18 @@ public:
     /** Does what the main loop would: tells of changed keys and delivers messages to own ports. */
     void deliverPending();
 
+    /** Forgets what goes with the service's process, so that the next one finds the device as it was left. */
+    void endProcess();
+
     /** Writes a call down and tells the code with which it fails, if it does. */
     template <typename... Arguments>
     std::optional<int> call(const std::string& function, const Arguments&... arguments) {
-        std::ostringstream text;
-        text << function;
-        ((text << ' ' << printable(arguments)), ...);
-        journal.addCall(text.str());
+        if (journal.isKept) {
+            std::ostringstream text;
+            text << function;
+            ((text << ' ' << printable(arguments)), ...);
+            journal.addCall(text.str());
+        }
         return faults.onCall(function);
     }
 

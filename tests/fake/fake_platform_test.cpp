@@ -1,5 +1,9 @@
 #include "fake_platform.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 
@@ -29,6 +33,15 @@ TEST_F(FakePlatformTest, JournalKeepsCallsAndLogLinesInOrder) {
     EXPECT_EQ(platform.journal.all(), (Journal::Lines{"vconf_set_int db/a 7", "W low memory"}));
 }
 
+TEST_F(FakePlatformTest, JournalThatIsNotKeptStaysEmpty) {
+    platform.journal.isKept = false;
+    vconf_set_int("db/a", 7);
+    __dlog_print(LOG_ID_MAIN, DLOG_WARN, "TESK_CONSUMER", "a text");
+
+    EXPECT_EQ(platform.journal.all(), Journal::Lines{});
+    EXPECT_EQ(platform.settings.integer("db/a"), 7);
+}
+
 TEST_F(FakePlatformTest, LogLineIsTakenApart) {
     const auto line = fake::parseLogLine(DLOG_INFO, "TESK_CONSUMER", "Killer.cpp: operator()(34) >  a: (b) >  c");
 
@@ -49,6 +62,38 @@ TEST_F(FakePlatformTest, OnlyTheNthCallFails) {
     EXPECT_EQ(vconf_set_int("db/a", 2), -5);
     EXPECT_EQ(vconf_set_int("db/b", 3), 0);
     EXPECT_EQ(platform.settings.integer("db/a"), 1);
+}
+
+TEST_F(FakePlatformTest, CallsAreCountedByTheirFunctions) {
+    vconf_set_int("db/a", 1);
+    vconf_set_int("db/b", 2);
+    mkdir((platform.dataPath + "folder").c_str(), 0755);
+
+    EXPECT_EQ(platform.faults.calls(), (std::map<std::string, int>{{"mkdir", 1}, {"vconf_set_int", 2}}));
+}
+
+TEST_F(FakePlatformTest, NoCallFailsOnceTheFaultsEnd) {
+    platform.faults.always("vconf_set_int", -5);
+    platform.faults.atCall("mkdir", 1, ENOSPC);
+
+    platform.faults.none();
+
+    EXPECT_EQ(vconf_set_int("db/a", 1), 0);
+    EXPECT_EQ(mkdir((platform.dataPath + "folder").c_str(), 0755), 0);
+}
+
+TEST_F(FakePlatformTest, FailingFileCallsTellWhy) {
+    const std::string path = platform.dataPath + "folder";
+    for (const auto* function : {"mkdir", "chmod", "unlink"}) {
+        platform.faults.always(function, ENOSPC);
+    }
+
+    EXPECT_EQ(mkdir(path.c_str(), 0755), -1);
+    EXPECT_EQ(errno, ENOSPC);
+    EXPECT_FALSE(std::filesystem::exists(path));
+    EXPECT_EQ(chmod(platform.dataPath.c_str(), 0700), -1);
+    EXPECT_EQ(unlink(path.c_str()), -1);
+    EXPECT_EQ(errno, ENOSPC);
 }
 
 TEST_F(FakePlatformTest, FaultZeroClaimsSuccessAndDoesNothing) {
@@ -126,6 +171,23 @@ TEST_F(FakePlatformTest, TimerFiresWhenItsTimeHasPassed) {
     platform.system.passSeconds(1);
     EXPECT_EQ(fired, 1);
     EXPECT_EQ(platform.system.timers(), 0U);
+}
+
+TEST_F(FakePlatformTest, EndedProcessHearsOfNothingAndLeavesTheDeviceAsItWas) {
+    int fired = 0;
+    vconf_notify_key_changed(
+        "db/a", [](keynode_t*, void* count) { ++*static_cast<int*>(count); }, &fired);
+    const auto never = [](gpointer) -> gboolean { return G_SOURCE_REMOVE; };
+    g_timeout_add_seconds(10, never, nullptr);
+    platform.settings.setKeyAsDevice("db/a", 7);
+    platform.devicePolicy.registerService();
+
+    platform.endProcess();
+    platform.deliverPending();
+    EXPECT_EQ(fired, 0);
+    EXPECT_EQ(platform.system.timers(), 0U);
+    EXPECT_EQ(platform.settings.integer("db/a"), 7);
+    EXPECT_EQ(platform.devicePolicy.clients.size(), 1U);
 }
 
 TEST_F(FakePlatformTest, SleepIsWrittenDownAndNotSlept) {

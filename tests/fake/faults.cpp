@@ -7,6 +7,11 @@ void Faults::never(const std::string& function) {
     atCall_.erase(function);
 }
 
+void Faults::none() {
+    always_.clear();
+    atCall_.clear();
+}
+
 std::optional<int> Faults::onCall(const std::string& function) {
     const int number = ++calls_[function];
     if (const auto faults = atCall_.find(function); faults != atCall_.end()) {

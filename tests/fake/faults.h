@@ -23,6 +23,12 @@ public:
 
     void never(const std::string& function);
 
+    /** No call fails from now on. */
+    void none();
+
+    /** How often each function was called so far. */
+    const std::map<std::string, int>& calls() const { return calls_; }
+
     /** Counts a call and tells the code with which it fails, if it does. */
     std::optional<int> onCall(const std::string& function);
 

@@ -35,6 +35,9 @@ public:
     void watch(const std::string& key, vconf_callback_fn callback, void* userData);
     bool ignore(const std::string& key, vconf_callback_fn callback);
 
+    /** Ends all watches, with the process that had them. */
+    void ignoreAll();
+
 private:
     struct Watch {
         std::string key;

@@ -44,7 +44,11 @@ int __wrap_sqlite3_prepare_v2(sqlite3* database, const char* sql, int size, sqli
 }
 
 int __wrap_sqlite3_step(sqlite3_stmt* statement) {
-    const auto fault = FakePlatform::current().faults.onCall("sqlite3_step");
+    auto& platform = FakePlatform::current();
+    if (platform.journal.isKept) {
+        platform.system.steps.emplace_back(sqlite3_sql(statement));
+    }
+    const auto fault = platform.faults.onCall("sqlite3_step");
     return fault ? *fault : __real_sqlite3_step(statement);
 }
 

@@ -1,6 +1,7 @@
 #include "system_calls.h"
 
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -51,6 +52,19 @@ void SystemCalls::passSeconds(guint seconds) {
 
 } // namespace fake
 
+namespace {
+
+/// Whether a call of a function that reports through errno fails; the fault's code is then the error number.
+bool failsWithErrno(const char* function) {
+    const auto fault = FakePlatform::exists() ? FakePlatform::current().faults.onCall(function) : std::nullopt;
+    if (fault) {
+        errno = *fault;
+    }
+    return fault.has_value();
+}
+
+} // namespace
+
 // The linker sends the calls of the tested objects to __wrap_<name> and makes the library's own function __real_<name>.
 extern "C" {
 
@@ -58,6 +72,9 @@ gboolean __real_g_source_remove(guint tag);
 long __real_sysconf(int name);
 FILE* __real_fopen(const char* path, const char* mode);
 int __real_rename(const char* from, const char* to);
+int __real_mkdir(const char* path, mode_t mode);
+int __real_chmod(const char* path, mode_t mode);
+int __real_unlink(const char* path);
 GDBusNodeInfo* __real_g_dbus_node_info_new_for_xml(const gchar* xml, GError** error);
 void* __real_malloc(size_t size);
 void __real_free(void* memory);
@@ -72,6 +89,9 @@ long __wrap_sysconf(int name);
 int __wrap_getpwnam_r(const char* name, passwd* entry, char* buffer, size_t size, passwd** result);
 FILE* __wrap_fopen(const char* path, const char* mode);
 int __wrap_rename(const char* from, const char* to);
+int __wrap_mkdir(const char* path, mode_t mode);
+int __wrap_chmod(const char* path, mode_t mode);
+int __wrap_unlink(const char* path);
 GDBusNodeInfo* __wrap_g_dbus_node_info_new_for_xml(const gchar* xml, GError** error);
 void* __wrap_malloc(size_t size);
 void __wrap_free(void* memory);
@@ -134,12 +154,19 @@ FILE* __wrap_fopen(const char* path, const char* mode) {
 }
 
 int __wrap_rename(const char* from, const char* to) {
-    const auto fault = FakePlatform::exists() ? FakePlatform::current().faults.onCall("rename") : std::nullopt;
-    if (fault) {
-        errno = *fault;
-        return -1;
-    }
-    return __real_rename(from, to);
+    return failsWithErrno("rename") ? -1 : __real_rename(from, to);
+}
+
+int __wrap_mkdir(const char* path, mode_t mode) {
+    return failsWithErrno("mkdir") ? -1 : __real_mkdir(path, mode);
+}
+
+int __wrap_chmod(const char* path, mode_t mode) {
+    return failsWithErrno("chmod") ? -1 : __real_chmod(path, mode);
+}
+
+int __wrap_unlink(const char* path) {
+    return failsWithErrno("unlink") ? -1 : __real_unlink(path);
 }
 
 GDBusNodeInfo* __wrap_g_dbus_node_info_new_for_xml(const gchar* xml, GError** error) {

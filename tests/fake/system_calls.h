@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <glib.h>
 
@@ -14,8 +15,8 @@ namespace fake {
 /**
  * What the service asks of the machine itself. These functions of libraries are taken over when a test is linked, for
  * the service's own calls alone: g_usleep, g_timeout_add_seconds, g_source_remove, getpwnam_r, sysconf, fopen, rename,
- * g_dbus_node_info_new_for_xml, malloc, free, operator new that does not throw, and the functions of SQLite that open,
- * prepare, step and close.
+ * mkdir, chmod, unlink, g_dbus_node_info_new_for_xml, malloc, free, operator new that does not throw, and the functions
+ * of SQLite that open, prepare, step and close.
  */
 class SystemCalls {
 public:
@@ -31,8 +32,12 @@ public:
     /** The statements of SQLite that were prepared and not finalized. */
     int statements = 0;
 
+    /** The statement of each step, in order, as long as the journal is kept. */
+    std::vector<std::string> steps;
+
     guint addTimer(guint seconds, GSourceFunc callback, gpointer userData);
     bool removeTimer(guint id) { return timers_.erase(id) != 0; }
+    void removeAllTimers() { timers_.clear(); }
     std::size_t timers() const { return timers_.size(); }
 
     /** Lets time pass: the timers that fall due fire in their order. */

@@ -68,6 +68,11 @@ bool SettingsStore::ignore(const std::string& key, vconf_callback_fn callback) {
     return found;
 }
 
+void SettingsStore::ignoreAll() {
+    watches_.clear();
+    changes_.clear();
+}
+
 } // namespace fake
 
 using fake::FakePlatform;

@@ -17,7 +17,7 @@ using deskwatch::ObjectOwner;
 using deskwatch::takeMessage;
 using deskwatch::VariantOwner;
 
-constexpr int patience = 60'000; // milliseconds
+constexpr int companionPatience = 60'000; // milliseconds
 
 constexpr auto plainProxy =
     static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES | G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS |
@@ -73,8 +73,8 @@ void Companions::settle(const std::string& id) const {
         connection(), plainProxy, id.c_str(), host_bus::applicationPath, nullptr, &error));
     require(proxy != nullptr, "cannot speak to " + id, error);
     char** launched = nullptr;
-    const bool isDone = tesk_host_application_call_settle_sync(proxy.get(), G_DBUS_CALL_FLAGS_NONE, patience, &launched,
-                                                               nullptr, &error) != FALSE;
+    const bool isDone = tesk_host_application_call_settle_sync(proxy.get(), G_DBUS_CALL_FLAGS_NONE, companionPatience,
+                                                               &launched, nullptr, &error) != FALSE;
     g_strfreev(launched);
     require(isDone, id + " does not settle", error);
     takeAnswers();
@@ -85,8 +85,8 @@ std::vector<Launch> Companions::launches(const std::string& id) const {
     GError* error = nullptr;
     GVariant* answer = nullptr;
     const bool isDone =
-        tesk_desk_companion_call_launches_sync(companionOf(connection(), id).get(), G_DBUS_CALL_FLAGS_NONE, patience,
-                                               &answer, nullptr, &error) != FALSE;
+        tesk_desk_companion_call_launches_sync(companionOf(connection(), id).get(), G_DBUS_CALL_FLAGS_NONE,
+                                               companionPatience, &answer, nullptr, &error) != FALSE;
     require(isDone, id + " does not tell its launches", error);
     const VariantOwner list(answer);
     std::vector<Launch> launches;
@@ -107,7 +107,7 @@ std::vector<Message> Companions::messages() const {
     GVariant* answer = nullptr;
     const bool isDone =
         tesk_desk_companion_call_messages_sync(companionOf(connection(), ids::mail).get(), G_DBUS_CALL_FLAGS_NONE,
-                                               patience, &answer, nullptr, &error) != FALSE;
+                                               companionPatience, &answer, nullptr, &error) != FALSE;
     require(isDone, "the mail application does not tell its messages", error);
     const VariantOwner list(answer);
     std::vector<Message> messages;
@@ -125,7 +125,7 @@ void Companions::answer(const std::string& id, const std::string& result) const 
     GError* error = nullptr;
     const bool isDone =
         tesk_desk_companion_call_answer_sync(companionOf(connection(), id).get(), result.c_str(),
-                                             G_DBUS_CALL_FLAGS_NONE, patience, nullptr, &error) != FALSE;
+                                             G_DBUS_CALL_FLAGS_NONE, companionPatience, nullptr, &error) != FALSE;
     require(isDone, id + " does not answer its launch request", error);
     settle(ids::service);
 }
@@ -160,7 +160,7 @@ VariantOwner Companions::call(const char* owner, const char* path, const char* i
                               GVariant* arguments) const {
     GError* error = nullptr;
     VariantOwner answer(g_dbus_connection_call_sync(connection(), owner, path, interface, method, arguments, nullptr,
-                                                    G_DBUS_CALL_FLAGS_NONE, patience, nullptr, &error));
+                                                    G_DBUS_CALL_FLAGS_NONE, companionPatience, nullptr, &error));
     require(answer != nullptr, method, error);
     return answer;
 }

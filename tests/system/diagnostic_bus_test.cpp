@@ -10,7 +10,7 @@ namespace system_test {
 namespace {
 
 constexpr char owner[] = "tesk.consumer.test";
-constexpr char path[] = "/tesk/consumer/test";
+constexpr char diagnosticPath[] = "/tesk/consumer/test";
 
 /// A watch whose service is found on the bus by developers.
 class DiagnosticWatch {
@@ -24,7 +24,7 @@ public:
 
     /// Calls a method and waits until the service has done what it asks for. Returns the method's own answer.
     int call(const char* method, GVariant* arguments = nullptr) const {
-        const auto answer = watch_.companions().call(owner, path, owner, method, arguments);
+        const auto answer = watch_.companions().call(owner, diagnosticPath, owner, method, arguments);
         int result = -1;
         g_variant_get(answer.get(), "(i)", &result);
         watch_.companions().settle(ids::service);
@@ -60,8 +60,8 @@ std::vector<std::string> methodsOf(const char* xml) {
 TEST(DiagnosticBus, IntrospectionShowsTheMethodsInOrder) {
     const DiagnosticWatch diagnostic;
 
-    const auto answer =
-        diagnostic.watch().companions().call(owner, path, "org.freedesktop.DBus.Introspectable", "Introspect", nullptr);
+    const auto answer = diagnostic.watch().companions().call(
+        owner, diagnosticPath, "org.freedesktop.DBus.Introspectable", "Introspect", nullptr);
 
     const char* xml = nullptr;
     g_variant_get(answer.get(), "(&s)", &xml);
@@ -179,7 +179,7 @@ TEST_P(DiagnosticSetter, ReachesTheDevice) {
     EXPECT_EQ(storedAccounts(diagnostic.watch().database()), std::vector<std::string>{"999"});
 }
 
-std::string nameOf(const testing::TestParamInfo<Setter>& info) {
+std::string setterName(const testing::TestParamInfo<Setter>& info) {
     return info.param.method + std::to_string(info.param.value);
 }
 
@@ -198,7 +198,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Setter{"allowPopimapEmail", 0, {0, 0, 10, 0, 0, 0, 0, 1, 1, 0, 0}},
                     Setter{"allowTextMessaging", 0, {0, 0, 10, 0, 0, 0, 0, 1, 0, 1, 0}},
                     Setter{"allowWifi", 0, {0, 0, 10, 0, 0, 0, 0, 0, 1, 1, 0}}),
-    nameOf);
+    setterName);
 
 TEST(DiagnosticBus, BluetoothIsStoredAsAllowedOrNot) {
     constexpr std::size_t column = 13;

@@ -18,8 +18,8 @@ struct Malformed {
     const char* complaint;
 };
 
-void PrintTo(const Malformed& malformed, std::ostream* output) {
-    *output << malformed.name;
+void PrintTo(const Malformed& input, std::ostream* output) {
+    *output << input.name;
 }
 
 Content update(const std::string& text) {
@@ -135,14 +135,14 @@ TEST_P(MalformedInput, ChangesNothingAndTheNextUpdateWorks) {
     EXPECT_EQ(watch.companions().launches(ids::popup).size(), 1U);
 }
 
-std::string nameOf(const testing::TestParamInfo<Malformed>& info) {
+std::string malformedName(const testing::TestParamInfo<Malformed>& info) {
     return info.param.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Request, MalformedInput, testing::ValuesIn(requests()), nameOf);
-INSTANTIATE_TEST_SUITE_P(Envelope, MalformedInput, testing::ValuesIn(envelopes()), nameOf);
-INSTANTIATE_TEST_SUITE_P(Param, MalformedInput, testing::ValuesIn(params()), nameOf);
-INSTANTIATE_TEST_SUITE_P(AccountList, MalformedInput, testing::ValuesIn(accountLists()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Request, MalformedInput, testing::ValuesIn(requests()), malformedName);
+INSTANTIATE_TEST_SUITE_P(Envelope, MalformedInput, testing::ValuesIn(envelopes()), malformedName);
+INSTANTIATE_TEST_SUITE_P(Param, MalformedInput, testing::ValuesIn(params()), malformedName);
+INSTANTIATE_TEST_SUITE_P(AccountList, MalformedInput, testing::ValuesIn(accountLists()), malformedName);
 
 /// The numbers of the only stored account's policy, without its id and names.
 Row onlyNumbers(const Watch& watch) {

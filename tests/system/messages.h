@@ -4,22 +4,16 @@
 #include <string>
 #include <vector>
 
+#include "sample_policies.h"
+
 namespace system_test {
 
-/// Exchange's built-in default: no password, everything allowed.
-extern const char* const defaultPolicy;
-
-/// A hardened mailbox: an alphanumeric password of 4, encryption.
-extern const char* const hardenedPolicy;
-
-/// An open-source server's default: no password, yet limits for one.
-extern const char* const limitsWithoutPasswordPolicy;
-
-/// The strictest that a server may send.
-extern const char* const strictestPolicy;
-
-/// A numeric password, nothing else.
-extern const char* const pinPolicy;
+// What servers impose; see there.
+inline constexpr const char* defaultPolicy = samples::builtIn;
+inline constexpr const char* hardenedPolicy = samples::hardened;
+inline constexpr const char* limitsWithoutPasswordPolicy = samples::limitsWithoutPassword;
+inline constexpr const char* strictestPolicy = samples::strictest;
+inline constexpr const char* pinPolicy = samples::pin;
 
 /// An account of a policy update: its id, its name and the text of its policy set.
 struct PolicyAccount {

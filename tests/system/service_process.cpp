@@ -11,7 +11,7 @@
 namespace system_test {
 namespace {
 
-constexpr std::chrono::seconds patience{30};
+constexpr std::chrono::seconds exitPatience{30};
 
 deskwatch::ObjectOwner<GSubprocess> start(const deskwatch::DeviceLayout& layout,
                                           const deskwatch::Environment& environment) {
@@ -55,7 +55,7 @@ ServiceProcess::~ServiceProcess() {
 
 std::optional<int> ServiceProcess::waitForExit() const {
     const auto process = deskwatch::ProcessHandle::open(pid_);
-    if (process && !process->waitForEnd(patience)) {
+    if (process && !process->waitForEnd(exitPatience)) {
         return std::nullopt;
     }
     g_subprocess_wait(child_.get(), nullptr, nullptr);

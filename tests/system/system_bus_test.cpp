@@ -1,4 +1,5 @@
 #include "application_ids.h"
+#include "bus_daemon.h"
 #include "device_state.h"
 #include "messages.h"
 #include "service_process.h"
@@ -6,51 +7,17 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
-#include <stdexcept>
-
 namespace system_test {
 namespace {
 
-/// A system bus that is not the device's own bus, as on a device.
-class SystemBus {
-public:
-    SystemBus()
-        : daemon_(g_subprocess_new(G_SUBPROCESS_FLAGS_STDOUT_PIPE, nullptr, "dbus-daemon", "--session", "--nofork",
-                                   "--print-address", nullptr)) {
-        if (daemon_ == nullptr) {
-            throw std::runtime_error("cannot start a dbus-daemon");
-        }
-        const deskwatch::ObjectOwner<GDataInputStream> output(
-            g_data_input_stream_new(g_subprocess_get_stdout_pipe(daemon_.get())));
-        const std::unique_ptr<char, decltype(&g_free)> line(
-            g_data_input_stream_read_line(output.get(), nullptr, nullptr, nullptr), g_free);
-        address_ = line != nullptr ? line.get() : "";
-    }
-    SystemBus(const SystemBus&) = delete;
-    SystemBus& operator=(const SystemBus&) = delete;
-    ~SystemBus() { goAway(); }
-
-    const std::string& address() const { return address_; }
-
-    void goAway() const {
-        g_subprocess_force_exit(daemon_.get());
-        g_subprocess_wait(daemon_.get(), nullptr, nullptr);
-    }
-
-private:
-    deskwatch::ObjectOwner<GSubprocess> daemon_;
-    std::string address_;
-};
-
-deskwatch::Environment environmentWith(const Watch& watch, const SystemBus& systemBus) {
+deskwatch::Environment environmentWith(const Watch& watch, const BusDaemon& systemBus) {
     auto environment = watch.device().appEnvironment(ids::service);
     environment["DBUS_SYSTEM_BUS_ADDRESS"] = systemBus.address();
     return environment;
 }
 
 TEST(SystemBus, ServiceOutlivesItAndGoesOnEnforcing) {
-    const SystemBus systemBus;
+    const BusDaemon systemBus("--session"); // not the device's own bus, as on a device
     const Watch watch;
     const ServiceProcess service(watch, environmentWith(watch, systemBus));
     watch.waitForLog("TestDbus.cpp: __onNameAcquired");

@@ -15,13 +15,18 @@ namespace system_test {
 namespace {
 
 /// Longer than a busy machine takes for anything, sanitizers included.
-constexpr std::chrono::seconds patience{30};
+constexpr std::chrono::seconds watchPatience{30};
 
 /// Prepares the environment from which the watch takes what its processes have in common.
 const deskwatch::WatchState& strict(const deskwatch::WatchState& state) {
     setenv("G_DEBUG", "fatal-criticals", 1);
     setenv("DLOG_LEVEL", "info", 1);
     return state;
+}
+
+std::string serviceProgram() {
+    const char* wrapper = std::getenv("TESK_TEST_SERVICE");
+    return wrapper != nullptr ? wrapper : programs::service;
 }
 
 /// Makes this process the mail application of the watch for the platform, which reads the environment on its first use.
@@ -39,8 +44,9 @@ void expectCleanLog(const ServiceLog& log) {
 
 } // namespace
 
-Watch::Watch(const deskwatch::WatchState& state)
-    : device_(folder_.path(), deskwatch::standardApplications(programs::service, {programs::companion, "companion"}),
+Watch::Watch(const deskwatch::WatchState& state, const std::string& parent)
+    : folder_(parent),
+      device_(folder_.path(), deskwatch::standardApplications(serviceProgram(), {programs::companion, "companion"}),
               strict(state)),
       log_(layout().log()), changes_(layout()), companions_(layout().busAddress()) {
     becomeMailApplication(device());
@@ -73,7 +79,7 @@ void Watch::endService() const {
     const auto service = deskwatch::ProcessHandle::open(servicePid());
     ASSERT_TRUE(service) << "the service does not run";
     service->signal(SIGTERM);
-    ASSERT_TRUE(service->waitForEnd(patience));
+    ASSERT_TRUE(service->waitForEnd(watchPatience));
 }
 
 pid_t Watch::servicePid() const {
@@ -85,7 +91,7 @@ bool Watch::isServiceRunning() const {
 }
 
 void Watch::waitUntil(const std::string& what, const Changes::Condition& condition) const {
-    EXPECT_TRUE(changes_.waitUntil(condition, patience)) << "waited in vain for: " << what;
+    EXPECT_TRUE(changes_.waitUntil(condition, watchPatience)) << "waited in vain for: " << what;
 }
 
 void Watch::waitForLog(const std::string& text, int count) const {

@@ -16,7 +16,8 @@ namespace system_test {
 /// every other application. The test itself is the mail application's sending half.
 ///
 /// The service starts as on a device, by the first launch request. A GLib critical ends it, and what a sanitizer or
-/// GLib wrote into the log fails the test.
+/// GLib wrote into the log fails the test. Where TESK_TEST_SERVICE names a program, the watch starts that one instead,
+/// such as a script that runs the service under a memory checker.
 ///
 ///     Watch watch;
 ///     watch.launchService();
@@ -24,7 +25,8 @@ namespace system_test {
 ///     EXPECT_EQ(watch.companions().launches(popup).size(), 1U);
 class Watch {
 public:
-    explicit Watch(const deskwatch::WatchState& state = {});
+    /// Boots it in a folder of its own below that one.
+    explicit Watch(const deskwatch::WatchState& state = {}, const std::string& parent = "/tmp");
     ~Watch();
     Watch(const Watch&) = delete;
     Watch& operator=(const Watch&) = delete;

@@ -56,6 +56,7 @@ TEST_F(AccountInfoTest, MissingMembersAreZeroAndEmpty) {
         EXPECT_EQ(info->accountName, "") << text;
         EXPECT_EQ(info->displayName, "") << text;
     }
+    EXPECT_EQ(TeskConsumerAccountInfo().accountId, 0);
 }
 
 /// What both lists of accounts have in common.
@@ -72,6 +73,10 @@ protected:
         const std::unique_ptr<TeskConsumerResponsedMsg> message(GetParam().create());
         message->fromJson(text);
         return message->process();
+    }
+
+    static int read(const std::string& text) {
+        return std::unique_ptr<TeskConsumerResponsedMsg>(GetParam().create())->fromJson(text);
     }
 
     std::string list(const std::string& accounts) const { return GetParam().text(accounts); }
@@ -107,6 +112,7 @@ TEST_P(AccountListTest, EmptyListAppliesOnce) {
     EXPECT_EQ(storedAccounts(), 0);
     EXPECT_EQ(applications(), 1U);
     EXPECT_EQ(journal.logsOf("process"), (Lines{"I Enter", "I Leave"}));
+    EXPECT_EQ(read(list("[]")), 0);
 }
 
 TEST_P(AccountListTest, EntriesThatAreNoObjectsAreSkipped) {
@@ -124,6 +130,7 @@ TEST_P(AccountListTest, MissingNamesAreEmpty) {
 
 TEST_P(AccountListTest, MissingListIsNotLogged) {
     for (const auto* accounts : {"null", "{}", "\"x\"", "5"}) {
+        EXPECT_EQ(read(list(accounts)), -1);
         journal.clear();
         EXPECT_EQ(run(list(accounts)), 0);
         EXPECT_EQ(journal.logs(DLOG_ERROR), Lines{}) << accounts;
@@ -141,6 +148,7 @@ TEST_P(AccountListTest, TextsOfAnotherKindAreLoggedAndStillApplyOnce) {
     };
     for (const auto& [text, error] : texts) {
         SCOPED_TRACE(text);
+        EXPECT_EQ(read(text), -1);
         journal.clear();
         EXPECT_EQ(run(text), 0);
         EXPECT_EQ(journal.logs(DLOG_ERROR), Lines{error});
@@ -188,7 +196,7 @@ TEST_F(InitRespMessageTest, MissingParamIsAnError) {
     for (const auto* param : {"", R"(,"param":[])", R"(,"param":null)", R"(,"param":"x")"}) {
         journal.clear();
         TeskConsumerInitRespMsg message;
-        message.fromJson(std::string(R"({"msgId":"email-init-res")") + param + "}");
+        EXPECT_EQ(message.fromJson(std::string(R"({"msgId":"email-init-res")") + param + "}"), -1);
         EXPECT_EQ(journal.warnings(), Lines{"E json_object_get_object_member failed"}) << param;
     }
 }

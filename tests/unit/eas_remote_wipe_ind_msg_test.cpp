@@ -17,7 +17,7 @@ protected:
 
 TEST_F(RemoteWipeTest, OrderWipesTheInternalStorageOnce) {
     TeskConsumerEasRemoteWipeIndMsg message;
-    message.fromJson(R"({"msgId":"eas-remote-wipe","seqId":1,"param":{"more":[1]}})");
+    EXPECT_EQ(message.fromJson(R"({"msgId":"eas-remote-wipe","seqId":1,"param":{"more":[1]}})"), 0);
     EXPECT_EQ(journal.logs(), (Lines{"I Enter", "I Leave"}));
 
     EXPECT_EQ(message.process(), 0);
@@ -44,7 +44,7 @@ TEST_F(RemoteWipeTest, TextsThatAreNoOrderAreLoggedAndStillWipeOnce) {
         SCOPED_TRACE(text);
         journal.clear();
         TeskConsumerEasRemoteWipeIndMsg message;
-        message.fromJson(text);
+        EXPECT_EQ(message.fromJson(text), -1);
         EXPECT_EQ(journal.logs(), (Lines{"I Enter", error, "I Leave"}));
         EXPECT_EQ(message.process(), 0);
         EXPECT_EQ(journal.calls(), Lines{"dpm_security_wipe_data 1"});

@@ -98,7 +98,7 @@ TEST_F(ItPolicyIndMsgTest, TextsThatAreNoIndicationAreLoggedAndStillApplyOnce) {
         SCOPED_TRACE(text);
         journal.clear();
         TeskConsumerItPolicyIndMsg odd;
-        odd.fromJson(text);
+        EXPECT_EQ(odd.fromJson(text), -1);
         EXPECT_EQ(journal.logsOf("fromJson").front(), "I Enter");
         EXPECT_EQ(journal.logsOf("fromJson").back(), "I Leave");
         EXPECT_EQ(journal.warnings(), Lines{error});
@@ -129,7 +129,8 @@ TEST_F(ItPolicyIndMsgTest, DemandForAStrongerLockIsOneWarning) {
 }
 
 TEST_F(ItPolicyIndMsgTest, EmptyListAppliesOnce) {
-    EXPECT_EQ(run(samples::indicationOf("[]")), 0);
+    EXPECT_EQ(message.fromJson(samples::indicationOf("[]")), 0);
+    EXPECT_EQ(message.process(), 0);
 
     EXPECT_EQ(applications(), 1U);
     EXPECT_EQ(journal.logsOf("process"), (Lines{"I Enter", "I Leave"}));

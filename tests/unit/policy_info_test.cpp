@@ -133,6 +133,13 @@ TEST_F(PolicyInfoTest, EmptySetRequiresAndAllowsNothing) {
     EXPECT_EQ(fields, zeros);
 }
 
+TEST_F(PolicyInfoTest, NewSetIsAnEmptyOne) {
+    const TeskConsumerPolicyInfo policy;
+
+    EXPECT_EQ(policy.passwordMode, 0);
+    EXPECT_EQ(fieldsOf(*policy.getPolicyData()), fieldsOf(*read("{}")->getPolicyData()));
+}
+
 TEST_F(PolicyInfoTest, OnlyModes64And96AreAlphanumeric) {
     const std::vector<std::pair<int, int>> modes{{64, 1}, {96, 1},  {0, 0},    {32, 0},
                                                  {65, 0}, {128, 0}, {-192, 0}, {-160, 0}};

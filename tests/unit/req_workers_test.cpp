@@ -53,8 +53,8 @@ protected:
 
     int enforcingAccount() const { return std::get<int>(platform.preferences.at(enforcingKey)); }
 
-    void run(const char* request, const std::string& argument) {
-        TeskConsumerReqFactory::getWorker(request)->process(argument.c_str());
+    static int run(const char* request, const std::string& argument) {
+        return TeskConsumerReqFactory::getWorker(request)->process(argument.c_str());
     }
 
     static bool isStored(int accountId) {
@@ -65,13 +65,13 @@ protected:
 using PolicyWorkerTest = WorkerTest;
 
 TEST_F(PolicyWorkerTest, RunsTheMessage) {
-    run("req_update_policy", samples::indication(3, samples::builtIn));
+    EXPECT_EQ(run("req_update_policy", samples::indication(3, samples::builtIn)), 0);
 
     EXPECT_TRUE(isStored(3));
 }
 
 TEST_F(PolicyWorkerTest, TextThatIsNoMessageIsLogged) {
-    run("req_update_policy", "{}");
+    EXPECT_EQ(run("req_update_policy", "{}"), -1);
 
     EXPECT_EQ(journal.warnings(),
               (Lines{"E this is not request msgId: ", "W TeskConsumerRespMsgFactory::createResponsedMsg() failed"}));
@@ -100,7 +100,7 @@ TEST_F(DeleteAccountWorkerTest, LastAccountLeavesNoEnforcingAccount) {
 TEST_F(DeleteAccountWorkerTest, OneOfTwoAccountsLeavesTheEnforcingAccountAlone) {
     store({account(11), account(12)});
 
-    run("req_delete_account", "11");
+    EXPECT_EQ(run("req_delete_account", "11"), 0);
 
     EXPECT_FALSE(isStored(11));
     EXPECT_EQ(enforcingAccount(), 12);
@@ -181,9 +181,9 @@ TEST_F(CheckPasswordWorkerTest, LaunchesThePopupAndReturnsItsResult) {
 using CheckOdeWorkerTest = WorkerTest;
 
 TEST_F(CheckOdeWorkerTest, LaunchesNothingWhileThePasswordIsOutstanding) {
-    run("chk_device_encryption_policy", "");
+    EXPECT_EQ(run("chk_device_encryption_policy", ""), 0);
     platform.settings.setKeyAsDevice("db/eas/password_policy_applied", 0);
-    run("chk_device_encryption_policy", "");
+    EXPECT_EQ(run("chk_device_encryption_policy", ""), 0);
 
     EXPECT_TRUE(platform.launches.sent.empty());
 }
@@ -191,7 +191,7 @@ TEST_F(CheckOdeWorkerTest, LaunchesNothingWhileThePasswordIsOutstanding) {
 TEST_F(CheckOdeWorkerTest, LaunchesTheEncryptionPopupOnceThePasswordIsThere) {
     platform.settings.setKeyAsDevice("db/eas/password_policy_applied", 1);
 
-    run("chk_device_encryption_policy", "ignored");
+    EXPECT_EQ(run("chk_device_encryption_policy", "ignored"), 0);
 
     ASSERT_EQ(platform.launches.sent.size(), 1U);
     EXPECT_EQ(platform.launches.sent[0].appId, "com.velmor.dialset.encryption");

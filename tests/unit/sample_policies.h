@@ -7,7 +7,7 @@
 namespace samples {
 
 /// A mail server's built-in policy: no password, everything allowed.
-inline const std::string builtIn =
+inline constexpr char builtIn[] =
     R"({"PasswordMode":0,"allowCamera":true,"allowBluetoothMode":true,"allowBrowser":true,"allowDesktopSync":true,)"
     R"("allowInternetSharing":true,"allowPOPIMAPEmail":true,"allowSimplePassword":true,"allowStorageCard":true,)"
     R"("allowTextMessaging":true,"allowWifi":true,"devicePasswordEnabled":false,"devicePasswordExpiration":0,)"
@@ -16,7 +16,7 @@ inline const std::string builtIn =
     R"("requireDeviceEncryption":false})";
 
 /// A hardened policy: alphanumeric password and encryption.
-inline const std::string hardened =
+inline constexpr char hardened[] =
     R"({"PasswordMode":64,"allowCamera":true,"allowBluetoothMode":true,"allowBrowser":true,"allowDesktopSync":true,)"
     R"("allowInternetSharing":true,"allowPOPIMAPEmail":true,"allowSimplePassword":false,"allowStorageCard":true,)"
     R"("allowTextMessaging":true,"allowWifi":true,"devicePasswordEnabled":true,"devicePasswordExpiration":365,)"
@@ -25,7 +25,7 @@ inline const std::string hardened =
     R"("requireDeviceEncryption":true})";
 
 /// A small server's default: the password is off, its limits are set all the same.
-inline const std::string limitsWithoutPassword =
+inline constexpr char limitsWithoutPassword[] =
     R"({"PasswordMode":0,"allowCamera":true,"allowBluetoothMode":true,"allowBrowser":true,"allowDesktopSync":true,)"
     R"("allowInternetSharing":true,"allowPOPIMAPEmail":true,"allowSimplePassword":true,"allowStorageCard":true,)"
     R"("allowTextMessaging":true,"allowWifi":true,"devicePasswordEnabled":false,"devicePasswordExpiration":0,)"
@@ -34,13 +34,22 @@ inline const std::string limitsWithoutPassword =
     R"("requireDeviceEncryption":false})";
 
 /// The strictest policy that a server may send.
-inline const std::string strictest =
+inline constexpr char strictest[] =
     R"({"PasswordMode":64,"allowCamera":false,"allowBluetoothMode":false,"allowBrowser":false,)"
     R"("allowDesktopSync":false,"allowInternetSharing":false,"allowPOPIMAPEmail":false,"allowSimplePassword":false,)"
     R"("allowStorageCard":false,"allowTextMessaging":false,"allowWifi":false,"devicePasswordEnabled":true,)"
     R"("devicePasswordExpiration":1,"devicePasswordHistory":50,"minDevicePasswordComplexCharacters":4,)"
     R"("maxDevicePasswordFailedAttempts":4,"maxInactivityTimeDeviceLock":60,"minDevicePasswordLength":16,)"
     R"("passwordRecoveryEnabled":false,"requireDeviceEncryption":true})";
+
+/// A numeric password, nothing else.
+inline constexpr char pin[] =
+    R"({"PasswordMode":32,"allowCamera":true,"allowBluetoothMode":true,"allowBrowser":true,"allowDesktopSync":true,)"
+    R"("allowInternetSharing":true,"allowPOPIMAPEmail":true,"allowSimplePassword":true,"allowStorageCard":true,)"
+    R"("allowTextMessaging":true,"allowWifi":true,"devicePasswordEnabled":true,"devicePasswordExpiration":0,)"
+    R"("devicePasswordHistory":0,"minDevicePasswordComplexCharacters":0,"maxDevicePasswordFailedAttempts":0,)"
+    R"("maxInactivityTimeDeviceLock":0,"minDevicePasswordLength":0,"passwordRecoveryEnabled":false,)"
+    R"("requireDeviceEncryption":false})";
 
 /// An entry of a policy indication.
 inline std::string entry(int accountId, const std::string& policySet,

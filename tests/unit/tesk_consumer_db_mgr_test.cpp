@@ -11,41 +11,10 @@
 #include <sqlite3.h>
 
 #include "TeskPolicyTable.h"
+#include "other_program.h"
 #include "unit_test.h"
 
 namespace {
-
-/// Another program's connection to the database.
-class OtherProgram {
-public:
-    explicit OtherProgram(const std::string& path) { EXPECT_EQ(sqlite3_open(path.c_str(), &database_), SQLITE_OK); }
-    ~OtherProgram() { sqlite3_close(database_); }
-    OtherProgram(const OtherProgram&) = delete;
-    OtherProgram& operator=(const OtherProgram&) = delete;
-
-    void run(const std::string& sql) {
-        EXPECT_EQ(sqlite3_exec(database_, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sql;
-    }
-
-    /// The values of the first row; "NULL" for a value that is absent.
-    std::vector<std::string> firstRow(const std::string& sql) {
-        std::vector<std::string> row;
-        sqlite3_exec(
-            database_, sql.c_str(),
-            [](void* values, int count, char** texts, char**) {
-                for (int i = 0; i < count; ++i) {
-                    static_cast<std::vector<std::string>*>(values)->emplace_back(texts[i] != nullptr ? texts[i]
-                                                                                                     : "NULL");
-                }
-                return 1;
-            },
-            &row, nullptr);
-        return row;
-    }
-
-private:
-    sqlite3* database_ = nullptr;
-};
 
 class DbMgrTest : public UnitTest {
 protected:
@@ -155,6 +124,7 @@ TEST_F(DbMgrTest, FileThatCannotBeOpenedFailsEveryOperation) {
     TeskConsumerDbMgr db;
 
     EXPECT_EQ(journal.warnings(), (Lines{"E sqlite3_open failed: [14]", "W db initialize fail!"}));
+    EXPECT_EQ(journal.calls({"sqlite3_close"}), Lines{"sqlite3_close"}) << "what a failed opening hands out";
     expectEveryOperationFails(db);
 }
 
@@ -230,6 +200,7 @@ TEST_F(DbMgrTest, TableThatCannotBePreparedDoesNotFailTheOpening) {
 
     EXPECT_TRUE(logged("E query prepare fail: [" + TeskPolicyTable::createSql() + "] - "));
     EXPECT_FALSE(logged("W db initialize fail!"));
+    EXPECT_FALSE(std::filesystem::exists(dbPath())) << "a file without a table would never be given one";
 }
 
 TEST_F(DbMgrTest, TableThatCannotBeCreatedDoesNotFailTheOpening) {
@@ -258,6 +229,27 @@ TEST_F(DbMgrTest, WhatAKilledStartLeftIsCleared) {
 
     EXPECT_EQ(db.insertPolicy(account(1)), 0);
     EXPECT_EQ(filesIn(platform.dataPath + "dbspace"), Lines{".tesk.db"});
+}
+
+TEST_F(DbMgrTest, LinkInThePlaceOfTheNewFileIsNotFollowed) {
+    std::filesystem::create_directory(platform.dataPath + "dbspace");
+    const auto other = platform.dataPath + "other";
+    std::ofstream(other) << "of somebody else";
+    std::filesystem::create_symlink(other, dbPath() + ".new");
+
+    const TeskConsumerDbMgr db;
+
+    EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(dbPath())));
+    std::string text;
+    std::getline(std::ifstream(other), text);
+    EXPECT_EQ(text, "of somebody else");
+}
+
+TEST_F(DbMgrTest, NoStatisticsOfMemoryAreKept) {
+    TeskConsumerDbMgr db;
+    EXPECT_EQ(db.insertPolicy(account(1)), 0);
+
+    EXPECT_EQ(sqlite3_memory_used(), 0);
 }
 
 TEST_F(DbMgrTest, FileIsForTheServiceAlone) {

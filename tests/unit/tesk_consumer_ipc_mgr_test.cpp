@@ -30,6 +30,9 @@ TEST_F(IpcMgrTest, OnlyANegativePortIdIsAnError) {
 
     EXPECT_TRUE(manager.init());
     EXPECT_EQ(journal.warnings(), Lines{});
+
+    platform.faults.always("message_port_register_local_port", -1);
+    EXPECT_FALSE(manager.init());
 }
 
 TEST_F(IpcMgrTest, ClosesThePortThatItOpened) {
@@ -57,6 +60,13 @@ TEST_F(IpcMgrTest, AnyCodeButZeroIsAnErrorOfTheClosing) {
 
     EXPECT_FALSE(TeskConsumerIpcMgr::deinit());
     EXPECT_EQ(journal.warnings(), Lines{"E Failed message port unregister. (7)"});
+}
+
+TEST_F(IpcMgrTest, ClosingWithoutAPortIsAnError) {
+    EXPECT_FALSE(TeskConsumerIpcMgr::deinit());
+
+    EXPECT_EQ(journal.calls(), Lines{"message_port_unregister_local_port -1"});
+    EXPECT_EQ(journal.warnings(), Lines{"E Failed message port unregister. (-22)"});
 }
 
 using IpcMgrCreationTest = UnitTest;
@@ -110,8 +120,7 @@ TEST_F(IpcMgrTest, MissingRequestIsLoggedAndDropped) {
     platform.ports.deliver(std::nullopt, "text");
     platform.ports.deliver(std::nullopt, std::nullopt);
 
-    EXPECT_EQ(journal.warnings().size(), 2U);
-    EXPECT_EQ(journal.warnings()[0].rfind("E Unsupported request : ", 0), 0U);
+    EXPECT_EQ(journal.warnings(), (Lines{"E Unsupported request : ", "E Unsupported request : "}));
 }
 
 TEST_F(IpcMgrTest, MissingArgumentCountsAsAnEmptyText) {

@@ -110,6 +110,18 @@ TEST_F(KillerTest, TriggerBehindAFiredTimerRemovesNothing) {
     EXPECT_EQ(journal.calls({"g_source_remove"}), Lines{});
 }
 
+TEST_F(KillerTest, StoppedTimerIsRemovedOnce) {
+    setApplied(1, 1);
+    killer.tryStartKillTimer();
+    setApplied(0, 1);
+    journal.clear();
+
+    killer.tryStartKillTimer();
+    killer.tryStartKillTimer();
+
+    EXPECT_EQ(journal.calls({"g_source_remove"}), Lines{"g_source_remove"});
+}
+
 TEST_F(KillerTest, MissingPasswordStopsTheTimer) {
     setApplied(1, 1);
     killer.tryStartKillTimer();

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr char key[] = "pref/tesk-agent/pwd_enforce_account_id";
+constexpr char enforceKey[] = "pref/tesk-agent/pwd_enforce_account_id";
 
 class PreferenceProxyTest : public UnitTest {
 protected:
@@ -78,13 +78,13 @@ TEST_F(PreferenceProxyTest, UnknownExistenceCountsAsAbsence) {
 TEST_F(PreferenceProxyTest, FirstInitGivesTheAccountItsFirstValue) {
     TeskConsumerPreferenceProxy::init();
 
-    EXPECT_EQ(std::get<int>(platform.preferences.at(key)), 0);
+    EXPECT_EQ(std::get<int>(platform.preferences.at(enforceKey)), 0);
     EXPECT_EQ(TeskConsumerPreferenceProxy::getPwdEnforcingAccountId(), 0);
     EXPECT_EQ(journal.logsOf("init"), (Lines{"I Enter", "I Leave"}));
 }
 
 TEST_F(PreferenceProxyTest, SecondInitLeavesTheAccountAlone) {
-    platform.preferences[key] = 7;
+    platform.preferences[enforceKey] = 7;
 
     TeskConsumerPreferenceProxy::init();
 
@@ -93,18 +93,18 @@ TEST_F(PreferenceProxyTest, SecondInitLeavesTheAccountAlone) {
 }
 
 TEST_F(PreferenceProxyTest, UnknownExistenceGivesTheAccountItsFirstValueAgain) {
-    platform.preferences[key] = 7;
+    platform.preferences[enforceKey] = 7;
     platform.faults.always("preference_is_existing", -5);
 
     TeskConsumerPreferenceProxy::init();
 
-    EXPECT_EQ(std::get<int>(platform.preferences.at(key)), 0);
+    EXPECT_EQ(std::get<int>(platform.preferences.at(enforceKey)), 0);
 }
 
 TEST_F(PreferenceProxyTest, EnforcingAccountIsKept) {
     EXPECT_EQ(TeskConsumerPreferenceProxy::setPwdEnforcingAccountId(12), 0);
     EXPECT_EQ(TeskConsumerPreferenceProxy::getPwdEnforcingAccountId(), 12);
-    EXPECT_EQ(std::get<int>(platform.preferences.at(key)), 12);
+    EXPECT_EQ(std::get<int>(platform.preferences.at(enforceKey)), 12);
     EXPECT_EQ(journal.logs(), Lines{});
 }
 

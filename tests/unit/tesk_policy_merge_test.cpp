@@ -38,6 +38,7 @@ void expectOnceRequiredStaysRequired(Number field) {
     EXPECT_EQ(merged(field, {1, 0}), 1);
     // A value that is no flag: the first account that differs decides.
     EXPECT_EQ(merged(field, {0, 7, 1}), 7);
+    EXPECT_EQ(merged(field, {0, 1, 7}), 1);
 }
 
 void expectOnceForbiddenStaysForbidden(Number field) {

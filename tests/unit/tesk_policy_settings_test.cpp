@@ -1,10 +1,22 @@
 #include "TeskPolicySettings.h"
 
+#include <vector>
+
 #include <gtest/gtest.h>
 
 namespace {
 
 constexpr int countryMinLength = 4;
+
+TEST(TeskPolicySettingsTest, NewSettingsAskForNothing) {
+    const TeskPolicySettings settings;
+    const auto numbers = {settings.quality,    settings.minLength,  settings.failedAttempts, settings.complexCharacters,
+                          settings.inactivity, settings.expiration, settings.history,        settings.wifi,
+                          settings.messaging,  settings.popImap};
+
+    EXPECT_EQ(std::vector<int>(numbers), std::vector<int>(numbers.size(), 0));
+    EXPECT_FALSE(settings.encryption);
+}
 
 TEST(TeskPolicySettingsTest, NewPolicyLimitsTheAttemptsOnly) {
     const auto settings = TeskPolicySettings::of({}, countryMinLength);

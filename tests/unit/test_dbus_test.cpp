@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <memory>
@@ -101,6 +102,7 @@ protected:
     TestDbusTest() : bus_(g_test_dbus_new(G_TEST_DBUS_NONE)) {
         g_test_dbus_up(bus_);
         g_setenv("DBUS_SYSTEM_BUS_ADDRESS", g_test_dbus_get_bus_address(bus_), TRUE);
+        g_setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", TRUE);
         developer_ = g_dbus_connection_new_for_address_sync(
             g_test_dbus_get_bus_address(bus_),
             static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
@@ -181,7 +183,17 @@ protected:
 
     int call(const char* method, int value) { return call(method, g_variant_new("(i)", value)); }
 
-    GDBusConnection* developer() const { return developer_; }
+    /// The bus's answer when the developer asks for the service's name: 1 owner, 3 it stays another's.
+    guint32 requestName(guint32 flags) const {
+        g_autoptr(GVariant) answer = g_dbus_connection_call_sync(
+            developer_, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
+            g_variant_new("(su)", "tesk.consumer.test", flags), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+        guint32 result = 0;
+        if (answer != nullptr) {
+            g_variant_get(answer, "(u)", &result);
+        }
+        return result;
+    }
 
     /// Whether a method is answered in time; for a thread of its own, since nobody runs the main loop meanwhile.
     bool answersWithin(const char* method, std::chrono::milliseconds time) const {
@@ -273,6 +285,8 @@ TEST_F(TestDbusTest, EachSetterSendsItsField) {
         const auto data = stored(999);
         EXPECT_EQ(data.*row.field, row.stored);
         EXPECT_EQ(data.devicePasswordEnabled, row.passwordEnabled);
+        const bool alphanumeric = row.field == &Data::minDevicePasswordComplexCharacters;
+        EXPECT_EQ(data.alphanumericDevicePasswordRequired, alphanumeric ? 1 : 0);
     }
 }
 
@@ -315,6 +329,19 @@ TEST_F(TestDbusTest, OnlyTheFirstLineOfTheFileIsSent) {
     EXPECT_FALSE(logged("E this is not request msgId: unknown two"));
 }
 
+TEST_F(TestDbusTest, FileIsClosedAgain) {
+    writePolicyFile("{}\n");
+    startService();
+
+    EXPECT_EQ(call("usingFile"), 0);
+
+    const auto opened = std::filesystem::directory_iterator("/proc/self/fd");
+    EXPECT_TRUE(std::none_of(begin(opened), end(opened), [&](const auto& entry) {
+        std::error_code gone;
+        return std::filesystem::read_symlink(entry.path(), gone) == platform.dataPath + "policy.json";
+    }));
+}
+
 TEST_F(TestDbusTest, LongLineIsCut) {
     writePolicyFile(std::string(5000, 'x'));
     startService();
@@ -354,10 +381,7 @@ TEST_F(TestDbusTest, AnswerComesBeforeTheWorkIsDone) {
 }
 
 TEST_F(TestDbusTest, NameThatAnotherOwnsIsOnlyTraced) {
-    g_autoptr(GVariant) owned = g_dbus_connection_call_sync(
-        developer(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
-        g_variant_new("(su)", "tesk.consumer.test", 0U), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
-    ASSERT_NE(owned, nullptr);
+    ASSERT_EQ(requestName(0), 1U);
 
     EXPECT_TRUE(TestDbus::init());
 
@@ -365,6 +389,22 @@ TEST_F(TestDbusTest, NameThatAnotherOwnsIsOnlyTraced) {
     EXPECT_EQ(journal.logsOf("__onNameLost"), Lines{"I Enter"});
     EXPECT_EQ(journal.logsOf("__onNameAcquired"), Lines{});
     EXPECT_EQ(journal.warnings(), Lines{});
+}
+
+TEST_F(TestDbusTest, NameIsNotHandedOver) {
+    constexpr guint32 replaceAndDoNotQueue = 2 | 4;
+    startService();
+
+    EXPECT_EQ(requestName(replaceAndDoNotQueue), 3U);
+}
+
+TEST_F(TestDbusTest, LostBusDoesNotEndTheProcess) {
+    startService();
+
+    g_autoptr(GDBusConnection) connection = g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr);
+
+    ASSERT_NE(connection, nullptr);
+    EXPECT_FALSE(g_dbus_connection_get_exit_on_close(connection));
 }
 
 TEST_F(TestDbusTest, InterfaceDescribesItsMethodsInOrder) {
@@ -391,6 +431,7 @@ TEST_F(TestDbusTest, UnreadableDescriptionIsAnErrorAndTheNameIsOwnedAllTheSame) 
     startService();
 
     EXPECT_EQ(journal.warnings(), Lines{"E g_dbus_node_info_new_for_xml failed: [the test says so]"});
+    EXPECT_EQ(journal.logsOf("__onBusAcquired"), (Lines{"I Enter", "I regId: [0]"}));
     EXPECT_EQ(call("ping"), -1);
 }
 

@@ -1,0 +1,55 @@
+#include "msgs/TeskConsumerJson.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr int limit = 1024;
+
+std::string repeated(const std::string& part, int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i) {
+        text += part;
+    }
+    return text;
+}
+
+bool isTooDeep(const std::string& text) {
+    return TeskConsumerJson::isNestedTooDeep(text);
+}
+
+TEST(JsonNesting, EndsAt1024Levels) {
+    EXPECT_FALSE(isTooDeep(repeated("[", limit)));
+    EXPECT_FALSE(isTooDeep(repeated("{", limit)));
+    EXPECT_TRUE(isTooDeep(repeated("[", limit + 1)));
+    EXPECT_TRUE(isTooDeep(repeated("{", limit + 1)));
+}
+
+TEST(JsonNesting, ClosedLevelsCountNoMore) {
+    EXPECT_FALSE(isTooDeep(repeated("[]", limit + 1)));
+    EXPECT_FALSE(isTooDeep(repeated("{}", limit + 1)));
+    EXPECT_FALSE(isTooDeep("[]" + repeated("[", limit)));
+    EXPECT_TRUE(isTooDeep("[]" + repeated("[", limit + 1)));
+}
+
+TEST(JsonNesting, BracketsInATextDoNotCount) {
+    EXPECT_FALSE(isTooDeep('"' + repeated("[", limit + 1) + '"'));
+    EXPECT_FALSE(isTooDeep(R"("\")" + repeated("[", limit + 1) + '"'));
+    EXPECT_FALSE(isTooDeep(R"("/'")" + repeated("[]", limit + 1)));
+}
+
+TEST(JsonNesting, BracketsBehindATextCount) {
+    for (const auto* text : {R"("")", R"("\\")", R"("\"")", R"("\n")"}) {
+        EXPECT_TRUE(isTooDeep(text + repeated("[", limit + 1))) << text;
+        EXPECT_FALSE(isTooDeep(text + repeated("[]", limit + 1))) << text;
+    }
+}
+
+TEST(JsonNesting, EveryBracketCountsBehindACommentOrASingleQuote) {
+    for (const auto* beginning : {"/", "'", "/* \" */", "'\"'"}) {
+        EXPECT_FALSE(isTooDeep(beginning + repeated("[]", limit))) << beginning;
+        EXPECT_TRUE(isTooDeep(beginning + repeated("[]", limit + 1))) << beginning;
+    }
+}
+
+} // namespace
