@@ -1,0 +1,66 @@
+#include "database_seeds.h"
+
+#include <sqlite3.h>
+
+#include <fstream>
+#include <iterator>
+#include <memory>
+
+#include "fuzz_target.h"
+#include "fuzzed_service.h"
+#include "sample_policies.h"
+
+namespace {
+
+/// What is done to a database of two accounts. Small pages keep most of the files small, so that a changed byte
+/// matters.
+const std::map<std::string, std::string>& changes() {
+    static const std::string smallPages = "PRAGMA page_size=512; VACUUM;";
+    static const std::map<std::string, std::string> statements{
+        {"as-left-by-the-service", ""},
+        {"two-accounts", smallPages},
+        {"no-accounts", "DELETE FROM eas_policy_tbl;" + smallPages},
+        {"odd-values", "UPDATE eas_policy_tbl SET account_name=NULL, display_name=x'00ff', allow_wifi='yes', "
+                       "device_password_history=9e99;" +
+                           smallPages},
+        {"few-columns", "DROP TABLE eas_policy_tbl; CREATE TABLE eas_policy_tbl(account_id INTEGER PRIMARY KEY);"
+                        "INSERT INTO eas_policy_tbl VALUES(1);" +
+                            smallPages},
+        {"no-table", "DROP TABLE eas_policy_tbl;" + smallPages},
+        {"view",
+         "ALTER TABLE eas_policy_tbl RENAME TO kept; CREATE VIEW eas_policy_tbl AS SELECT * FROM kept;" + smallPages},
+        {"triggers",
+         "CREATE TRIGGER t BEFORE DELETE ON eas_policy_tbl BEGIN SELECT RAISE(ABORT, 'no'); END;" + smallPages},
+        {"write-ahead", smallPages + "PRAGMA journal_mode=WAL;"},
+    };
+    return statements;
+}
+
+std::string contentsOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+std::string databaseAfter(const std::string& statements) {
+    fuzz::FuzzedService service;
+    service.run([&] {
+        service.request("req_update_policy", samples::indication(1, samples::builtIn));
+        service.request("req_update_policy", samples::indication(2, samples::hardened));
+    });
+    sqlite3* opened = nullptr;
+    fuzz::require(sqlite3_open(service.databasePath().c_str(), &opened) == SQLITE_OK, "the database can be opened");
+    std::unique_ptr<sqlite3, decltype(&sqlite3_close)> database(opened, &sqlite3_close);
+    fuzz::require(sqlite3_exec(opened, statements.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK, statements);
+    database.reset();
+    return contentsOf(service.databasePath());
+}
+
+} // namespace
+
+std::map<std::string, std::string> fuzz::databaseSeeds() {
+    std::map<std::string, std::string> seeds;
+    for (const auto& [name, statements] : changes()) {
+        seeds[name] = databaseAfter(statements);
+    }
+    return seeds;
+}

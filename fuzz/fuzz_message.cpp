@@ -1,0 +1,18 @@
+// The text of a message, read and carried out.
+
+#include <memory>
+
+#include "fuzz_target.h"
+#include "fuzzed_service.h"
+#include "msgs/TeskConsumerRespMsgFactory.h"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const fuzz::FuzzedService service;
+    const std::unique_ptr<TeskConsumerResponsedMsg> message(
+        TeskConsumerRespMsgFactory::createResponsedMsg(fuzz::textOf(data, size)));
+    if (message) {
+        message->process();
+    }
+    service.requireNothingLeaked();
+    return 0;
+}

@@ -1,0 +1,21 @@
+// A request as it arrives at the message port: the first line is its name, everything behind it the argument, which is
+// missing where there is no second line.
+
+#include <optional>
+
+#include "TeskConsumerIpcMgr.h"
+#include "fuzz_target.h"
+#include "fuzzed_service.h"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string text = fuzz::textOf(data, size);
+    const auto nameEnd = text.find('\n');
+    const auto argument =
+        nameEnd != std::string::npos ? std::optional<std::string>(text.substr(nameEnd + 1)) : std::nullopt;
+
+    fuzz::FuzzedService service;
+    TeskConsumerIpcMgr::getInstance()->init();
+    service.request(text.substr(0, nameEnd), argument);
+    service.requireNothingLeaked();
+    return 0;
+}

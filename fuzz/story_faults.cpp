@@ -1,0 +1,93 @@
+#include "story_faults.h"
+
+#include <array>
+
+namespace {
+
+/// The codes of functions that may also claim success without having done anything.
+constexpr std::array<int, 8> platformCodes{-1, 0, -5, -13, -22, -107, 1, -2147483647};
+
+/// SQLite's errors; a success that did nothing would be SQLite's own bug.
+constexpr std::array<int, 9> databaseCodes{1, 5, 6, 7, 8, 10, 11, 13, 26};
+
+constexpr std::array<int, 3> systemCodes{12, 28, 30};
+
+constexpr std::array platformFunctions{
+    "app_control_create",
+    "app_control_set_app_id",
+    "app_control_add_extra_data",
+    "app_control_get_extra_data",
+    "app_control_send_launch_request",
+    "app_get_data_path",
+    "bundle_create",
+    "bundle_add_str",
+    "bundle_get_str",
+    "dpm_manager_create",
+    "dpm_admin_register_client",
+    "dpm_admin_deregister_client",
+    "dpm_password_set_quality",
+    "dpm_password_get_quality",
+    "dpm_password_set_minimum_length",
+    "dpm_password_get_minimum_length",
+    "dpm_password_set_min_complex_chars",
+    "dpm_password_get_min_complex_chars",
+    "dpm_password_set_maximum_failed_attempts_for_wipe",
+    "dpm_password_set_expires",
+    "dpm_password_set_history",
+    "dpm_password_set_max_inactivity_time_device_lock",
+    "dpm_restriction_set_wifi_state",
+    "dpm_restriction_set_popimap_email_state",
+    "dpm_restriction_set_messaging_state",
+    "dpm_security_set_internal_storage_encryption",
+    "dpm_security_wipe_data",
+    "message_port_register_local_port",
+    "message_port_unregister_local_port",
+    "message_port_send_message",
+    "preference_set_int",
+    "preference_get_int",
+    "preference_is_existing",
+    "service_app_add_event_handler",
+    "service_app_exit",
+    "vconf_get_int",
+    "vconf_set_int",
+    "vconf_get_str",
+    "vconf_notify_key_changed",
+    "operator new[]",
+};
+
+constexpr std::array databaseFunctions{
+    "sqlite3_open", "sqlite3_busy_handler", "sqlite3_prepare_v2", "sqlite3_step", "sqlite3_finalize",
+};
+
+constexpr std::array systemFunctions{"rename", "getpwnam_r"};
+
+void choose(fuzz::ByteReader& bytes, fake::Faults& faults, const char* function, int code) {
+    constexpr std::size_t farthestCall = 8;
+    if (bytes.flag()) {
+        faults.always(function, code);
+    } else {
+        faults.atCall(function, static_cast<int>(bytes.below(farthestCall)) + 1, code);
+    }
+}
+
+} // namespace
+
+void fuzz::chooseFault(ByteReader& bytes, fake::Faults& faults) {
+    switch (bytes.below(4)) {
+    case 0: {
+        const char* const function = bytes.oneOf(databaseFunctions);
+        choose(bytes, faults, function, bytes.oneOf(databaseCodes));
+        break;
+    }
+    case 1: {
+        const char* const function = bytes.oneOf(systemFunctions);
+        choose(bytes, faults, function, bytes.oneOf(systemCodes));
+        break;
+    }
+    default: {
+        const char* const function = bytes.oneOf(platformFunctions);
+        choose(bytes, faults, function, bytes.oneOf(platformCodes));
+        break;
+    }
+    }
+}
