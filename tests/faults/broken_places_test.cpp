@@ -1,0 +1,246 @@
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+#include "sample_policies.h"
+#include "story_run.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Limits what this process and its children may use, for as long as the object lives.
+class Limit {
+public:
+    Limit(__rlimit_resource resource, rlim_t limit) : resource_(resource) {
+        getrlimit(resource_, &before_);
+        const rlimit now{limit, before_.rlim_max};
+        setrlimit(resource_, &now);
+    }
+    ~Limit() { setrlimit(resource_, &before_); }
+    Limit(const Limit&) = delete;
+    Limit& operator=(const Limit&) = delete;
+
+private:
+    __rlimit_resource resource_;
+    rlimit before_{};
+};
+
+/// Gives up root, for whom permissions do not count, for as long as the object lives.
+class NoRoot {
+public:
+    NoRoot() {
+        if (isRoot_ && seteuid(nobody) != 0) {
+            throw std::runtime_error("root cannot be given up");
+        }
+    }
+    ~NoRoot() {
+        if (isRoot_ && seteuid(0) != 0) {
+            std::abort();
+        }
+    }
+    NoRoot(const NoRoot&) = delete;
+    NoRoot& operator=(const NoRoot&) = delete;
+
+private:
+    static constexpr uid_t nobody = 65534;
+    const bool isRoot_ = geteuid() == 0;
+};
+
+const Story& storyNamed(const std::string& name) {
+    return *std::find_if(stories().begin(), stories().end(), [&](const Story& story) { return story.name == name; });
+}
+
+/// A story on a watch whose data folder is not as it should be; no call is made to fail.
+class BrokenPlace : public ::testing::Test {
+protected:
+    explicit BrokenPlace(const std::string& storyName = "FirstStart")
+        : story(storyNamed(storyName)), run(story, databaseOf(story)) {
+        std::signal(SIGXFSZ, SIG_IGN);
+    }
+
+    void makeFolder() const { fs::create_directory(folder); }
+
+    /// Plays the story; it ends by itself, gives everything back and says what is wrong.
+    void play(const std::string& warning) {
+        run.play({});
+        EXPECT_TRUE(run.end().isFinished()) << run.end().how();
+        EXPECT_EQ(run.outcome().leaks, Outcome::Lines{});
+        const auto& warnings = run.outcome().warnings;
+        EXPECT_TRUE(std::any_of(warnings.begin(), warnings.end(), [&](const std::string& line) {
+            return line.find(warning) != std::string::npos;
+        })) << ::testing::PrintToString(warnings);
+    }
+
+    /// The place was repaired.
+    void expectNextStartServes() { EXPECT_EQ(run.requestAfterRestart(), ""); }
+
+    const Story& story;
+    StoryRun run;
+    const fs::path database = run.databasePath();
+    const fs::path folder = database.parent_path();
+    const fs::path dataPath = folder.parent_path();
+};
+
+TEST_F(BrokenPlace, FileInPlaceOfTheFolder) {
+    std::ofstream(folder) << "a file";
+    play("sqlite3_open failed: [14]");
+    fs::remove(folder);
+    expectNextStartServes();
+}
+
+TEST_F(BrokenPlace, DanglingLinkInPlaceOfTheFolder) {
+    fs::create_symlink("nowhere", folder);
+    play("g_mkdir() failed!");
+    fs::remove(folder);
+    expectNextStartServes();
+}
+
+TEST_F(BrokenPlace, LinkToItselfInPlaceOfTheFolder) {
+    fs::create_symlink(folder.filename(), folder);
+    play("g_mkdir() failed!");
+    fs::remove(folder);
+    expectNextStartServes();
+}
+
+TEST_F(BrokenPlace, NoDataFolder) {
+    fs::remove(dataPath);
+    play("g_mkdir() failed!");
+    fs::create_directory(dataPath);
+    expectNextStartServes();
+}
+
+TEST_F(BrokenPlace, FolderInPlaceOfTheDatabase) {
+    fs::create_directories(database);
+    play("sqlite3_open failed: [14]");
+    fs::remove(database);
+    expectNextStartServes();
+}
+
+TEST_F(BrokenPlace, FolderInPlaceOfTheNewDatabase) {
+    const fs::path inTheWay = database.string() + ".new";
+    fs::create_directories(inTheWay / "full");
+    play("sqlite3_open failed: [14]");
+    fs::remove_all(inTheWay);
+    expectNextStartServes();
+}
+
+TEST_F(BrokenPlace, NoPermissionInTheDataFolder) {
+    fs::permissions(dataPath, fs::perms(0555));
+    {
+        const NoRoot user;
+        play("g_mkdir() failed!");
+    }
+    fs::permissions(dataPath, fs::perms(0755));
+    expectNextStartServes();
+}
+
+TEST_F(BrokenPlace, FullDisk) {
+    {
+        const Limit disk(RLIMIT_FSIZE, 0);
+        play("db create fail");
+    }
+    EXPECT_FALSE(fs::exists(database)) << "a database without a table would never be repaired";
+    expectNextStartServes();
+}
+
+TEST_F(BrokenPlace, DiskThatFillsUpHalfway) {
+    {
+        const Limit disk(RLIMIT_FSIZE, 5000);
+        play("db create fail");
+    }
+    EXPECT_FALSE(fs::exists(database));
+    expectNextStartServes();
+}
+
+/// The same, where an account is stored and another one comes.
+class BrokenPlaceWithRows : public BrokenPlace {
+protected:
+    BrokenPlaceWithRows() : BrokenPlace("StrongerSecondAccount") {}
+
+    const StoredRows rowsBefore = run.rows();
+};
+
+TEST_F(BrokenPlaceWithRows, FullDiskLosesNoRow) {
+    {
+        const Limit disk(RLIMIT_FSIZE, 0);
+        play("db failure: disk I/O error");
+    }
+    EXPECT_EQ(run.rows(), rowsBefore);
+    expectNextStartServes();
+}
+
+TEST_F(BrokenPlaceWithRows, DiskThatFillsUpHalfwayLosesNoRow) {
+    {
+        const Limit disk(RLIMIT_FSIZE, 5000);
+        play("db failure: disk I/O error");
+    }
+    EXPECT_EQ(run.rows(), rowsBefore);
+    expectNextStartServes();
+}
+
+TEST_F(BrokenPlaceWithRows, ReadOnlyDatabaseIsStillEnforced) {
+    fs::permissions(dataPath.parent_path(), fs::perms(0755));
+    fs::permissions(database, fs::perms(0444));
+    fs::permissions(folder, fs::perms(0555));
+    {
+        const NoRoot user;
+        play("db failure: attempt to write a readonly database");
+    }
+    EXPECT_EQ(run.outcome().device.at("minimum_length"), 4);
+    EXPECT_EQ(run.rows(), rowsBefore);
+    fs::permissions(folder, fs::perms(0755));
+    fs::permissions(database, fs::perms(0644));
+    expectNextStartServes();
+}
+
+TEST_F(BrokenPlaceWithRows, DatabaseOfAnotherKind) {
+    std::ofstream(database) << std::string(8192, 'x');
+    play("db failure: file is not a database");
+    fs::remove(database);
+    expectNextStartServes();
+}
+
+TEST_F(BrokenPlaceWithRows, EmptyDatabase) {
+    std::ofstream(database, std::ios::trunc).flush();
+    play("db failure: no such table: eas_policy_tbl");
+    fs::remove(database);
+    expectNextStartServes();
+}
+
+TEST_F(BrokenPlaceWithRows, DatabaseThatWasCutOff) {
+    fs::resize_file(database, fs::file_size(database) / 2);
+    play("db failure: database disk image is malformed");
+    fs::remove(database);
+    expectNextStartServes();
+}
+
+/// Where no file can be opened any more while the service runs.
+TEST(BrokenPlaceWhileRunning, NoFileIsLeftToOpen) {
+    if (FAULTS_RUN_EACH != 1) {
+        GTEST_SKIP() << "a sanitizer opens files for checks of its own";
+    }
+    Story story = storyNamed("StrongerSecondAccount");
+    story.act = [act = story.act](fake::FakePlatform& platform) {
+        const Limit files(RLIMIT_NOFILE, 3);
+        act(platform);
+    };
+    StoryRun run(story, databaseOf(story));
+    const auto rowsBefore = run.rows();
+    run.play({});
+
+    EXPECT_TRUE(run.end().isFinished()) << run.end().how();
+    EXPECT_EQ(run.outcome().nextRequest, "");
+    auto rows = run.rows();
+    rows.erase(nextAccountId);
+    EXPECT_EQ(rows, rowsBefore);
+}
+
+} // namespace

@@ -1,0 +1,128 @@
+#include "memory.h"
+#include "process_handle.h"
+#include "traffic.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
+namespace load_test {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// What an allocator may scatter and its caches may gather after the warm-up.
+constexpr long allowedGrowth = 1024; // KiB
+
+/// Whether a checker holds memory of its own beside the service's and keeps what was freed for a while.
+bool isChecked() {
+#ifdef __SANITIZE_ADDRESS__
+    return true;
+#else
+    return std::getenv("TESK_TEST_SERVICE") != nullptr;
+#endif
+}
+
+/// How many requests are sent in one go. They must be handled before the service takes itself for idle.
+int requestsAtOnce() {
+    return isChecked() ? 20 : 100;
+}
+
+/// A number of the environment, for the runs by hand.
+int wanted(const char* variable, int otherwise) {
+    const char* text = std::getenv(variable);
+    return text != nullptr ? std::atoi(text) : otherwise;
+}
+
+/// A folder in memory where there is one, so that no disk is worn out.
+std::string scratch() {
+    return access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp";
+}
+
+double secondsSince(Clock::time_point begin) {
+    return std::chrono::duration<double>(Clock::now() - begin).count();
+}
+
+void expectFlat(const Memory& before, const Memory& after) {
+    std::printf("memory after the warm-up: %ld KiB resident, %ld KiB private dirty\n", before.resident,
+                before.privateDirty);
+    std::printf("memory at the end:        %ld KiB resident, %ld KiB private dirty\n", after.resident,
+                after.privateDirty);
+    if (!isChecked()) {
+        EXPECT_LE(after.privateDirty - before.privateDirty, allowedGrowth);
+        EXPECT_LE(after.resident - before.resident, allowedGrowth);
+    }
+}
+
+/// Sends so many requests, checks them in portions, and keeps a service that has nothing left to do from ending.
+void sendInPortions(const system_test::Watch& watch, Traffic& traffic, int requests) {
+    while (requests > 0 && !testing::Test::HasFailure()) {
+        const int portion = std::min(requests, requestsAtOnce());
+        watch.launchService();
+        traffic.send(portion);
+        traffic.settleAndCheck();
+        requests -= portion;
+    }
+}
+
+TEST(Load, NothingIsLostReorderedOrKept) {
+    const int requests = wanted("TESK_LOAD_REQUESTS", 5000);
+    const system_test::Watch watch({}, scratch());
+    watch.launchService();
+    watch.waitForLog("__onNameAcquired");
+    const pid_t service = watch.servicePid();
+    Traffic traffic(watch);
+    const auto begin = Clock::now();
+
+    sendInPortions(watch, traffic, requests / 5);
+    const Memory before = memoryOf(service);
+    sendInPortions(watch, traffic, requests - requests / 5);
+
+    const Memory after = memoryOf(service);
+    const double seconds = secondsSince(begin);
+    std::printf("%d requests in %.0f s, %.0f in a second\n", traffic.sent(), seconds, traffic.sent() / seconds);
+    expectFlat(before, after);
+    EXPECT_EQ(watch.servicePid(), service) << "it served all of them";
+}
+
+/// Ends the service in the middle of what was sent.
+void endInTheMiddle(const system_test::Watch& watch, int signal) {
+    const auto process = deskwatch::ProcessHandle::open(watch.servicePid());
+    ASSERT_TRUE(process);
+    process->signal(signal);
+    ASSERT_TRUE(process->waitForEnd(std::chrono::seconds(30)));
+    while (watch.isServiceRunning()) {
+        // the bus has yet to see that its connection is gone
+    }
+}
+
+TEST(Soak, EveryStartFindsWhatWasStored) {
+    const auto time = std::chrono::minutes(wanted("TESK_SOAK_MINUTES", 0));
+    constexpr int fewestRounds = 10;
+    const system_test::Watch watch({}, scratch());
+    watch.launchService();
+    watch.waitForLog("__onNameAcquired");
+    Traffic traffic(watch);
+    std::minstd_rand random(7);
+    const auto begin = Clock::now();
+
+    int rounds = 0;
+    for (; (rounds < fewestRounds || Clock::now() - begin < time) && !testing::Test::HasFailure(); ++rounds) {
+        sendInPortions(watch, traffic, requestsAtOnce());
+        traffic.send(static_cast<int>(random() % static_cast<unsigned>(requestsAtOnce())));
+        endInTheMiddle(watch, rounds % 2 == 0 ? SIGKILL : SIGTERM);
+        watch.launchService();
+        watch.waitForLog("__onNameAcquired");
+        traffic.checkAfterRestart();
+    }
+
+    std::printf("%d ends and starts, %d requests in %.0f s\n", rounds, traffic.sent(), secondsSince(begin));
+}
+
+} // namespace
+} // namespace load_test
