@@ -87,6 +87,7 @@ void readValue(GVariant* value) {
     host::textOf(value);
     host::intPairOf(value);
     host::intArgumentOf(value);
+    host::changedPathsOf(value);
     if (g_variant_is_of_type(value, G_VARIANT_TYPE(pairsType)) != FALSE) {
         readPairs(value);
     }
@@ -120,7 +121,8 @@ void readBusMessage(ByteReader& bytes) {
 }
 
 void readStoredValue(ByteReader& bytes) {
-    static constexpr std::array types{pairsType, "i", "s", "(i)", "(ii)", "b", "d", "v", "as", "(ss)", "(ssa(ss))"};
+    static constexpr std::array types{pairsType, "i", "s",  "(i)",  "(ii)",   "b",
+                                      "d",       "v", "as", "(ss)", "(sass)", "(ssa(ss))"};
     const char* const type = bytes.oneOf(types);
     const std::string content = bytes.rest();
     const std::unique_ptr<GBytes, decltype(&g_bytes_unref)> owner(g_bytes_new(content.data(), content.size()),

@@ -4,6 +4,7 @@
 #include "guard.h"
 #include "host_bus.h"
 #include "launcher.h"
+#include "settings_store.h"
 
 namespace host {
 
@@ -57,9 +58,18 @@ gboolean ApplicationObject::onLaunch(PlatformBusApplication* /*object*/, GDBusMe
     });
 }
 
-gboolean ApplicationObject::onSettle(PlatformBusApplication* object, GDBusMethodInvocation* invocation,
+// Answered behind the news that the main loop has by then.
+gboolean ApplicationObject::onSettle(PlatformBusApplication* /*object*/, GDBusMethodInvocation* invocation,
                                      gpointer /*self*/) {
     return guarded("a question whether all is settled", FALSE, [&] {
+        SettingsStore::get().awaitNews();
+        g_idle_add_full(G_PRIORITY_DEFAULT, &ApplicationObject::answerSettle, invocation, nullptr);
+        return TRUE;
+    });
+}
+
+gboolean ApplicationObject::answerSettle(gpointer invocation) {
+    return guarded<gboolean>("the answer that all is settled", G_SOURCE_REMOVE, [&] {
         const std::vector<std::string> ids = Launcher::get().outstanding();
         std::vector<const char*> texts;
         texts.reserve(ids.size() + 1);
@@ -67,8 +77,9 @@ gboolean ApplicationObject::onSettle(PlatformBusApplication* object, GDBusMethod
             texts.push_back(id.c_str());
         }
         texts.push_back(nullptr);
-        platform_bus_application_complete_settle(object, invocation, texts.data());
-        return TRUE;
+        platform_bus_application_complete_settle(nullptr, static_cast<GDBusMethodInvocation*>(invocation),
+                                                 texts.data());
+        return G_SOURCE_REMOVE;
     });
 }
 

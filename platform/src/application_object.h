@@ -30,6 +30,7 @@ private:
     static gboolean onLaunch(PlatformBusApplication* object, GDBusMethodInvocation* invocation, const char* caller,
                              GVariant* extraData, gboolean replyWanted, gpointer self);
     static gboolean onSettle(PlatformBusApplication* object, GDBusMethodInvocation* invocation, gpointer self);
+    static gboolean answerSettle(gpointer invocation);
 
     Handler handler_;
     ObjectPtr<PlatformBusApplication> skeleton_;

@@ -120,6 +120,24 @@ bool Bus::isActivatable(const std::string& name) {
     return g_strv_contains(names, name.c_str()) != FALSE;
 }
 
+void Bus::addMatch(const std::string& rule) {
+    g_autoptr(GError) error = nullptr;
+    if (!platform_bus_daemon_call_add_match_sync(daemon_.get(), rule.c_str(), G_DBUS_CALL_FLAGS_NONE, -1, nullptr,
+                                                 &error)) {
+        check(error);
+        throw HostError("cannot ask for the signals of " + rule + ": " + error->message);
+    }
+}
+
+void Bus::removeMatch(const std::string& rule) {
+    g_autoptr(GError) error = nullptr;
+    if (!platform_bus_daemon_call_remove_match_sync(daemon_.get(), rule.c_str(), G_DBUS_CALL_FLAGS_NONE, -1, nullptr,
+                                                    &error)) {
+        check(error);
+        report("cannot take back the signals of " + rule + ": " + error->message);
+    }
+}
+
 // What goes wrong here has nobody left to care for it.
 void Bus::awaitStart(const std::string& name) noexcept {
     guint outcome = 0;

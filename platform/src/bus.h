@@ -38,6 +38,11 @@ public:
     /// Whether the daemon could start a process for the name.
     bool isActivatable(const std::string& name);
 
+    /// Asks for the signals that a match rule describes, once for each call, until it is taken back as often. Throws
+    /// HostError when it is no rule.
+    void addMatch(const std::string& rule);
+    void removeMatch(const std::string& rule);
+
     /// Returns when the name's process, which the daemon was asked to start, owns the name or failed to. For a process
     /// that is about to end: a lost connection counts for nothing any more.
     void awaitStart(const std::string& name) noexcept;

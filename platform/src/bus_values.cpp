@@ -36,4 +36,17 @@ std::optional<int> intArgumentOf(GVariant* arguments) {
     return number;
 }
 
+std::vector<std::string> changedPathsOf(GVariant* arguments) {
+    std::vector<std::string> paths;
+    if (isOf(arguments, G_VARIANT_TYPE("(sass)"))) {
+        const char* prefix = nullptr;
+        g_autoptr(GVariantIter) changes = nullptr;
+        g_variant_get(arguments, "(&sass)", &prefix, &changes, nullptr);
+        for (const char* change = nullptr; g_variant_iter_next(changes, "&s", &change);) {
+            paths.push_back(std::string(prefix) + change);
+        }
+    }
+    return paths;
+}
+
 } // namespace host

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace host {
 
@@ -18,6 +19,9 @@ std::optional<std::pair<int, int>> intPairOf(GVariant* value);
 
 /// The one number that a signal carries.
 std::optional<int> intArgumentOf(GVariant* arguments);
+
+/// The paths that a signal of the settings store's writer names; none for arguments of another type.
+std::vector<std::string> changedPathsOf(GVariant* arguments);
 
 } // namespace host
 

@@ -9,6 +9,30 @@
 #include "text.h"
 
 namespace host {
+namespace {
+
+// What dconf's own client listens to. It would take the news in a thread of its own and hand it to the main loop behind
+// what came over the bus later.
+constexpr char writerName[] = "ca.desrt.dconf";
+constexpr char writerInterface[] = "ca.desrt.dconf.Writer";
+constexpr char writerPath[] = "/ca/desrt/dconf/Writer/user";
+constexpr char newsSignal[] = "Notify";
+
+std::string quoted(const std::string& text) {
+    std::string result = "'";
+    for (const char letter : text) {
+        result += letter == '\'' ? "'\\''" : std::string(1, letter);
+    }
+    return result + "'";
+}
+
+// The news of a key, or of all below a folder.
+std::string newsOf(const std::string& path) {
+    return std::string("type='signal',interface='") + writerInterface + "',member='" + newsSignal + "',path='" +
+           writerPath + "',arg0path=" + quoted(path);
+}
+
+} // namespace
 
 SettingsStore& SettingsStore::get() {
     static SettingsStore store;
@@ -16,16 +40,16 @@ SettingsStore& SettingsStore::get() {
     return store;
 }
 
-SettingsStore::SettingsStore() {
-    // dconf takes the process's shared bus connection, in a thread of its own. The connection must have been made
-    // before, by the main loop's thread, or the news of its loss would come to that other thread.
-    Bus::get();
-    client_.reset(dconf_client_new());
-    g_signal_connect(client_.get(), "changed", G_CALLBACK(onChanged), this);
+// dconf takes the process's shared bus connection, in a thread of its own. The connection must have been made before,
+// by the main loop's thread, or the news of its loss would come to that other thread.
+SettingsStore::SettingsStore() : bus_(Bus::get()), client_(dconf_client_new()) {
+    subscription_ =
+        g_dbus_connection_signal_subscribe(bus_.connection(), nullptr, writerInterface, newsSignal, writerPath, nullptr,
+                                           G_DBUS_SIGNAL_FLAGS_NO_MATCH_RULE, onNews, this, nullptr);
 }
 
 SettingsStore::~SettingsStore() {
-    g_signal_handlers_disconnect_by_data(client_.get(), this);
+    g_dbus_connection_signal_unsubscribe(bus_.connection(), subscription_);
 }
 
 bool SettingsStore::isKey(const std::string& path) {
@@ -81,19 +105,25 @@ bool SettingsStore::isEmptyFolder(const std::string& folder) {
 }
 
 void SettingsStore::watch(const std::string& key) {
-    dconf_client_watch_sync(client_.get(), key.c_str());
+    bus_.addMatch(newsOf(key));
 }
 
 void SettingsStore::unwatch(const std::string& key) {
-    dconf_client_unwatch_sync(client_.get(), key.c_str());
+    bus_.removeMatch(newsOf(key));
 }
 
-void SettingsStore::onChanged(DConfClient* /*client*/, const char* prefix, const char* const* changes,
-                              const char* /*tag*/, gpointer self) {
+// A writer that does not run, or not any more, has nothing to tell.
+void SettingsStore::awaitNews() {
+    const VariantPtr answer(g_dbus_connection_call_sync(bus_.connection(), writerName, writerPath, writerInterface,
+                                                        "Init", nullptr, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, -1,
+                                                        nullptr, nullptr));
+}
+
+void SettingsStore::onNews(GDBusConnection* /*connection*/, const char* /*sender*/, const char* /*path*/,
+                           const char* /*interface*/, const char* /*signal*/, GVariant* arguments, gpointer self) {
     auto& store = *static_cast<SettingsStore*>(self);
     guarded("news of changed settings", 0, [&] {
-        for (; *changes != nullptr; ++changes) {
-            const std::string path = std::string(prefix) + *changes;
+        for (const std::string& path : changedPathsOf(arguments)) {
             Faults::get().notify(store, path);
             if (store.listener_) {
                 store.listener_(path);

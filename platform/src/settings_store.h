@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "glib_ptr.h"
+#include "bus.h"
 
 typedef struct _DConfClient DConfClient; // NOLINT(modernize-use-using): repeats the library's own declaration
 
@@ -15,7 +15,7 @@ namespace host {
 /// The device's settings, kept by dconf. A path is "/" and names joined by "/"; a folder's path ends in "/".
 ///
 /// A write returns when the store's one writer has it on disk, and a read sees it at once. News of a change, one's own
-/// included, comes later, through the main loop.
+/// included, comes later, through the main loop, in its place among what else comes over the bus.
 class SettingsStore {
 public:
     /// Told the path that changed: a key, or a folder when everything below it may have changed.
@@ -56,16 +56,22 @@ public:
     void watch(const std::string& key);
     void unwatch(const std::string& key);
 
+    /// Returns when the main loop has the news of every change that was made before, so that it tells the listener
+    /// before it does what is added to it now. Waits for the store's writer, which answers a change before it tells it.
+    void awaitNews();
+
     /// Who hears of the changes to watched keys.
     void setListener(Listener listener) { listener_ = std::move(listener); }
 
 private:
     SettingsStore();
 
-    static void onChanged(DConfClient* client, const char* prefix, const char* const* changes, const char* tag,
-                          gpointer self);
+    static void onNews(GDBusConnection* connection, const char* sender, const char* path, const char* interface,
+                       const char* signal, GVariant* arguments, gpointer self);
 
+    Bus& bus_;
     ObjectPtr<DConfClient> client_;
+    guint subscription_ = 0;
     Listener listener_;
 };
 

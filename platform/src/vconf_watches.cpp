@@ -15,9 +15,13 @@ bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
 
+bool isFolder(std::string_view path) {
+    return !path.empty() && path.back() == '/';
+}
+
 // The change of a folder is the change of every key below it.
 bool isAffected(const std::string& path, const std::string& changedPath) {
-    return path == changedPath || (changedPath.back() == '/' && startsWith(path, changedPath));
+    return path == changedPath || (isFolder(changedPath) && startsWith(path, changedPath));
 }
 
 } // namespace
@@ -45,8 +49,8 @@ void VconfWatches::add(const std::string& key, vconf_callback_fn callback, void*
         (*present)->userData = userData;
         return;
     }
-    watches_.push_back(std::make_shared<Watch>(Watch{key, callback, userData}));
     store_.watch(root + key);
+    watches_.push_back(std::make_shared<Watch>(Watch{key, callback, userData}));
 }
 
 bool VconfWatches::remove(const std::string& key, vconf_callback_fn callback) {

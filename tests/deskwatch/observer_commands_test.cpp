@@ -77,8 +77,10 @@ TEST_F(ObserverCommands, ListShowsEachWatchAndWhatBecameOfIt) {
     run({"boot", other.path().string()});
 
     const auto both = Json::parse(run({"ls", "--json"}));
-    BusProcess(Device(other.path()).layout().busRecord()).running().value().signal(SIGKILL);
-    BusProcess(Device(other.path()).layout().busRecord()).running().value().waitForEnd(patience);
+    const auto bus = BusProcess(Device(other.path()).layout().busRecord()).running();
+    ASSERT_TRUE(bus.has_value());
+    bus->signal(SIGKILL);
+    ASSERT_TRUE(bus->waitForEnd(patience));
     const auto table = run({"ls"});
     run({"--device", other.path().string(), "off"});
     const auto one = Json::parse(run({"ls", "--json"}));

@@ -3,6 +3,8 @@
 #include <tesk-host-bus.h>
 #include <vconf.h>
 
+#include <array>
+
 #include "host_bus.h"
 #include "host_test.h"
 
@@ -24,11 +26,19 @@ void announce(int type) {
     g_dbus_connection_flush_sync(bus, nullptr, nullptr);
 }
 
-void announceText() {
+void emitSignal(const char* path, const char* interface, const char* signal, GVariant* arguments) {
     g_autoptr(GDBusConnection) bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
-    g_dbus_connection_emit_signal(bus, nullptr, host_bus::systemPath, tesk_host_system_interface_info()->name, "Event",
-                                  g_variant_new("(s)", "low memory"), nullptr);
+    g_dbus_connection_emit_signal(bus, nullptr, path, interface, signal, arguments, nullptr);
     g_dbus_connection_flush_sync(bus, nullptr, nullptr);
+}
+
+void announceText() {
+    emitSignal(host_bus::systemPath, tesk_host_system_interface_info()->name, "Event",
+               g_variant_new("(s)", "low memory"));
+}
+
+void tellNews(GVariant* arguments) {
+    emitSignal("/ca/desrt/dconf/Writer/user", "ca.desrt.dconf.Writer", "Notify", arguments);
 }
 
 void recordNumber(keynode_t* node, void* numbers) {
@@ -127,6 +137,29 @@ TEST_F(Exchange, KeyThatIsSetToItsOwnValueIsNoNews) {
 
     ASSERT_TRUE(runMainLoopUntil([&] { return numbers.back() == 2; }));
     EXPECT_EQ(numbers, (std::vector<int>{1, 2}));
+}
+
+TEST_F(Exchange, NewsOfAnotherFormIsPassedOver) {
+    std::vector<int> numbers;
+    vconf_notify_key_changed("db/example/key", recordNumber, &numbers);
+    const std::array<const char*, 2> changes{"", nullptr};
+
+    tellNews(g_variant_new("(s)", "/vconf/db/example/key"));
+    tellNews(g_variant_new("(s^ass)", "", changes.data(), ""));
+    EXPECT_EQ(run({"set-key", "db/example/key", "7"})->status(), 0);
+
+    ASSERT_TRUE(runMainLoopUntil([&] { return !numbers.empty(); }));
+    EXPECT_EQ(numbers, std::vector<int>{7});
+}
+
+TEST_F(Exchange, KeyWithAnApostropheIsWatched) {
+    std::vector<int> numbers;
+    EXPECT_EQ(vconf_notify_key_changed("db/wearer's/key", recordNumber, &numbers), 0);
+
+    vconf_set_int("db/wearer's/key", 7);
+
+    ASSERT_TRUE(runMainLoopUntil([&] { return !numbers.empty(); }));
+    EXPECT_EQ(numbers, std::vector<int>{7});
 }
 
 TEST_F(Exchange, SettingsSurviveARestartOfEverything) {

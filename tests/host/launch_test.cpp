@@ -1,6 +1,8 @@
 #include <app_control.h>
 #include <message_port.h>
+#include <sched.h>
 #include <tesk-host-bus.h>
+#include <vconf.h>
 
 #include <fstream>
 #include <map>
@@ -49,9 +51,10 @@ bool came(const Answer& answer) {
     return runMainLoopUntil([&] { return answer.result.has_value(); });
 }
 
-void tellApp(const char* id, const char* todo) {
+void tellApp(const char* id, const char* todo, const char* key = "") {
     bundle* message = bundle_create();
     bundle_add_str(message, "do", todo);
+    bundle_add_str(message, "key", key);
     EXPECT_EQ(message_port_send_message(id, "control", message), MESSAGE_PORT_ERROR_NONE);
     bundle_free(message);
 }
@@ -69,6 +72,26 @@ std::vector<std::string> settle(const char* id) {
 }
 
 class Launch : public HostTest {};
+
+/// The device's processes get one processor, on which threads that race for the bus lose every time.
+class OneProcessor {
+public:
+    OneProcessor() {
+        sched_getaffinity(0, sizeof all_, &all_);
+        cpu_set_t first;
+        CPU_ZERO(&first);
+        CPU_SET(sched_getcpu(), &first);
+        sched_setaffinity(0, sizeof first, &first);
+    }
+    OneProcessor(const OneProcessor&) = delete;
+    OneProcessor& operator=(const OneProcessor&) = delete;
+    ~OneProcessor() { sched_setaffinity(0, sizeof all_, &all_); }
+
+private:
+    cpu_set_t all_{};
+};
+
+class LaunchOnOneProcessor : private OneProcessor, public HostTest {};
 
 TEST_F(Launch, StartsTheApplicationAndReachesItAfterCreateOnce) {
     EXPECT_EQ(launch(appId, {{"text", "hello"}}, nullptr), APP_CONTROL_ERROR_NONE);
@@ -186,6 +209,20 @@ TEST_F(Launch, SettledApplicationHasHandledAllThatWasSentBefore) {
     }
     EXPECT_TRUE(settle(appId).empty());
     EXPECT_EQ(occurrences(device().log(), "launch by"), 20U);
+}
+
+TEST_F(LaunchOnOneProcessor, SettledApplicationHasHeardOfEachKeyThatWasSetBefore) {
+    constexpr char key[] = "db/example/key";
+    launch(appId, {}, nullptr);
+    ASSERT_TRUE(logged("launch by com.example.desk"));
+    tellApp(appId, "watch", key);
+    ASSERT_TRUE(logged("watching"));
+    for (int value = 1; value <= 200; ++value) {
+        vconf_set_int(key, value);
+        settle(appId);
+        ASSERT_EQ(occurrences(device().log(), "key db/example/key is " + std::to_string(value) + "\n"), 1U)
+            << device().log();
+    }
 }
 
 TEST_F(Launch, SettledApplicationNamesThoseWhoseAnswerIsStillOut) {
