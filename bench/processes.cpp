@@ -5,6 +5,7 @@
 #include "device.h"
 
 #include <gio/gio.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -236,6 +237,7 @@ void measure(const fs::path& binaries, const fs::path& folder, int idleSeconds) 
          std::string(platformId) + ".port_port"},
         {"bare", bareId, {(binaries / "bench-bare-process").string(), bareId, (folder / "bare.db").string()}, bareId},
     };
+    sync(); // pages of a program that was just linked would count as dirty memory of its process
     const deskwatch::BootedDevice watch(folder / "watch",
                                         {{serviceId, programs[0].command}, {platformId, programs[1].command}});
     const auto bus = connect(watch->busAddress());

@@ -1,11 +1,8 @@
 # A Debian package with everything for a watch on the desk. The host platform is private to the programs, which find it
 # beside themselves.
-# two folders below lib, or CPack has the machine's cache of libraries rebuilt for it
-set(library_folder ${CMAKE_INSTALL_LIBDIR}/tesk-agent-desk/platform)
-set_target_properties(tesk-platform tesk-agent deskwatch PROPERTIES INSTALL_RPATH "$ORIGIN/../${library_folder}")
 
 install(TARGETS tesk-agent deskwatch RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT desk)
-install(TARGETS tesk-platform LIBRARY DESTINATION ${library_folder} COMPONENT desk)
+install(TARGETS tesk-platform LIBRARY DESTINATION ${tesk_library_folder} COMPONENT desk)
 
 find_program(GZIP gzip REQUIRED)
 configure_file(desk/tesk-agent.1.in ${CMAKE_CURRENT_BINARY_DIR}/tesk-agent.1 @ONLY)
