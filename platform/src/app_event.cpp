@@ -6,6 +6,7 @@
 #include "bus_values.h"
 #include "guard.h"
 #include "host_bus.h"
+#include "platform-bus.h"
 #include "service_app.h"
 
 using host::Bus;

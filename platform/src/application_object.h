@@ -6,6 +6,7 @@
 
 #include "app_control_handle.h"
 #include "bus.h"
+#include "platform-bus.h"
 
 namespace host {
 

@@ -10,6 +10,7 @@
 namespace host {
 namespace {
 
+constexpr int libraryPatience = -1;
 constexpr guint doNotQueue = 4;
 constexpr guint primaryOwner = 1;
 constexpr guint alreadyOwner = 4;
@@ -34,18 +35,6 @@ ObjectPtr<GDBusConnection> connect() {
     return connection;
 }
 
-ObjectPtr<PlatformBusDaemon> daemonBehind(GDBusConnection* connection) {
-    g_autoptr(GError) error = nullptr;
-    constexpr auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
-                                                        G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS);
-    ObjectPtr<PlatformBusDaemon> daemon(platform_bus_daemon_proxy_new_sync(connection, flags, "org.freedesktop.DBus",
-                                                                           "/org/freedesktop/DBus", nullptr, &error));
-    if (daemon == nullptr) {
-        throw HostError(std::string("cannot speak to the bus daemon: ") + error->message);
-    }
-    return daemon;
-}
-
 } // namespace
 
 Bus& Bus::get() {
@@ -53,7 +42,7 @@ Bus& Bus::get() {
     return bus;
 }
 
-Bus::Bus() : connection_(connect()), daemon_(daemonBehind(connection_.get())) {
+Bus::Bus() : connection_(connect()) {
     g_dbus_connection_set_exit_on_close(connection_.get(), FALSE);
     g_signal_connect(connection_.get(), "closed", G_CALLBACK(onClosed), nullptr);
 }
@@ -62,14 +51,37 @@ Bus::~Bus() {
     g_signal_handlers_disconnect_by_func(connection_.get(), reinterpret_cast<gpointer>(&onClosed), nullptr);
 }
 
-bool Bus::requestName(const std::string& name) {
+// A proxy of the daemon would cost three round trips at every start.
+VariantPtr Bus::ask(const char* method, GVariant* arguments, const char* answerType, int patience,
+                    GError** error) const {
+    return VariantPtr(g_dbus_connection_call_sync(connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                                  "org.freedesktop.DBus", method, arguments, G_VARIANT_TYPE(answerType),
+                                                  G_DBUS_CALL_FLAGS_NONE, patience, nullptr, error));
+}
+
+VariantPtr Bus::demand(const char* method, GVariant* arguments, const char* answerType, const std::string& what) const {
     g_autoptr(GError) error = nullptr;
-    guint outcome = 0;
-    if (!platform_bus_daemon_call_request_name_sync(daemon_.get(), name.c_str(), doNotQueue, G_DBUS_CALL_FLAGS_NONE, -1,
-                                                    &outcome, nullptr, &error)) {
+    VariantPtr answer = ask(method, arguments, answerType, libraryPatience, &error);
+    if (answer == nullptr) {
         check(error);
-        throw HostError("cannot take the bus name " + name + ": " + error->message);
+        throw HostError("cannot " + what + ": " + error->message);
     }
+    return answer;
+}
+
+void Bus::release(const char* method, GVariant* arguments, const char* answerType, const std::string& what) const {
+    g_autoptr(GError) error = nullptr;
+    if (ask(method, arguments, answerType, libraryPatience, &error) == nullptr) {
+        check(error);
+        report("cannot " + what + ": " + error->message);
+    }
+}
+
+bool Bus::requestName(const std::string& name) {
+    const VariantPtr answer =
+        demand("RequestName", g_variant_new("(su)", name.c_str(), doNotQueue), "(u)", "take the bus name " + name);
+    guint outcome = 0;
+    g_variant_get(answer.get(), "(u)", &outcome);
     if (outcome != primaryOwner && outcome != alreadyOwner) {
         return false;
     }
@@ -78,14 +90,8 @@ bool Bus::requestName(const std::string& name) {
 }
 
 void Bus::releaseName(const std::string& name) {
-    g_autoptr(GError) error = nullptr;
-    guint outcome = 0;
     names_.erase(name);
-    if (!platform_bus_daemon_call_release_name_sync(daemon_.get(), name.c_str(), G_DBUS_CALL_FLAGS_NONE, -1, &outcome,
-                                                    nullptr, &error)) {
-        check(error);
-        report("cannot release the bus name " + name + ": " + error->message);
-    }
+    release("ReleaseName", g_variant_new("(s)", name.c_str()), "(u)", "release the bus name " + name);
 }
 
 void Bus::releaseAllNames() {
@@ -98,51 +104,32 @@ bool Bus::hasOwner(const std::string& name) {
     if (!g_dbus_is_name(name.c_str())) {
         return false;
     }
-    g_autoptr(GError) error = nullptr;
+    const VariantPtr answer =
+        demand("NameHasOwner", g_variant_new("(s)", name.c_str()), "(b)", "ask the bus daemon who owns " + name);
     gboolean owned = FALSE;
-    if (!platform_bus_daemon_call_name_has_owner_sync(daemon_.get(), name.c_str(), G_DBUS_CALL_FLAGS_NONE, -1, &owned,
-                                                      nullptr, &error)) {
-        check(error);
-        throw HostError("cannot ask the bus daemon who owns " + name + ": " + error->message);
-    }
+    g_variant_get(answer.get(), "(b)", &owned);
     return owned != FALSE;
 }
 
 bool Bus::isActivatable(const std::string& name) {
-    g_autoptr(GError) error = nullptr;
+    const VariantPtr answer = demand("ListActivatableNames", nullptr, "(as)", "ask the bus daemon what it can start");
     char** names = nullptr;
-    if (!platform_bus_daemon_call_list_activatable_names_sync(daemon_.get(), G_DBUS_CALL_FLAGS_NONE, -1, &names,
-                                                              nullptr, &error)) {
-        check(error);
-        throw HostError(std::string("cannot ask the bus daemon what it can start: ") + error->message);
-    }
+    g_variant_get(answer.get(), "(^as)", &names);
     const TextListPtr owner(names);
     return g_strv_contains(names, name.c_str()) != FALSE;
 }
 
 void Bus::addMatch(const std::string& rule) {
-    g_autoptr(GError) error = nullptr;
-    if (!platform_bus_daemon_call_add_match_sync(daemon_.get(), rule.c_str(), G_DBUS_CALL_FLAGS_NONE, -1, nullptr,
-                                                 &error)) {
-        check(error);
-        throw HostError("cannot ask for the signals of " + rule + ": " + error->message);
-    }
+    demand("AddMatch", g_variant_new("(s)", rule.c_str()), "()", "ask for the signals of " + rule);
 }
 
 void Bus::removeMatch(const std::string& rule) {
-    g_autoptr(GError) error = nullptr;
-    if (!platform_bus_daemon_call_remove_match_sync(daemon_.get(), rule.c_str(), G_DBUS_CALL_FLAGS_NONE, -1, nullptr,
-                                                    &error)) {
-        check(error);
-        report("cannot take back the signals of " + rule + ": " + error->message);
-    }
+    release("RemoveMatch", g_variant_new("(s)", rule.c_str()), "()", "take back the signals of " + rule);
 }
 
 // What goes wrong here has nobody left to care for it.
 void Bus::awaitStart(const std::string& name) noexcept {
-    guint outcome = 0;
-    platform_bus_daemon_call_start_service_by_name_sync(daemon_.get(), name.c_str(), 0, G_DBUS_CALL_FLAGS_NONE,
-                                                        G_MAXINT, &outcome, nullptr, nullptr);
+    ask("StartServiceByName", g_variant_new("(su)", name.c_str(), 0), "(u)", G_MAXINT, nullptr);
 }
 
 void Bus::flush() {

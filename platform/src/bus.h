@@ -5,7 +5,6 @@
 #include <string>
 
 #include "glib_ptr.h"
-#include "platform-bus.h"
 
 namespace host {
 
@@ -56,11 +55,19 @@ public:
 private:
     Bus();
 
+    /// Asks the daemon. Null when it answers no value of the type within the patience, in milliseconds.
+    VariantPtr ask(const char* method, GVariant* arguments, const char* answerType, int patience, GError** error) const;
+
+    /// Asks the daemon for what has to be. Throws HostError, which says that it cannot do `what`.
+    VariantPtr demand(const char* method, GVariant* arguments, const char* answerType, const std::string& what) const;
+
+    /// Gives back what the daemon holds for this process; that it cannot do `what` is reported.
+    void release(const char* method, GVariant* arguments, const char* answerType, const std::string& what) const;
+
     /// Ends the process when the error means that the connection is gone.
     void check(const GError* error) const;
 
     ObjectPtr<GDBusConnection> connection_;
-    ObjectPtr<PlatformBusDaemon> daemon_;
     std::set<std::string> names_;
 };
 

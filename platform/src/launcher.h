@@ -8,6 +8,7 @@
 
 #include "app_control_handle.h"
 #include "bus.h"
+#include "platform-bus.h"
 
 namespace host {
 

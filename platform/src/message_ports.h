@@ -6,6 +6,7 @@
 #include "bus.h"
 #include "message_port.h"
 #include "open_ports.h"
+#include "platform-bus.h"
 
 namespace host {
 
