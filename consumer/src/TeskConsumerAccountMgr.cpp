@@ -7,21 +7,21 @@
 
 namespace {
 
-int insertAccount(const TeskPolicyData& data) {
+int insertAccount(TeskConsumerDbMgr& dbMgr, TeskConsumerPolicyMgr& policyMgr, const TeskPolicyData& data) {
     // the policy manager registers only while no account is stored, hence before the first insert
-    int result = TeskConsumerPolicyMgr::getInstance()->registerClient();
+    int result = policyMgr.registerClient();
     if (result != 0) {
         TESK_WARN("Failed register DPM client: %d", result);
     }
-    result = TeskConsumerDbMgr::getInstance()->insertPolicy(data);
+    result = dbMgr.insertPolicy(data);
     if (result != 0) {
         TESK_WARN("_db_insert_policy_data failed: %d", result);
     }
     return result;
 }
 
-int updateAccount(const TeskPolicyData& data) {
-    const int result = TeskConsumerDbMgr::getInstance()->updatePolicy(data);
+int updateAccount(TeskConsumerDbMgr& dbMgr, const TeskPolicyData& data) {
+    const int result = dbMgr.updatePolicy(data);
     if (result != 0) {
         TESK_WARN("_db_update_rule_data failed: %d", result);
     }
@@ -38,8 +38,10 @@ TeskConsumerAccountMgr::~TeskConsumerAccountMgr() = default;
 
 int TeskConsumerAccountMgr::addAccount(const std::shared_ptr<TeskPolicyData>& data) {
     const TeskConsumerTrace trace;
-    const bool isNew = TeskConsumerDbMgr::getInstance()->checkPolicyByAccountId(data->accountId) == TESK_DB_NO_ROW;
-    return isNew ? insertAccount(*data) : updateAccount(*data);
+    auto& dbMgr = *TeskConsumerDbMgr::getInstance();
+    auto& policyMgr = *TeskConsumerPolicyMgr::getInstance();
+    const bool isNew = dbMgr.checkPolicyByAccountId(data->accountId) == TESK_DB_NO_ROW;
+    return isNew ? insertAccount(dbMgr, policyMgr, *data) : updateAccount(dbMgr, *data);
 }
 
 int TeskConsumerAccountMgr::delAccount(int accountId) {

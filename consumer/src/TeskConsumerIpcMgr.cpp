@@ -85,9 +85,11 @@ void TeskConsumerIpcMgr::__teskItpolicyReqCb(int /*localPortId*/, const char* /*
                                              const char* /*remotePort*/, bool /*trustedRemotePort*/, bundle* message,
                                              void* /*userData*/) {
     TESK_INFO("Enter");
-    const auto worker = TeskConsumerReqFactory::getWorker(entryOf(message, requestKey));
+    const char* const req = entryOf(message, requestKey);
+    const char* const msg = entryOf(message, argumentKey);
+    const auto worker = TeskConsumerReqFactory::getWorker(req);
     if (worker) {
-        worker->process(entryOf(message, argumentKey));
+        worker->process(msg);
     }
     TESK_INFO("Leave");
 }

@@ -76,12 +76,12 @@ TeskConsumerPolicyMgr::~TeskConsumerPolicyMgr() {
 }
 
 int TeskConsumerPolicyMgr::registerClient() {
-    const TeskConsumerTrace trace;
+    TESK_INFO("Enter");
     return __callWhileNoAccountIsStored(&ITeskConsumerPolicyAdapter::registerClient);
 }
 
 int TeskConsumerPolicyMgr::deregisterClient() {
-    const TeskConsumerTrace trace;
+    TESK_INFO("Enter");
     return __callWhileNoAccountIsStored(&ITeskConsumerPolicyAdapter::deregisterClient);
 }
 

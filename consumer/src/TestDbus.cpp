@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <memory>
 #include <new>
+#include <optional>
 
 #include "TeskConsumerIpcMgr.h"
 #include "TeskConsumerLog.h"
@@ -182,17 +183,26 @@ Owned<JsonObject> newIndication(const TeskPolicyData& record) {
     return envelope;
 }
 
-void sendPolicyFile() {
+using PolicyLine = std::array<char, policyLineSize>;
+
+/// The first line of the policy file, empty when it has none; nothing when the file cannot be opened.
+std::optional<PolicyLine> readPolicyFile() {
     const Owned<std::FILE> file(std::fopen(policyFile, "r"));
     if (!file) {
         TESK_ERROR("Failed to open file.");
-        return;
+        return std::nullopt;
     }
-    std::array<char, policyLineSize> line{};
+    PolicyLine line{};
     if (std::fgets(line.data(), static_cast<int>(line.size()), file.get()) == nullptr) {
         TESK_WARN("Failed to get string from file.");
     }
-    TeskConsumerIpcMgr::getInstance()->policyTest("req_update_policy", line.data());
+    return line;
+}
+
+void sendPolicyFile() {
+    if (const auto line = readPolicyFile()) {
+        TeskConsumerIpcMgr::getInstance()->policyTest("req_update_policy", line->data());
+    }
 }
 
 /// The record of the test account in which a method has set its field.

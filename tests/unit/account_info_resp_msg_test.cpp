@@ -96,6 +96,19 @@ TEST_P(AccountListTest, StoresEveryAccountWithAPolicyAndAppliesOnce) {
     EXPECT_EQ(applications(), 1U);
 }
 
+TEST_P(AccountListTest, LastOfTwoEntriesOfOneAccountIsKept) {
+    run(list(R"([{"id":7,"accountName":"a","policySet":{}},{"id":7,"accountName":"b","policySet":{}}])"));
+
+    EXPECT_EQ(storedAccounts(), 1);
+    EXPECT_EQ(stored(7).accountName, "b");
+}
+
+TEST_P(AccountListTest, PolicyThatDemandsNoLockWarnsOfNone) {
+    run(list("[" + listed(7, samples::builtIn) + "]"));
+
+    EXPECT_EQ(journal.warnings(), Lines{});
+}
+
 TEST_P(AccountListTest, NeverRemovesAnAccount) {
     store({account(3), account(8)});
 

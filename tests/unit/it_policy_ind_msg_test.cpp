@@ -120,6 +120,12 @@ TEST_F(ItPolicyIndMsgTest, FailureOfOneAccountDoesNotStopTheOthers) {
     EXPECT_EQ(stored(2).accountId, 2);
 }
 
+TEST_F(ItPolicyIndMsgTest, PolicyThatDemandsNoLockWarnsOfNone) {
+    EXPECT_EQ(run(samples::indication(1, samples::builtIn)), 0);
+
+    EXPECT_EQ(journal.warnings(), Lines{});
+}
+
 TEST_F(ItPolicyIndMsgTest, DemandForAStrongerLockIsOneWarning) {
     EXPECT_EQ(run(samples::indication(1, samples::hardened)), 0);
 

@@ -28,6 +28,14 @@ TEST_F(AccountMgrTest, FirstAccountRegistersBeforeItIsStored) {
     EXPECT_EQ(journal.logsOf("addAccount"), (Lines{"I Enter", "I Leave"}));
 }
 
+TEST_F(AccountMgrTest, ManagersComeUpBeforeTheLookUp) {
+    add(account(3));
+
+    const auto calls = journal.calls({"dpm_manager_create", "sqlite3_prepare_v2 select"});
+    ASSERT_GE(calls.size(), 2U);
+    EXPECT_EQ(calls.front(), "dpm_manager_create");
+}
+
 TEST_F(AccountMgrTest, AddingEnforcesNothing) {
     add(passwordAccount(3));
 

@@ -180,7 +180,7 @@ TEST_F(IpcMgrTest, RelayReleasesItsMessageBehindTheRequest) {
 
     EXPECT_EQ(journal.all(),
               (Lines{"bundle_create", "I [RELAY MSG] req_unknown : text", "bundle_add_str req req_unknown",
-                     "bundle_add_str msg text", "I Enter", "bundle_get_str req", "I Enter",
+                     "bundle_add_str msg text", "I Enter", "bundle_get_str req", "bundle_get_str msg", "I Enter",
                      "E Unsupported request : req_unknown", "I Leave", "I Leave", "bundle_free"}));
 }
 

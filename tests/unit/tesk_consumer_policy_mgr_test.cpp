@@ -56,6 +56,7 @@ TEST_F(PolicyMgrClientTest, StoredAccountKeepsItFromRegistering) {
     EXPECT_EQ(manager.registerClient(), 0);
     EXPECT_EQ(journal.calls({"dpm_"}), Lines{});
     EXPECT_EQ(messages(), Lines{"I easAccountCount : 1"});
+    EXPECT_EQ(journal.logsOf("registerClient"), Lines{"I Enter"});
 }
 
 TEST_F(PolicyMgrClientTest, FailedCountCountsAsNone) {
@@ -88,6 +89,7 @@ TEST_F(PolicyMgrClientTest, StoredAccountKeepsItFromDeregistering) {
     EXPECT_EQ(manager.deregisterClient(), 0);
     EXPECT_EQ(journal.calls({"dpm_"}), Lines{});
     EXPECT_EQ(messages(), Lines{"I easAccountCount : 2"});
+    EXPECT_EQ(journal.logsOf("deregisterClient"), Lines{"I Enter"});
 }
 
 TEST_F(PolicyMgrClientTest, FailedCountDeregisters) {

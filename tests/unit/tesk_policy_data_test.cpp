@@ -1,5 +1,6 @@
 #include "TeskPolicyData.h"
 
+#include <algorithm>
 #include <type_traits>
 
 #include "unit_test.h"
@@ -21,12 +22,31 @@ TEST(PolicyData, NumbersAreSigned32BitValues) {
 
 TEST(PolicyData, FieldsLieInTheOrderOfTheColumns) {
     const TeskPolicyData data;
-    const std::int32_t* first = &data.accountId;
-
-    EXPECT_EQ(&data.devicePasswordEnabled - first, 1);
-    EXPECT_EQ(&data.requireStorageCardEncryption - first, 12);
-    EXPECT_EQ(&data.allowBluetooth - first, 13);
-    EXPECT_EQ(&data.allowWifi - first, 21);
+    const std::vector<const std::int32_t*> inOrder{
+        &data.accountId,
+        &data.devicePasswordEnabled,
+        &data.allowSimplePassword,
+        &data.alphanumericDevicePasswordRequired,
+        &data.minDevicePasswordComplexCharacters,
+        &data.minDevicePasswordLength,
+        &data.maxDevicePasswordFailedAttempts,
+        &data.maxInactivityTimeDeviceLock,
+        &data.passwordRecoveryEnabled,
+        &data.devicePasswordExpiration,
+        &data.devicePasswordHistory,
+        &data.requireDeviceEncryption,
+        &data.requireStorageCardEncryption,
+        &data.allowBluetooth,
+        &data.allowBrowser,
+        &data.allowCamera,
+        &data.allowPopimapEmail,
+        &data.allowDesktopSync,
+        &data.allowInternetSharing,
+        &data.allowStorageCard,
+        &data.allowTextMessaging,
+        &data.allowWifi,
+    };
+    EXPECT_TRUE(std::is_sorted(inOrder.begin(), inOrder.end()));
     EXPECT_LT(&data.accountName, &data.displayName);
 }
 

@@ -48,6 +48,30 @@ TEST_F(PolicyDataJsonTest, DefaultRecordBecomesAWholeIndication) {
         << text;
 }
 
+TEST_F(PolicyDataJsonTest, EachMemberIsThatOfItsOwnField) {
+    using Data = TeskPolicyData;
+    const std::vector<std::pair<std::string, std::int32_t Data::*>> allowed{
+        {"allowSimplePassword", &Data::allowSimplePassword},
+        {"passwordRecoveryEnabled", &Data::passwordRecoveryEnabled},
+        {"allowBluetoothMode", &Data::allowBluetooth},
+        {"allowBrowser", &Data::allowBrowser},
+        {"allowCamera", &Data::allowCamera},
+        {"allowDesktopSync", &Data::allowDesktopSync},
+        {"allowInternetSharing", &Data::allowInternetSharing},
+        {"allowPOPIMAPEmail", &Data::allowPopimapEmail},
+        {"allowStorageCard", &Data::allowStorageCard},
+        {"allowTextMessaging", &Data::allowTextMessaging},
+        {"allowWifi", &Data::allowWifi},
+    };
+    for (const auto& [name, field] : allowed) {
+        TeskPolicyData record;
+        record.*field = 0;
+        const auto text = textOf(record);
+        EXPECT_TRUE(contains(text, "\"" + name + "\":false")) << text;
+        EXPECT_EQ(text.size(), textOf(TeskPolicyData()).size() + 1) << "another member changed, too: " << text;
+    }
+}
+
 TEST_F(PolicyDataJsonTest, TextIsLoggedAsItIs) {
     const auto text = textOf(TeskPolicyData());
 

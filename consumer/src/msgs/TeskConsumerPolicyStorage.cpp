@@ -4,12 +4,14 @@
 #include "TeskConsumerPolicyMgr.h"
 
 void TeskConsumerPolicyStorage::storeAndApply(const TeskConsumerPolicyInfoList& policies) {
+    auto* const accountMgr = TeskConsumerAccountMgr::getInstance();
+    auto* const policyMgr = TeskConsumerPolicyMgr::getInstance();
     for (const auto& policy : policies) {
         if (policy) {
-            TeskConsumerAccountMgr::getInstance()->addAccount(policy->getPolicyData());
+            accountMgr->addAccount(policy->getPolicyData());
         }
     }
-    TeskConsumerPolicyMgr::getInstance()->applyPolicyAndWarn();
+    policyMgr->applyPolicyAndWarn();
 }
 
 void TeskConsumerPolicyStorage::wipeDevice() {
