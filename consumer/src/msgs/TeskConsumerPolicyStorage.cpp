@@ -5,13 +5,13 @@
 
 void TeskConsumerPolicyStorage::storeAndApply(const TeskConsumerPolicyInfoList& policies) {
     auto* const accountMgr = TeskConsumerAccountMgr::getInstance();
-    auto* const policyMgr = TeskConsumerPolicyMgr::getInstance();
+    TeskConsumerPolicyMgr::getInstance(); // made now, and tried again for each account where that fails
     for (const auto& policy : policies) {
         if (policy) {
             accountMgr->addAccount(policy->getPolicyData());
         }
     }
-    policyMgr->applyPolicyAndWarn();
+    TeskConsumerPolicyMgr::getInstance()->applyPolicyAndWarn();
 }
 
 void TeskConsumerPolicyStorage::wipeDevice() {
