@@ -135,6 +135,8 @@ class Finder:
             self.visit_function(cursor)
         elif cursor.kind in VARIABLES:
             self.visit_variable(cursor)
+        elif cursor.kind == CursorKind.TYPE_ALIAS_DECL:
+            self.needed_by_compiler.update(variables_in(cursor))
         elif cursor.kind == CursorKind.LAMBDA_EXPR:
             self.visit_lambda(cursor)
         else:
