@@ -26,12 +26,29 @@ int report(const CLI::App& program, const std::exception& error, int status) {
     return status;
 }
 
+/// What was given in the place of a command and is none; empty when nothing was. The parser only misses the command.
+std::string unknownCommand(const CLI::App& program) {
+    const auto words = program.remaining(true);
+    return words.empty() || words.front().rfind('-', 0) == 0 ? "" : words.front();
+}
+
+int reportUsage(const CLI::App& program, const CLI::ParseError& error) {
+    const std::string unknown = unknownCommand(program);
+    if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr && !unknown.empty()) {
+        const std::string outer = commandName(program);
+        std::cerr << "deskwatch: " << (outer.empty() ? "" : outer + ": ") << "there is no command " << unknown
+                  << "\nRun with --help for more information.\n";
+        return usage;
+    }
+    return program.exit(error) == 0 ? 0 : usage;
+}
+
 int run(CLI::App& program, int argc, char** argv) {
     try {
         program.parse(argc, argv);
         return 0;
     } catch (const CLI::ParseError& error) {
-        return program.exit(error) == 0 ? 0 : usage;
+        return reportUsage(program, error);
     } catch (const deskwatch::Refusal& error) {
         return report(program, error, refused);
     } catch (const std::exception& error) {

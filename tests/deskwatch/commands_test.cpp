@@ -187,5 +187,19 @@ TEST_F(Commands, WrongArgumentsAreToldApartFromFailures) {
     EXPECT_EQ(deskwatchProgram({"boot", "--lock", "chain"}).status, 2);
 }
 
+TEST_F(Commands, WrongArgumentIsNamedWithWhatThereIs) {
+    const auto chain = deskwatchProgram({"boot", "--lock", "chain"});
+    EXPECT_EQ(chain.errors.find("--lock: chain not in {none,password,pin}\n"), 0U) << chain.errors;
+}
+
+TEST_F(Commands, WordThatIsNoCommandIsNamed) {
+    const auto outer = deskwatchProgram({"statu", "--json"});
+    EXPECT_EQ(outer.status, 2);
+    EXPECT_EQ(outer.errors.find("deskwatch: there is no command statu\n"), 0U) << outer.errors;
+    const auto inner = deskwatchProgram({"mail", "polcy", "file"});
+    EXPECT_EQ(inner.status, 2);
+    EXPECT_EQ(inner.errors.find("deskwatch: mail: there is no command polcy\n"), 0U) << inner.errors;
+}
+
 } // namespace
 } // namespace deskwatch

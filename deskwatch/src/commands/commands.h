@@ -5,6 +5,7 @@
 
 #include "device.h"
 
+#include <map>
 #include <string>
 
 namespace deskwatch {
@@ -14,6 +15,13 @@ struct CommonOptions {
     /// The folder of the watch; empty when the newest one is meant.
     std::string device;
 };
+
+/// Has an option take the name of a value; another text is refused with the names that there are.
+template <class Type>
+void chooseByName(CLI::Option* option, const std::map<std::string, Type>& values) {
+    option->transform(CLI::Transformer(values).description(""));
+    option->transform(CLI::IsMember(values).description("")); // the last one is asked first
+}
 
 /// The watch that a command is about. Throws std::runtime_error when none was named and none is booted.
 Device chosenDevice(const CommonOptions& common);

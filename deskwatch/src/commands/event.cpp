@@ -22,10 +22,10 @@ void addEventCommand(CLI::App& program, const CommonOptions& common) {
     auto* command =
         program.add_subcommand("event", "Announce to the applications that something happened to the watch");
     auto type = std::make_shared<app_event_type_e>();
-    command->add_option("EVENT", *type, "What happened")
-        ->required()
-        ->transform(CLI::CheckedTransformer(events).description(""))
-        ->type_name("low-memory|low-battery|orientation");
+    chooseByName(command->add_option("EVENT", *type, "What happened")
+                     ->required()
+                     ->type_name("low-memory|low-battery|orientation"),
+                 events);
     command->footer("Example:\n  deskwatch event low-memory");
     command->callback([&common, type] { announceEvent(chosenDevice(common), *type); });
 }
@@ -37,6 +37,7 @@ void addBusCommand(CLI::App& program, const CommonOptions& common) {
         ->required();
     command->add_option("VALUE", options->value, "The field's value");
     command->footer("Starts the service when it does not run; prints what the method returns.\n"
+                    "usingFile has the service read its policy from /opt/usr/media/policy.json.\n"
                     "Example:\n  deskwatch bus allowWifi 0");
     command->callback([&common, options] {
         std::cout << callDiagnosticMethod(chosenDevice(common), options->method, options->value) << '\n';
