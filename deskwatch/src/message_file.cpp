@@ -26,18 +26,18 @@ std::string reason(const std::string& what) {
     return what.substr(start);
 }
 
-[[noreturn]] void refuse(const std::string& place, const nlohmann::json::exception& error) {
-    throw std::runtime_error(place + ": this is no JSON (--raw sends it all the same): " + reason(error.what()));
+[[noreturn]] void refuse(const std::string& place, const std::string& remark, const nlohmann::json::exception& error) {
+    throw std::runtime_error(place + ": this is no JSON" + remark + ": " + reason(error.what()));
 }
 
-void refuseOtherThanJson(const std::filesystem::path& file, const std::string& text) {
+void refuseOtherThanJson(const std::filesystem::path& file, const std::string& text, const std::string& remark) {
     try {
         const auto parsed = nlohmann::json::parse(text);
     } catch (const nlohmann::json::parse_error& error) {
         const auto offset = error.byte > 0 ? error.byte - 1 : 0;
-        refuse(file.string() + ":" + position(text, offset), error);
+        refuse(file.string() + ":" + position(text, offset), remark, error);
     } catch (const nlohmann::json::exception& error) {
-        refuse(file.string(), error); // a number beyond all bounds, for which the library tells no place
+        refuse(file.string(), remark, error); // a number beyond all bounds, for which the library tells no place
     }
 }
 
@@ -50,7 +50,7 @@ std::string readMessageFile(const std::filesystem::path& file, Check check) {
         throw std::runtime_error("cannot read " + file.string());
     }
     if (check == Check::json) {
-        refuseOtherThanJson(file, text);
+        refuseOtherThanJson(file, text, " (with --raw it need not be)");
     }
     if (const auto null = text.find('\0'); null != std::string::npos) {
         throw std::runtime_error(file.string() + ":" + position(text, null) +
@@ -60,7 +60,8 @@ std::string readMessageFile(const std::filesystem::path& file, Check check) {
 }
 
 std::string readMessageOfKind(const std::filesystem::path& file, const std::string& kind) {
-    std::string text = readMessageFile(file, Check::json);
+    std::string text = readMessageFile(file, Check::none);
+    refuseOtherThanJson(file, text, "");
     const auto message = nlohmann::json::parse(text);
     const auto found = message.is_object() ? message.find("msgId") : message.end();
     if (found == message.end() || !found->is_string()) {

@@ -31,6 +31,15 @@ TEST_F(MailCommands, MessageOfAnotherKindIsRefusedAndNothingIsSent) {
     EXPECT_FALSE(status()["serviceRunning"]);
 }
 
+TEST_F(MailCommands, RawFilesAreOfferedWhereTheyCanBeSent) {
+    const auto file = write("broken.json", "{").string();
+    const auto policy = deskwatchProgram({"mail", "policy", file});
+    const auto accounts = deskwatchProgram({"mail", "accounts", file});
+    EXPECT_NE(policy.errors.find("--raw"), std::string::npos) << policy.errors;
+    EXPECT_NE(accounts.errors.find("no JSON"), std::string::npos) << accounts.errors;
+    EXPECT_EQ(accounts.errors.find("--raw"), std::string::npos) << accounts.errors;
+}
+
 TEST_F(MailCommands, FileWithoutAKindIsRefused) {
     boot();
     for (const char* text : {"[]", "{}", R"({"msgId": 4})"}) {
