@@ -4,7 +4,10 @@
 #include "host_bus.h"
 #include "tesk-host-bus.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
+#include <iostream>
 #include <stdexcept>
 
 namespace deskwatch {
@@ -23,6 +26,17 @@ void becomeApplication(const Device& device, const std::string& id) {
     }
 }
 
+// Told before the platform is, which would end the process with words for an application.
+[[noreturn]] void onClosed(GDBusConnection* /*connection*/, gboolean /*remotePeerVanished*/, GError* /*error*/,
+                           gpointer folder) {
+    std::cerr << "deskwatch: " << static_cast<const char*>(folder) << " was switched off\n" << std::flush;
+    _exit(EXIT_FAILURE); // what is registered to run at exit is of no use without the bus
+}
+
+void release(gpointer folder, GClosure* /*closure*/) {
+    g_free(folder);
+}
+
 } // namespace
 
 WatchClient::WatchClient(const Device& device, const std::string& applicationId) : device_(device) {
@@ -35,6 +49,8 @@ WatchClient::WatchClient(const Device& device, const std::string& applicationId)
                                  takeMessage(error));
     }
     g_dbus_connection_set_exit_on_close(connection_.get(), FALSE);
+    g_signal_connect_data(connection_.get(), "closed", G_CALLBACK(onClosed), g_strdup(device.layout().folder().c_str()),
+                          release, GConnectFlags{});
 }
 
 bool WatchClient::isRunning(const std::string& id) const {

@@ -48,6 +48,14 @@ TEST_F(StatusFollow, MarksWhatHasChangedSinceItBegan) {
     EXPECT_NE(key.find("1            * was 0"), std::string::npos) << key;
 }
 
+TEST_F(StatusFollow, EndsWithTheWatch) {
+    boot();
+    RunningProgram follower({"status", "--follow", "--json"});
+    follower.nextLine();
+    run({"off"});
+    EXPECT_EQ(follower.waitForEnd(), 1);
+}
+
 TEST_F(StatusFollow, TellsThatTheServiceIsAboutToEnd) {
     boot();
     RunningProgram follower({"status", "--follow", "--json"});
