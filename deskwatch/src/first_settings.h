@@ -22,9 +22,8 @@ struct WatchState {
     std::optional<bool> tutorial;
 };
 
-/// Brings the settings store of a device that boots into its first state, in one step: the keys under memory/
-/// and the faults are gone,
-/// a fresh watch (`fresh`) gets its keys, and what `state` names is set. Throws std::runtime_error.
+/// Brings the settings store of a device that boots into its first state, in one step: the keys under memory/ and the
+/// faults are gone, a fresh watch (`fresh`) gets its keys, and what `state` names is set. Throws std::runtime_error.
 void writeFirstSettings(const BusClient& bus, const WatchState& state, bool fresh);
 
 } // namespace deskwatch

@@ -77,6 +77,10 @@ int callDiagnosticMethod(const Device& device, const std::string& method, std::o
         g_dbus_connection_call_sync(watch.connection(), diagnosticName, diagnosticPath, diagnosticName, method.c_str(),
                                     value ? g_variant_new("(i)", *value) : nullptr, G_VARIANT_TYPE("(i)"),
                                     G_DBUS_CALL_FLAGS_NO_AUTO_START, eventPatience, nullptr, &error));
+    if (g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS) != FALSE) {
+        g_clear_error(&error);
+        throw std::runtime_error(method + (value ? " takes no value" : " takes a value"));
+    }
     if (answer == nullptr) {
         throw std::runtime_error("the service does not answer " + method + ": " + takeMessage(error));
     }

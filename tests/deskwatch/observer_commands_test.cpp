@@ -46,6 +46,12 @@ TEST_F(ObserverCommands, UnknownDiagnosticMethodIsNamed) {
     EXPECT_EQ(deskwatchProgram({"bus", "allowWifi", "no"}).status, 2);
 }
 
+TEST_F(ObserverCommands, DiagnosticMethodSaysWhetherItTakesAValue) {
+    boot();
+    EXPECT_EQ(deskwatchProgram({"bus", "allowWifi"}).errors, "deskwatch: bus: allowWifi takes a value\n");
+    EXPECT_EQ(deskwatchProgram({"bus", "ping", "1"}).errors, "deskwatch: bus: ping takes no value\n");
+}
+
 TEST_F(ObserverCommands, LogShowsTheWantedLevels) {
     boot();
     run({"mail", "policy", sample("hardened.json")});

@@ -60,6 +60,7 @@ void addRecordCommand(CLI::App& program, const CommonOptions& common) {
     auto file = std::make_shared<std::string>();
     command->add_option("FILE", *file, "The recording, a line of JSON for each event")->required();
     command->footer("Runs until it is interrupted or the watch is switched off. The watch has no stored account yet.\n"
+                    "What event, bus and fault do is not written down.\n"
                     "Example:\n  deskwatch record story.jsonl");
     command->callback([&common, file] { record(chosenDevice(common), *file); });
 }
