@@ -26,21 +26,18 @@ int report(const CLI::App& program, const std::exception& error, int status) {
     return status;
 }
 
-/// What was given in the place of a command and is none; empty when nothing was. The parser only misses the command.
-std::string unknownCommand(const CLI::App& program) {
-    const auto words = program.remaining(true);
-    return words.empty() || words.front().rfind('-', 0) == 0 ? "" : words.front();
-}
-
+/// Tells what was given in the place of a command and is none. The parser only misses the command.
 int reportUsage(const CLI::App& program, const CLI::ParseError& error) {
-    const std::string unknown = unknownCommand(program);
-    if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr && !unknown.empty()) {
-        const std::string outer = commandName(program);
-        std::cerr << "deskwatch: " << (outer.empty() ? "" : outer + ": ") << "there is no command " << unknown
-                  << "\nRun with --help for more information.\n";
-        return usage;
+    const auto unknown = program.remaining(true);
+    if (dynamic_cast<const CLI::RequiredError*>(&error) == nullptr || unknown.empty()) {
+        return program.exit(error) == 0 ? 0 : usage;
     }
-    return program.exit(error) == 0 ? 0 : usage;
+    const std::string outer = commandName(program);
+    const std::string& word = unknown.front();
+    std::cerr << "deskwatch: " << (outer.empty() ? "" : outer + ": ") << "there is no "
+              << (word.rfind('-', 0) == 0 ? "option " : "command ") << word
+              << "\nRun with --help for more information.\n";
+    return usage;
 }
 
 int run(CLI::App& program, int argc, char** argv) {

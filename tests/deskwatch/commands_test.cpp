@@ -199,6 +199,9 @@ TEST_F(Commands, WordThatIsNoCommandIsNamed) {
     const auto inner = deskwatchProgram({"mail", "polcy", "file"});
     EXPECT_EQ(inner.status, 2);
     EXPECT_EQ(inner.errors.find("deskwatch: mail: there is no command polcy\n"), 0U) << inner.errors;
+    const auto option = deskwatchProgram({"--statu"});
+    EXPECT_EQ(option.status, 2);
+    EXPECT_EQ(option.errors.find("deskwatch: there is no option --statu\n"), 0U) << option.errors;
 }
 
 } // namespace
