@@ -38,6 +38,17 @@ TEST_F(ItPolicyIndMsgTest, AccountNameIsAlsoTheDisplayName) {
     EXPECT_EQ(stored(1).displayName, "a@b");
 }
 
+TEST_F(ItPolicyIndMsgTest, PolicyManagerComesUpBeforeTheFirstAccount) {
+    message.fromJson(samples::indication(1, samples::builtIn));
+    journal.clear();
+
+    message.process();
+
+    const auto all = journal.all();
+    const auto creation = std::find(all.begin(), all.end(), "dpm_manager_create");
+    EXPECT_EQ(std::count(all.begin(), creation, "I Enter"), 1) << "the message's own";
+}
+
 TEST_F(ItPolicyIndMsgTest, LaterOfTwoEntriesOfAnAccountIsStoredLast) {
     run(samples::indicationOf("[" + samples::entry(1, samples::builtIn) + "," + samples::entry(1, samples::strictest) +
                               "]"));
