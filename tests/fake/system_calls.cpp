@@ -71,6 +71,7 @@ extern "C" {
 gboolean __real_g_source_remove(guint tag);
 long __real_sysconf(int name);
 FILE* __real_fopen(const char* path, const char* mode);
+int __real_fclose(FILE* file);
 int __real_rename(const char* from, const char* to);
 int __real_mkdir(const char* path, mode_t mode);
 int __real_chmod(const char* path, mode_t mode);
@@ -88,6 +89,7 @@ gboolean __wrap_g_source_remove(guint tag);
 long __wrap_sysconf(int name);
 int __wrap_getpwnam_r(const char* name, passwd* entry, char* buffer, size_t size, passwd** result);
 FILE* __wrap_fopen(const char* path, const char* mode);
+int __wrap_fclose(FILE* file);
 int __wrap_rename(const char* from, const char* to);
 int __wrap_mkdir(const char* path, mode_t mode);
 int __wrap_chmod(const char* path, mode_t mode);
@@ -151,6 +153,13 @@ FILE* __wrap_fopen(const char* path, const char* mode) {
         }
     }
     return __real_fopen(path, mode);
+}
+
+int __wrap_fclose(FILE* file) {
+    if (FakePlatform::exists()) {
+        FakePlatform::current().call("fclose");
+    }
+    return __real_fclose(file);
 }
 
 int __wrap_rename(const char* from, const char* to) {

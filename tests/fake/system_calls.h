@@ -14,9 +14,9 @@ namespace fake {
 
 /**
  * What the service asks of the machine itself. These functions of libraries are taken over when a test is linked, for
- * the service's own calls alone: g_usleep, g_timeout_add_seconds, g_source_remove, getpwnam_r, sysconf, fopen, rename,
- * mkdir, chmod, unlink, g_dbus_node_info_new_for_xml, malloc, free, operator new that does not throw, and the functions
- * of SQLite that open, prepare, step and close.
+ * the service's own calls alone: g_usleep, g_timeout_add_seconds, g_source_remove, getpwnam_r, sysconf, fopen, fclose,
+ * rename, mkdir, chmod, unlink, g_dbus_node_info_new_for_xml, malloc, free, operator new that does not throw, and the
+ * functions of SQLite that open, prepare, step and close.
  */
 class SystemCalls {
 public:

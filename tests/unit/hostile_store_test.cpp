@@ -133,6 +133,14 @@ protected:
         return std::find(results.begin(), results.end(), 0) != results.end();
     }
 
+    /// Reads, and changes nothing, without a superuser's rights.
+    void useInVainAsAnyUser() const {
+        const AnyUser restrained(folder().parent_path());
+        TeskConsumerDbMgr db;
+        read(db);
+        EXPECT_FALSE(change(db));
+    }
+
     /// Has another program set the file up.
     void leaveDatabase(const std::string& sql) const { OtherProgram(file()).run(sql); }
 
@@ -383,13 +391,7 @@ TEST_F(HostileStoreTest, ReadOnlyFileIsReadAndRefusesChanges) {
 TEST_F(HostileStoreTest, FileThatNobodyMayReadIsKept) {
     const auto before = soundBytes();
     ASSERT_EQ(chmod(file().c_str(), 0), 0);
-    {
-        const AnyUser restrained(folder().parent_path());
-        TeskConsumerDbMgr db;
-
-        read(db);
-        EXPECT_FALSE(change(db));
-    }
+    useInVainAsAnyUser();
     EXPECT_EQ(journal.warnings().front(), "E sqlite3_open failed: [14]");
     ASSERT_EQ(chmod(file().c_str(), 0600), 0);
     EXPECT_EQ(bytesOf(file()), before);
@@ -398,13 +400,7 @@ TEST_F(HostileStoreTest, FileThatNobodyMayReadIsKept) {
 TEST_F(HostileStoreTest, FileInAFolderThatNobodyMayEnterIsKept) {
     const auto before = soundBytes();
     ASSERT_EQ(chmod(folder().c_str(), 0), 0);
-    {
-        const AnyUser restrained(folder().parent_path());
-        TeskConsumerDbMgr db;
-
-        read(db);
-        EXPECT_FALSE(change(db));
-    }
+    useInVainAsAnyUser();
     EXPECT_TRUE(isLogged("sqlite3_open failed: [14]"));
     ASSERT_EQ(chmod(folder().c_str(), 0755), 0);
     EXPECT_EQ(bytesOf(file()), before);

@@ -366,6 +366,16 @@ TEST_F(TestDbusTest, FileIsClosedAgain) {
     }));
 }
 
+TEST_F(TestDbusTest, FileIsClosedBeforeItsRequestRuns) {
+    writePolicyFile("{}\n");
+    startService();
+
+    EXPECT_EQ(call("usingFile"), 0);
+
+    const auto calls = journal.calls({"fclose", "bundle_create"});
+    EXPECT_EQ(calls, (Lines{"fclose", "bundle_create"}));
+}
+
 TEST_F(TestDbusTest, LongLineIsCut) {
     writePolicyFile(std::string(5000, 'x'));
     startService();
