@@ -3,7 +3,6 @@
 #include "registry.h"
 
 #include <iostream>
-#include <map>
 #include <memory>
 #include <optional>
 
@@ -55,16 +54,13 @@ void boot(const CommonOptions& common, const BootOptions& options) {
 } // namespace
 
 void addBootCommand(CLI::App& program, const CommonOptions& common) {
-    const std::map<std::string, Lock> locks{{"none", Lock::none}, {"pin", Lock::pin}, {"password", Lock::password}};
     auto* command = program.add_subcommand("boot", "Boot a watch in a folder; it keeps its state there");
     auto options = std::make_shared<BootOptions>();
     command->add_option("DIR", options->folder,
                         "The watch's folder, new or an earlier one's (default: --device, else one kept for the user)");
     command->add_option("--country", options->country, "Country of the watch, by its ISO 3166 code (a fresh one: US)")
         ->type_name("CODE");
-    chooseByName(command->add_option("--lock", options->lock, "Lock of the screen (a fresh one: none)")
-                     ->type_name("none|pin|password"),
-                 locks);
+    chooseLock(command->add_option("--lock", options->lock, "Lock of the screen (a fresh one: none)"));
     command->add_flag("--encrypted", options->isEncrypted, "The internal storage is encrypted");
     command->add_flag("--tutorial", options->isTutorialShown, "The tutorial of the first use is being shown");
     command->add_option("--service", options->service, "Program of the service (default: tesk-agent beside deskwatch)")

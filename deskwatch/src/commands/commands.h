@@ -23,6 +23,9 @@ void chooseByName(CLI::Option* option, const std::map<std::string, Type>& values
     option->transform(CLI::IsMember(values).description("")); // the last one is asked first
 }
 
+/// Has an option take the name of a lock.
+void chooseLock(CLI::Option* option);
+
 /// The watch that a command is about. Throws std::runtime_error when none was named and none is booted.
 Device chosenDevice(const CommonOptions& common);
 

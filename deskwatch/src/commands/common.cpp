@@ -6,6 +6,12 @@
 
 namespace deskwatch {
 
+void chooseLock(CLI::Option* option) {
+    const std::map<std::string, Lock> locks{{"none", Lock::none}, {"pin", Lock::pin}, {"password", Lock::password}};
+    option->type_name("none|pin|password");
+    chooseByName(option, locks);
+}
+
 Device chosenDevice(const CommonOptions& common) {
     if (!common.device.empty()) {
         return Device(common.device);

@@ -56,12 +56,9 @@ void addPopupCommand(CLI::App& program, const CommonOptions& common) {
 }
 
 void addLockCommand(CLI::App& program, const CommonOptions& common) {
-    const std::map<std::string, Lock> locks{{"none", Lock::none}, {"pin", Lock::pin}, {"password", Lock::password}};
     auto* command = program.add_subcommand("lock", "Set the screen's lock, as the wearer in the lock settings");
     auto options = std::make_shared<LockOptions>();
-    chooseByName(
-        command->add_option("LOCK", options->lock, "Kind of the lock")->required()->type_name("none|pin|password"),
-        locks);
+    chooseLock(command->add_option("LOCK", options->lock, "Kind of the lock")->required());
     command->add_option("--length", options->length, "Its characters (default: the fewest that are allowed)")
         ->check(CLI::PositiveNumber)
         ->type_name("N");
