@@ -1,9 +1,9 @@
 // Runs one work a number of times, for a tool that counts instructions: the difference between two numbers of rounds is
 // the work alone.
-#include "workload.h"
-
 #include <exception>
 #include <iostream>
+
+#include "workload.h"
 
 int main(int argc, char** argv) {
     constexpr int wantedArguments = 5;

@@ -1,11 +1,10 @@
 #include "data_folder.h"
 
-#include "database.h"
-
 #include <cstdlib>
 #include <stdexcept>
 
-#include "TeskPolicyTable.h"
+#include "database.h"
+#include "rules/TeskPolicyTable.h"
 
 namespace {
 

@@ -1,14 +1,13 @@
-#include "data_folder.h"
-#include "database.h"
-#include "workload.h"
-
 #include <json-glib/json-glib.h>
 
 #include <algorithm>
 #include <array>
 #include <stdexcept>
 
-#include "TeskPolicyTable.h"
+#include "data_folder.h"
+#include "database.h"
+#include "rules/TeskPolicyTable.h"
+#include "workload.h"
 
 namespace {
 

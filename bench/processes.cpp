@@ -1,9 +1,6 @@
 // Starts the service, the bare process and the bare process on the platform on a watch of their own, and tells how long
 // each takes to be there, what memory it holds and what it does while it idles. One line per value: NAME PROCESS
 // NUMBER.
-#include "bus_client.h"
-#include "device.h"
-
 #include <gio/gio.h>
 #include <unistd.h>
 
@@ -16,6 +13,9 @@
 #include <sstream>
 #include <stdexcept>
 #include <thread>
+
+#include "device/bus_client.h"
+#include "device/device.h"
 
 namespace {
 

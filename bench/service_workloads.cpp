@@ -1,14 +1,13 @@
-#include "data_folder.h"
-#include "null_platform.h"
-#include "workload.h"
-
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
 
 #include "TeskConsumerIpcMgr.h"
 #include "TeskConsumerPolicyMgr.h"
-#include "TeskPasswordDecision.h"
+#include "data_folder.h"
+#include "null_platform.h"
+#include "rules/TeskPasswordDecision.h"
+#include "workload.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
 // The times of one work, of the service and of its limit. The service keeps process-wide instances, so that a process
 // measures one work.
-#include "workload.h"
-
 #include <benchmark/benchmark.h>
 
 #include <exception>
 #include <iostream>
 #include <vector>
+
+#include "workload.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <string>
 
 #include "TeskConsumerDbMgr.h"
-#include "TeskPolicyMerge.h"
-#include "TeskPolicySettings.h"
 #include "fuzz_target.h"
+#include "rules/TeskPolicyMerge.h"
+#include "rules/TeskPolicySettings.h"
 
 namespace {
 

@@ -4,11 +4,11 @@
 
 #include "TeskConsumerDbMgr.h"
 #include "TeskConsumerIpcMgr.h"
-#include "TeskPolicyTable.h"
 #include "TestDbus.h"
 #include "enforcement.h"
 #include "fuzz_target.h"
 #include "random_policies.h"
+#include "rules/TeskPolicyTable.h"
 #include "sample_policies.h"
 #include "story_faults.h"
 

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "TeskPolicyData.h"
+#include "rules/TeskPolicyData.h"
 
 /// The one place where an account's policy enters or leaves the service.
 class TeskConsumerAccountMgr {

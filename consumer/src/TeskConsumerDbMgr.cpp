@@ -14,7 +14,7 @@
 #include "TeskConsumerInstance.h"
 #include "TeskConsumerLog.h"
 #include "TeskConsumerText.h"
-#include "TeskPolicyTable.h"
+#include "rules/TeskPolicyTable.h"
 
 namespace {
 

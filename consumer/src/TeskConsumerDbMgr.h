@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "TeskPolicyData.h"
+#include "rules/TeskPolicyData.h"
 
 /// Results of the database operations; 0 is success.
 constexpr int TESK_DB_INVALID_ACCOUNT = -2;

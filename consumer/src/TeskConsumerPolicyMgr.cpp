@@ -12,8 +12,8 @@
 #include "TeskConsumerPreferenceProxy.h"
 #include "TeskConsumerText.h"
 #include "TeskConsumerUtil.h"
-#include "TeskPolicyMerge.h"
-#include "TeskPolicySettings.h"
+#include "rules/TeskPolicyMerge.h"
+#include "rules/TeskPolicySettings.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <memory>
 
 #include "ITeskConsumerPolicyAdapter.h"
-#include "TeskPasswordDecision.h"
-#include "TeskPolicyData.h"
-#include "TeskPolicySettings.h"
+#include "rules/TeskPasswordDecision.h"
+#include "rules/TeskPolicyData.h"
+#include "rules/TeskPolicySettings.h"
 
 /// What applyPolicy() answers when the wearer must set a stronger lock.
 constexpr int TESK_POLICY_PASSWORD_REQUIRED = -6000;

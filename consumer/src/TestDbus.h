@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "TeskPolicyData.h"
+#include "rules/TeskPolicyData.h"
 
 /// The diagnostic bus interface: a developer's way to drive the service without the mail application. What comes in
 /// runs through the same path as a request over the message port.

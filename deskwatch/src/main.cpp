@@ -1,9 +1,9 @@
-#include "commands/commands.h"
-#include "refusal.h"
-
 #include <iostream>
 #include <stdexcept>
 #include <string>
+
+#include "actors/refusal.h"
+#include "commands/commands.h"
 
 namespace {
 

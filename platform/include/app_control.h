@@ -7,7 +7,7 @@
 extern "C" {
 #endif
 
-/** A launch request, or the reply to one: an application id and string pairs. */
+/// A launch request, or the reply to one: an application id and string pairs.
 typedef struct app_control_s* app_control_h;
 
 typedef enum {
@@ -31,48 +31,46 @@ typedef enum {
     APP_CONTROL_ERROR_TIMED_OUT = -0x01100000 | 0x26
 } app_control_error_e;
 
-/** Called on the main loop when the launched application answers; both handles belong to the framework. */
+/// Called on the main loop when the launched application answers; both handles belong to the framework.
 typedef void (*app_control_reply_cb)(app_control_h request, app_control_h reply, app_control_result_e result,
                                      void* user_data);
 
-/** Called for each extra data pair; returning false ends the walk. */
+/// Called for each extra data pair; returning false ends the walk.
 typedef bool (*app_control_extra_data_cb)(app_control_h app_control, const char* key, void* user_data);
 
-/** Makes an empty request; the caller releases it with app_control_destroy(). Returns 0 or a negative error. */
+/// Makes an empty request; the caller releases it with app_control_destroy(). Returns 0 or a negative error.
 int app_control_create(app_control_h* app_control);
 
-/** Releases a request that the caller made. Returns 0 or a negative error. */
+/// Releases a request that the caller made. Returns 0 or a negative error.
 int app_control_destroy(app_control_h app_control);
 
-/** Names the application to launch. Returns 0 or a negative error. */
+/// Names the application to launch. Returns 0 or a negative error.
 int app_control_set_app_id(app_control_h app_control, const char* app_id);
 
-/** The application to launch, null when none was named. The caller releases *app_id with free(). */
+/// The application to launch, null when none was named. The caller releases *app_id with free().
 int app_control_get_app_id(app_control_h app_control, char** app_id);
 
-/** Adds a pair, replacing the value of a key that is there. Returns 0 or a negative error. */
+/// Adds a pair, replacing the value of a key that is there. Returns 0 or a negative error.
 int app_control_add_extra_data(app_control_h app_control, const char* key, const char* value);
 
-/** The value of a key, or APP_CONTROL_ERROR_KEY_NOT_FOUND. The caller releases *value with free(). */
+/// The value of a key, or APP_CONTROL_ERROR_KEY_NOT_FOUND. The caller releases *value with free().
 int app_control_get_extra_data(app_control_h app_control, const char* key, char** value);
 
-/** Walks the pairs. Returns 0 or a negative error. */
+/// Walks the pairs. Returns 0 or a negative error.
 int app_control_foreach_extra_data(app_control_h app_control, app_control_extra_data_cb callback, void* user_data);
 
-/**
- * Sends the request and starts the application when it does not run. The request may be destroyed as soon as this
- * returns; a null callback means that no reply is wanted. Returns 0 or a negative error at once; a reply may come at
- * any later time.
- */
+/// Sends the request and starts the application when it does not run. The request may be destroyed as soon as this
+/// returns; a null callback means that no reply is wanted. Returns 0 or a negative error at once; a reply may come at
+/// any later time.
 int app_control_send_launch_request(app_control_h app_control, app_control_reply_cb callback, void* user_data);
 
-/** The id of the application that sent the request. The caller releases *id with free(). */
+/// The id of the application that sent the request. The caller releases *id with free().
 int app_control_get_caller(app_control_h app_control, char** id);
 
-/** Whether the sender waits for a reply. Returns 0 or a negative error. */
+/// Whether the sender waits for a reply. Returns 0 or a negative error.
 int app_control_is_reply_requested(app_control_h app_control, bool* requested);
 
-/** Answers a received request with the pairs of `reply`, which stays the caller's. Returns 0 or a negative error. */
+/// Answers a received request with the pairs of `reply`, which stays the caller's. Returns 0 or a negative error.
 int app_control_reply_to_launch_request(app_control_h reply, app_control_h request, app_control_result_e result);
 
 #ifdef __cplusplus

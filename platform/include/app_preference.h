@@ -15,10 +15,8 @@ typedef enum {
     PREFERENCE_ERROR_IO_ERROR = -5
 } preference_error_e;
 
-/*
- * The application's own persistent values. Every operation returns 0 or a preference_error_e; a getter whose key is
- * missing answers PREFERENCE_ERROR_NO_KEY and leaves *value alone.
- */
+/// The application's own persistent values. Every operation returns 0 or a preference_error_e; a getter whose key is
+/// missing answers PREFERENCE_ERROR_NO_KEY and leaves *value alone.
 int preference_set_int(const char* key, int value);
 int preference_get_int(const char* key, int* value);
 int preference_set_boolean(const char* key, bool value);
@@ -27,7 +25,7 @@ int preference_set_double(const char* key, double value);
 int preference_get_double(const char* key, double* value);
 int preference_set_string(const char* key, const char* value);
 
-/** The caller releases *value with free(). */
+/// The caller releases *value with free().
 int preference_get_string(const char* key, char** value);
 
 int preference_is_existing(const char* key, bool* existing);

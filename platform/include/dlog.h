@@ -19,7 +19,7 @@ typedef enum {
     DLOG_SILENT = 8
 } log_priority;
 
-/** Writes one line to the log. Returns the bytes written, or a negative error. */
+/// Writes one line to the log. Returns the bytes written, or a negative error.
 int __dlog_print(log_id_t log_id, int prio, const char* tag, const char* fmt, ...)
 #ifdef __GNUC__
     __attribute__((format(printf, 4, 5)))

@@ -5,41 +5,39 @@
 extern "C" {
 #endif
 
-/*
- * The device's shared settings. Keys under "db/" and "file/" persist; keys under "memory/" are gone when the device
- * boots.
- */
+/// The device's shared settings. Keys under "db/" and "file/" persist; keys under "memory/" are gone when the device
+/// boots.
 
 typedef struct _keynode_t keynode_t;
 
-/** Called on the main loop of the watching process, whichever process made the change. The node lives for the call. */
+/// Called on the main loop of the watching process, whichever process made the change. The node lives for the call.
 typedef void (*vconf_callback_fn)(keynode_t* node, void* user_data);
 
-/** Reads a key. Returns 0; or -1, and leaves *intval alone, when it was never set or holds no integer. */
+/// Reads a key. Returns 0; or -1, and leaves *intval alone, when it was never set or holds no integer.
 int vconf_get_int(const char* in_key, int* intval);
 
-/** Writes a key. Returns 0 or -1. */
+/// Writes a key. Returns 0 or -1.
 int vconf_set_int(const char* in_key, const int intval);
 
-/** The text of a key, or null. The caller releases it with free(). */
+/// The text of a key, or null. The caller releases it with free().
 char* vconf_get_str(const char* in_key);
 
-/** Writes a key. Returns 0 or -1. */
+/// Writes a key. Returns 0 or -1.
 int vconf_set_str(const char* in_key, const char* strval);
 
-/** Watches a key; several callbacks may watch the same one. Returns 0 or -1. */
+/// Watches a key; several callbacks may watch the same one. Returns 0 or -1.
 int vconf_notify_key_changed(const char* in_key, vconf_callback_fn cb, void* user_data);
 
-/** Ends a watch. Returns 0, or -1 when there is none. */
+/// Ends a watch. Returns 0, or -1 when there is none.
 int vconf_ignore_key_changed(const char* in_key, vconf_callback_fn cb);
 
-/** The key's name; it belongs to the node. */
+/// The key's name; it belongs to the node.
 char* vconf_keynode_get_name(keynode_t* keynode);
 
-/** The key's new integer, 0 when it holds none. */
+/// The key's new integer, 0 when it holds none.
 int vconf_keynode_get_int(keynode_t* keynode);
 
-/** The key's new text, null when it holds none; it belongs to the node. */
+/// The key's new text, null when it holds none; it belongs to the node.
 char* vconf_keynode_get_str(keynode_t* keynode);
 
 #ifdef __cplusplus

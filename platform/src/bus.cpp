@@ -10,7 +10,7 @@
 namespace host {
 namespace {
 
-constexpr int libraryPatience = -1;
+constexpr int libraryTimeout = -1;
 constexpr guint doNotQueue = 4;
 constexpr guint primaryOwner = 1;
 constexpr guint alreadyOwner = 4;
@@ -52,16 +52,16 @@ Bus::~Bus() {
 }
 
 // A proxy of the daemon would cost three round trips at every start.
-VariantPtr Bus::ask(const char* method, GVariant* arguments, const char* answerType, int patience,
+VariantPtr Bus::ask(const char* method, GVariant* arguments, const char* answerType, int timeout,
                     GError** error) const {
     return VariantPtr(g_dbus_connection_call_sync(connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus",
                                                   "org.freedesktop.DBus", method, arguments, G_VARIANT_TYPE(answerType),
-                                                  G_DBUS_CALL_FLAGS_NONE, patience, nullptr, error));
+                                                  G_DBUS_CALL_FLAGS_NONE, timeout, nullptr, error));
 }
 
 VariantPtr Bus::demand(const char* method, GVariant* arguments, const char* answerType, const std::string& what) const {
     g_autoptr(GError) error = nullptr;
-    VariantPtr answer = ask(method, arguments, answerType, libraryPatience, &error);
+    VariantPtr answer = ask(method, arguments, answerType, libraryTimeout, &error);
     if (answer == nullptr) {
         check(error);
         throw HostError("cannot " + what + ": " + error->message);
@@ -71,7 +71,7 @@ VariantPtr Bus::demand(const char* method, GVariant* arguments, const char* answ
 
 void Bus::release(const char* method, GVariant* arguments, const char* answerType, const std::string& what) const {
     g_autoptr(GError) error = nullptr;
-    if (ask(method, arguments, answerType, libraryPatience, &error) == nullptr) {
+    if (ask(method, arguments, answerType, libraryTimeout, &error) == nullptr) {
         check(error);
         report("cannot " + what + ": " + error->message);
     }

@@ -55,8 +55,8 @@ public:
 private:
     Bus();
 
-    /// Asks the daemon. Null when it answers no value of the type within the patience, in milliseconds.
-    VariantPtr ask(const char* method, GVariant* arguments, const char* answerType, int patience, GError** error) const;
+    /// Asks the daemon. Null when it answers no value of the type within the timeout, in milliseconds.
+    VariantPtr ask(const char* method, GVariant* arguments, const char* answerType, int timeout, GError** error) const;
 
     /// Asks the daemon for what has to be. Throws HostError, which says that it cannot do `what`.
     VariantPtr demand(const char* method, GVariant* arguments, const char* answerType, const std::string& what) const;

@@ -1,5 +1,4 @@
 #include "dpm/administration.h"
-
 #include "dpm_settings.h"
 #include "guard.h"
 #include "settings_store.h"

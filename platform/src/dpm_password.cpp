@@ -1,5 +1,4 @@
 #include "dpm/password.h"
-
 #include "dpm_settings.h"
 
 using host::dpm::get;

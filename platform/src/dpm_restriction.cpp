@@ -1,7 +1,6 @@
-#include "dpm/restriction.h"
-
 #include <optional>
 
+#include "dpm/restriction.h"
 #include "dpm_settings.h"
 #include "guard.h"
 #include "settings_store.h"

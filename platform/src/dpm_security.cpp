@@ -3,7 +3,6 @@
 // "db/ode/external_crypto_state".
 
 #include "dpm/security.h"
-
 #include "dpm_settings.h"
 #include "dpm_wipe.h"
 #include "environment.h"

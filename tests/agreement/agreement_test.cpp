@@ -1,16 +1,3 @@
-#include "explanation.h"
-#include "forecast.h"
-#include "policy_database.h"
-#include "random_policies.h"
-
-#include "TeskConsumerAccountMgr.h"
-#include "TeskConsumerPolicyMgr.h"
-#include "fake_platform.h"
-#include "msgs/TeskConsumerEnvelope.h"
-#include "msgs/TeskConsumerItPolicyIndMsg.h"
-#include "msgs/TeskConsumerJson.h"
-#include "req_workers/TeskConsumerPolicyWorker.h"
-
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -18,6 +5,18 @@
 #include <cstdlib>
 #include <iostream>
 #include <random>
+
+#include "TeskConsumerAccountMgr.h"
+#include "TeskConsumerPolicyMgr.h"
+#include "explain/explanation.h"
+#include "explain/forecast.h"
+#include "fake_platform.h"
+#include "msgs/TeskConsumerEnvelope.h"
+#include "msgs/TeskConsumerItPolicyIndMsg.h"
+#include "msgs/TeskConsumerJson.h"
+#include "random_policies.h"
+#include "req_workers/TeskConsumerPolicyWorker.h"
+#include "status/policy_database.h"
 
 namespace deskwatch {
 namespace {
@@ -74,8 +73,8 @@ protected:
         platform_.journal.clear();
     }
 
-    WatchFacts facts() const {
-        WatchFacts facts;
+    DeviceFacts facts() const {
+        DeviceFacts facts;
         facts.accounts = policyRecords(readStoredAccounts(platform_.dataPath + "dbspace/.tesk.db"));
         std::transform(deviceSettings.begin(), deviceSettings.end(), facts.settings.begin(),
                        [this](const DeviceSetting& setting) { return held(setting.name); });

@@ -1,9 +1,9 @@
 #ifndef CONTRACT_BUNDLE_OWNER_H
 #define CONTRACT_BUNDLE_OWNER_H
 
-#include <memory>
-
 #include <bundle.h>
+
+#include <memory>
 
 namespace contract {
 

@@ -1,6 +1,6 @@
-#include <memory>
-
 #include <glib.h>
+
+#include <memory>
 
 #include "contract_environment.h"
 #include "main_loop.h"

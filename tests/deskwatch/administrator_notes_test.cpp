@@ -1,4 +1,4 @@
-#include "administrator_notes.h"
+#include "explain/administrator_notes.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,6 @@
 #ifndef DESKWATCH_COMMANDS_FIXTURE_H
 #define DESKWATCH_COMMANDS_FIXTURE_H
 
-#include "bus_client.h"
-#include "companion_bus.h"
-#include "device.h"
-#include "program.h"
-#include "temporary_folder.h"
-
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -15,11 +9,17 @@
 #include <string>
 #include <vector>
 
+#include "device/bus_client.h"
+#include "device/device.h"
+#include "program.h"
+#include "session/companion_bus.h"
+#include "temporary_folder.h"
+
 namespace deskwatch {
 
 using Json = nlohmann::json;
 
-inline constexpr std::chrono::seconds patience{20};
+inline constexpr std::chrono::seconds timeout{20};
 
 /// The deskwatch program with a list of watches of its own, and a watch to boot.
 class Commands : public testing::Test {
@@ -64,7 +64,7 @@ protected:
     /// Asks a stand-in for an application.
     std::string ask(const char* id, const char* method, GVariant* arguments = nullptr) const {
         const auto answer = BusClient(device_.busAddress())
-                                .call({id, companion_bus::path, "tesk.desk.Companion", method}, arguments, patience);
+                                .call({id, companion_bus::path, "tesk.desk.Companion", method}, arguments, timeout);
         const MemoryOwner<char> text(g_variant_print(answer.get(), FALSE));
         return text.get();
     }
@@ -72,7 +72,7 @@ protected:
     /// Returns when an application has handled what was sent to it before.
     void settle(const char* id) const {
         BusClient(device_.busAddress())
-            .call({id, "/tesk/host/application", "tesk.host.Application", "Settle"}, nullptr, patience);
+            .call({id, "/tesk/host/application", "tesk.host.Application", "Settle"}, nullptr, timeout);
     }
 
 private:

@@ -1,10 +1,10 @@
-#include "application_ids.h"
-#include "bus_client.h"
-#include "bus_process.h"
-#include "commands_fixture.h"
-#include "temporary_folder.h"
-
 #include <csignal>
+
+#include "commands_fixture.h"
+#include "device/application_ids.h"
+#include "device/bus_client.h"
+#include "device/bus_process.h"
+#include "temporary_folder.h"
 
 namespace deskwatch {
 namespace {
@@ -162,7 +162,7 @@ TEST_F(Commands, ApplicationsEndWhenTheBusIsKilled) {
     BusProcess(device().layout().busRecord()).running().value().signal(SIGKILL);
 
     for (const auto& process : processes) {
-        EXPECT_TRUE(process.waitForEnd(patience)) << process.pid();
+        EXPECT_TRUE(process.waitForEnd(timeout)) << process.pid();
     }
     EXPECT_EQ(deskwatchProgram({"status"}).status, 1);
     EXPECT_EQ(run({"off"}), device().layout().folder().string() + " was off already\n");

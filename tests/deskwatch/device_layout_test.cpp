@@ -1,10 +1,11 @@
-#include "application_ids.h"
-#include "device_layout.h"
-#include "temporary_folder.h"
+#include "device/device_layout.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
+
+#include "device/application_ids.h"
+#include "temporary_folder.h"
 
 namespace deskwatch {
 namespace {

@@ -1,9 +1,4 @@
-#include "device.h"
-
-#include "application_ids.h"
-#include "bus_client.h"
-#include "bus_process.h"
-#include "temporary_folder.h"
+#include "device/device.h"
 
 #include <dconf.h>
 #include <gtest/gtest.h>
@@ -13,10 +8,15 @@
 #include <iterator>
 #include <thread>
 
+#include "device/application_ids.h"
+#include "device/bus_client.h"
+#include "device/bus_process.h"
+#include "temporary_folder.h"
+
 namespace deskwatch {
 namespace {
 
-constexpr std::chrono::seconds endPatience{20};
+constexpr std::chrono::seconds endTimeout{20};
 
 /// Applications that are never asked for in these tests; `true` is a program that every machine has.
 std::vector<Application> someApplications() {
@@ -51,7 +51,7 @@ void writeSetting(const Device& device, const char* key, int value) {
                                                 g_variant_get_size(serialised.get()), 1);
     BusClient(device.busAddress())
         .call({"ca.desrt.dconf", "/ca/desrt/dconf/Writer/user", "ca.desrt.dconf.Writer", "Change"},
-              g_variant_new("(@ay)", bytes), endPatience);
+              g_variant_new("(@ay)", bytes), endTimeout);
 }
 
 std::string textOf(const std::filesystem::path& path) {
@@ -71,7 +71,7 @@ std::string failureOf(Action action) {
 
 /// Calls an application that ends at once with a failure, which starts it; returns what became of it.
 std::string activate(const Device& device, const std::string& id) {
-    return failureOf([&] { BusClient(device.busAddress()).call({id, "/x", "x.y", "Z"}, nullptr, endPatience); });
+    return failureOf([&] { BusClient(device.busAddress()).call({id, "/x", "x.y", "Z"}, nullptr, endTimeout); });
 }
 
 TEST(Device, FreshWatchHasNoLockNoEncryptionAndNoTutorial) {
@@ -86,7 +86,7 @@ TEST(Device, FreshWatchHasNoLockNoEncryptionAndNoTutorial) {
 
 TEST(Device, StateThatTheCallerNamesIsSet) {
     const TemporaryFolder folder;
-    const BootedDevice watch(folder.path(), someApplications(), {Lock::pin, true, "KR", true});
+    const BootedDevice watch(folder.path(), someApplications(), {Lock::Pin, true, "KR", true});
     enter(*watch);
     EXPECT_EQ(setting("/vconf/db/setting/lock_type"), "1");
     EXPECT_EQ(setting("/vconf/db/ode/crypto_state"), "'encrypted'");
@@ -157,7 +157,7 @@ TEST(Device, KilledBusIsCleanedUpByTheNextBoot) {
     watch.boot(someApplications());
     const auto bus = busOf(watch);
     bus.signal(SIGKILL);
-    ASSERT_TRUE(bus.waitForEnd(endPatience));
+    ASSERT_TRUE(bus.waitForEnd(endTimeout));
     EXPECT_FALSE(watch.isBooted());
 
     watch.boot(someApplications());
@@ -172,7 +172,7 @@ TEST(Device, KilledBusIsCleanedUpByOff) {
     watch.boot(someApplications());
     const auto bus = busOf(watch);
     bus.signal(SIGKILL);
-    ASSERT_TRUE(bus.waitForEnd(endPatience));
+    ASSERT_TRUE(bus.waitForEnd(endTimeout));
 
     EXPECT_FALSE(watch.off());
 
@@ -209,7 +209,7 @@ TEST(Device, ProcessThatGotTheNumberOfTheBusIsLeftAlone) {
 
 TEST(Device, WatchesStandSideBySide) {
     const TemporaryFolder folder;
-    const BootedDevice first(folder.path() / "first", someApplications(), {Lock::pin, {}, {}, {}});
+    const BootedDevice first(folder.path() / "first", someApplications(), {Lock::Pin, {}, {}, {}});
     const BootedDevice second(folder.path() / "second", someApplications());
     EXPECT_NE(busOf(*first).pid(), busOf(*second).pid());
     enter(*second);

@@ -1,7 +1,7 @@
+#include <algorithm>
+
 #include "commands/commands.h"
 #include "commands_fixture.h"
-
-#include <algorithm>
 
 namespace deskwatch {
 namespace {

@@ -1,5 +1,5 @@
-#include "application_ids.h"
 #include "commands_fixture.h"
+#include "device/application_ids.h"
 
 namespace deskwatch {
 namespace {

@@ -1,8 +1,8 @@
-#include "commands/commands.h"
-
 #include <gtest/gtest.h>
 
 #include <functional>
+
+#include "commands/commands.h"
 
 namespace deskwatch {
 namespace {

@@ -1,4 +1,4 @@
-#include "idle_exit.h"
+#include "status/idle_exit.h"
 
 #include <gtest/gtest.h>
 

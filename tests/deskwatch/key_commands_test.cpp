@@ -1,6 +1,6 @@
 #include "commands_fixture.h"
 #include "running_program.h"
-#include "watch_keys.h"
+#include "session/shared_keys.h"
 
 namespace deskwatch {
 namespace {

@@ -1,4 +1,4 @@
-#include "log_lines.h"
+#include "status/log_lines.h"
 
 #include <gtest/gtest.h>
 

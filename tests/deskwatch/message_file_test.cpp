@@ -1,11 +1,12 @@
-#include "message_file.h"
-#include "temporary_folder.h"
+#include "actors/message_file.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <stdexcept>
 #include <string>
+
+#include "temporary_folder.h"
 
 namespace deskwatch {
 namespace {
@@ -35,55 +36,55 @@ private:
 
 TEST_F(MessageFile, JsonIsReadAsItStands) {
     const std::string text = "{\n  \"msgId\": \"email-itpolicy-ind\" }\n";
-    EXPECT_EQ(readMessageFile(write(text), Check::json), text);
+    EXPECT_EQ(readMessageFile(write(text), Check::Json), text);
 }
 
 TEST_F(MessageFile, WrongCharacterIsRefusedWithItsLineAndColumn) {
-    const auto text = refusal("{\n  \"a\": 1,\n  \"b\": x\n}\n", Check::json);
+    const auto text = refusal("{\n  \"a\": 1,\n  \"b\": x\n}\n", Check::Json);
     EXPECT_EQ(text.find(place("3:8") + "this is no JSON"), 0U) << text;
 }
 
 TEST_F(MessageFile, WrongCharacterInTheFirstLineHasItsColumn) {
-    const auto text = refusal("{]", Check::json);
+    const auto text = refusal("{]", Check::Json);
     EXPECT_EQ(text.find(place("1:2")), 0U) << text;
 }
 
 TEST_F(MessageFile, TextThatEndsTooEarlyIsRefusedAtItsEnd) {
-    const auto text = refusal("{\"a\":\n1", Check::json);
+    const auto text = refusal("{\"a\":\n1", Check::Json);
     EXPECT_EQ(text.find(place("2:2")), 0U) << text;
 }
 
 TEST_F(MessageFile, EmptyFileIsNoJson) {
-    EXPECT_EQ(refusal("", Check::json).find(place("1:1")), 0U);
+    EXPECT_EQ(refusal("", Check::Json).find(place("1:1")), 0U);
 }
 
 TEST_F(MessageFile, TextBehindTheJsonIsRefused) {
-    EXPECT_EQ(refusal("{} {}", Check::json).find(place("1:4")), 0U);
+    EXPECT_EQ(refusal("{} {}", Check::Json).find(place("1:4")), 0U);
 }
 
 TEST_F(MessageFile, TextThatIsNotUtf8IsNoJson) {
-    EXPECT_EQ(refusal("{\"a\":\"\xff\"}", Check::json).find(place("1:7")), 0U);
+    EXPECT_EQ(refusal("{\"a\":\"\xff\"}", Check::Json).find(place("1:7")), 0U);
 }
 
 TEST_F(MessageFile, NumberBeyondAllBoundsIsRefused) {
-    EXPECT_NE(refusal("{\"a\":1e999}", Check::json).find("no JSON"), std::string::npos);
+    EXPECT_NE(refusal("{\"a\":1e999}", Check::Json).find("no JSON"), std::string::npos);
 }
 
 TEST_F(MessageFile, UncheckedTextIsReadAsItStands) {
-    EXPECT_EQ(readMessageFile(write("{\xff]"), Check::none), "{\xff]");
+    EXPECT_EQ(readMessageFile(write("{\xff]"), Check::None), "{\xff]");
 }
 
 TEST_F(MessageFile, NullCharacterIsRefusedEvenUnchecked) {
-    const auto text = refusal(std::string("ab\ncd\0ef", 8), Check::none);
+    const auto text = refusal(std::string("ab\ncd\0ef", 8), Check::None);
     EXPECT_EQ(text.find(place("2:3")), 0U) << text;
 }
 
 TEST_F(MessageFile, MissingFileIsNamed) {
-    EXPECT_THROW(readMessageFile("/nowhere/message.json", Check::none), std::runtime_error);
+    EXPECT_THROW(readMessageFile("/nowhere/message.json", Check::None), std::runtime_error);
 }
 
 TEST_F(MessageFile, FolderIsNoMessage) {
-    EXPECT_THROW(readMessageFile("/tmp", Check::none), std::runtime_error);
+    EXPECT_THROW(readMessageFile("/tmp", Check::None), std::runtime_error);
 }
 
 } // namespace

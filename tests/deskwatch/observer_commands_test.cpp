@@ -1,8 +1,8 @@
-#include "bus_process.h"
-#include "commands_fixture.h"
-#include "running_program.h"
-
 #include <csignal>
+
+#include "commands_fixture.h"
+#include "device/bus_process.h"
+#include "running_program.h"
 
 namespace deskwatch {
 namespace {
@@ -86,7 +86,7 @@ TEST_F(ObserverCommands, ListShowsEachWatchAndWhatBecameOfIt) {
     const auto bus = BusProcess(Device(other.path()).layout().busRecord()).running();
     ASSERT_TRUE(bus.has_value());
     bus->signal(SIGKILL);
-    ASSERT_TRUE(bus->waitForEnd(patience));
+    ASSERT_TRUE(bus->waitForEnd(timeout));
     const auto table = run({"ls"});
     run({"--device", other.path().string(), "off"});
     const auto one = Json::parse(run({"ls", "--json"}));

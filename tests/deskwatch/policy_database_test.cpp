@@ -1,5 +1,4 @@
-#include "policy_database.h"
-#include "temporary_folder.h"
+#include "status/policy_database.h"
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
@@ -7,6 +6,8 @@
 #include <fstream>
 #include <stdexcept>
 #include <string>
+
+#include "temporary_folder.h"
 
 namespace deskwatch {
 namespace {

@@ -1,4 +1,4 @@
-#include "process_handle.h"
+#include "device/process_handle.h"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>

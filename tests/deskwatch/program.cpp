@@ -1,8 +1,8 @@
 #include "program.h"
 
-#include "glib_owners.h"
-
 #include <stdexcept>
+
+#include "device/glib_owners.h"
 
 using deskwatch::MemoryOwner;
 using deskwatch::ObjectOwner;

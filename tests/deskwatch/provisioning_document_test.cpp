@@ -1,10 +1,11 @@
-#include "provisioning_document.h"
-#include "temporary_folder.h"
+#include "provisioning/provisioning_document.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <stdexcept>
+
+#include "temporary_folder.h"
 
 namespace deskwatch {
 namespace {

@@ -1,7 +1,4 @@
-#include "provisioning_import.h"
-#include "temporary_folder.h"
-
-#include "program.h"
+#include "provisioning/provisioning_import.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -10,6 +7,9 @@
 #include <iterator>
 #include <map>
 #include <stdexcept>
+
+#include "program.h"
+#include "temporary_folder.h"
 
 namespace deskwatch {
 namespace {
@@ -96,12 +96,12 @@ TEST(ProvisioningImport, FateOfEachElementIsTold) {
                                   {"AllowIrDA", "0"},
                                   {"AllowTeleport", "0"}})
                               .elements;
-    EXPECT_EQ(elements[0].fate, Fate::enforced);
+    EXPECT_EQ(elements[0].support, Support::Enforced);
     EXPECT_EQ(elements[0].carried, "false");
-    EXPECT_EQ(elements[1].fate, Fate::stored);
-    EXPECT_EQ(elements[2].fate, Fate::notDeliverable);
+    EXPECT_EQ(elements[1].support, Support::Stored);
+    EXPECT_EQ(elements[2].support, Support::NotDeliverable);
     EXPECT_EQ(elements[2].member, "");
-    EXPECT_EQ(elements[3].fate, Fate::unknown);
+    EXPECT_EQ(elements[3].support, Support::Unknown);
     EXPECT_EQ(elements[3].remark, "");
     EXPECT_EQ(elements[4].remark, "no element of a provisioning document");
 }

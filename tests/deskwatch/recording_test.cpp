@@ -1,9 +1,9 @@
-#include "commands_fixture.h"
-
 #include <glib.h>
 
 #include <csignal>
 #include <iterator>
+
+#include "commands_fixture.h"
 
 namespace deskwatch {
 namespace {
@@ -107,12 +107,12 @@ TEST_F(Recordings, EndOfTheServiceIsReplayed) {
     const auto pid = BusClient(device().busAddress())
                          .call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                                 "GetConnectionUnixProcessID"},
-                               g_variant_new("(s)", "com.velmor.tesk-agent"), patience);
+                               g_variant_new("(s)", "com.velmor.tesk-agent"), timeout);
     guint32 number = 0;
     g_variant_get(pid.get(), "(u)", &number);
     const auto service = ProcessHandle::open(static_cast<pid_t>(number));
     service->signal(SIGTERM);
-    ASSERT_TRUE(service->waitForEnd(patience));
+    ASSERT_TRUE(service->waitForEnd(timeout));
     run({"mail", "delete", "2"});
     recording.interrupt();
     EXPECT_EQ(recording.status(), 0);

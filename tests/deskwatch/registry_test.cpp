@@ -1,9 +1,10 @@
-#include "registry.h"
-#include "temporary_folder.h"
+#include "device/registry.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+
+#include "temporary_folder.h"
 
 namespace deskwatch {
 namespace {
@@ -45,13 +46,13 @@ TEST(Registry, WatchBeforeARemovedOneIsTheNewest) {
 TEST(Registry, OfTheUserIsInTheStateFolder) {
     const TemporaryFolder folder;
     setenv("XDG_STATE_HOME", folder.path().c_str(), 1);
-    EXPECT_EQ(Registry::ofUser().defaultWatch(), folder.path() / "deskwatch" / "watch");
+    EXPECT_EQ(Registry::ofUser().defaultDevice(), folder.path() / "deskwatch" / "watch");
 }
 
 TEST(Registry, OfAUserWithoutStateFolderIsInTheHomeFolder) {
     unsetenv("XDG_STATE_HOME");
     setenv("HOME", "/home/someone", 1);
-    EXPECT_EQ(Registry::ofUser().defaultWatch(), "/home/someone/.local/state/deskwatch/watch");
+    EXPECT_EQ(Registry::ofUser().defaultDevice(), "/home/someone/.local/state/deskwatch/watch");
 }
 
 } // namespace

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int linePatience = 20'000; // milliseconds
+constexpr int lineTimeout = 20'000; // milliseconds
 
 } // namespace
 
@@ -35,7 +35,7 @@ RunningProgram::~RunningProgram() {
 bool RunningProgram::readMore() {
     const int output = g_unix_input_stream_get_fd(G_UNIX_INPUT_STREAM(g_subprocess_get_stdout_pipe(process_.get())));
     pollfd waiting{output, POLLIN, 0};
-    if (poll(&waiting, 1, linePatience) <= 0) {
+    if (poll(&waiting, 1, lineTimeout) <= 0) {
         throw std::runtime_error("deskwatch writes nothing; the unfinished line: " + unread_);
     }
     std::array<char, 4096> buffer{};

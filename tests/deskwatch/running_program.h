@@ -1,12 +1,12 @@
 #ifndef DESKWATCH_RUNNING_PROGRAM_H
 #define DESKWATCH_RUNNING_PROGRAM_H
 
-#include "glib_owners.h"
-
 #include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
+
+#include "device/glib_owners.h"
 
 /// The deskwatch program while it runs; it ends with this object.
 class RunningProgram {

@@ -1,8 +1,8 @@
-#include "application_ids.h"
-#include "commands_fixture.h"
-#include "running_program.h"
-
 #include <algorithm>
+
+#include "commands_fixture.h"
+#include "device/application_ids.h"
+#include "running_program.h"
 
 namespace deskwatch {
 namespace {

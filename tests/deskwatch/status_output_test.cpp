@@ -1,20 +1,20 @@
-#include "watch_status.h"
-
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+
+#include "status/device_status.h"
 
 namespace deskwatch {
 namespace {
 
-WatchStatus freshStatus() {
-    WatchStatus status;
+DeviceStatus freshStatus() {
+    DeviceStatus status;
     status.folder = "/tmp/watch";
     status.enforcingAccount = {"enforcing", {}};
     return status;
 }
 
-WatchStatus fullStatus() {
-    WatchStatus status = freshStatus();
+DeviceStatus fullStatus() {
+    DeviceStatus status = freshStatus();
     status.isServiceRunning = true;
     status.accounts = {{{"account_id", 1}, {"account_name", std::string("alice")}},
                        {{"account_id", 2}, {"account_name", std::string("bob")}}};

@@ -1,4 +1,4 @@
-#include "text_table.h"
+#include "text/text_table.h"
 
 #include <gtest/gtest.h>
 

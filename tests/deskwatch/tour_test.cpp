@@ -1,6 +1,6 @@
-#include "commands_fixture.h"
-
 #include <sstream>
+
+#include "commands_fixture.h"
 
 namespace deskwatch {
 namespace {

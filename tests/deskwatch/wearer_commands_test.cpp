@@ -1,7 +1,7 @@
-#include "application_ids.h"
-#include "commands_fixture.h"
-
 #include <algorithm>
+
+#include "commands_fixture.h"
+#include "device/application_ids.h"
 
 namespace deskwatch {
 namespace {

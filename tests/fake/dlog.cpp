@@ -1,8 +1,7 @@
 #include <dlog.h>
+#include <glib.h>
 
 #include <cstdarg>
-
-#include <glib.h>
 
 #include "fake_platform.h"
 

@@ -19,14 +19,12 @@
 
 namespace fake {
 
-/**
- * The platform of one process, in memory. While an object of this class lives, the functions of the platform work on
- * its parts: they write down what they were told, answer as set, and fail where the test says so. There is one at a
- * time. The service keeps process-wide instances, so each test runs in a process of its own.
- */
+/// The platform of one process, in memory. While an object of this class lives, the functions of the platform work on
+/// its parts: they write down what they were told, answer as set, and fail where the test says so. There is one at a
+/// time. The service keeps process-wide instances, so each test runs in a process of its own.
 class FakePlatform {
 public:
-    /** Makes the application's data folder and becomes the platform of the process. */
+    /// Makes the application's data folder and becomes the platform of the process.
     FakePlatform();
     ~FakePlatform();
     FakePlatform(const FakePlatform&) = delete;
@@ -34,7 +32,7 @@ public:
 
     static bool exists();
 
-    /** The platform of the process; ends the process with a message when there is none. */
+    /// The platform of the process; ends the process with a message when there is none.
     static FakePlatform& current();
 
     Journal journal;
@@ -47,19 +45,19 @@ public:
     ServiceScript service;
     SystemCalls system;
 
-    /** The id of the application that this process is. */
+    /// The id of the application that this process is.
     std::string appId = "com.velmor.tesk-agent";
 
-    /** What app_get_data_path answers; a fresh folder at first, which goes with this object. */
+    /// What app_get_data_path answers; a fresh folder at first, which goes with this object.
     std::string dataPath;
 
-    /** Does what the main loop would: tells of changed keys and delivers messages to own ports. */
+    /// Does what the main loop would: tells of changed keys and delivers messages to own ports.
     void deliverPending();
 
-    /** Forgets what goes with the service's process, so that the next one finds the device as it was left. */
+    /// Forgets what goes with the service's process, so that the next one finds the device as it was left.
     void endProcess();
 
-    /** Writes a call down and tells the code with which it fails, if it does. */
+    /// Writes a call down and tells the code with which it fails, if it does.
     template <typename... Arguments>
     std::optional<int> call(const std::string& function, const Arguments&... arguments) {
         if (journal.isKept) {
@@ -71,14 +69,13 @@ public:
         return faults.onCall(function);
     }
 
-    /** A copy for the service, which is to release it. */
+    /// A copy for the service, which is to release it.
     char* handOut(const std::string& text);
 
-    /** Notes that the service released something. */
+    /// Notes that the service released something.
     void takeBack(void* memory) { handedOut_.erase(memory); }
 
-    /** What the service got and never gave back, one line for each; the handle of the policy manager stays out of it.
-     */
+    /// What the service got and never gave back, one line for each; the handle of the policy manager stays out of it.
     std::vector<std::string> leaks() const;
 
 private:

@@ -1,19 +1,17 @@
 #include "fake_platform.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstdlib>
-#include <filesystem>
-
-#include <gtest/gtest.h>
-
 #include <app_control.h>
 #include <app_preference.h>
 #include <dlog.h>
 #include <dpm/password.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <vconf.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
 
 namespace {
 

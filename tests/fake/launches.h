@@ -1,13 +1,13 @@
 #ifndef FAKE_LAUNCHES_H
 #define FAKE_LAUNCHES_H
 
+#include <app_control.h>
+
 #include <optional>
 #include <set>
 #include <string>
 #include <utility>
 #include <vector>
-
-#include <app_control.h>
 
 struct app_control_s {
     std::string appId;
@@ -16,7 +16,7 @@ struct app_control_s {
 
 namespace fake {
 
-/** A launch request that the service sent. */
+/// A launch request that the service sent.
 struct Launch {
     std::string appId;
     std::vector<std::pair<std::string, std::string>> extraData;
@@ -26,18 +26,18 @@ struct Launch {
     bool wantsReply() const { return reply != nullptr; }
 };
 
-/** The launch requests that the service sent and the handles that are alive. */
+/// The launch requests that the service sent and the handles that are alive.
 class Launches {
 public:
     std::vector<Launch> sent;
 
-    /** The handles that were created and not destroyed. */
+    /// The handles that were created and not destroyed.
     std::set<app_control_h> handles;
 
-    /** Applications that cannot be launched because they are not installed. */
+    /// Applications that cannot be launched because they are not installed.
     std::set<std::string> missingApps;
 
-    /** Answers a sent request with the extra data "result", or with none. */
+    /// Answers a sent request with the extra data "result", or with none.
     void answer(std::size_t index, const std::optional<std::string>& result);
 };
 

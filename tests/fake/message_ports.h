@@ -1,6 +1,8 @@
 #ifndef FAKE_MESSAGE_PORTS_H
 #define FAKE_MESSAGE_PORTS_H
 
+#include <message_port.h>
+
 #include <deque>
 #include <map>
 #include <optional>
@@ -9,8 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include <message_port.h>
-
 struct _bundle_t {
     // A text that was handed out stays where it is while others are added.
     std::deque<std::pair<std::string, std::string>> entries;
@@ -18,14 +18,14 @@ struct _bundle_t {
 
 namespace fake {
 
-/** A message that the service sent. */
+/// A message that the service sent.
 struct SentMessage {
     std::string appId;
     std::string port;
     std::vector<std::pair<std::string, std::string>> entries;
 };
 
-/** The ports of the service, those of other applications, and the bundles that are alive. */
+/// The ports of the service, those of other applications, and the bundles that are alive.
 class MessagePorts {
 public:
     struct LocalPort {
@@ -34,28 +34,28 @@ public:
         void* userData;
     };
 
-    /** The service's ports by their ids. */
+    /// The service's ports by their ids.
     std::map<int, LocalPort> localPorts;
 
-    /** Application id and name of each port that another application has open. */
+    /// Application id and name of each port that another application has open.
     std::set<std::pair<std::string, std::string>> remotePorts;
 
-    /** Every message that the service sent, whether or not somebody was listening. */
+    /// Every message that the service sent, whether or not somebody was listening.
     std::vector<SentMessage> sent;
 
-    /** The bundles that were created and not freed. */
+    /// The bundles that were created and not freed.
     std::set<bundle*> bundles;
 
-    /** Delivers what the service sent to ports of its own. */
+    /// Delivers what the service sent to ports of its own.
     void deliverOwn();
 
-    /** The service's own port of this name, null when it is closed. */
+    /// The service's own port of this name, null when it is closed.
     LocalPort* find(const std::string& name, int* id = nullptr);
 
-    /** Delivers a message to the service's port as the mail application would; a missing text stays out of it. */
+    /// Delivers a message to the service's port as the mail application would; a missing text stays out of it.
     void deliver(const std::optional<std::string>& request, const std::optional<std::string>& argument);
 
-    /** Messages that the service sent to itself and that are still to be delivered. */
+    /// Messages that the service sent to itself and that are still to be delivered.
     std::deque<SentMessage> pending;
 };
 

@@ -7,7 +7,7 @@
 
 namespace fake {
 
-/** The application's preferences: a typed value for each key that was set. */
+/// The application's preferences: a typed value for each key that was set.
 using PreferenceStore = std::map<std::string, std::variant<int, bool, double, std::string>>;
 
 } // namespace fake

@@ -1,6 +1,8 @@
 #ifndef FAKE_SETTINGS_STORE_H
 #define FAKE_SETTINGS_STORE_H
 
+#include <vconf.h>
+
 #include <deque>
 #include <map>
 #include <optional>
@@ -8,34 +10,32 @@
 #include <variant>
 #include <vector>
 
-#include <vconf.h>
-
 namespace fake {
 
-/** The keys of vconf and who watches them. A change reaches its watchers when the test delivers it. */
+/// The keys of vconf and who watches them. A change reaches its watchers when the test delivers it.
 class SettingsStore {
 public:
     using Value = std::variant<int, std::string>;
 
-    /** Changes a key as another part of the device would; its watchers hear of it with deliverChanges(). */
+    /// Changes a key as another part of the device would; its watchers hear of it with deliverChanges().
     void setKeyAsDevice(const std::string& key, const Value& value);
 
-    /** Takes a key away, as if it had never been set. */
+    /// Takes a key away, as if it had never been set.
     void unset(const std::string& key) { values_.erase(key); }
 
-    /** Tells the watchers of every change since the last time, those that they make meanwhile included. */
+    /// Tells the watchers of every change since the last time, those that they make meanwhile included.
     void deliverChanges();
 
     std::optional<int> integer(const std::string& key) const;
     std::optional<std::string> text(const std::string& key) const;
 
-    /** Whether a key lies in one of the stores and has no empty part. */
+    /// Whether a key lies in one of the stores and has no empty part.
     static bool isKey(const char* key);
 
     void watch(const std::string& key, vconf_callback_fn callback, void* userData);
     bool ignore(const std::string& key, vconf_callback_fn callback);
 
-    /** Ends all watches, with the process that had them. */
+    /// Ends all watches, with the process that had them.
     void ignoreAll();
 
 private:

@@ -1,5 +1,6 @@
 #include "system_calls.h"
 
+#include <gio/gio.h>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,8 +10,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
-
-#include <gio/gio.h>
 
 #include "fake_platform.h"
 

@@ -1,6 +1,7 @@
 #ifndef FAKE_SYSTEM_CALLS_H
 #define FAKE_SYSTEM_CALLS_H
 
+#include <glib.h>
 #include <sys/types.h>
 
 #include <map>
@@ -8,31 +9,27 @@
 #include <string>
 #include <vector>
 
-#include <glib.h>
-
 namespace fake {
 
-/**
- * What the service asks of the machine itself. These functions of libraries are taken over when a test is linked, for
- * the service's own calls alone: g_usleep, g_timeout_add_seconds, g_source_remove, getpwnam_r, sysconf, fopen, fclose,
- * rename, mkdir, chmod, unlink, g_dbus_node_info_new_for_xml, malloc, free, operator new that does not throw, and the
- * functions of SQLite that open, prepare, step and close.
- */
+/// What the service asks of the machine itself. These functions of libraries are taken over when a test is linked, for
+/// the service's own calls alone: g_usleep, g_timeout_add_seconds, g_source_remove, getpwnam_r, sysconf, fopen, fclose,
+/// rename, mkdir, chmod, unlink, g_dbus_node_info_new_for_xml, malloc, free, operator new that does not throw, and the
+/// functions of SQLite that open, prepare, step and close.
 class SystemCalls {
 public:
-    /** The users that exist. */
+    /// The users that exist.
     std::map<std::string, uid_t> users{{"owner", 5001}};
 
-    /** What sysconf answers about the size of a user entry; the machine's answer when nothing is set. */
+    /// What sysconf answers about the size of a user entry; the machine's answer when nothing is set.
     std::optional<long> userEntrySize;
 
-    /** Files that the service finds elsewhere than where it looks. */
+    /// Files that the service finds elsewhere than where it looks.
     std::map<std::string, std::string> movedFiles;
 
-    /** The statements of SQLite that were prepared and not finalized. */
+    /// The statements of SQLite that were prepared and not finalized.
     int statements = 0;
 
-    /** The statement of each step, in order, as long as the journal is kept. */
+    /// The statement of each step, in order, as long as the journal is kept.
     std::vector<std::string> steps;
 
     guint addTimer(guint seconds, GSourceFunc callback, gpointer userData);
@@ -40,7 +37,7 @@ public:
     void removeAllTimers() { timers_.clear(); }
     std::size_t timers() const { return timers_.size(); }
 
-    /** Lets time pass: the timers that fall due fire in their order. */
+    /// Lets time pass: the timers that fall due fire in their order.
     void passSeconds(guint seconds);
 
 private:

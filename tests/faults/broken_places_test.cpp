@@ -1,3 +1,4 @@
+#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -6,8 +7,6 @@
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
-
-#include <gtest/gtest.h>
 
 #include "sample_policies.h"
 #include "story_run.h"

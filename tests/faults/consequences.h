@@ -3,7 +3,7 @@
 
 #include <string>
 
-/** What goes on as if nothing had failed. */
+/// What goes on as if nothing had failed.
 enum Keeps : unsigned {
     Nothing = 0,
     SettingNames = 1, ///< each rule of the device is written, if with another value
@@ -14,14 +14,14 @@ enum Keeps : unsigned {
     Calls = 63        ///< the platform is told exactly the same
 };
 
-/** When a good request is served again in full. */
+/// When a good request is served again in full.
 enum class Served {
     AtOnce,           ///< in the same process
     AfterRestart,     ///< in the next process
     AfterLastDeletion ///< once no account is stored any more
 };
 
-/** What follows from a failing call. */
+/// What follows from a failing call.
 struct Consequence {
     const char* call; ///< how the call begins, its arguments included where they matter
     unsigned keeps;   ///< of Keeps
@@ -30,10 +30,10 @@ struct Consequence {
     bool mayEnd = false;            ///< whether the service's process may come to its end
 };
 
-/** The consequence of a failing call, written as in the journal. */
+/// The consequence of a failing call, written as in the journal.
 const Consequence& consequenceOf(const std::string& call);
 
-/** Whether a log line is as the consequence has it. */
+/// Whether a log line is as the consequence has it.
 bool isLogOf(const Consequence& consequence, int code, const std::string& line);
 
 #endif

@@ -1,14 +1,13 @@
 #include "fault.h"
 
-#include <cerrno>
-#include <map>
-
-#include <sqlite3.h>
-
 #include <app_control.h>
 #include <app_preference.h>
 #include <dpm/device-policy-manager.h>
 #include <message_port.h>
+#include <sqlite3.h>
+
+#include <cerrno>
+#include <map>
 
 #include "system_calls_of_sqlite.h"
 

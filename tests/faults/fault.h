@@ -6,7 +6,7 @@
 
 #include "faults.h"
 
-/** A call that fails: the nth of its function, or every one of them. */
+/// A call that fails: the nth of its function, or every one of them.
 struct Fault {
     static constexpr int always = 0;
 
@@ -16,14 +16,14 @@ struct Fault {
 
     void arm(fake::Faults& faults) const;
 
-    /** "vconf_set_int, call 2: -1". */
+    /// "vconf_set_int, call 2: -1".
     std::string text() const;
 };
 
-/** The codes with which a function is seen to fail; 0 claims success and does nothing. */
+/// The codes with which a function is seen to fail; 0 claims success and does nothing.
 std::vector<int> codesOf(const std::string& function);
 
-/** Whether a failing call of the function leaves an object alive that nobody can release any more. */
+/// Whether a failing call of the function leaves an object alive that nobody can release any more.
 bool releasesAnObject(const std::string& function);
 
 #endif

@@ -6,33 +6,31 @@
 
 #include "story_run.h"
 
-/**
- * Plays a story once without faults, then once with each call failing, each function failing always, and each two
- * functions failing always.
- */
+/// Plays a story once without faults, then once with each call failing, each function failing always, and each two
+/// functions failing always.
 class FaultRuns {
 public:
-    /** Only every `each`th of the runs is made. */
+    /// Only every `each`th of the runs is made.
     FaultRuns(const Story& story, int each);
 
     void failEachCall();
     void failEachFunction();
     void failEachTwoFunctions();
 
-    /** The runs with faults that there are, and those that were made. */
+    /// The runs with faults that there are, and those that were made.
     int count() const { return count_; }
     int made() const { return made_; }
 
-    /** The faults that ended the process. */
+    /// The faults that ended the process.
     const std::vector<std::string>& ends() const { return ends_; }
 
-    /** What did not hold, one line each. */
+    /// What did not hold, one line each.
     const std::vector<std::string>& problems() const { return problems_; }
 
 private:
     void run(const std::vector<Fault>& faults);
 
-    /** The calls of a function in the run without faults, as in the journal. */
+    /// The calls of a function in the run without faults, as in the journal.
     std::vector<std::string> callsOf(const std::string& function) const;
 
     const Story& story_;

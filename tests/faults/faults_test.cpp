@@ -1,9 +1,8 @@
+#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <iostream>
-
-#include <gtest/gtest.h>
 
 #include "fault_runs.h"
 

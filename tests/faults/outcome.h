@@ -6,11 +6,11 @@
 
 #include "fake_platform.h"
 
-/** What a story did to the watch, as one process tells it to another. */
+/// What a story did to the watch, as one process tells it to another.
 struct Outcome {
     using Lines = fake::Journal::Lines;
 
-    /** Whether the service came as far as its main loop. */
+    /// Whether the service came as far as its main loop.
     bool isRunning = false;
 
     Lines calls;
@@ -22,16 +22,16 @@ struct Outcome {
     std::map<std::string, int> device; ///< the rules of the device
     bool isAdministrator = false;
 
-    /** What was wrong with the good request that followed; empty when nothing was. */
+    /// What was wrong with the good request that followed; empty when nothing was.
     std::string nextRequest = "not sent";
 
-    /** The last call that set each rule of the device, by its function. */
+    /// The last call that set each rule of the device, by its function.
     std::map<std::string, std::string> settings() const;
 
-    /** The rules of the device that were set. */
+    /// The rules of the device that were set.
     Lines settingNames() const;
 
-    /** The keys that tell of the outcome and that were written. */
+    /// The keys that tell of the outcome and that were written.
     Lines keys() const;
 
     std::string toText() const;

@@ -1,10 +1,10 @@
 #include "stored_rows.h"
 
+#include <sqlite3.h>
+
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
-
-#include <sqlite3.h>
 
 namespace {
 

@@ -4,10 +4,10 @@
 #include <map>
 #include <string>
 
-/** The whole row of each stored account, in words of this test's own. */
+/// The whole row of each stored account, in words of this test's own.
 using StoredRows = std::map<int, std::string>;
 
-/** Reads a database as another program would; empty when there is none. */
+/// Reads a database as another program would; empty when there is none.
 StoredRows storedRowsOf(const std::string& path);
 
 #endif

@@ -1,5 +1,6 @@
 #include "system_calls_of_sqlite.h"
 
+#include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -7,8 +8,6 @@
 #include <cstdarg>
 #include <stdexcept>
 #include <string>
-
-#include <sqlite3.h>
 
 #include "fake_platform.h"
 

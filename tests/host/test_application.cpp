@@ -8,6 +8,7 @@
 #include <gio/gio.h>
 #include <message_port.h>
 #include <service_app.h>
+#include <unistd.h>
 #include <vconf.h>
 
 #include <cstdlib>
@@ -15,7 +16,6 @@
 #include <iostream>
 #include <map>
 #include <string>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 

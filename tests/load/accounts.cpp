@@ -1,10 +1,10 @@
 #include "accounts.h"
 
-#include "messages.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
+
+#include "messages.h"
 
 namespace load_test {
 namespace {

@@ -1,10 +1,10 @@
 #ifndef LOAD_ACCOUNTS_H
 #define LOAD_ACCOUNTS_H
 
-#include "device_state.h"
-
 #include <map>
 #include <string>
+
+#include "device_state.h"
 
 namespace load_test {
 

@@ -1,7 +1,3 @@
-#include "memory.h"
-#include "process_handle.h"
-#include "traffic.h"
-
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -10,6 +6,10 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+
+#include "device/process_handle.h"
+#include "memory.h"
+#include "traffic.h"
 
 namespace load_test {
 namespace {
@@ -60,10 +60,10 @@ void expectFlat(const Memory& before, const Memory& after) {
 }
 
 /// Sends so many requests, checks them in portions, and keeps a service that has nothing left to do from ending.
-void sendInPortions(const system_test::Watch& watch, Traffic& traffic, int requests) {
+void sendInPortions(const system_test::TestDevice& device, Traffic& traffic, int requests) {
     while (requests > 0 && !testing::Test::HasFailure()) {
         const int portion = std::min(requests, requestsAtOnce());
-        watch.launchService();
+        device.launchService();
         traffic.send(portion);
         traffic.settleAndCheck();
         requests -= portion;
@@ -72,31 +72,31 @@ void sendInPortions(const system_test::Watch& watch, Traffic& traffic, int reque
 
 TEST(Load, NothingIsLostReorderedOrKept) {
     const int requests = wanted("TESK_LOAD_REQUESTS", 5000);
-    const system_test::Watch watch({}, scratch());
-    watch.launchService();
-    watch.waitForLog("__onNameAcquired");
-    const pid_t service = watch.servicePid();
-    Traffic traffic(watch);
+    const system_test::TestDevice device({}, scratch());
+    device.launchService();
+    device.waitForLog("__onNameAcquired");
+    const pid_t service = device.servicePid();
+    Traffic traffic(device);
     const auto begin = Clock::now();
 
-    sendInPortions(watch, traffic, requests / 5);
+    sendInPortions(device, traffic, requests / 5);
     const Memory before = memoryOf(service);
-    sendInPortions(watch, traffic, requests - requests / 5);
+    sendInPortions(device, traffic, requests - requests / 5);
 
     const Memory after = memoryOf(service);
     const double seconds = secondsSince(begin);
     std::printf("%d requests in %.0f s, %.0f in a second\n", traffic.sent(), seconds, traffic.sent() / seconds);
     expectFlat(before, after);
-    EXPECT_EQ(watch.servicePid(), service) << "it served all of them";
+    EXPECT_EQ(device.servicePid(), service) << "it served all of them";
 }
 
 /// Ends the service in the middle of what was sent.
-void endInTheMiddle(const system_test::Watch& watch, int signal) {
-    const auto process = deskwatch::ProcessHandle::open(watch.servicePid());
+void endInTheMiddle(const system_test::TestDevice& device, int signal) {
+    const auto process = deskwatch::ProcessHandle::open(device.servicePid());
     ASSERT_TRUE(process);
     process->signal(signal);
     ASSERT_TRUE(process->waitForEnd(std::chrono::seconds(30)));
-    while (watch.isServiceRunning()) {
+    while (device.isServiceRunning()) {
         // the bus has yet to see that its connection is gone
     }
 }
@@ -104,20 +104,20 @@ void endInTheMiddle(const system_test::Watch& watch, int signal) {
 TEST(Soak, EveryStartFindsWhatWasStored) {
     const auto time = std::chrono::minutes(wanted("TESK_SOAK_MINUTES", 0));
     constexpr int fewestRounds = 10;
-    const system_test::Watch watch({}, scratch());
-    watch.launchService();
-    watch.waitForLog("__onNameAcquired");
-    Traffic traffic(watch);
+    const system_test::TestDevice device({}, scratch());
+    device.launchService();
+    device.waitForLog("__onNameAcquired");
+    Traffic traffic(device);
     std::minstd_rand random(7);
     const auto begin = Clock::now();
 
     int rounds = 0;
     for (; (rounds < fewestRounds || Clock::now() - begin < time) && !testing::Test::HasFailure(); ++rounds) {
-        sendInPortions(watch, traffic, requestsAtOnce());
+        sendInPortions(device, traffic, requestsAtOnce());
         traffic.send(static_cast<int>(random() % static_cast<unsigned>(requestsAtOnce())));
-        endInTheMiddle(watch, rounds % 2 == 0 ? SIGKILL : SIGTERM);
-        watch.launchService();
-        watch.waitForLog("__onNameAcquired");
+        endInTheMiddle(device, rounds % 2 == 0 ? SIGKILL : SIGTERM);
+        device.launchService();
+        device.waitForLog("__onNameAcquired");
         traffic.checkAfterRestart();
     }
 

@@ -1,14 +1,14 @@
 #include "traffic.h"
 
-#include "messages.h"
-#include "platform_owners.h"
-
 #include <gtest/gtest.h>
 #include <message_port.h>
 
 #include <algorithm>
 #include <array>
 #include <stdexcept>
+
+#include "messages.h"
+#include "platform_owners.h"
 
 namespace load_test {
 namespace {
@@ -18,7 +18,7 @@ namespace keys = system_test::keys;
 
 constexpr char diagnosticName[] = "tesk.consumer.test";
 constexpr char diagnosticPath[] = "/tesk/consumer/test";
-constexpr int patience = 60'000; // milliseconds
+constexpr int timeout = 60'000; // milliseconds
 constexpr int accountCount = 20;
 constexpr int mostPopups = 10'000;
 
@@ -44,7 +44,7 @@ const std::string& malformed(int which) {
 
 } // namespace
 
-Traffic::Traffic(const system_test::Watch& watch) : watch_(watch), connection_(connect()) {}
+Traffic::Traffic(const system_test::TestDevice& device) : device_(device), connection_(connect()) {}
 
 void Traffic::send(int requests) {
     for (int i = 0; i < requests; ++i) {
@@ -54,23 +54,23 @@ void Traffic::send(int requests) {
 }
 
 void Traffic::settleAndCheck() {
-    watch_.companions().settle(ids::service);
+    device_.companions().settle(ids::service);
     awaitAnswers();
-    watch_.companions().settle(ids::service);
+    device_.companions().settle(ids::service);
     answerPopups();
 
-    EXPECT_EQ(handledRequests(watch_.log().text()), sent_);
+    EXPECT_EQ(handledRequests(device_.log().text()), sent_);
     EXPECT_EQ(answers_, std::vector<std::string>(sent_.diagnostic.size(), "0"));
     Accounts expected = mail_.back();
     expected.insert(diagnostic_.back().begin(), diagnostic_.back().end());
-    EXPECT_EQ(storedAccounts(watch_.database()), expected);
+    EXPECT_EQ(storedAccounts(device_.database()), expected);
     EXPECT_EQ(system_test::settings(), settingsOf(expected));
     forget();
 }
 
 void Traffic::checkAfterRestart() {
     awaitAnswers();
-    const Accounts stored = storedAccounts(watch_.database());
+    const Accounts stored = storedAccounts(device_.database());
     const auto wasState = [](const std::vector<Accounts>& states, const Accounts& state) {
         return std::find(states.begin(), states.end(), state) != states.end();
     };
@@ -152,7 +152,7 @@ void Traffic::call(const char* method, GVariant* arguments, const std::string& k
     sent_.diagnostic.push_back(kind);
     ++outstanding_;
     g_dbus_connection_call(connection_.get(), diagnosticName, diagnosticPath, diagnosticName, method, arguments,
-                           nullptr, G_DBUS_CALL_FLAGS_NONE, patience, nullptr, onAnswer, this);
+                           nullptr, G_DBUS_CALL_FLAGS_NONE, timeout, nullptr, onAnswer, this);
 }
 
 void Traffic::onAnswer(GObject* connection, GAsyncResult* outcome, gpointer self) {
@@ -179,7 +179,7 @@ void Traffic::answerPopups() {
     constexpr std::array<const char*, 4> answers{"ok", "sync_off_ok", "later", ""};
     for (int i = 0; i < mostPopups; ++i) {
         try {
-            watch_.companions().answer(ids::popup, answers.at(static_cast<std::size_t>(oneOf(4))));
+            device_.companions().answer(ids::popup, answers.at(static_cast<std::size_t>(oneOf(4))));
         } catch (const std::runtime_error&) {
             return; // none waits any more
         }
@@ -189,8 +189,8 @@ void Traffic::answerPopups() {
 
 /// The log is read once and does not grow without bounds.
 void Traffic::forget() {
-    EXPECT_EQ(watch_.log().count("CRITICAL **"), 0);
-    std::filesystem::resize_file(watch_.layout().log(), 0);
+    EXPECT_EQ(device_.log().count("CRITICAL **"), 0);
+    std::filesystem::resize_file(device_.layout().log(), 0);
     sent_ = {};
     answers_.clear();
     mail_ = {mail_.back()};

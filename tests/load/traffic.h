@@ -1,21 +1,21 @@
 #ifndef LOAD_TRAFFIC_H
 #define LOAD_TRAFFIC_H
 
-#include "accounts.h"
-#include "glib_owners.h"
-#include "handled.h"
-#include "watch.h"
-
 #include <random>
 #include <string>
 #include <vector>
+
+#include "accounts.h"
+#include "device/glib_owners.h"
+#include "handled.h"
+#include "test_device.h"
 
 namespace load_test {
 
 /// Requests of every kind at a watch's service, in the same order in every run, and what must come of them.
 class Traffic {
 public:
-    explicit Traffic(const system_test::Watch& watch);
+    explicit Traffic(const system_test::TestDevice& device);
     Traffic(const Traffic&) = delete;
     Traffic& operator=(const Traffic&) = delete;
 
@@ -49,7 +49,7 @@ private:
     void forget();
     int oneOf(int count);
 
-    const system_test::Watch& watch_;
+    const system_test::TestDevice& device_;
     const deskwatch::ObjectOwner<GDBusConnection> connection_;
     std::minstd_rand random_;
     int number_ = 0;

@@ -1,37 +1,37 @@
-#include "device_state.h"
-#include "messages.h"
-#include "watch.h"
-
 #include <dpm/device-policy-manager.h>
 #include <gtest/gtest.h>
+
+#include "device_state.h"
+#include "messages.h"
+#include "test_device.h"
 
 namespace system_test {
 namespace {
 
 TEST(AccountDeletion, RestOfTheAccountsIsEnforced) {
-    const Watch watch;
-    watch.launchService();
-    watch.send("req_update_policy", policyUpdate({alice(hardenedPolicy), bob(pinPolicy)}));
+    const TestDevice device;
+    device.launchService();
+    device.send("req_update_policy", policyUpdate({alice(hardenedPolicy), bob(pinPolicy)}));
     ASSERT_EQ(enforcingAccount(), 1);
 
-    watch.send("req_delete_account", "1");
+    device.send("req_delete_account", "1");
 
-    EXPECT_EQ(storedAccounts(watch.database()), std::vector<std::string>{"2"});
+    EXPECT_EQ(storedAccounts(device.database()), std::vector<std::string>{"2"});
     EXPECT_EQ(settings(), (Settings{33, 4, 10, 0, 0, 0, 0, 1, 1, 1, 0}));
     EXPECT_EQ(enforcingAccount(), 2);
     EXPECT_EQ(tryToAdminister(), DPM_ERROR_NONE);
 }
 
 TEST(AccountDeletion, LastOneReleasesTheDevice) {
-    const Watch watch;
-    watch.launchService();
-    watch.send("req_update_policy", policyUpdate({alice(strictestPolicy)}));
+    const TestDevice device;
+    device.launchService();
+    device.send("req_update_policy", policyUpdate({alice(strictestPolicy)}));
     ASSERT_EQ(enforcingAccount(), 1);
     ASSERT_EQ(tryToAdminister(), DPM_ERROR_NONE);
 
-    watch.send("req_delete_account", "1");
+    device.send("req_delete_account", "1");
 
-    EXPECT_EQ(storedAccounts(watch.database()), std::vector<std::string>{});
+    EXPECT_EQ(storedAccounts(device.database()), std::vector<std::string>{});
     EXPECT_EQ(settings(), releasedSettings);
     EXPECT_EQ(enforcingAccount(), 0);
     EXPECT_EQ(tryToAdminister(), DPM_ERROR_PERMISSION_DENIED);
@@ -40,46 +40,46 @@ TEST(AccountDeletion, LastOneReleasesTheDevice) {
 }
 
 TEST(AccountDeletion, UnknownAccountLeavesTheOthers) {
-    const Watch watch;
-    watch.launchService();
-    watch.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
+    const TestDevice device;
+    device.launchService();
+    device.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
 
-    watch.send("req_delete_account", "77");
+    device.send("req_delete_account", "77");
 
-    EXPECT_EQ(storedAccounts(watch.database()), std::vector<std::string>{"1"});
+    EXPECT_EQ(storedAccounts(device.database()), std::vector<std::string>{"1"});
     EXPECT_EQ(tryToAdminister(), DPM_ERROR_NONE);
     EXPECT_EQ(enforcingAccount(), 1);
 }
 
 TEST(AccountDeletion, TextBehindTheNumberIsIgnored) {
-    const Watch watch;
-    watch.launchService();
-    watch.send("req_update_policy", policyUpdate({alice(pinPolicy), {12, "twelve", pinPolicy}}));
+    const TestDevice device;
+    device.launchService();
+    device.send("req_update_policy", policyUpdate({alice(pinPolicy), {12, "twelve", pinPolicy}}));
 
-    watch.send("req_delete_account", "12abc");
+    device.send("req_delete_account", "12abc");
 
-    EXPECT_EQ(storedAccounts(watch.database()), std::vector<std::string>{"1"});
+    EXPECT_EQ(storedAccounts(device.database()), std::vector<std::string>{"1"});
 }
 
 TEST(AccountDeletion, TextThatIsNoNumberDeletesNothing) {
-    const Watch watch;
-    watch.launchService();
-    watch.send("req_update_policy", policyUpdate({alice(pinPolicy)}));
+    const TestDevice device;
+    device.launchService();
+    device.send("req_update_policy", policyUpdate({alice(pinPolicy)}));
 
-    watch.send("req_delete_account", "alice");
+    device.send("req_delete_account", "alice");
 
-    EXPECT_EQ(storedAccounts(watch.database()), std::vector<std::string>{"1"});
-    EXPECT_EQ(watch.log().count("accountId is invalid"), 1);
+    EXPECT_EQ(storedAccounts(device.database()), std::vector<std::string>{"1"});
+    EXPECT_EQ(device.log().count("accountId is invalid"), 1);
 }
 
 TEST(AccountDeletion, AccountThatComesBackIsEnforcedAgain) {
-    const Watch watch;
-    watch.launchService();
-    watch.send("req_update_policy", policyUpdate({alice(pinPolicy)}));
-    watch.send("req_delete_account", "1");
+    const TestDevice device;
+    device.launchService();
+    device.send("req_update_policy", policyUpdate({alice(pinPolicy)}));
+    device.send("req_delete_account", "1");
     ASSERT_EQ(tryToAdminister(), DPM_ERROR_PERMISSION_DENIED);
 
-    watch.send("req_update_policy", policyUpdate({alice(strictestPolicy)}));
+    device.send("req_update_policy", policyUpdate({alice(strictestPolicy)}));
 
     EXPECT_EQ(settings(), (Settings{128, 16, 4, 4, 60, 1, 50, 0, 0, 0, 1}));
     EXPECT_EQ(tryToAdminister(), DPM_ERROR_NONE);

@@ -1,10 +1,10 @@
 #ifndef TESTS_SYSTEM_BUS_DAEMON_H
 #define TESTS_SYSTEM_BUS_DAEMON_H
 
-#include "environment.h"
-#include "glib_owners.h"
-
 #include <string>
+
+#include "device/environment.h"
+#include "device/glib_owners.h"
 
 namespace system_test {
 

@@ -24,8 +24,8 @@ fs::path settingsMarks(const deskwatch::DeviceLayout& layout) {
 } // namespace
 
 Changes::Changes(const deskwatch::DeviceLayout& layout) : events_(inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
-    watch(layout.log(), IN_MODIFY);
-    watch(settingsMarks(layout), IN_DELETE);
+    device(layout.log(), IN_MODIFY);
+    device(settingsMarks(layout), IN_DELETE);
 }
 
 bool Changes::waitUntil(const Condition& condition, std::chrono::milliseconds atMost) const {
@@ -38,7 +38,7 @@ bool Changes::waitUntil(const Condition& condition, std::chrono::milliseconds at
     return true;
 }
 
-void Changes::watch(const fs::path& path, std::uint32_t events) const {
+void Changes::device(const fs::path& path, std::uint32_t events) const {
     if (inotify_add_watch(events_.get(), path.c_str(), events) < 0) {
         throw std::system_error(errno, std::generic_category(), "cannot watch " + path.string());
     }

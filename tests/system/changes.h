@@ -1,11 +1,11 @@
 #ifndef TESTS_SYSTEM_CHANGES_H
 #define TESTS_SYSTEM_CHANGES_H
 
-#include "device_layout.h"
-#include "file_descriptor.h"
-
 #include <chrono>
 #include <functional>
+
+#include "device/device_layout.h"
+#include "device/file_descriptor.h"
 
 namespace system_test {
 
@@ -22,7 +22,7 @@ public:
     bool waitUntil(const Condition& condition, std::chrono::milliseconds atMost) const;
 
 private:
-    void watch(const std::filesystem::path& path, std::uint32_t events) const;
+    void device(const std::filesystem::path& path, std::uint32_t events) const;
     bool waitForChange(std::chrono::steady_clock::time_point deadline) const;
 
     deskwatch::FileDescriptor events_;

@@ -1,14 +1,14 @@
 #include "companions.h"
 
-#include "application_ids.h"
-#include "companion_bus.h"
-#include "host_bus.h"
-#include "tesk-desk-bus.h"
-#include "tesk-host-bus.h"
-
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+
+#include "device/application_ids.h"
+#include "host_bus.h"
+#include "session/companion_bus.h"
+#include "tesk-desk-bus.h"
+#include "tesk-host-bus.h"
 
 namespace system_test {
 namespace {
@@ -17,7 +17,7 @@ using deskwatch::ObjectOwner;
 using deskwatch::takeMessage;
 using deskwatch::VariantOwner;
 
-constexpr int companionPatience = 60'000; // milliseconds
+constexpr int companionTimeout = 60'000; // milliseconds
 
 constexpr auto plainProxy =
     static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES | G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS |
@@ -73,7 +73,7 @@ void Companions::settle(const std::string& id) const {
         connection(), plainProxy, id.c_str(), host_bus::applicationPath, nullptr, &error));
     require(proxy != nullptr, "cannot speak to " + id, error);
     char** launched = nullptr;
-    const bool isDone = tesk_host_application_call_settle_sync(proxy.get(), G_DBUS_CALL_FLAGS_NONE, companionPatience,
+    const bool isDone = tesk_host_application_call_settle_sync(proxy.get(), G_DBUS_CALL_FLAGS_NONE, companionTimeout,
                                                                &launched, nullptr, &error) != FALSE;
     g_strfreev(launched);
     require(isDone, id + " does not settle", error);
@@ -86,7 +86,7 @@ std::vector<Launch> Companions::launches(const std::string& id) const {
     GVariant* answer = nullptr;
     const bool isDone =
         tesk_desk_companion_call_launches_sync(companionOf(connection(), id).get(), G_DBUS_CALL_FLAGS_NONE,
-                                               companionPatience, &answer, nullptr, &error) != FALSE;
+                                               companionTimeout, &answer, nullptr, &error) != FALSE;
     require(isDone, id + " does not tell its launches", error);
     const VariantOwner list(answer);
     std::vector<Launch> launches;
@@ -107,7 +107,7 @@ std::vector<Message> Companions::messages() const {
     GVariant* answer = nullptr;
     const bool isDone =
         tesk_desk_companion_call_messages_sync(companionOf(connection(), ids::mail).get(), G_DBUS_CALL_FLAGS_NONE,
-                                               companionPatience, &answer, nullptr, &error) != FALSE;
+                                               companionTimeout, &answer, nullptr, &error) != FALSE;
     require(isDone, "the mail application does not tell its messages", error);
     const VariantOwner list(answer);
     std::vector<Message> messages;
@@ -125,7 +125,7 @@ void Companions::answer(const std::string& id, const std::string& result) const 
     GError* error = nullptr;
     const bool isDone =
         tesk_desk_companion_call_answer_sync(companionOf(connection(), id).get(), result.c_str(),
-                                             G_DBUS_CALL_FLAGS_NONE, companionPatience, nullptr, &error) != FALSE;
+                                             G_DBUS_CALL_FLAGS_NONE, companionTimeout, nullptr, &error) != FALSE;
     require(isDone, id + " does not answer its launch request", error);
     settle(ids::service);
 }
@@ -160,7 +160,7 @@ VariantOwner Companions::call(const char* owner, const char* path, const char* i
                               GVariant* arguments) const {
     GError* error = nullptr;
     VariantOwner answer(g_dbus_connection_call_sync(connection(), owner, path, interface, method, arguments, nullptr,
-                                                    G_DBUS_CALL_FLAGS_NONE, companionPatience, nullptr, &error));
+                                                    G_DBUS_CALL_FLAGS_NONE, companionTimeout, nullptr, &error));
     require(answer != nullptr, method, error);
     return answer;
 }

@@ -1,13 +1,14 @@
 #ifndef TESTS_SYSTEM_COMPANIONS_H
 #define TESTS_SYSTEM_COMPANIONS_H
 
-#include "application_ids.h"
-#include "glib_owners.h"
+#include <sys/types.h>
 
 #include <map>
 #include <string>
-#include <sys/types.h>
 #include <vector>
+
+#include "device/application_ids.h"
+#include "device/glib_owners.h"
 
 namespace system_test {
 

@@ -1,8 +1,5 @@
 #include "device_state.h"
 
-#include "application_ids.h"
-#include "glib_owners.h"
-
 #include <dconf.h>
 #include <dpm/password.h>
 #include <dpm/restriction.h>
@@ -14,6 +11,9 @@
 #include <stdexcept>
 #include <tuple>
 #include <type_traits>
+
+#include "device/application_ids.h"
+#include "device/glib_owners.h"
 
 namespace system_test {
 namespace {

@@ -1,10 +1,10 @@
-#include "device_state.h"
-#include "messages.h"
-#include "watch.h"
-
 #include <gtest/gtest.h>
 
 #include <cctype>
+
+#include "device_state.h"
+#include "messages.h"
+#include "test_device.h"
 
 namespace system_test {
 namespace {
@@ -16,23 +16,23 @@ constexpr char diagnosticPath[] = "/tesk/consumer/test";
 class DiagnosticWatch {
 public:
     DiagnosticWatch() {
-        watch_.launchService();
-        watch_.waitForLog("__onNameAcquired");
+        device_.launchService();
+        device_.waitForLog("__onNameAcquired");
     }
 
-    const Watch& watch() const { return watch_; }
+    const TestDevice& device() const { return device_; }
 
     /// Calls a method and waits until the service has done what it asks for. Returns the method's own answer.
     int call(const char* method, GVariant* arguments = nullptr) const {
-        const auto answer = watch_.companions().call(owner, diagnosticPath, owner, method, arguments);
+        const auto answer = device_.companions().call(owner, diagnosticPath, owner, method, arguments);
         int result = -1;
         g_variant_get(answer.get(), "(i)", &result);
-        watch_.companions().settle(ids::service);
+        device_.companions().settle(ids::service);
         return result;
     }
 
 private:
-    const Watch watch_;
+    const TestDevice device_;
 };
 
 /// The methods of the interface with the types of their arguments, such as `allowWifi(i)i`.
@@ -60,7 +60,7 @@ std::vector<std::string> methodsOf(const char* xml) {
 TEST(DiagnosticBus, IntrospectionShowsTheMethodsInOrder) {
     const DiagnosticWatch diagnostic;
 
-    const auto answer = diagnostic.watch().companions().call(
+    const auto answer = diagnostic.device().companions().call(
         owner, diagnosticPath, "org.freedesktop.DBus.Introspectable", "Introspect", nullptr);
 
     const char* xml = nullptr;
@@ -89,20 +89,20 @@ TEST(DiagnosticBus, PingAnswersAndChangesNothing) {
 
     EXPECT_EQ(diagnostic.call("ping"), 0);
 
-    EXPECT_EQ(diagnostic.watch().log().count("Pong. I'm alive!"), 1);
-    EXPECT_EQ(diagnostic.watch().log().count("[RELAY MSG]"), 0);
-    EXPECT_EQ(storedRows(diagnostic.watch().database()), std::vector<Row>{});
+    EXPECT_EQ(diagnostic.device().log().count("Pong. I'm alive!"), 1);
+    EXPECT_EQ(diagnostic.device().log().count("[RELAY MSG]"), 0);
+    EXPECT_EQ(storedRows(diagnostic.device().database()), std::vector<Row>{});
 }
 
 TEST(DiagnosticBus, RemoveAccountRemovesTheTestAccountAlone) {
     const DiagnosticWatch diagnostic;
-    diagnostic.watch().send("req_update_policy", policyUpdate({alice(pinPolicy)}));
+    diagnostic.device().send("req_update_policy", policyUpdate({alice(pinPolicy)}));
     diagnostic.call("minDevicePasswordLength", g_variant_new("(i)", 9));
-    ASSERT_EQ(storedAccounts(diagnostic.watch().database()), (std::vector<std::string>{"1", "999"}));
+    ASSERT_EQ(storedAccounts(diagnostic.device().database()), (std::vector<std::string>{"1", "999"}));
 
     EXPECT_EQ(diagnostic.call("removeAccount"), 0);
 
-    EXPECT_EQ(storedAccounts(diagnostic.watch().database()), std::vector<std::string>{"1"});
+    EXPECT_EQ(storedAccounts(diagnostic.device().database()), std::vector<std::string>{"1"});
     EXPECT_EQ(settings().minLength, 4);
 }
 
@@ -111,7 +111,7 @@ TEST(DiagnosticBus, RemoveAccountWithoutTheTestAccountChangesNothing) {
 
     EXPECT_EQ(diagnostic.call("removeAccount"), 0);
 
-    EXPECT_EQ(storedRows(diagnostic.watch().database()), std::vector<Row>{});
+    EXPECT_EQ(storedRows(diagnostic.device().database()), std::vector<Row>{});
     EXPECT_EQ(diagnostic.call("ping"), 0);
 }
 
@@ -123,8 +123,8 @@ TEST(DiagnosticBus, MissingPolicyFileIsLogged) {
 
     EXPECT_EQ(diagnostic.call("usingFile"), 0);
 
-    EXPECT_EQ(diagnostic.watch().log().count("Failed to open file."), 1);
-    EXPECT_EQ(diagnostic.watch().log().count("[RELAY MSG]"), 0);
+    EXPECT_EQ(diagnostic.device().log().count("Failed to open file."), 1);
+    EXPECT_EQ(diagnostic.device().log().count("[RELAY MSG]"), 0);
 }
 
 TEST(DiagnosticBus, UnknownMethodIsRefusedAndTheServiceGoesOn) {
@@ -138,7 +138,7 @@ TEST(DiagnosticBus, UnknownMethodIsRefusedAndTheServiceGoesOn) {
 
 TEST(DiagnosticBus, CommandLineToolReachesIt) {
     const DiagnosticWatch diagnostic;
-    const std::string command = "DBUS_SYSTEM_BUS_ADDRESS='" + diagnostic.watch().device().busAddress() +
+    const std::string command = "DBUS_SYSTEM_BUS_ADDRESS='" + diagnostic.device().booted().busAddress() +
                                 "' gdbus call --system --dest tesk.consumer.test --object-path /tesk/consumer/test "
                                 "--method tesk.consumer.test.minDevicePasswordLength 11";
     char* output = nullptr;
@@ -150,7 +150,7 @@ TEST(DiagnosticBus, CommandLineToolReachesIt) {
         << deskwatch::takeMessage(error);
 
     EXPECT_STREQ(output, "(0,)\n");
-    diagnostic.watch().waitUntil("the length of 11", [] { return settings().minLength == 11; });
+    diagnostic.device().waitUntil("the length of 11", [] { return settings().minLength == 11; });
     g_free(output);
     for (char* argument : arguments) {
         g_free(argument);
@@ -176,7 +176,7 @@ TEST_P(DiagnosticSetter, ReachesTheDevice) {
     EXPECT_EQ(diagnostic.call(GetParam().method, g_variant_new("(i)", GetParam().value)), 0);
 
     EXPECT_EQ(settings(), GetParam().expected);
-    EXPECT_EQ(storedAccounts(diagnostic.watch().database()), std::vector<std::string>{"999"});
+    EXPECT_EQ(storedAccounts(diagnostic.device().database()), std::vector<std::string>{"999"});
 }
 
 std::string setterName(const testing::TestParamInfo<Setter>& info) {
@@ -205,10 +205,10 @@ TEST(DiagnosticBus, BluetoothIsStoredAsAllowedOrNot) {
     const DiagnosticWatch diagnostic;
 
     diagnostic.call("allowBluetooth", g_variant_new("(i)", 0));
-    EXPECT_EQ(storedRows(diagnostic.watch().database()).at(0).at(column), "0");
+    EXPECT_EQ(storedRows(diagnostic.device().database()).at(0).at(column), "0");
 
     diagnostic.call("allowBluetooth", g_variant_new("(i)", 2));
-    EXPECT_EQ(storedRows(diagnostic.watch().database()).at(0).at(column), "1");
+    EXPECT_EQ(storedRows(diagnostic.device().database()).at(0).at(column), "1");
 }
 
 } // namespace

@@ -1,16 +1,16 @@
-#include "device_state.h"
-#include "file_bytes.h"
-#include "messages.h"
-#include "other_program.h"
-#include "platform_owners.h"
-#include "watch.h"
-
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <functional>
 #include <iostream>
 #include <iterator>
+
+#include "device_state.h"
+#include "file_bytes.h"
+#include "messages.h"
+#include "other_program.h"
+#include "platform_owners.h"
+#include "test_device.h"
 
 namespace system_test {
 namespace {
@@ -100,49 +100,49 @@ std::string placeOf(const fs::path& database) {
 }
 
 /// A watch whose service has stored accounts and has ended.
-void storeAndEnd(const Watch& watch, const std::vector<PolicyAccount>& accounts) {
-    watch.launchService();
-    watch.send("req_update_policy", policyUpdate(accounts));
-    watch.endService();
+void storeAndEnd(const TestDevice& device, const std::vector<PolicyAccount>& accounts) {
+    device.launchService();
+    device.send("req_update_policy", policyUpdate(accounts));
+    device.endService();
 }
 
 class DamagedStore : public testing::TestWithParam<Damage> {};
 
 TEST_P(DamagedStore, IsReportedAndKeptWhileTheServiceGoesOn) {
-    const Watch watch;
-    storeAndEnd(watch, {alice(hardenedPolicy), bob(pinPolicy)});
-    GetParam().inflict(watch.database());
-    const auto before = placeOf(watch.database());
+    const TestDevice device;
+    storeAndEnd(device, {alice(hardenedPolicy), bob(pinPolicy)});
+    GetParam().inflict(device.database());
+    const auto before = placeOf(device.database());
 
-    watch.launchService();
-    const auto service = watch.servicePid();
-    watch.send("req_update_policy", initResponse({carol(pinPolicy)}));
-    watch.send("req_delete_account", "3");
+    device.launchService();
+    const auto service = device.servicePid();
+    device.send("req_update_policy", initResponse({carol(pinPolicy)}));
+    device.send("req_delete_account", "3");
     setKey(keys::passwordApplied, 1); // before which encryption is no topic
-    watch.send("chk_device_encryption_policy", "");
+    device.send("chk_device_encryption_policy", "");
 
-    EXPECT_GE(watch.log().count(GetParam().complaint), 1);
-    EXPECT_EQ(watch.companions().launches(ids::encryptionPopup).size(), 1U) << "it does not answer any more";
-    EXPECT_EQ(watch.servicePid(), service);
-    EXPECT_TRUE(placeOf(watch.database()) == before) << "what stood there has been changed";
+    EXPECT_GE(device.log().count(GetParam().complaint), 1);
+    EXPECT_EQ(device.companions().launches(ids::encryptionPopup).size(), 1U) << "it does not answer any more";
+    EXPECT_EQ(device.servicePid(), service);
+    EXPECT_TRUE(placeOf(device.database()) == before) << "what stood there has been changed";
 }
 
 INSTANTIATE_TEST_SUITE_P(, DamagedStore, testing::ValuesIn(damages()),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST(HostileStore, LinkToOtherStorageIsFollowedAndStays) {
-    const Watch watch;
-    const auto other = watch.layout().folder() / "other-storage";
-    fs::create_directories(watch.database().parent_path());
+    const TestDevice device;
+    const auto other = device.layout().folder() / "other-storage";
+    fs::create_directories(device.database().parent_path());
     fs::create_directory(other);
-    fs::create_symlink(other / "policies", watch.database());
+    fs::create_symlink(other / "policies", device.database());
 
-    storeAndEnd(watch, {alice(hardenedPolicy)});
-    watch.launchService();
+    storeAndEnd(device, {alice(hardenedPolicy)});
+    device.launchService();
 
-    EXPECT_TRUE(fs::is_symlink(watch.database()));
+    EXPECT_TRUE(fs::is_symlink(device.database()));
     EXPECT_EQ(storedAccounts(other / "policies"), std::vector<std::string>{"1"});
-    EXPECT_EQ(watch.log().count("Let's create db!"), 1);
+    EXPECT_EQ(device.log().count("Let's create db!"), 1);
 }
 
 /// Leaves the database and its journal as a writer does that is cut off in the middle of a large change.
@@ -166,65 +166,65 @@ void cutOffChange(const fs::path& database) {
 }
 
 TEST(HostileStore, ChangeThatWasCutOffIsRolledBackByTheStart) {
-    const Watch watch;
-    storeAndEnd(watch, {alice(hardenedPolicy), bob(pinPolicy)});
-    const auto rows = storedRows(watch.database());
-    cutOffChange(watch.database());
+    const TestDevice device;
+    storeAndEnd(device, {alice(hardenedPolicy), bob(pinPolicy)});
+    const auto rows = storedRows(device.database());
+    cutOffChange(device.database());
 
-    watch.launchService();
+    device.launchService();
 
-    EXPECT_FALSE(fs::exists(watch.database().string() + "-journal"));
-    EXPECT_EQ(storedRows(watch.database()), rows);
+    EXPECT_FALSE(fs::exists(device.database().string() + "-journal"));
+    EXPECT_EQ(storedRows(device.database()), rows);
     EXPECT_EQ(settings(), (Settings{128, 4, 10, 1, 900, 365, 4, 1, 1, 1, 1}));
-    watch.send("req_update_policy", policyUpdate({carol(pinPolicy)}));
-    EXPECT_EQ(storedAccounts(watch.database()), (std::vector<std::string>{"1", "2", "3"}));
+    device.send("req_update_policy", policyUpdate({carol(pinPolicy)}));
+    EXPECT_EQ(storedAccounts(device.database()), (std::vector<std::string>{"1", "2", "3"}));
 }
 
 TEST(HostileStore, JournalOfAnotherDatabaseDoesNotReachANewOne) {
-    const Watch watch;
-    const auto other = watch.layout().folder() / "other";
+    const TestDevice device;
+    const auto other = device.layout().folder() / "other";
     OtherProgram(other).run("create table eas_policy_tbl (account_id integer primary key, account_name text)");
     cutOffChange(other);
-    fs::create_directories(watch.database().parent_path());
-    fs::copy_file(other.string() + "-journal", watch.database().string() + "-journal");
+    fs::create_directories(device.database().parent_path());
+    fs::copy_file(other.string() + "-journal", device.database().string() + "-journal");
 
-    storeAndEnd(watch, {alice(hardenedPolicy)});
-    watch.launchService();
+    storeAndEnd(device, {alice(hardenedPolicy)});
+    device.launchService();
 
-    EXPECT_EQ(storedAccounts(watch.database()), std::vector<std::string>{"1"});
-    EXPECT_EQ(watch.log().count("db failure"), 0);
+    EXPECT_EQ(storedAccounts(device.database()), std::vector<std::string>{"1"});
+    EXPECT_EQ(device.log().count("db failure"), 0);
 }
 
 TEST(HostileStore, OddValuesAreEnforcedAsNumbers) {
-    const Watch watch;
-    storeAndEnd(watch, {alice(hardenedPolicy), bob(pinPolicy)});
-    OtherProgram(watch.database())
+    const TestDevice device;
+    storeAndEnd(device, {alice(hardenedPolicy), bob(pinPolicy)});
+    OtherProgram(device.database())
         .run(
             "update eas_policy_tbl set min_device_password_length='8 or more', device_password_history='none',"
             " allow_wifi=null, account_name=null, display_name=x'ff00' where account_id=1;"
             "insert into eas_policy_tbl select -9223372036854775808, 1, 1, 0, 0, 9, 0, 0, 0, 0, 0, 0, 0, 2, 1, 1, 1, 1,"
             " 1, 1, 1, 1, null, null, null, null, null, null, null, null");
 
-    watch.launchService();
+    device.launchService();
 
     EXPECT_EQ(settings(), (Settings{128, 9, 10, 1, 900, 365, 0, 0, 1, 1, 1}));
-    watch.send("req_delete_account", "1");
-    EXPECT_EQ(storedAccounts(watch.database()), (std::vector<std::string>{"-9223372036854775808", "2"}));
+    device.send("req_delete_account", "1");
+    EXPECT_EQ(storedAccounts(device.database()), (std::vector<std::string>{"-9223372036854775808", "2"}));
     EXPECT_EQ(settings().wifi, 1);
 }
 
 TEST(HostileStore, NameThatIsNoTextDoesNotEndTheService) {
-    const Watch watch;
-    storeAndEnd(watch, {alice(hardenedPolicy)});
-    OtherProgram(watch.database()).run("update eas_policy_tbl set account_name=cast(x'fffe41' as text)");
+    const TestDevice device;
+    storeAndEnd(device, {alice(hardenedPolicy)});
+    OtherProgram(device.database()).run("update eas_policy_tbl set account_name=cast(x'fffe41' as text)");
 
-    watch.launchService();
-    watch.send("chk_password_policy", "");
+    device.launchService();
+    device.send("chk_password_policy", "");
 
     EXPECT_EQ(settings().quality, 128);
-    EXPECT_EQ(watch.log().count("app_control_send_launch_request() failed"), 2);
-    watch.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
-    EXPECT_EQ(watch.companions().launches(ids::popup).back().extraData.at("ACCOUNT_NAME"), "alice@contoso.example");
+    EXPECT_EQ(device.log().count("app_control_send_launch_request() failed"), 2);
+    device.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
+    EXPECT_EQ(device.companions().launches(ids::popup).back().extraData.at("ACCOUNT_NAME"), "alice@contoso.example");
 }
 
 /// What the service may take for 100,000 accounts, in KB.
@@ -247,27 +247,27 @@ long memoryOf(pid_t process, const std::string& figure) {
 }
 
 TEST(HostileStore, HundredThousandAccountsAreServedInBoundedMemory) {
-    const Watch watch;
-    storeAndEnd(watch, {alice(defaultPolicy)});
-    OtherProgram(watch.database())
+    const TestDevice device;
+    storeAndEnd(device, {alice(defaultPolicy)});
+    OtherProgram(device.database())
         .run("begin; with recursive n(i) as (select 2 union all select i+1 from n where i<100000)"
              " insert into eas_policy_tbl select i, 1, 1, 0, 0, 4+(i=70000), 0, 0, 1, 0, 0, 0, 0, 2, 1, 1, 1, 1, 1, 1, "
              "1,"
              " 1, 'account' || i || '@contoso.example', 'Account', null, null, null, null, null, null from n; commit");
 
-    watch.launchService();
-    const long behindTheStart = memoryOf(watch.servicePid(), "VmRSS");
+    device.launchService();
+    const long behindTheStart = memoryOf(device.servicePid(), "VmRSS");
     EXPECT_EQ(settings().minLength, 5);
-    watch.send("req_update_policy", policyUpdate({alice(strictestPolicy)}));
+    device.send("req_update_policy", policyUpdate({alice(strictestPolicy)}));
     EXPECT_EQ(settings().minLength, 16);
-    watch.send("req_delete_account", "1");
+    device.send("req_delete_account", "1");
     EXPECT_EQ(settings().minLength, 5);
 
-    const long peak = memoryOf(watch.servicePid(), "VmHWM");
+    const long peak = memoryOf(device.servicePid(), "VmHWM");
     std::cout << "100,000 accounts: " << behindTheStart << " KB behind the start, " << peak << " KB at most, "
-              << memoryOf(watch.servicePid(), "VmRSS") << " KB in the end\n";
+              << memoryOf(device.servicePid(), "VmRSS") << " KB in the end\n";
     EXPECT_LT(peak, mostMemory);
-    EXPECT_EQ(storedAccounts(watch.database()).size(), 99'999U);
+    EXPECT_EQ(storedAccounts(device.database()).size(), 99'999U);
 }
 
 } // namespace

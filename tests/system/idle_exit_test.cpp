@@ -1,11 +1,11 @@
-#include "device_state.h"
-#include "messages.h"
-#include "process_handle.h"
-#include "service_process.h"
-#include "watch.h"
-
 #include <app_common.h>
 #include <gtest/gtest.h>
+
+#include "device/process_handle.h"
+#include "device_state.h"
+#include "messages.h"
+#include "service_process.h"
+#include "test_device.h"
 
 namespace system_test {
 namespace {
@@ -24,96 +24,96 @@ bool endsWithin(const ServiceProcess& service, std::chrono::milliseconds time) {
 }
 
 TEST(IdleExit, ServiceWithNothingLeftToDoEndsAndTheNextLaunchBringsItBack) {
-    const Watch watch;
-    const ServiceProcess service(watch);
-    watch.waitForLog("STOP killer!");
-    watch.send("req_update_policy", policyUpdate({alice(defaultPolicy)}));
+    const TestDevice device;
+    const ServiceProcess service(device);
+    device.waitForLog("STOP killer!");
+    device.send("req_update_policy", policyUpdate({alice(defaultPolicy)}));
     ASSERT_EQ(key(keys::passwordApplied), 1);
     ASSERT_EQ(key(keys::encryptionApplied), 1);
 
     EXPECT_EQ(service.waitForExit(), 0);
 
-    EXPECT_EQ(watch.log().count("Goodbye World!"), 1);
-    EXPECT_FALSE(watch.isServiceRunning());
-    watch.launchService();
-    EXPECT_NE(watch.servicePid(), service.pid());
-    watch.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
+    EXPECT_EQ(device.log().count("Goodbye World!"), 1);
+    EXPECT_FALSE(device.isServiceRunning());
+    device.launchService();
+    EXPECT_NE(device.servicePid(), service.pid());
+    device.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
     EXPECT_EQ(settings(), (Settings{128, 4, 10, 1, 900, 365, 4, 1, 1, 1, 1}));
 }
 
 TEST(IdleExit, KeyAtZeroKeepsTheServiceAlive) {
-    const Watch watch;
-    const ServiceProcess service(watch);
-    watch.waitForLog("STOP killer!");
+    const TestDevice device;
+    const ServiceProcess service(device);
+    device.waitForLog("STOP killer!");
     setKey(keys::encryptionApplied, 1);
     setKey(keys::passwordApplied, 1);
-    watch.waitForLog("REFRESH killer!");
-    const int stops = watch.log().count("STOP killer!");
+    device.waitForLog("REFRESH killer!");
+    const int stops = device.log().count("STOP killer!");
 
     setKey(keys::passwordApplied, 0);
 
-    watch.waitForLog("STOP killer!", stops + 1);
+    device.waitForLog("STOP killer!", stops + 1);
     EXPECT_FALSE(endsWithin(service, longerThanIdle));
-    EXPECT_EQ(watch.servicePid(), service.pid());
+    EXPECT_EQ(device.servicePid(), service.pid());
 }
 
 TEST(IdleExit, LaunchStartsTheCountAgain) {
-    const Watch watch;
-    const ServiceProcess service(watch);
-    watch.waitForLog("STOP killer!");
+    const TestDevice device;
+    const ServiceProcess service(device);
+    device.waitForLog("STOP killer!");
     setKey(keys::encryptionApplied, 1);
     setKey(keys::passwordApplied, 1);
-    watch.waitForLog("REFRESH killer!");
+    device.waitForLog("REFRESH killer!");
     ASSERT_FALSE(endsWithin(service, mostOfIdle));
 
-    watch.launchService();
+    device.launchService();
 
     EXPECT_FALSE(endsWithin(service, mostOfIdle)) << "the first count would have ended it";
     EXPECT_EQ(service.waitForExit(), 0);
 }
 
 TEST(DeviceEvent, LowMemoryIsLogged) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
 
-    watch.companions().announce(APP_EVENT_LOW_MEMORY);
+    device.companions().announce(APP_EVENT_LOW_MEMORY);
 
-    EXPECT_EQ(watch.log().count("Low memory!"), 1);
-    EXPECT_EQ(watch.log().count("Low battery!"), 0);
-    EXPECT_TRUE(watch.isServiceRunning());
+    EXPECT_EQ(device.log().count("Low memory!"), 1);
+    EXPECT_EQ(device.log().count("Low battery!"), 0);
+    EXPECT_TRUE(device.isServiceRunning());
 }
 
 TEST(DeviceEvent, LowBatteryIsLogged) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
 
-    watch.companions().announce(APP_EVENT_LOW_BATTERY);
+    device.companions().announce(APP_EVENT_LOW_BATTERY);
 
-    EXPECT_EQ(watch.log().count("Low battery!"), 1);
-    EXPECT_EQ(watch.log().count("Low memory!"), 0);
-    EXPECT_TRUE(watch.isServiceRunning());
+    EXPECT_EQ(device.log().count("Low battery!"), 1);
+    EXPECT_EQ(device.log().count("Low memory!"), 0);
+    EXPECT_TRUE(device.isServiceRunning());
 }
 
 TEST(DeviceEvent, TurnedWatchIsTraced) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
 
-    watch.companions().announce(APP_EVENT_DEVICE_ORIENTATION_CHANGED);
+    device.companions().announce(APP_EVENT_DEVICE_ORIENTATION_CHANGED);
 
-    EXPECT_EQ(watch.log().count("appDeviceOrientationChanged"), 2);
+    EXPECT_EQ(device.log().count("appDeviceOrientationChanged"), 2);
 }
 
 TEST(DeviceEvent, OthersAreNotListenedTo) {
-    const Watch watch;
-    watch.launchService();
-    watch.waitForLog("__onNameAcquired"); // the last that a start logs
-    const auto before = watch.log().count("TESK_CONSUMER");
+    const TestDevice device;
+    device.launchService();
+    device.waitForLog("__onNameAcquired"); // the last that a start logs
+    const auto before = device.log().count("TESK_CONSUMER");
 
-    watch.companions().announce(APP_EVENT_LANGUAGE_CHANGED);
-    watch.companions().announce(APP_EVENT_REGION_FORMAT_CHANGED);
-    watch.companions().announce(APP_EVENT_SUSPENDED_STATE_CHANGED);
+    device.companions().announce(APP_EVENT_LANGUAGE_CHANGED);
+    device.companions().announce(APP_EVENT_REGION_FORMAT_CHANGED);
+    device.companions().announce(APP_EVENT_SUSPENDED_STATE_CHANGED);
 
-    EXPECT_EQ(watch.log().count("TESK_CONSUMER"), before);
+    EXPECT_EQ(device.log().count("TESK_CONSUMER"), before);
 }
 
 } // namespace

@@ -1,8 +1,8 @@
+#include <gtest/gtest.h>
+
 #include "device_state.h"
 #include "messages.h"
-#include "watch.h"
-
-#include <gtest/gtest.h>
+#include "test_device.h"
 
 namespace system_test {
 namespace {
@@ -17,8 +17,8 @@ const Launch handBack{ids::service, false, {}};
 class LockMonitor : public testing::Test {
 protected:
     void start(const char* policy) const {
-        watch_.launchService();
-        watch_.send("req_update_policy", policyUpdate({alice(policy)}));
+        device_.launchService();
+        device_.send("req_update_policy", policyUpdate({alice(policy)}));
         ASSERT_EQ(key(keys::passwordApplied), 0);
     }
 
@@ -26,10 +26,10 @@ protected:
     void setLock(int lock) {
         setKey(keys::lockType, lock);
         enterAndLeave_ += 2;
-        watch_.waitForLog("__lockTypeChangedCb", enterAndLeave_ + warnings_);
+        device_.waitForLog("__lockTypeChangedCb", enterAndLeave_ + warnings_);
     }
 
-    const Watch watch_;
+    const TestDevice device_;
     int enterAndLeave_ = 0;
     int warnings_ = 0;
 };
@@ -40,8 +40,8 @@ TEST_F(LockMonitor, LockThatIsSetIsNotedAndControlGoesBackToTheMailApplication) 
     setLock(pin);
 
     EXPECT_EQ(key(keys::passwordApplied), 1);
-    EXPECT_EQ(watch_.companions().launches(ids::mail), std::vector{handBack});
-    EXPECT_FALSE(watch_.companions().isRunning(ids::encryptionPopup));
+    EXPECT_EQ(device_.companions().launches(ids::mail), std::vector{handBack});
+    EXPECT_FALSE(device_.companions().isRunning(ids::encryptionPopup));
 }
 
 TEST_F(LockMonitor, EncryptionIsAskedForWhenThePolicyRequiresIt) {
@@ -50,9 +50,9 @@ TEST_F(LockMonitor, EncryptionIsAskedForWhenThePolicyRequiresIt) {
     setLock(pin);
 
     EXPECT_EQ(key(keys::passwordApplied), 1);
-    EXPECT_EQ(watch_.companions().launches(ids::encryptionPopup),
+    EXPECT_EQ(device_.companions().launches(ids::encryptionPopup),
               std::vector({Launch{ids::service, false, {{"type", "encrypt"}}}}));
-    EXPECT_EQ(watch_.companions().launches(ids::mail), std::vector{handBack});
+    EXPECT_EQ(device_.companions().launches(ids::mail), std::vector{handBack});
 }
 
 TEST_F(LockMonitor, SecondLockAsksForNothing) {
@@ -62,23 +62,23 @@ TEST_F(LockMonitor, SecondLockAsksForNothing) {
     warnings_ = 1;
     setLock(2);
 
-    EXPECT_EQ(watch_.log().count("Failed to get password policy applied value"), 1);
-    EXPECT_EQ(watch_.companions().launches(ids::encryptionPopup).size(), 1U);
-    EXPECT_EQ(watch_.companions().launches(ids::mail).size(), 1U);
+    EXPECT_EQ(device_.log().count("Failed to get password policy applied value"), 1);
+    EXPECT_EQ(device_.companions().launches(ids::encryptionPopup).size(), 1U);
+    EXPECT_EQ(device_.companions().launches(ids::mail).size(), 1U);
 }
 
 TEST(LockMonitorOfALockedWatch, LockThatIsTakenAwayIsNotTakenForOne) {
-    const Watch watch({deskwatch::Lock::pin, {}, {}, {}});
-    watch.launchService();
-    watch.send("req_update_policy", policyUpdate({alice(strictestPolicy)}));
+    const TestDevice device({deskwatch::Lock::Pin, {}, {}, {}});
+    device.launchService();
+    device.send("req_update_policy", policyUpdate({alice(strictestPolicy)}));
     ASSERT_EQ(key(keys::passwordApplied), 0);
 
     setKey(keys::lockType, none);
 
-    watch.waitForLog("__lockTypeChangedCb", 2);
+    device.waitForLog("__lockTypeChangedCb", 2);
     EXPECT_EQ(key(keys::passwordApplied), 0);
-    EXPECT_EQ(watch.companions().launches(ids::mail), std::vector{handBack});
-    EXPECT_FALSE(watch.companions().isRunning(ids::encryptionPopup));
+    EXPECT_EQ(device.companions().launches(ids::mail), std::vector{handBack});
+    EXPECT_FALSE(device.companions().isRunning(ids::encryptionPopup));
 }
 
 } // namespace

@@ -1,13 +1,13 @@
-#include "device_state.h"
-#include "messages.h"
-#include "platform_owners.h"
-#include "watch.h"
-
 #include <gtest/gtest.h>
 #include <message_port.h>
 #include <sqlite3.h>
 
 #include <memory>
+
+#include "device_state.h"
+#include "messages.h"
+#include "platform_owners.h"
+#include "test_device.h"
 
 namespace system_test {
 namespace {
@@ -38,50 +38,50 @@ constexpr char writers[] = "immediate"; // keeps others from writing
 constexpr char everyone[] = "exclusive";
 
 TEST(LockedDatabase, UpdateIsGivenUpAndTheNextOneWorksOnceItIsUnlocked) {
-    const Watch watch;
-    watch.launchService();
-    const auto service = watch.servicePid();
-    DatabaseLock lock(watch.database(), writers);
+    const TestDevice device;
+    device.launchService();
+    const auto service = device.servicePid();
+    DatabaseLock lock(device.database(), writers);
 
-    watch.send("req_update_policy", policyUpdate({alice(pinPolicy)}));
+    device.send("req_update_policy", policyUpdate({alice(pinPolicy)}));
 
     for (const char* call : {"1", "2", "3", "4", "5"}) {
-        EXPECT_EQ(watch.log().count(std::string("busy handler called! count - ") + call), 1);
+        EXPECT_EQ(device.log().count(std::string("busy handler called! count - ") + call), 1);
     }
-    EXPECT_EQ(watch.log().count("sqlite busy error!"), 1);
-    EXPECT_EQ(watch.log().count("db failure: database is locked"), 1);
-    EXPECT_EQ(watch.log().count("_db_insert_policy_data failed: -1001"), 1);
-    EXPECT_EQ(watch.servicePid(), service);
+    EXPECT_EQ(device.log().count("sqlite busy error!"), 1);
+    EXPECT_EQ(device.log().count("db failure: database is locked"), 1);
+    EXPECT_EQ(device.log().count("_db_insert_policy_data failed: -1001"), 1);
+    EXPECT_EQ(device.servicePid(), service);
     lock.release();
-    watch.send("req_update_policy", policyUpdate({alice(pinPolicy)}));
-    EXPECT_EQ(storedAccounts(watch.database()), std::vector<std::string>{"1"});
-    EXPECT_EQ(watch.servicePid(), service);
+    device.send("req_update_policy", policyUpdate({alice(pinPolicy)}));
+    EXPECT_EQ(storedAccounts(device.database()), std::vector<std::string>{"1"});
+    EXPECT_EQ(device.servicePid(), service);
 }
 
 TEST(LockedDatabase, UpdateWaitsForALockThatIsReleasedInTime) {
-    const Watch watch;
-    watch.launchService();
-    DatabaseLock lock(watch.database(), writers);
+    const TestDevice device;
+    device.launchService();
+    DatabaseLock lock(device.database(), writers);
     ASSERT_EQ(sendMessage({{"req", "req_update_policy"}, {"msg", policyUpdate({alice(pinPolicy)})}}),
               MESSAGE_PORT_ERROR_NONE);
-    watch.waitForLog("busy handler called! count - 1");
+    device.waitForLog("busy handler called! count - 1");
 
     lock.release();
 
-    watch.companions().settle(ids::service);
-    EXPECT_EQ(watch.log().count("sqlite busy error!"), 0);
-    EXPECT_EQ(storedAccounts(watch.database()), std::vector<std::string>{"1"});
+    device.companions().settle(ids::service);
+    EXPECT_EQ(device.log().count("sqlite busy error!"), 0);
+    EXPECT_EQ(storedAccounts(device.database()), std::vector<std::string>{"1"});
 }
 
 TEST(LockedDatabase, PopupAsksForAnUnknownAccountWhileNobodyCanRead) {
-    const Watch watch;
-    watch.launchService();
-    watch.send("req_update_policy", policyUpdate({alice(strictestPolicy)}));
-    DatabaseLock lock(watch.database(), everyone);
+    const TestDevice device;
+    device.launchService();
+    device.send("req_update_policy", policyUpdate({alice(strictestPolicy)}));
+    DatabaseLock lock(device.database(), everyone);
 
-    watch.send("chk_password_policy", "");
+    device.send("chk_password_policy", "");
 
-    const auto launches = watch.companions().launches(ids::popup);
+    const auto launches = device.companions().launches(ids::popup);
     ASSERT_EQ(launches.size(), 2U);
     EXPECT_EQ(launches.at(0).extraData.at("ACCOUNT_NAME"), "alice@contoso.example");
     EXPECT_EQ(launches.at(1).extraData.at("ACCOUNT_NAME"), "EAS");

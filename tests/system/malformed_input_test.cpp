@@ -1,10 +1,10 @@
+#include <gtest/gtest.h>
+#include <message_port.h>
+
 #include "device_state.h"
 #include "messages.h"
 #include "platform_owners.h"
-#include "watch.h"
-
-#include <gtest/gtest.h>
-#include <message_port.h>
+#include "test_device.h"
 
 namespace system_test {
 namespace {
@@ -119,20 +119,20 @@ std::vector<Malformed> accountLists() {
 class MalformedInput : public testing::TestWithParam<Malformed> {};
 
 TEST_P(MalformedInput, ChangesNothingAndTheNextUpdateWorks) {
-    const Watch watch;
-    watch.launchService();
-    const auto service = watch.servicePid();
+    const TestDevice device;
+    device.launchService();
+    const auto service = device.servicePid();
 
     ASSERT_EQ(sendMessage(GetParam().content), MESSAGE_PORT_ERROR_NONE);
-    watch.companions().settle(ids::service);
+    device.companions().settle(ids::service);
 
-    EXPECT_GE(watch.log().count(GetParam().complaint), 1);
-    EXPECT_EQ(storedRows(watch.database()), std::vector<Row>{});
-    watch.send("req_update_policy", policyUpdate({bob(hardenedPolicy)}));
-    EXPECT_EQ(watch.servicePid(), service);
-    EXPECT_EQ(storedAccounts(watch.database()), std::vector<std::string>{"2"});
+    EXPECT_GE(device.log().count(GetParam().complaint), 1);
+    EXPECT_EQ(storedRows(device.database()), std::vector<Row>{});
+    device.send("req_update_policy", policyUpdate({bob(hardenedPolicy)}));
+    EXPECT_EQ(device.servicePid(), service);
+    EXPECT_EQ(storedAccounts(device.database()), std::vector<std::string>{"2"});
     EXPECT_EQ(settings(), (Settings{128, 4, 10, 1, 900, 365, 4, 1, 1, 1, 1}));
-    EXPECT_EQ(watch.companions().launches(ids::popup).size(), 1U);
+    EXPECT_EQ(device.companions().launches(ids::popup).size(), 1U);
 }
 
 std::string malformedName(const testing::TestParamInfo<Malformed>& info) {
@@ -145,64 +145,64 @@ INSTANTIATE_TEST_SUITE_P(Param, MalformedInput, testing::ValuesIn(params()), mal
 INSTANTIATE_TEST_SUITE_P(AccountList, MalformedInput, testing::ValuesIn(accountLists()), malformedName);
 
 /// The numbers of the only stored account's policy, without its id and names.
-Row onlyNumbers(const Watch& watch) {
-    const Row row = storedRows(watch.database()).at(0);
+Row onlyNumbers(const TestDevice& device) {
+    const Row row = storedRows(device.database()).at(0);
     return {row.begin() + 1, row.end() - 2};
 }
 
 TEST(OddInput, MissingNameIsStoredAsAnEmptyOne) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
 
-    watch.send("req_update_policy", indication(std::string(R"([{"accountId":1,"policySet":)") + pinPolicy + "}]"));
+    device.send("req_update_policy", indication(std::string(R"([{"accountId":1,"policySet":)") + pinPolicy + "}]"));
 
-    EXPECT_EQ(storedRows(watch.database()).at(0).at(22), "");
-    EXPECT_EQ(watch.companions().launches(ids::popup).at(0).extraData.at("ACCOUNT_NAME"), "");
+    EXPECT_EQ(storedRows(device.database()).at(0).at(22), "");
+    EXPECT_EQ(device.companions().launches(ids::popup).at(0).extraData.at("ACCOUNT_NAME"), "");
 }
 
 TEST(OddInput, EntryBehindAnUnusableOneIsStored) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
 
-    watch.send("req_update_policy",
-               indication(std::string(R"([7,{"accountId":5},{"accountId":1,"accountName":"a","policySet":)") +
-                          pinPolicy + "}]"));
+    device.send("req_update_policy",
+                indication(std::string(R"([7,{"accountId":5},{"accountId":1,"accountName":"a","policySet":)") +
+                           pinPolicy + "}]"));
 
-    EXPECT_EQ(storedAccounts(watch.database()), std::vector<std::string>{"1"});
+    EXPECT_EQ(storedAccounts(device.database()), std::vector<std::string>{"1"});
 }
 
 TEST(OddInput, EmptyPolicySetForbidsWhatItDoesNotName) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
 
-    watch.send("req_update_policy", policyUpdate({alice("{}")}));
+    device.send("req_update_policy", policyUpdate({alice("{}")}));
 
-    EXPECT_EQ(onlyNumbers(watch), Row(21, "0"));
+    EXPECT_EQ(onlyNumbers(device), Row(21, "0"));
     EXPECT_EQ(settings(), (Settings{0, 0, 10, 0, 0, 0, 0, 0, 0, 0, 0}));
 }
 
 TEST(OddInput, MembersOfTheWrongKindCountAsZero) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
 
-    watch.send("req_update_policy", policyUpdate({alice(R"({"minDevicePasswordLength":"4","allowWifi":"yes",)"
-                                                        R"("devicePasswordHistory":[4],"devicePasswordEnabled":null,)"
-                                                        R"("PasswordMode":{},"maxInactivityTimeDeviceLock":null})")}));
+    device.send("req_update_policy", policyUpdate({alice(R"({"minDevicePasswordLength":"4","allowWifi":"yes",)"
+                                                         R"("devicePasswordHistory":[4],"devicePasswordEnabled":null,)"
+                                                         R"("PasswordMode":{},"maxInactivityTimeDeviceLock":null})")}));
 
-    EXPECT_EQ(onlyNumbers(watch), Row(21, "0"));
+    EXPECT_EQ(onlyNumbers(device), Row(21, "0"));
 }
 
 TEST(OddInput, NumbersOutOfRangeAreStoredAsTheLibraryGivesThem) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
 
-    watch.send("req_update_policy",
-               policyUpdate({alice(R"({"devicePasswordEnabled":true,"minDevicePasswordLength":99999999999999999999,)"
-                                   R"("devicePasswordHistory":4294967300,"devicePasswordExpiration":4.7,)"
-                                   R"("maxDevicePasswordFailedAttempts":-5,"PasswordMode":64,)"
-                                   R"("minDevicePasswordComplexCharacters":2147483647})")}));
+    device.send("req_update_policy",
+                policyUpdate({alice(R"({"devicePasswordEnabled":true,"minDevicePasswordLength":99999999999999999999,)"
+                                    R"("devicePasswordHistory":4294967300,"devicePasswordExpiration":4.7,)"
+                                    R"("maxDevicePasswordFailedAttempts":-5,"PasswordMode":64,)"
+                                    R"("minDevicePasswordComplexCharacters":2147483647})")}));
 
-    const Row row = storedRows(watch.database()).at(0);
+    const Row row = storedRows(device.database()).at(0);
     EXPECT_EQ(row.at(4), "2147483647");
     EXPECT_EQ(row.at(5), "-1");
     EXPECT_EQ(row.at(6), "-5");
@@ -212,47 +212,47 @@ TEST(OddInput, NumbersOutOfRangeAreStoredAsTheLibraryGivesThem) {
 }
 
 TEST(OddInput, TextBehindTheRootIsIgnored) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
 
-    watch.send("req_update_policy", policyUpdate({alice(pinPolicy)}) + " }] and more");
+    device.send("req_update_policy", policyUpdate({alice(pinPolicy)}) + " }] and more");
 
-    EXPECT_EQ(storedAccounts(watch.database()), std::vector<std::string>{"1"});
+    EXPECT_EQ(storedAccounts(device.database()), std::vector<std::string>{"1"});
 }
 
 TEST(OddInput, NameThatLooksLikeSqlIsStoredAsItIs) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
     const std::string name = "x'); drop table eas_policy_tbl; --%s%n";
 
-    watch.send("req_update_policy", policyUpdate({{1, name, pinPolicy}}));
+    device.send("req_update_policy", policyUpdate({{1, name, pinPolicy}}));
 
-    EXPECT_EQ(storedRows(watch.database()).at(0).at(22), name);
-    EXPECT_EQ(watch.companions().launches(ids::popup).at(0).extraData.at("ACCOUNT_NAME"), name);
+    EXPECT_EQ(storedRows(device.database()).at(0).at(22), name);
+    EXPECT_EQ(device.companions().launches(ids::popup).at(0).extraData.at("ACCOUNT_NAME"), name);
 }
 
 TEST(OddInput, LongNameIsStoredWhole) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
     const std::string name(1'000'000, 'n');
 
-    watch.send("req_update_policy", policyUpdate({{1, name, pinPolicy}}));
+    device.send("req_update_policy", policyUpdate({{1, name, pinPolicy}}));
 
-    EXPECT_EQ(storedRows(watch.database()).at(0).at(22).size(), name.size());
-    EXPECT_EQ(watch.companions().launches(ids::popup).at(0).extraData.at("ACCOUNT_NAME").size(), name.size());
+    EXPECT_EQ(storedRows(device.database()).at(0).at(22).size(), name.size());
+    EXPECT_EQ(device.companions().launches(ids::popup).at(0).extraData.at("ACCOUNT_NAME").size(), name.size());
 }
 
 TEST(OddInput, TextThatIsNotUtf8IsRefusedAtTheSender) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
 
     const int result = sendMessage(update("{\"msgId\":\"\xff\xfe\"}"));
 
     EXPECT_EQ(result, MESSAGE_PORT_ERROR_INVALID_PARAMETER);
-    watch.companions().settle(ids::service);
-    EXPECT_EQ(watch.log().count("getWorker"), 0) << "nothing arrived";
-    watch.send("req_update_policy", policyUpdate({alice(pinPolicy)}));
-    EXPECT_EQ(storedAccounts(watch.database()), std::vector<std::string>{"1"});
+    device.companions().settle(ids::service);
+    EXPECT_EQ(device.log().count("getWorker"), 0) << "nothing arrived";
+    device.send("req_update_policy", policyUpdate({alice(pinPolicy)}));
+    EXPECT_EQ(storedAccounts(device.database()), std::vector<std::string>{"1"});
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 #include "platform_owners.h"
 
-#include "application_ids.h"
-
 #include <message_port.h>
+
+#include "device/application_ids.h"
 
 namespace system_test {
 namespace {

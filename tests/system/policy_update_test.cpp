@@ -1,8 +1,8 @@
+#include <gtest/gtest.h>
+
 #include "device_state.h"
 #include "messages.h"
-#include "watch.h"
-
-#include <gtest/gtest.h>
+#include "test_device.h"
 
 namespace system_test {
 namespace {
@@ -24,229 +24,230 @@ Launch lockRequest(const std::string& account, const char* minLength, const char
 }
 
 TEST(PolicyUpdate, PolicyWithoutPasswordEnforcesNothing) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
 
-    watch.send("req_update_policy", policyUpdate({alice(defaultPolicy)}));
+    device.send("req_update_policy", policyUpdate({alice(defaultPolicy)}));
 
     EXPECT_EQ(settings(), (Settings{0, 0, 10, 0, 0, 0, 0, 1, 1, 1, off}));
     EXPECT_EQ(key(keys::passwordApplied), 1);
     EXPECT_EQ(key(keys::encryptionApplied), 1);
     EXPECT_EQ(key(keys::inputFinished), 0);
     EXPECT_EQ(enforcingAccount(), 0);
-    EXPECT_FALSE(watch.companions().isRunning(ids::popup));
-    EXPECT_FALSE(watch.companions().isRunning(ids::encryptionSettings));
+    EXPECT_FALSE(device.companions().isRunning(ids::popup));
+    EXPECT_FALSE(device.companions().isRunning(ids::encryptionSettings));
 }
 
 TEST(PolicyUpdate, HardenedPolicyAsksForALockAndOffersEncryption) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
 
-    watch.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
+    device.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
 
     EXPECT_EQ(settings(), (Settings{128, 4, 10, 1, 900, 365, 4, 1, 1, 1, on}));
     EXPECT_EQ(key(keys::passwordApplied), 0);
     EXPECT_EQ(key(keys::encryptionApplied), 0);
     EXPECT_EQ(key(keys::inputFinished), std::nullopt);
     EXPECT_EQ(enforcingAccount(), 1);
-    EXPECT_EQ(watch.companions().launches(ids::popup),
+    EXPECT_EQ(device.companions().launches(ids::popup),
               std::vector{lockRequest("alice@contoso.example", "4", "0", "1")});
-    EXPECT_EQ(watch.companions().launches(ids::encryptionSettings),
+    EXPECT_EQ(device.companions().launches(ids::encryptionSettings),
               std::vector({Launch{ids::service, false, {{"__OPERATION__", "__ENABLE_ENCRYPTION_MENU__"}}}}));
-    EXPECT_EQ(watch.log().count("Password policy requires stronger password."), 1);
+    EXPECT_EQ(device.log().count("Password policy requires stronger password."), 1);
 }
 
 TEST(PolicyUpdate, LimitsOfAPolicyWithoutPasswordAreEnforced) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
 
-    watch.send("req_update_policy", policyUpdate({alice(limitsWithoutPasswordPolicy)}));
+    device.send("req_update_policy", policyUpdate({alice(limitsWithoutPasswordPolicy)}));
 
     EXPECT_EQ(settings(), (Settings{0, 0, 8, 0, 900, 0, 0, 1, 1, 1, off}));
-    EXPECT_FALSE(watch.companions().isRunning(ids::popup));
+    EXPECT_FALSE(device.companions().isRunning(ids::popup));
 }
 
 TEST(PolicyUpdate, StrictestPolicyForbidsAndLimitsEverything) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
 
-    watch.send("req_update_policy", policyUpdate({alice(strictestPolicy)}));
+    device.send("req_update_policy", policyUpdate({alice(strictestPolicy)}));
 
     EXPECT_EQ(settings(), (Settings{128, 16, 4, 4, 60, 1, 50, 0, 0, 0, on}));
-    EXPECT_EQ(watch.companions().launches(ids::popup),
+    EXPECT_EQ(device.companions().launches(ids::popup),
               std::vector{lockRequest("alice@contoso.example", "16", "0", "1")});
 }
 
 TEST(PolicyUpdate, PinPolicyAsksForASimpleLock) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
 
-    watch.send("req_update_policy", policyUpdate({alice(pinPolicy)}));
+    device.send("req_update_policy", policyUpdate({alice(pinPolicy)}));
 
     EXPECT_EQ(settings(), (Settings{33, 4, 10, 0, 0, 0, 0, 1, 1, 1, off}));
-    EXPECT_EQ(watch.companions().launches(ids::popup),
+    EXPECT_EQ(device.companions().launches(ids::popup),
               std::vector{lockRequest("alice@contoso.example", "4", "1", "0")});
 }
 
 TEST(PolicyUpdate, ThreeAccountsAreMergedIntoTheStrongest) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
 
-    watch.send("req_update_policy",
-               policyUpdate({alice(defaultPolicy), bob(hardenedPolicy), carol(limitsWithoutPasswordPolicy)}));
+    device.send("req_update_policy",
+                policyUpdate({alice(defaultPolicy), bob(hardenedPolicy), carol(limitsWithoutPasswordPolicy)}));
 
     EXPECT_EQ(settings(), (Settings{128, 4, 8, 3, 900, 365, 4, 1, 1, 1, on}));
     EXPECT_EQ(enforcingAccount(), 2);
-    EXPECT_EQ(watch.companions().launches(ids::popup), std::vector{lockRequest("bob@fabrikam.example", "4", "0", "1")});
+    EXPECT_EQ(device.companions().launches(ids::popup),
+              std::vector{lockRequest("bob@fabrikam.example", "4", "0", "1")});
 }
 
 TEST(PolicyUpdate, EveryAccountHasARowWithItsWholePolicy) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
 
-    watch.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
-    watch.send("req_update_policy", policyUpdate({bob(strictestPolicy)}));
+    device.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
+    device.send("req_update_policy", policyUpdate({bob(strictestPolicy)}));
 
-    EXPECT_EQ(storedRows(watch.database()), (std::vector<Row>{
-                                                {"1",
-                                                 "1",
-                                                 "0",
-                                                 "1",
-                                                 "1",
-                                                 "4",
-                                                 "10",
-                                                 "900",
-                                                 "0",
-                                                 "365",
-                                                 "4",
-                                                 "1",
-                                                 "0",
-                                                 "1",
-                                                 "1",
-                                                 "1",
-                                                 "1",
-                                                 "1",
-                                                 "1",
-                                                 "1",
-                                                 "1",
-                                                 "1",
-                                                 "alice@contoso.example",
-                                                 "alice@contoso.example"},
-                                                {"2",
-                                                 "1",
-                                                 "0",
-                                                 "1",
-                                                 "4",
-                                                 "16",
-                                                 "4",
-                                                 "60",
-                                                 "0",
-                                                 "1",
-                                                 "50",
-                                                 "1",
-                                                 "0",
-                                                 "0",
-                                                 "0",
-                                                 "0",
-                                                 "0",
-                                                 "0",
-                                                 "0",
-                                                 "0",
-                                                 "0",
-                                                 "0",
-                                                 "bob@fabrikam.example",
-                                                 "bob@fabrikam.example"},
-                                            }));
+    EXPECT_EQ(storedRows(device.database()), (std::vector<Row>{
+                                                 {"1",
+                                                  "1",
+                                                  "0",
+                                                  "1",
+                                                  "1",
+                                                  "4",
+                                                  "10",
+                                                  "900",
+                                                  "0",
+                                                  "365",
+                                                  "4",
+                                                  "1",
+                                                  "0",
+                                                  "1",
+                                                  "1",
+                                                  "1",
+                                                  "1",
+                                                  "1",
+                                                  "1",
+                                                  "1",
+                                                  "1",
+                                                  "1",
+                                                  "alice@contoso.example",
+                                                  "alice@contoso.example"},
+                                                 {"2",
+                                                  "1",
+                                                  "0",
+                                                  "1",
+                                                  "4",
+                                                  "16",
+                                                  "4",
+                                                  "60",
+                                                  "0",
+                                                  "1",
+                                                  "50",
+                                                  "1",
+                                                  "0",
+                                                  "0",
+                                                  "0",
+                                                  "0",
+                                                  "0",
+                                                  "0",
+                                                  "0",
+                                                  "0",
+                                                  "0",
+                                                  "0",
+                                                  "bob@fabrikam.example",
+                                                  "bob@fabrikam.example"},
+                                             }));
 }
 
 TEST(PolicyUpdate, SecondUpdateOfAnAccountReplacesItsRow) {
-    const Watch watch;
-    watch.launchService();
-    watch.send("req_update_policy", policyUpdate({alice(strictestPolicy)}));
+    const TestDevice device;
+    device.launchService();
+    device.send("req_update_policy", policyUpdate({alice(strictestPolicy)}));
 
-    watch.send("req_update_policy", policyUpdate({alice(defaultPolicy)}));
+    device.send("req_update_policy", policyUpdate({alice(defaultPolicy)}));
 
-    EXPECT_EQ(storedRows(watch.database()), (std::vector<Row>{{"1",
-                                                               "0",
-                                                               "1",
-                                                               "0",
-                                                               "1",
-                                                               "0",
-                                                               "0",
-                                                               "0",
-                                                               "0",
-                                                               "0",
-                                                               "0",
-                                                               "0",
-                                                               "0",
-                                                               "1",
-                                                               "1",
-                                                               "1",
-                                                               "1",
-                                                               "1",
-                                                               "1",
-                                                               "1",
-                                                               "1",
-                                                               "1",
-                                                               "alice@contoso.example",
-                                                               "alice@contoso.example"}}));
+    EXPECT_EQ(storedRows(device.database()), (std::vector<Row>{{"1",
+                                                                "0",
+                                                                "1",
+                                                                "0",
+                                                                "1",
+                                                                "0",
+                                                                "0",
+                                                                "0",
+                                                                "0",
+                                                                "0",
+                                                                "0",
+                                                                "0",
+                                                                "0",
+                                                                "1",
+                                                                "1",
+                                                                "1",
+                                                                "1",
+                                                                "1",
+                                                                "1",
+                                                                "1",
+                                                                "1",
+                                                                "1",
+                                                                "alice@contoso.example",
+                                                                "alice@contoso.example"}}));
     EXPECT_EQ(settings(), releasedSettings);
 }
 
 TEST(PolicyUpdate, NameOutsideAsciiReachesThePopupUnchanged) {
-    const Watch watch;
-    watch.launchService();
+    const TestDevice device;
+    device.launchService();
 
-    watch.send("req_update_policy", policyUpdate({{7, "j\u00fcrgen\u20ac@b\u00fccher.example", pinPolicy}}));
+    device.send("req_update_policy", policyUpdate({{7, "j\u00fcrgen\u20ac@b\u00fccher.example", pinPolicy}}));
 
-    EXPECT_EQ(watch.companions().launches(ids::popup),
+    EXPECT_EQ(device.companions().launches(ids::popup),
               std::vector{lockRequest("j\u00fcrgen\u20ac@b\u00fccher.example", "4", "1", "0")});
-    EXPECT_EQ(storedRows(watch.database()).at(0).at(22), "j\u00fcrgen\u20ac@b\u00fccher.example");
+    EXPECT_EQ(storedRows(device.database()).at(0).at(22), "j\u00fcrgen\u20ac@b\u00fccher.example");
 }
 
 TEST(PolicyUpdate, KoreanWatchAsksForSixCharacters) {
-    const Watch watch({{}, {}, "KR", {}});
-    watch.launchService();
+    const TestDevice device({{}, {}, "KR", {}});
+    device.launchService();
 
-    watch.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
+    device.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
 
     EXPECT_EQ(settings().minLength, 6);
-    EXPECT_EQ(watch.companions().launches(ids::popup),
+    EXPECT_EQ(device.companions().launches(ids::popup),
               std::vector{lockRequest("alice@contoso.example", "6", "0", "1")});
 }
 
 TEST(PolicyUpdate, EncryptedWatchIsNotAskedToEncrypt) {
-    const Watch watch({{}, true, {}, {}});
-    watch.launchService();
+    const TestDevice device({{}, true, {}, {}});
+    device.launchService();
 
-    watch.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
+    device.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
 
     EXPECT_EQ(key(keys::encryptionApplied), 1);
     EXPECT_EQ(settings().encryption, off);
-    EXPECT_FALSE(watch.companions().isRunning(ids::encryptionSettings));
+    EXPECT_FALSE(device.companions().isRunning(ids::encryptionSettings));
 }
 
 TEST(PolicyUpdate, NothingPopsUpDuringTheTutorial) {
-    const Watch watch({{}, {}, {}, true});
-    watch.launchService();
+    const TestDevice device({{}, {}, {}, true});
+    device.launchService();
 
-    watch.send("req_update_policy", policyUpdate({alice(pinPolicy)}));
+    device.send("req_update_policy", policyUpdate({alice(pinPolicy)}));
 
-    EXPECT_EQ(watch.log().count("tutorial is not finished yet"), 1);
-    EXPECT_FALSE(watch.companions().isRunning(ids::popup));
+    EXPECT_EQ(device.log().count("tutorial is not finished yet"), 1);
+    EXPECT_FALSE(device.companions().isRunning(ids::popup));
     EXPECT_EQ(key(keys::passwordApplied), 0);
 }
 
 TEST(PolicyUpdate, LockThatIsStrongEnoughIsAcceptedOnceTheDeviceKnowsTheRules) {
-    const Watch watch({deskwatch::Lock::password, {}, {}, {}});
-    watch.launchService();
-    watch.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
+    const TestDevice device({deskwatch::Lock::Password, {}, {}, {}});
+    device.launchService();
+    device.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
     ASSERT_EQ(key(keys::passwordApplied), 0) << "the device did not know the rules before";
 
-    watch.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
+    device.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
 
     EXPECT_EQ(key(keys::passwordApplied), 1);
-    EXPECT_EQ(watch.companions().launches(ids::popup).size(), 1U);
+    EXPECT_EQ(device.companions().launches(ids::popup).size(), 1U);
 }
 
 } // namespace

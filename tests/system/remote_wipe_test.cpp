@@ -1,11 +1,11 @@
-#include "device_state.h"
-#include "messages.h"
-#include "watch.h"
-
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <set>
+
+#include "device_state.h"
+#include "messages.h"
+#include "test_device.h"
 
 namespace system_test {
 namespace {
@@ -44,58 +44,58 @@ std::set<std::string> listingWithout(const fs::path& folder, const fs::path& lef
 class RemoteWipe : public testing::Test {
 protected:
     RemoteWipe() {
-        watch_.launchService();
+        device_.launchService();
         write(internal_ / "photo.jpg");
         write(internal_ / "music" / "album" / "song.mp3");
         write(internal_ / ".hidden" / "file");
-        write(watch_.layout().externalStorage() / "card.txt");
+        write(device_.layout().externalStorage() / "card.txt");
         write(outside_.path() / "diary.txt");
         write(outside_.path() / "folder" / "letter.txt");
         fs::create_symlink(outside_.path() / "diary.txt", internal_ / "link to a file");
         fs::create_directory_symlink(outside_.path() / "folder", internal_ / "link to a folder");
-        fs::create_directory_symlink(watch_.layout().folder(), internal_ / "link to the watch");
+        fs::create_directory_symlink(device_.layout().folder(), internal_ / "link to the watch");
     }
 
     const TemporaryFolder outside_;
-    const Watch watch_;
-    const fs::path internal_ = watch_.layout().internalStorage();
+    const TestDevice device_;
+    const fs::path internal_ = device_.layout().internalStorage();
 };
 
 TEST_F(RemoteWipe, EmptiesTheInternalStorageAndNothingElse) {
-    watch_.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
-    const auto watchBefore = listingWithout(watch_.layout().folder(), internal_);
+    device_.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
+    const auto deviceBefore = listingWithout(device_.layout().folder(), internal_);
     const auto outsideBefore = listing(outside_.path());
     const auto settingsBefore = settings();
 
-    watch_.send("req_update_policy", wipeOrder);
+    device_.send("req_update_policy", wipeOrder);
 
     EXPECT_EQ(listing(internal_), std::set<std::string>{});
-    EXPECT_EQ(listingWithout(watch_.layout().folder(), internal_), watchBefore);
+    EXPECT_EQ(listingWithout(device_.layout().folder(), internal_), deviceBefore);
     EXPECT_EQ(listing(outside_.path()), outsideBefore);
     EXPECT_EQ(settings(), settingsBefore);
-    EXPECT_EQ(storedAccounts(watch_.database()), std::vector<std::string>{"1"});
+    EXPECT_EQ(storedAccounts(device_.database()), std::vector<std::string>{"1"});
 }
 
 TEST_F(RemoteWipe, IsRefusedWithoutAnAccount) {
     const auto before = listing(internal_);
 
-    watch_.send("req_update_policy", wipeOrder);
+    device_.send("req_update_policy", wipeOrder);
 
     EXPECT_EQ(listing(internal_), before);
-    EXPECT_EQ(watch_.log().count("Failed to wipe internal storage. : [-13]"), 1);
+    EXPECT_EQ(device_.log().count("Failed to wipe internal storage. : [-13]"), 1);
 }
 
 TEST_F(RemoteWipe, StorageThatIsALinkIsNotFollowed) {
-    watch_.send("req_update_policy", policyUpdate({alice(pinPolicy)}));
+    device_.send("req_update_policy", policyUpdate({alice(pinPolicy)}));
     const auto outsideBefore = listing(outside_.path());
     fs::remove_all(internal_);
     fs::create_directory_symlink(outside_.path(), internal_);
 
-    watch_.send("req_update_policy", wipeOrder);
+    device_.send("req_update_policy", wipeOrder);
 
     EXPECT_EQ(listing(outside_.path()), outsideBefore);
-    EXPECT_EQ(watch_.log().count("Failed to wipe internal storage."), 1);
-    EXPECT_TRUE(watch_.isServiceRunning());
+    EXPECT_EQ(device_.log().count("Failed to wipe internal storage."), 1);
+    EXPECT_TRUE(device_.isServiceRunning());
 }
 
 } // namespace

@@ -1,17 +1,17 @@
 #include "service_process.h"
 
-#include "process_handle.h"
-#include "programs.h"
-
 #include <fcntl.h>
 
 #include <cstdlib>
 #include <stdexcept>
 
+#include "device/process_handle.h"
+#include "programs.h"
+
 namespace system_test {
 namespace {
 
-constexpr std::chrono::seconds exitPatience{30};
+constexpr std::chrono::seconds exitTimeout{30};
 
 deskwatch::ObjectOwner<GSubprocess> start(const deskwatch::DeviceLayout& layout,
                                           const deskwatch::Environment& environment) {
@@ -42,11 +42,11 @@ pid_t pidOf(GSubprocess* child) {
 
 } // namespace
 
-ServiceProcess::ServiceProcess(const Watch& watch)
-    : ServiceProcess(watch, watch.device().appEnvironment(ids::service)) {}
+ServiceProcess::ServiceProcess(const TestDevice& device)
+    : ServiceProcess(device, device.booted().appEnvironment(ids::service)) {}
 
-ServiceProcess::ServiceProcess(const Watch& watch, const deskwatch::Environment& environment)
-    : child_(start(watch.layout(), environment)), pid_(pidOf(child_.get())) {}
+ServiceProcess::ServiceProcess(const TestDevice& device, const deskwatch::Environment& environment)
+    : child_(start(device.layout(), environment)), pid_(pidOf(child_.get())) {}
 
 ServiceProcess::~ServiceProcess() {
     g_subprocess_force_exit(child_.get());
@@ -55,7 +55,7 @@ ServiceProcess::~ServiceProcess() {
 
 std::optional<int> ServiceProcess::waitForExit() const {
     const auto process = deskwatch::ProcessHandle::open(pid_);
-    if (process && !process->waitForEnd(exitPatience)) {
+    if (process && !process->waitForEnd(exitTimeout)) {
         return std::nullopt;
     }
     g_subprocess_wait(child_.get(), nullptr, nullptr);

@@ -1,24 +1,24 @@
 #ifndef TESTS_SYSTEM_SERVICE_PROCESS_H
 #define TESTS_SYSTEM_SERVICE_PROCESS_H
 
-#include "environment.h"
-#include "watch.h"
-
 #include <gio/gio.h>
 
 #include <optional>
 
+#include "device/environment.h"
+#include "test_device.h"
+
 namespace system_test {
 
-/// The service as a child of the test, which learns its exit status. Its errors go to the log of the watch. A child
+/// The service as a child of the test, which learns its exit status. Its errors go to the log of the device. A child
 /// that still runs when this object goes is ended.
 class ServiceProcess {
 public:
     /// Starts it in the environment that the watch gives it.
-    explicit ServiceProcess(const Watch& watch);
+    explicit ServiceProcess(const TestDevice& device);
 
     /// Starts it in another environment.
-    ServiceProcess(const Watch& watch, const deskwatch::Environment& environment);
+    ServiceProcess(const TestDevice& device, const deskwatch::Environment& environment);
 
     ~ServiceProcess();
     ServiceProcess(const ServiceProcess&) = delete;

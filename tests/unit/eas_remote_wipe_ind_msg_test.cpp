@@ -1,7 +1,6 @@
-#include "msgs/TeskConsumerEasRemoteWipeIndMsg.h"
-
 #include "TeskConsumerIpcMgr.h"
 #include "TeskConsumerPolicyMgr.h"
+#include "msgs/TeskConsumerEasRemoteWipeIndMsg.h"
 #include "unit_test.h"
 
 namespace {

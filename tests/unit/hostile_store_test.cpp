@@ -1,5 +1,3 @@
-#include "TeskConsumerDbMgr.h"
-
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,10 +8,10 @@
 #include <limits>
 #include <random>
 
-#include "TeskPolicyTable.h"
-
+#include "TeskConsumerDbMgr.h"
 #include "file_bytes.h"
 #include "other_program.h"
+#include "rules/TeskPolicyTable.h"
 #include "unit_test.h"
 
 namespace {
@@ -63,7 +61,7 @@ protected:
     const fs::path& folder() const { return folder_; }
     const fs::path& file() const { return file_; }
 
-    /** Puts a chain of so many links into the file's place, whose end is "store" in the data folder. */
+    /// Puts a chain of so many links into the file's place, whose end is "store" in the data folder.
     void linkThrough(int links) const {
         for (int link = 1; link < links; ++link) {
             fs::create_symlink(link == 1 ? "store" : linkName(link - 1), linkName(link));

@@ -1,11 +1,11 @@
 #ifndef OTHER_PROGRAM_H
 #define OTHER_PROGRAM_H
 
-#include <string>
-#include <vector>
-
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+
+#include <string>
+#include <vector>
 
 /// Another program's connection to a database.
 class OtherProgram {

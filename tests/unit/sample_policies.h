@@ -3,7 +3,7 @@
 
 #include <string>
 
-/** Policy sets as administrators really impose them, and the messages around them. */
+/// Policy sets as administrators really impose them, and the messages around them.
 namespace samples {
 
 /// A mail server's built-in policy: no password, everything allowed.

@@ -1,10 +1,10 @@
+#include <json-glib/json-glib.h>
+
 #include <array>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <set>
-
-#include <json-glib/json-glib.h>
 
 #include "TeskConsumerIpcMgr.h"
 #include "unit_test.h"

@@ -1,5 +1,4 @@
 #include "TeskConsumerAccountMgr.h"
-
 #include "TeskConsumerDbMgr.h"
 #include "unit_test.h"
 

@@ -1,5 +1,4 @@
-#include "TeskConsumerDbMgr.h"
-
+#include <sqlite3.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -8,10 +7,9 @@
 #include <fstream>
 #include <limits>
 
-#include <sqlite3.h>
-
-#include "TeskPolicyTable.h"
+#include "TeskConsumerDbMgr.h"
 #include "other_program.h"
+#include "rules/TeskPolicyTable.h"
 #include "unit_test.h"
 
 namespace {

@@ -1,7 +1,6 @@
-#include "TeskConsumerDpmAdapter.h"
-
 #include <functional>
 
+#include "TeskConsumerDpmAdapter.h"
 #include "unit_test.h"
 
 namespace {

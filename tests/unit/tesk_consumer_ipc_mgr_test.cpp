@@ -1,6 +1,5 @@
-#include "TeskConsumerIpcMgr.h"
-
 #include "TeskConsumerDbMgr.h"
+#include "TeskConsumerIpcMgr.h"
 #include "sample_policies.h"
 #include "unit_test.h"
 

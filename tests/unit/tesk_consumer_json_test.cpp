@@ -1,6 +1,6 @@
-#include "msgs/TeskConsumerJson.h"
-
 #include <gtest/gtest.h>
+
+#include "msgs/TeskConsumerJson.h"
 
 namespace {
 

@@ -1,5 +1,4 @@
 #include "TeskConsumerKiller.h"
-
 #include "unit_test.h"
 
 namespace {

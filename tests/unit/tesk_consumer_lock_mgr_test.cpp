@@ -1,5 +1,4 @@
 #include "TeskConsumerLockMgr.h"
-
 #include "unit_test.h"
 
 namespace {

@@ -1,8 +1,7 @@
-#include "TeskConsumerPolicyMgr.h"
-
 #include <algorithm>
 
 #include "TeskConsumerDbMgr.h"
+#include "TeskConsumerPolicyMgr.h"
 #include "unit_test.h"
 
 namespace {

@@ -1,5 +1,4 @@
 #include "TeskConsumerPreferenceProxy.h"
-
 #include "unit_test.h"
 
 namespace {

@@ -1,9 +1,8 @@
-#include "TeskConsumer.h"
-
 #include <algorithm>
 #include <array>
 #include <functional>
 
+#include "TeskConsumer.h"
 #include "TeskConsumerAccountMgr.h"
 #include "TeskConsumerDbMgr.h"
 #include "TeskConsumerIpcMgr.h"

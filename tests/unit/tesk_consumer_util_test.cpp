@@ -1,8 +1,7 @@
-#include "TeskConsumerUtil.h"
-
 #include <algorithm>
 #include <functional>
 
+#include "TeskConsumerUtil.h"
 #include "unit_test.h"
 
 namespace {

@@ -1,5 +1,4 @@
-#include "TeskPasswordDecision.h"
-
+#include "rules/TeskPasswordDecision.h"
 #include "unit_test.h"
 
 namespace {

@@ -1,8 +1,7 @@
-#include "TeskPolicyData.h"
-
 #include <algorithm>
 #include <type_traits>
 
+#include "rules/TeskPolicyData.h"
 #include "unit_test.h"
 
 namespace {

@@ -1,8 +1,7 @@
-#include "TeskPolicyMerge.h"
-
 #include <limits>
 #include <memory>
 
+#include "rules/TeskPolicyMerge.h"
 #include "unit_test.h"
 
 namespace {

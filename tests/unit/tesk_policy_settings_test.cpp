@@ -1,8 +1,8 @@
-#include "TeskPolicySettings.h"
+#include <gtest/gtest.h>
 
 #include <vector>
 
-#include <gtest/gtest.h>
+#include "rules/TeskPolicySettings.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
-#include "TeskPolicyTable.h"
-
 #include <gtest/gtest.h>
+
+#include "rules/TeskPolicyTable.h"
 
 namespace {
 

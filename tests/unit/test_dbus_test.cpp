@@ -1,4 +1,8 @@
-#include "TestDbus.h"
+#include <fcntl.h>
+#include <gio/gio.h>
+#include <json-glib/json-glib.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
@@ -8,14 +12,8 @@
 #include <memory>
 #include <thread>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <gio/gio.h>
-#include <json-glib/json-glib.h>
-
 #include "TeskConsumerDbMgr.h"
+#include "TestDbus.h"
 #include "unit_test.h"
 
 namespace {

@@ -1,9 +1,9 @@
 #include "unit_test.h"
 
+#include <glib.h>
+
 #include <algorithm>
 #include <iostream>
-
-#include <glib.h>
 
 #include "TeskConsumerDbMgr.h"
 

@@ -42,7 +42,7 @@ void teskStoreAndApply(const TeskConsumerAccountInfoList& accounts) {
 
 TeskConsumerAccountInfoRespMsg::TeskConsumerAccountInfoRespMsg() {
     TESK_INFO("");
-    msgType = TESK_MSG_ACCOUNT_INFO;
+    msgType = TeskConsumerMsgType::accountInfo;
 }
 
 TeskConsumerAccountInfoRespMsg::~TeskConsumerAccountInfoRespMsg() {

@@ -5,7 +5,7 @@
 #include "msgs/TeskConsumerPolicyStorage.h"
 
 TeskConsumerEasRemoteWipeIndMsg::TeskConsumerEasRemoteWipeIndMsg() {
-    msgType = TESK_MSG_REMOTE_WIPE;
+    msgType = TeskConsumerMsgType::remoteWipe;
 }
 
 TeskConsumerEasRemoteWipeIndMsg::~TeskConsumerEasRemoteWipeIndMsg() {

@@ -5,7 +5,7 @@
 #include "msgs/TeskConsumerJson.h"
 
 TeskConsumerInitRespMsg::TeskConsumerInitRespMsg() {
-    msgType = TESK_MSG_INIT_RES;
+    msgType = TeskConsumerMsgType::initRes;
 }
 
 int TeskConsumerInitRespMsg::fromJson(const std::string& text) {

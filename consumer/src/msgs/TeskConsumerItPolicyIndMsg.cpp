@@ -93,7 +93,7 @@ std::shared_ptr<TeskPolicyData> TeskConsumerPolicyInfo::getPolicyData() const {
 }
 
 TeskConsumerItPolicyIndMsg::TeskConsumerItPolicyIndMsg() {
-    msgType = TESK_MSG_ITPOLICY_IND;
+    msgType = TeskConsumerMsgType::itPolicyInd;
 }
 
 int TeskConsumerItPolicyIndMsg::fromJson(const std::string& text) {

@@ -8,8 +8,8 @@
 #include <memory>
 #include <string>
 
-#include "TeskPolicyData.h"
 #include "msgs/TeskConsumerResponsedMsg.h"
+#include "rules/TeskPolicyData.h"
 
 /// A policy set as an account's server imposes it, read from a message's "policySet" object. Which account it belongs
 /// to is told by the account's entry around it.

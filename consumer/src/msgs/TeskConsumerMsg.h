@@ -3,14 +3,16 @@
 
 #include <cstdint>
 
-/// The kind of a message, to be recognised in memory; nothing reads it.
-enum TeskConsumerMsgType : std::int32_t {
-    TESK_MSG_NONE = 10000,
-    TESK_MSG_INIT_RES = 10001,
-    TESK_MSG_ACCOUNT_INFO = 10002,
-    TESK_MSG_ITPOLICY_IND = 10003,
-    TESK_MSG_REMOTE_WIPE = 10004
-};
+/// The kinds of messages, to be recognised in memory; nothing reads them.
+namespace TeskConsumerMsgType {
+
+inline constexpr std::int32_t none = 10000;
+inline constexpr std::int32_t initRes = 10001;
+inline constexpr std::int32_t accountInfo = 10002;
+inline constexpr std::int32_t itPolicyInd = 10003;
+inline constexpr std::int32_t remoteWipe = 10004;
+
+} // namespace TeskConsumerMsgType
 
 /// The root of all messages.
 class TeskConsumerMsg {
@@ -20,7 +22,7 @@ public:
     TeskConsumerMsg(const TeskConsumerMsg&) = delete;
     TeskConsumerMsg& operator=(const TeskConsumerMsg&) = delete;
 
-    std::int32_t msgType = TESK_MSG_NONE;
+    std::int32_t msgType = TeskConsumerMsgType::none;
 };
 
 #endif

@@ -1,10 +1,9 @@
-#include "commands.h"
-
-#include "registry.h"
-
 #include <iostream>
 #include <memory>
 #include <optional>
+
+#include "commands.h"
+#include "device/registry.h"
 
 namespace deskwatch {
 namespace {
@@ -31,11 +30,11 @@ Device bootedDevice(const CommonOptions& common, const BootOptions& options) {
     if (!options.folder.empty()) {
         return Device(options.folder);
     }
-    return Device(common.device.empty() ? Registry::ofUser().defaultWatch() : std::filesystem::path(common.device));
+    return Device(common.device.empty() ? Registry::ofUser().defaultDevice() : std::filesystem::path(common.device));
 }
 
-WatchState watchState(const BootOptions& options) {
-    WatchState state;
+DeviceState deviceState(const BootOptions& options) {
+    DeviceState state;
     state.lock = options.lock;
     state.encrypted = options.isEncrypted ? std::optional(true) : std::nullopt;
     state.country = options.country.empty() ? std::nullopt : std::optional(options.country);
@@ -46,7 +45,7 @@ WatchState watchState(const BootOptions& options) {
 void boot(const CommonOptions& common, const BootOptions& options) {
     const Device device = bootedDevice(common, options);
     device.boot(standardApplications(serviceProgram(options), {ownProgram().string(), "companion"}),
-                watchState(options));
+                deviceState(options));
     Registry::ofUser().add(device.layout().folder());
     std::cout << "booted " << device.layout().folder().string() << '\n';
 }

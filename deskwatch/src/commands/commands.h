@@ -3,10 +3,10 @@
 
 #include <CLI/CLI.hpp>
 
-#include "device.h"
-
 #include <map>
 #include <string>
+
+#include "device/device.h"
 
 namespace deskwatch {
 

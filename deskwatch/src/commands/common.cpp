@@ -1,13 +1,12 @@
-#include "commands.h"
-
-#include "registry.h"
-
 #include <stdexcept>
+
+#include "commands.h"
+#include "device/registry.h"
 
 namespace deskwatch {
 
 void chooseLock(CLI::Option* option) {
-    const std::map<std::string, Lock> locks{{"none", Lock::none}, {"pin", Lock::pin}, {"password", Lock::password}};
+    const std::map<std::string, Lock> locks{{"none", Lock::None}, {"pin", Lock::Pin}, {"password", Lock::Password}};
     option->type_name("none|pin|password");
     chooseByName(option, locks);
 }

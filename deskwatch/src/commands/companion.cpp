@@ -1,8 +1,8 @@
-#include "commands.h"
-
-#include "companion.h"
+#include "actors/companion.h"
 
 #include <stdexcept>
+
+#include "commands.h"
 
 namespace deskwatch {
 

@@ -1,10 +1,10 @@
-#include "commands.h"
-
 #include <algorithm>
 #include <functional>
 #include <iostream>
 #include <memory>
 #include <sstream>
+
+#include "commands.h"
 
 namespace deskwatch {
 namespace {

@@ -1,9 +1,8 @@
-#include "commands.h"
-
-#include "platform_events.h"
-
 #include <iostream>
 #include <memory>
+
+#include "commands.h"
+#include "session/platform_events.h"
 
 namespace deskwatch {
 namespace {

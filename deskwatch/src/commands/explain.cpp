@@ -1,19 +1,17 @@
-#include "commands.h"
-
-#include "arriving_message.h"
-#include "explanation.h"
-#include "forecast.h"
-#include "message_file.h"
-#include "observer.h"
-#include "watch_status.h"
-
-#include <TeskConsumerKeys.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <vector>
+
+#include "TeskConsumerKeys.h"
+#include "actors/message_file.h"
+#include "commands.h"
+#include "explain/arriving_message.h"
+#include "explain/explanation.h"
+#include "explain/forecast.h"
+#include "session/observer.h"
+#include "status/device_status.h"
 
 namespace deskwatch {
 namespace {
@@ -30,8 +28,8 @@ std::optional<Type> read(const std::vector<NamedValue>& values, const std::strin
     return value != nullptr ? std::optional<Type>(*value) : std::nullopt;
 }
 
-WatchFacts watchFacts(const WatchStatus& status) {
-    WatchFacts facts;
+DeviceFacts deviceFacts(const DeviceStatus& status) {
+    DeviceFacts facts;
     facts.accounts = policyRecords(status.accounts);
     std::transform(deviceSettings.begin(), deviceSettings.end(), facts.settings.begin(),
                    [&](const DeviceSetting& setting) { return read<int>(status.settings, setting.name); });
@@ -43,8 +41,8 @@ WatchFacts watchFacts(const WatchStatus& status) {
     return facts;
 }
 
-WatchFacts readFacts(const CommonOptions& common) {
-    return watchFacts(readStatus(WatchClient(chosenDevice(common), observerId)));
+DeviceFacts readFacts(const CommonOptions& common) {
+    return deviceFacts(readStatus(DeviceSession(chosenDevice(common), observerId)));
 }
 
 std::vector<Arrival> readArrivals(const std::vector<std::string>& files, Check check) {
@@ -81,7 +79,7 @@ void addWhatifCommand(CLI::App& program, const CommonOptions& common) {
     command->add_flag("--raw", *isRaw, "Take the files as they are, JSON or not");
     command->footer("Starts nothing and changes nothing.\nExample:\n  deskwatch whatif samples/strictest.json");
     command->callback([&common, files, isJson, isRaw] {
-        const auto arrivals = readArrivals(*files, *isRaw ? Check::none : Check::json);
+        const auto arrivals = readArrivals(*files, *isRaw ? Check::None : Check::Json);
         const auto result = forecast(readFacts(common), arrivals);
         std::cout << (*isJson ? forecastJson(result) : forecastText(result));
     });

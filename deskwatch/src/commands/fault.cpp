@@ -1,11 +1,10 @@
-#include "commands.h"
-
-#include "platform_faults.h"
-#include "text_table.h"
-#include "value_output.h"
-
 #include <iostream>
 #include <memory>
+
+#include "commands.h"
+#include "session/platform_faults.h"
+#include "text/text_table.h"
+#include "text/value_output.h"
 
 namespace deskwatch {
 namespace {

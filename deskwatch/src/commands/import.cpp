@@ -1,13 +1,12 @@
-#include "commands.h"
-
-#include "provisioning_import.h"
-
 #include <cerrno>
 #include <cstring>
 #include <fstream>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
+
+#include "commands.h"
+#include "provisioning/provisioning_import.h"
 
 namespace deskwatch {
 namespace {

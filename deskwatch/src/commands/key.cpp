@@ -1,11 +1,10 @@
-#include "commands.h"
-
-#include "observer.h"
-#include "value_output.h"
-#include "watch_keys.h"
-
 #include <iostream>
 #include <memory>
+
+#include "commands.h"
+#include "session/observer.h"
+#include "session/shared_keys.h"
+#include "text/value_output.h"
 
 namespace deskwatch {
 namespace {
@@ -24,7 +23,7 @@ std::string asLine(const std::string& key, const Value& value) {
 }
 
 void get(const CommonOptions& common, const KeyOptions& options) {
-    const WatchClient watch(chosenDevice(common), observerId);
+    const DeviceSession session(chosenDevice(common), observerId);
     const Value value = readKey(options.key);
     if (std::holds_alternative<std::monostate>(value)) {
         throw std::runtime_error(options.key + " is not set");
@@ -33,14 +32,14 @@ void get(const CommonOptions& common, const KeyOptions& options) {
 }
 
 void set(const CommonOptions& common, const KeyOptions& options) {
-    const WatchClient watch(chosenDevice(common), observerId);
+    const DeviceSession session(chosenDevice(common), observerId);
     writeKey(options.key, options.isText ? Value(options.value) : typedValue(options.value));
-    watch.settleService();
+    session.settleService();
 }
 
-void watchAll(const CommonOptions& common, const KeyOptions& options) {
-    const WatchClient watch(chosenDevice(common), observerId);
-    watchKeys(options.keys, [&, left = options.count](const std::string& key, const Value& value) mutable {
+void followAll(const CommonOptions& common, const KeyOptions& options) {
+    const DeviceSession session(chosenDevice(common), observerId);
+    followKeys(options.keys, [&, left = options.count](const std::string& key, const Value& value) mutable {
         std::cout << (options.isJson ? asLine(key, value) : key + " " + valueText(value)) << std::endl;
         return left == 0 || --left > 0;
     });
@@ -75,7 +74,7 @@ void addWatch(CLI::App& key, const CommonOptions& common) {
         ->type_name("N");
     command->add_flag("--json", options->isJson, "Each line is a JSON object");
     command->footer("Example:\n  deskwatch key watch db/setting/lock_type db/ode/crypto_state");
-    command->callback([&common, options] { watchAll(common, *options); });
+    command->callback([&common, options] { followAll(common, *options); });
 }
 
 } // namespace

@@ -1,11 +1,10 @@
-#include "commands.h"
-
-#include "followed_file.h"
-#include "log_lines.h"
-
 #include <iostream>
 #include <memory>
 #include <stdexcept>
+
+#include "commands.h"
+#include "status/followed_file.h"
+#include "status/log_lines.h"
 
 namespace deskwatch {
 namespace {

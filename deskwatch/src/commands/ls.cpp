@@ -1,19 +1,18 @@
-#include "commands.h"
-
-#include "application_ids.h"
-#include "bus_client.h"
-#include "registry.h"
-#include "text_table.h"
-#include "value_output.h"
-
 #include <algorithm>
 #include <iostream>
 #include <memory>
 
+#include "commands.h"
+#include "device/application_ids.h"
+#include "device/bus_client.h"
+#include "device/registry.h"
+#include "text/text_table.h"
+#include "text/value_output.h"
+
 namespace deskwatch {
 namespace {
 
-struct ListedWatch {
+struct ListedDevice {
     std::string folder;
     std::string state;
     bool isServiceRunning = false;
@@ -26,50 +25,50 @@ bool runsService(const Device& device) {
 }
 
 /// A watch that cannot be asked any more is listed, too: `off` and `boot` clean it up.
-ListedWatch look(const std::filesystem::path& folder) {
-    ListedWatch watch{folder.string(), "ended suddenly"};
+ListedDevice look(const std::filesystem::path& folder) {
+    ListedDevice listed{folder.string(), "ended suddenly"};
     try {
         const Device device(folder);
         if (!std::filesystem::exists(device.layout().busConfiguration())) {
-            watch.state = "gone";
+            listed.state = "gone";
         } else if (device.isBooted()) {
-            watch.isServiceRunning = runsService(device);
-            watch.state = "booted";
+            listed.isServiceRunning = runsService(device);
+            listed.state = "booted";
         }
     } catch (const std::runtime_error&) {
-        watch.state = "does not answer";
+        listed.state = "does not answer";
     }
-    return watch;
+    return listed;
 }
 
-std::vector<ListedWatch> listedWatches() {
-    std::vector<ListedWatch> watches;
-    for (const auto& folder : Registry::ofUser().watches()) {
-        watches.push_back(look(folder));
+std::vector<ListedDevice> listedDevices() {
+    std::vector<ListedDevice> devices;
+    for (const auto& folder : Registry::ofUser().folders()) {
+        devices.push_back(look(folder));
     }
-    if (!watches.empty()) {
-        watches.back().isNewest = true;
+    if (!devices.empty()) {
+        devices.back().isNewest = true;
     }
-    return watches;
+    return devices;
 }
 
-std::string asTable(const std::vector<ListedWatch>& watches) {
+std::string asTable(const std::vector<ListedDevice>& devices) {
     std::vector<std::vector<std::string>> rows;
-    rows.reserve(watches.size());
-    for (const auto& watch : watches) {
-        rows.push_back({watch.folder, watch.state, watch.isServiceRunning ? "service runs" : "service does not run",
-                        watch.isNewest ? "newest" : ""});
+    rows.reserve(devices.size());
+    for (const auto& device : devices) {
+        rows.push_back({device.folder, device.state, device.isServiceRunning ? "service runs" : "service does not run",
+                        device.isNewest ? "newest" : ""});
     }
     return textTable(rows);
 }
 
-std::string asJson(const std::vector<ListedWatch>& watches) {
+std::string asJson(const std::vector<ListedDevice>& devices) {
     auto list = nlohmann::ordered_json::array();
-    for (const auto& watch : watches) {
-        list.push_back({{"watch", watch.folder},
-                        {"state", watch.state},
-                        {"serviceRunning", watch.isServiceRunning},
-                        {"newest", watch.isNewest}});
+    for (const auto& device : devices) {
+        list.push_back({{"watch", device.folder},
+                        {"state", device.state},
+                        {"serviceRunning", device.isServiceRunning},
+                        {"newest", device.isNewest}});
     }
     return jsonText(list, 2) + "\n";
 }
@@ -83,8 +82,8 @@ void addListCommand(CLI::App& program) {
     command->footer("The last one is the newest, which commands mean unless another is named.\n"
                     "Example:\n  deskwatch ls");
     command->callback([isJson] {
-        const auto watches = listedWatches();
-        std::cout << (*isJson ? asJson(watches) : asTable(watches));
+        const auto devices = listedDevices();
+        std::cout << (*isJson ? asJson(devices) : asTable(devices));
     });
 }
 

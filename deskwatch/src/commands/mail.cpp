@@ -1,9 +1,8 @@
-#include "commands.h"
-
-#include "mail_application.h"
-#include "message_file.h"
-
 #include <memory>
+
+#include "actors/mail_application.h"
+#include "actors/message_file.h"
+#include "commands.h"
 
 namespace deskwatch {
 namespace {
@@ -18,7 +17,7 @@ void addPolicyCommand(CLI::App& mail, const CommonOptions& common) {
     command->callback([&common, files, isRaw] {
         std::vector<Request> requests;
         for (const auto& file : *files) {
-            requests.push_back({"req_update_policy", readMessageFile(file, *isRaw ? Check::none : Check::json)});
+            requests.push_back({"req_update_policy", readMessageFile(file, *isRaw ? Check::None : Check::Json)});
         }
         sendAsMailApplication(chosenDevice(common), requests);
     });

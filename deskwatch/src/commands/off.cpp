@@ -1,8 +1,7 @@
-#include "commands.h"
-
-#include "registry.h"
-
 #include <iostream>
+
+#include "commands.h"
+#include "device/registry.h"
 
 namespace deskwatch {
 

@@ -1,12 +1,11 @@
-#include "commands.h"
-
-#include "recording.h"
-#include "replay.h"
-
 #include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
+
+#include "commands.h"
+#include "recording/recording.h"
+#include "recording/replay.h"
 
 namespace deskwatch {
 namespace {
@@ -31,20 +30,20 @@ public:
     FreshFolder(const FreshFolder&) = delete;
     FreshFolder& operator=(const FreshFolder&) = delete;
 
-    std::filesystem::path watch() const { return std::filesystem::path(path_) / "watch"; }
+    std::filesystem::path device() const { return std::filesystem::path(path_) / "watch"; }
 
 private:
     std::string path_;
 };
 
-void replayOnFreshWatch(const ReplayOptions& options) {
+void replayOnFreshDevice(const ReplayOptions& options) {
     const auto recording = readRecording(options.file);
     const auto self = std::filesystem::read_symlink("/proc/self/exe");
     const auto service =
         options.service.empty() ? self.parent_path() / "tesk-agent" : std::filesystem::absolute(options.service);
     const FreshFolder folder;
-    const BootedDevice device(folder.watch(), standardApplications(service, {self.string(), "companion"}),
-                              recording.watch);
+    const BootedDevice device(folder.device(), standardApplications(service, {self.string(), "companion"}),
+                              recording.device);
     const auto outcome = replay(*device, recording);
     if (outcome.difference) {
         throw std::runtime_error(std::to_string(outcome.equal) + " effects are equal, then " + options.file + ", " +
@@ -72,7 +71,7 @@ void addReplayCommand(CLI::App& program) {
     command->add_option("--service", options->service, "Program of the service (default: tesk-agent beside deskwatch)")
         ->type_name("PATH");
     command->footer("Exit status 1 when an effect differs; it says where.\nExample:\n  deskwatch replay story.jsonl");
-    command->callback([options] { replayOnFreshWatch(*options); });
+    command->callback([options] { replayOnFreshDevice(*options); });
 }
 
 } // namespace deskwatch

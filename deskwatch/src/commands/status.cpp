@@ -1,14 +1,13 @@
-#include "commands.h"
-
-#include "observer.h"
-#include "status_follower.h"
-#include "watch_status.h"
-
 #include <unistd.h>
 
 #include <iostream>
 #include <memory>
 #include <optional>
+
+#include "commands.h"
+#include "session/observer.h"
+#include "status/device_status.h"
+#include "status/status_follower.h"
 
 namespace deskwatch {
 namespace {
@@ -24,7 +23,7 @@ class StatusDisplay {
 public:
     explicit StatusDisplay(bool isJson) : isJson_(isJson) {}
 
-    void show(const WatchStatus& status) {
+    void show(const DeviceStatus& status) {
         first_ = first_.value_or(status);
         const std::string text = isJson_ ? statusJsonLine(status) : statusTables(status, &*first_);
         if (text == shown_) {
@@ -37,17 +36,17 @@ public:
 
 private:
     bool isJson_;
-    std::optional<WatchStatus> first_;
+    std::optional<DeviceStatus> first_;
     std::string shown_;
 };
 
 void showStatus(const CommonOptions& common, const StatusOptions& options) {
-    const WatchClient watch(chosenDevice(common), observerId);
+    const DeviceSession session(chosenDevice(common), observerId);
     if (options.isFollowed) {
         StatusDisplay display(options.isJson);
-        followStatus(watch, [&](const WatchStatus& status) { display.show(status); });
+        followStatus(session, [&](const DeviceStatus& status) { display.show(status); });
     }
-    const auto status = readStatus(watch);
+    const auto status = readStatus(session);
     std::cout << (options.isJson ? statusJson(status) : statusTables(status));
 }
 

@@ -1,9 +1,9 @@
-#include "commands.h"
-
-#include "wearer.h"
+#include "actors/wearer.h"
 
 #include <iostream>
 #include <memory>
+
+#include "commands.h"
 
 namespace deskwatch {
 namespace {
@@ -21,17 +21,17 @@ void addAnswer(CLI::App& popup, const CommonOptions& common, const NamedAnswer& 
 }
 
 struct LockOptions {
-    Lock lock = Lock::none;
+    Lock lock = Lock::None;
     std::optional<int> length;
 };
 
 void lockScreen(const CommonOptions& common, const LockOptions& options) {
     const int length = setLock(chosenDevice(common), options.lock, options.length);
-    if (options.lock == Lock::none) {
+    if (options.lock == Lock::None) {
         std::cout << "the screen has no lock\n";
         return;
     }
-    std::cout << "the screen is locked with a " << (options.lock == Lock::pin ? "PIN" : "password") << " of " << length
+    std::cout << "the screen is locked with a " << (options.lock == Lock::Pin ? "PIN" : "password") << " of " << length
               << " characters\n";
 }
 
@@ -47,10 +47,10 @@ void addTutorialState(CLI::App& tutorial, const CommonOptions& common, const cha
 void addPopupCommand(CLI::App& program, const CommonOptions& common) {
     auto* command = program.add_subcommand("popup", "Answer, as the wearer, the popup that asks for a lock");
     command->require_subcommand(1);
-    addAnswer(*command, common, {"ok", "Set a lock: the lock settings open", PopupAnswer::ok});
+    addAnswer(*command, common, {"ok", "Set a lock: the lock settings open", PopupAnswer::Ok});
     addAnswer(*command, common,
-              {"sync-off", "Set none: the mail application is to stop synchronising", PopupAnswer::syncOff});
-    addAnswer(*command, common, {"dismiss", "Close it without an answer", PopupAnswer::dismiss});
+              {"sync-off", "Set none: the mail application is to stop synchronising", PopupAnswer::SyncOff});
+    addAnswer(*command, common, {"dismiss", "Close it without an answer", PopupAnswer::Dismiss});
     command->footer("Returns when the service has handled the answer; fails with 3 when no popup asks.\n"
                     "Example:\n  deskwatch popup ok");
 }

@@ -17,13 +17,13 @@ typedef enum {
     DPM_ERROR_OUT_OF_MEMORY = -12
 } dpm_error_type_e;
 
-/** A connection to the device policy manager. Every call answers DPM_ERROR_INVALID_PARAMETER to a null handle. */
+/// A connection to the device policy manager. Every call answers DPM_ERROR_INVALID_PARAMETER to a null handle.
 typedef struct __device_policy_manager_s* device_policy_manager_h;
 
-/** A new handle, or null. The caller releases it with dpm_manager_destroy(). */
+/// A new handle, or null. The caller releases it with dpm_manager_destroy().
 device_policy_manager_h dpm_manager_create(void);
 
-/** Releases a handle. Returns 0 or a dpm_error_type_e. */
+/// Releases a handle. Returns 0 or a dpm_error_type_e.
 int dpm_manager_destroy(device_policy_manager_h handle);
 
 #ifdef __cplusplus

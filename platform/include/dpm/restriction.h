@@ -7,10 +7,8 @@
 extern "C" {
 #endif
 
-/*
- * What the device may do: 1 allowed, 0 forbidden. Every operation returns 0 or a dpm_error_type_e; a setter answers
- * DPM_ERROR_PERMISSION_DENIED to a process that may not administer the device.
- */
+/// What the device may do: 1 allowed, 0 forbidden. Every operation returns 0 or a dpm_error_type_e; a setter answers
+/// DPM_ERROR_PERMISSION_DENIED to a process that may not administer the device.
 
 int dpm_restriction_set_wifi_state(device_policy_manager_h handle, int allow);
 int dpm_restriction_get_wifi_state(device_policy_manager_h handle, int* is_allowed);
@@ -18,7 +16,7 @@ int dpm_restriction_get_wifi_state(device_policy_manager_h handle, int* is_allow
 int dpm_restriction_set_popimap_email_state(device_policy_manager_h handle, int allow);
 int dpm_restriction_get_popimap_email_state(device_policy_manager_h handle, int* is_allowed);
 
-/** Text messages of one SIM; the sim_id "*" stands for all of them. */
+/// Text messages of one SIM; the sim_id "*" stands for all of them.
 int dpm_restriction_set_messaging_state(device_policy_manager_h handle, const char* sim_id, int allow);
 int dpm_restriction_get_messaging_state(device_policy_manager_h handle, const char* sim_id, int* is_allowed);
 

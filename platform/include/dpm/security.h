@@ -12,21 +12,19 @@ typedef enum {
     DPM_SECURITY_WIPE_EXTERNAL_STORAGE = (1 << 1)
 } dpm_security_wipe_type_e;
 
-/*
- * Every operation returns 0 or a dpm_error_type_e; a setter and the wipe answer DPM_ERROR_PERMISSION_DENIED to a
- * process that may not administer the device.
- */
+/// Every operation returns 0 or a dpm_error_type_e; a setter and the wipe answer DPM_ERROR_PERMISSION_DENIED to a
+/// process that may not administer the device.
 
-/** Demands, or no longer demands, that the storage is encrypted. */
+/// Demands, or no longer demands, that the storage is encrypted.
 int dpm_security_set_internal_storage_encryption(device_policy_manager_h handle, int encrypt);
 
-/** Whether the storage is encrypted now: 1 or 0. */
+/// Whether the storage is encrypted now: 1 or 0.
 int dpm_security_is_internal_storage_encrypted(device_policy_manager_h handle, int* is_encrypted);
 
 int dpm_security_set_external_storage_encryption(device_policy_manager_h handle, int encrypt);
 int dpm_security_is_external_storage_encrypted(device_policy_manager_h handle, int* is_encrypted);
 
-/** Erases a storage at once. */
+/// Erases a storage at once.
 int dpm_security_wipe_data(device_policy_manager_h handle, dpm_security_wipe_type_e type);
 
 #ifdef __cplusplus

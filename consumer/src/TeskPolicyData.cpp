@@ -1,3 +1,0 @@
-#include "TeskPolicyData.h"
-
-TeskPolicyData::~TeskPolicyData() = default;

@@ -1,0 +1,3 @@
+#include "rules/TeskPolicyData.h"
+
+TeskPolicyData::~TeskPolicyData() = default;

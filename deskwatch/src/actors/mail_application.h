@@ -1,0 +1,24 @@
+#ifndef DESKWATCH_MAIL_APPLICATION_H
+#define DESKWATCH_MAIL_APPLICATION_H
+
+#include <string>
+#include <vector>
+
+#include "device/device.h"
+
+namespace deskwatch {
+
+/// A request of the mail application: its name and its argument.
+struct Request {
+    std::string name;
+    std::string argument;
+};
+
+/// Sends requests to the service as the mail application of the watch, in order. Returns when the service has handled
+/// them and the applications that it launched have got their launch requests. Throws std::runtime_error when the watch
+/// is not booted, or the service does not come up or ends meanwhile.
+void sendAsMailApplication(const Device& device, const std::vector<Request>& requests);
+
+} // namespace deskwatch
+
+#endif

@@ -1,0 +1,106 @@
+#include "actors/wearer.h"
+
+#include <vconf.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "TeskConsumerKeys.h"
+#include "actors/refusal.h"
+#include "device/application_ids.h"
+#include "device/bus_client.h"
+#include "session/companion_bus.h"
+#include "session/device_policy.h"
+#include "session/device_session.h"
+#include "session/lock_rules.h"
+#include "tesk-desk-bus.h"
+
+namespace deskwatch {
+namespace {
+
+constexpr int companionTimeout = 20'000;
+
+void expectSet(int result, const std::string& key) {
+    if (result != 0) {
+        throw std::runtime_error("cannot set " + key);
+    }
+}
+
+ObjectOwner<TeskDeskCompanion> popupOf(const DeviceSession& session) {
+    const auto flags =
+        static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
+                                     G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS | G_DBUS_PROXY_FLAGS_DO_NOT_AUTO_START);
+    GError* error = nullptr;
+    ObjectOwner<TeskDeskCompanion> popup(tesk_desk_companion_proxy_new_sync(session.connection(), flags, ids::popup,
+                                                                            companion_bus::path, nullptr, &error));
+    if (popup == nullptr) {
+        throw std::runtime_error("cannot speak to the popup: " + takeMessage(error));
+    }
+    return popup;
+}
+
+bool send(TeskDeskCompanion* popup, PopupAnswer answer, GError** error) {
+    if (answer == PopupAnswer::Dismiss) {
+        return tesk_desk_companion_call_dismiss_sync(popup, G_DBUS_CALL_FLAGS_NO_AUTO_START, companionTimeout, nullptr,
+                                                     error) != FALSE;
+    }
+    const char* result = answer == PopupAnswer::Ok ? "ok" : "sync_off_ok";
+    return tesk_desk_companion_call_answer_sync(popup, result, G_DBUS_CALL_FLAGS_NO_AUTO_START, companionTimeout,
+                                                nullptr, error) != FALSE;
+}
+
+} // namespace
+
+void answerPopup(const Device& device, PopupAnswer answer) {
+    const DeviceSession session(device, ids::popup);
+    if (!session.isRunning(ids::popup)) {
+        throw Refusal("no popup is open (deskwatch status shows what is)");
+    }
+    session.settle(ids::popup);
+    if (answer == PopupAnswer::SyncOff) {
+        session.settle(ids::mail); // its port gets the service's request only while it runs
+    }
+    GError* error = nullptr;
+    if (!send(popupOf(session).get(), answer, &error)) {
+        throw Refusal("the popup takes no answer: " + takeMessage(error));
+    }
+    session.settleService();
+    if (answer == PopupAnswer::SyncOff) {
+        session.settle(ids::mail);
+    }
+}
+
+int setLock(const Device& device, Lock lock, std::optional<int> length) {
+    const DeviceSession session(device, ids::lockSettings);
+    const LockDemand demand = readLockDemand();
+    const LockChoice choice{lock, lock == Lock::None ? 0 : length.value_or(proposedLength(demand))};
+    if (const auto refusal = refusalOf(choice, demand)) {
+        throw Refusal(*refusal);
+    }
+    expectSet(vconf_set_int(TeskConsumerKeys::lockType, static_cast<int>(lock)), TeskConsumerKeys::lockType);
+    session.settleService();
+    return choice.length;
+}
+
+bool encrypt(const Device& device) {
+    const DeviceSession session(device, ids::encryptionSettings);
+    const std::unique_ptr<char, decltype(&std::free)> state(vconf_get_str(TeskConsumerKeys::cryptoState), &std::free);
+    if (state != nullptr && std::string(state.get()) == "encrypted") {
+        return false;
+    }
+    expectSet(vconf_set_str(TeskConsumerKeys::cryptoState, "encrypted"), TeskConsumerKeys::cryptoState);
+    expectSet(vconf_set_int(TeskConsumerKeys::deviceEncryptionApplied, 1),
+              TeskConsumerKeys::deviceEncryptionApplied); // who hears of it finds the state changed
+    session.settleService();
+    return true;
+}
+
+void setTutorial(const Device& device, bool isInProgress) {
+    const DeviceSession session(device, ids::lockSettings);
+    expectSet(vconf_set_int(TeskConsumerKeys::tutorialInProgress, isInProgress ? 1 : 0),
+              TeskConsumerKeys::tutorialInProgress);
+    session.settleService();
+}
+
+} // namespace deskwatch

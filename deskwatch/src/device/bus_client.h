@@ -1,0 +1,43 @@
+#ifndef DESKWATCH_BUS_CLIENT_H
+#define DESKWATCH_BUS_CLIENT_H
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include "device/glib_owners.h"
+#include "device/process_handle.h"
+
+namespace deskwatch {
+
+/// A connection of our own to the bus of a device, apart from any connection that the process has as an application.
+class BusClient {
+public:
+    /// Throws std::runtime_error when nobody answers at that address.
+    explicit BusClient(const std::string& address);
+
+    /// What is called, and where.
+    struct Method {
+        std::string owner;
+        std::string path;
+        std::string interface;
+        std::string name;
+    };
+
+    /// Calls a method and waits for its answer; the owner is started when it does not run. A floating `arguments` is
+    /// taken. Throws std::runtime_error with the reason when the call fails or is not answered in time.
+    VariantOwner call(const Method& method, GVariant* arguments, std::chrono::milliseconds atMost) const;
+
+    /// The well-known names on the bus that some process owns now, the bus's own name left out.
+    std::vector<std::string> ownedNames() const;
+
+    /// The processes behind those names, this one left out.
+    std::vector<ProcessHandle> applicationProcesses() const;
+
+private:
+    ObjectOwner<GDBusConnection> connection_;
+};
+
+} // namespace deskwatch
+
+#endif

@@ -1,0 +1,132 @@
+#include "device/device.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <exception>
+#include <fstream>
+#include <stdexcept>
+#include <system_error>
+
+#include "device/application_ids.h"
+#include "device/bus_client.h"
+#include "device/bus_process.h"
+#include "device/file_descriptor.h"
+
+namespace deskwatch {
+namespace {
+
+constexpr std::chrono::seconds applicationTimeout{20};
+
+/// Keeps two processes from booting or ending one device at the same time. The lock goes with the descriptor.
+FileDescriptor lockBoot(const DeviceLayout& layout) {
+    FileDescriptor lock(open(layout.bootLock().c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    if (!lock.isOpen() || flock(lock.get(), LOCK_EX) != 0) {
+        throw std::system_error(errno, std::generic_category(), "cannot lock " + layout.bootLock().string());
+    }
+    return lock;
+}
+
+/// The applications of a device whose bus runs. A bus that does not answer any more has none that could be known.
+std::vector<ProcessHandle> applicationsOf(const DeviceLayout& layout) {
+    try {
+        return BusClient(layout.busAddress()).applicationProcesses();
+    } catch (const std::runtime_error&) {
+        return {};
+    }
+}
+
+void waitForApplications(const std::vector<ProcessHandle>& applications) {
+    for (const auto& application : applications) {
+        if (!application.waitForEnd(applicationTimeout)) {
+            throw std::runtime_error("process " + std::to_string(application.pid()) +
+                                     " goes on although its bus has gone");
+        }
+    }
+}
+
+/// A boot that ended suddenly leaves a bus without this mark, which the next boot takes for what it is.
+void writeBootedMark(const DeviceLayout& layout) {
+    std::ofstream mark(layout.bootedMark());
+    if (!mark.is_open()) {
+        throw std::system_error(errno, std::generic_category(), "cannot write " + layout.bootedMark().string());
+    }
+}
+
+bool endBus(const DeviceLayout& layout, const BusProcess& bus) {
+    const bool wasRunning = bus.running().has_value();
+    const auto applications = wasRunning ? applicationsOf(layout) : std::vector<ProcessHandle>{};
+    std::filesystem::remove(layout.bootedMark());
+    bus.stop();
+    std::filesystem::remove(layout.socket());
+    waitForApplications(applications);
+    return wasRunning;
+}
+
+} // namespace
+
+void Device::boot(const std::vector<Application>& applications, const DeviceState& state) const {
+    layout_.makeFolders();
+    const auto lock = lockBoot(layout_);
+    const BusProcess bus(layout_.busRecord());
+    if (isBooted()) {
+        throw std::runtime_error(layout_.folder().string() + " is booted already");
+    }
+    endBus(layout_, bus); // what a sudden end left behind
+    const bool fresh = !std::filesystem::exists(layout_.settingsDatabase());
+    writeDeviceFiles(layout_, applications);
+    bus.start({layout_.busConfiguration(), layout_.log(), layout_.commonEnvironment()});
+    try {
+        writeFirstSettings(BusClient(busAddress()), state, fresh);
+        writeBootedMark(layout_);
+    } catch (...) {
+        endBus(layout_, bus);
+        throw;
+    }
+}
+
+bool Device::isBooted() const {
+    return std::filesystem::exists(layout_.bootedMark()) && BusProcess(layout_.busRecord()).running().has_value();
+}
+
+bool Device::off() const {
+    if (!std::filesystem::exists(layout_.busConfiguration())) {
+        throw std::runtime_error(layout_.folder().string() + " is no watch");
+    }
+    const auto lock = lockBoot(layout_);
+    return endBus(layout_, BusProcess(layout_.busRecord()));
+}
+
+Environment Device::appEnvironment(const std::string& id) const {
+    Environment environment = layout_.commonEnvironment();
+    environment.merge(layout_.applicationEnvironment(id));
+    return environment;
+}
+
+BootedDevice::BootedDevice(const std::filesystem::path& folder, const std::vector<Application>& applications,
+                           const DeviceState& state)
+    : device_(folder) {
+    device_.boot(applications, state);
+}
+
+BootedDevice::~BootedDevice() {
+    try {
+        device_.off();
+    } catch (const std::exception& error) {
+        static_cast<void>(std::fprintf(stderr, "off: %s\n", error.what()));
+    }
+}
+
+std::vector<Application> standardApplications(const std::filesystem::path& service,
+                                              const std::vector<std::string>& companion) {
+    std::vector<Application> applications{{ids::service, {service.string()}}};
+    for (const auto* id : ids::companions) {
+        applications.push_back({id, companion});
+    }
+    return applications;
+}
+
+} // namespace deskwatch

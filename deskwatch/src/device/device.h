@@ -1,0 +1,75 @@
+#ifndef DESKWATCH_DEVICE_H
+#define DESKWATCH_DEVICE_H
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "device/device_files.h"
+#include "device/device_layout.h"
+#include "device/environment.h"
+#include "device/first_settings.h"
+
+namespace deskwatch {
+
+/// A watch on the desk: a folder with all that it keeps, and a private bus that starts its applications. Any number of
+/// them stand side by side. A watch stays booted when the process that booted it ends, until someone switches it off.
+///
+///     Device watch("/tmp/watch");
+///     watch.boot(standardApplications("/usr/bin/tesk-agent", {"/usr/bin/deskwatch", "companion"}));
+///     ... processes with watch.appEnvironment(id) talk to each other ...
+///     watch.off();
+class Device {
+public:
+    /// Names a watch by its folder, which need not exist; touches nothing. Throws std::runtime_error when a bus cannot
+    /// be there (see DeviceLayout).
+    explicit Device(const std::filesystem::path& folder) : layout_(folder) {}
+
+    const DeviceLayout& layout() const { return layout_; }
+
+    /// Boots the watch: lays out its folder, cleans up what a sudden end left there, starts its bus and brings its
+    /// settings into their first state. Applications start when they are needed. Throws std::runtime_error when it is
+    /// booted already or when a step fails; then nothing of it runs.
+    void boot(const std::vector<Application>& applications, const DeviceState& state = {}) const;
+
+    /// Whether the watch has been booted to the end and its bus runs.
+    bool isBooted() const;
+
+    /// Switches the watch off: ends its bus, waits for that and for the applications, which end when their bus goes.
+    /// Cleans up after a sudden end. False when it was off already. Throws std::runtime_error when a process does not
+    /// end.
+    bool off() const;
+
+    /// The address of the watch's bus, session and system bus in one.
+    std::string busAddress() const { return layout_.busAddress(); }
+
+    /// The whole environment of a process that runs as this application on the watch.
+    Environment appEnvironment(const std::string& id) const;
+
+private:
+    DeviceLayout layout_;
+};
+
+/// A watch that is booted as long as this object lives, for tests.
+class BootedDevice {
+public:
+    BootedDevice(const std::filesystem::path& folder, const std::vector<Application>& applications,
+                 const DeviceState& state = {});
+    ~BootedDevice();
+    BootedDevice(const BootedDevice&) = delete;
+    BootedDevice& operator=(const BootedDevice&) = delete;
+
+    const Device* operator->() const { return &device_; }
+    const Device& operator*() const { return device_; }
+
+private:
+    Device device_;
+};
+
+/// The applications of a watch: the service is that program, every other one is started with the companion's command.
+std::vector<Application> standardApplications(const std::filesystem::path& service,
+                                              const std::vector<std::string>& companion);
+
+} // namespace deskwatch
+
+#endif

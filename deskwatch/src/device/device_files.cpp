@@ -1,0 +1,138 @@
+#include "device/device_files.h"
+
+#include <unistd.h>
+
+#include <stdexcept>
+
+#include "device/glib_owners.h"
+
+namespace deskwatch {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char settingsService[] = "ca.desrt.dconf";
+
+struct KeyFileRelease {
+    void operator()(GKeyFile* file) const { g_key_file_unref(file); }
+};
+
+using KeyFileOwner = std::unique_ptr<GKeyFile, KeyFileRelease>;
+
+void write(const fs::path& file, const std::string& text) {
+    GError* error = nullptr;
+    if (g_file_set_contents(file.c_str(), text.data(), static_cast<gssize>(text.size()), &error) == FALSE) {
+        throw std::runtime_error("cannot write " + file.string() + ": " + takeMessage(error));
+    }
+}
+
+std::string escapedForXml(const std::string& text) {
+    const MemoryOwner<char> escaped(g_markup_escape_text(text.data(), static_cast<gssize>(text.size())));
+    return escaped.get();
+}
+
+/// A bus for one user, on which everyone may own, send and receive everything, as applications of a watch under test
+/// do. No limit is set on the time for a reply: a launch request is answered when the user has acted.
+void writeBusConfiguration(const DeviceLayout& layout) {
+    write(layout.busConfiguration(),
+          R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+    "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>)" + escapedForXml(layout.busAddress()) +
+              R"(</listen>
+  <auth>EXTERNAL</auth>
+  <servicedir>)" +
+              escapedForXml(layout.services().string()) + R"(</servicedir>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+  <limit name="max_incoming_bytes">1000000000</limit>
+  <limit name="max_outgoing_bytes">1000000000</limit>
+  <limit name="max_message_size">1000000000</limit>
+  <limit name="service_start_timeout">60000</limit>
+  <limit name="max_completed_connections">10000</limit>
+  <limit name="max_connections_per_user">10000</limit>
+  <limit name="max_pending_service_starts">10000</limit>
+  <limit name="max_replies_per_connection">50000</limit>
+</busconfig>
+)");
+}
+
+/// The one user of a watch is "owner"; here it is whoever boots the watch.
+void writeUsers(const DeviceLayout& layout) {
+    const std::string ids = std::to_string(getuid()) + ":" + std::to_string(getgid());
+    write(layout.passwd(), "owner:x:" + ids + ":owner:/:/bin/sh\n");
+    write(layout.group(), "owner:x:" + std::to_string(getgid()) + ":\n");
+}
+
+/// One word of an Exec line: quoted as for a shell, and its backslashes doubled because the bus takes the line out of a
+/// file in which they begin an escape.
+std::string execWord(const std::string& text) {
+    const MemoryOwner<char> quoted(g_shell_quote(text.c_str()));
+    std::string word;
+    for (const char* character = quoted.get(); *character != '\0'; ++character) {
+        word += *character == '\\' ? "\\\\" : std::string(1, *character);
+    }
+    return word;
+}
+
+void writeActivation(const DeviceLayout& layout, const std::string& id, const std::string& exec) {
+    write(layout.services() / (id + ".service"), "[D-BUS Service]\nName=" + id + "\nExec=" + exec + "\n");
+}
+
+std::string execLine(const DeviceLayout& layout, const Application& application, const std::string& env) {
+    if (application.command.empty() || access(application.command.front().c_str(), X_OK) != 0) {
+        throw std::runtime_error("no program for " + application.id + ": " +
+                                 (application.command.empty() ? "none given" : application.command.front()));
+    }
+    std::string line = execWord(env);
+    for (const auto& assignment : assignments(layout.applicationEnvironment(application.id))) {
+        line += " " + execWord(assignment);
+    }
+    for (const auto& argument : application.command) {
+        line += " " + execWord(argument);
+    }
+    return line;
+}
+
+void writeApplications(const DeviceLayout& layout, const std::vector<Application>& applications) {
+    const MemoryOwner<char> env(g_find_program_in_path("env"));
+    if (env == nullptr) {
+        throw std::runtime_error("no env on PATH (apt install coreutils)");
+    }
+    for (const auto& application : applications) {
+        writeActivation(layout, application.id, execLine(layout, application, env.get()));
+        fs::create_directories(layout.applicationData(application.id));
+    }
+}
+
+/// The settings service is the machine's own program, started for this device alone.
+void writeSettingsService(const DeviceLayout& layout) {
+    const std::string name = std::string("dbus-1/services/") + settingsService + ".service";
+    const KeyFileOwner file(g_key_file_new());
+    if (g_key_file_load_from_data_dirs(file.get(), name.c_str(), nullptr, G_KEY_FILE_NONE, nullptr) == FALSE) {
+        throw std::runtime_error("no settings service on this machine (apt install dconf-service)");
+    }
+    const MemoryOwner<char> exec(g_key_file_get_value(file.get(), "D-BUS Service", "Exec", nullptr));
+    if (exec == nullptr) {
+        throw std::runtime_error("the machine's " + name + " names no program");
+    }
+    writeActivation(layout, settingsService, exec.get());
+    write(layout.settingsProfile(), "user-db:user\n");
+}
+
+} // namespace
+
+void writeDeviceFiles(const DeviceLayout& layout, const std::vector<Application>& applications) {
+    fs::remove_all(layout.services());
+    fs::create_directories(layout.services());
+    writeBusConfiguration(layout);
+    writeUsers(layout);
+    writeSettingsService(layout);
+    writeApplications(layout, applications);
+}
+
+} // namespace deskwatch

@@ -1,0 +1,25 @@
+#ifndef DESKWATCH_DEVICE_FILES_H
+#define DESKWATCH_DEVICE_FILES_H
+
+#include <string>
+#include <vector>
+
+#include "device/device_layout.h"
+
+namespace deskwatch {
+
+/// What the bus starts when an application that does not run is needed.
+struct Application {
+    std::string id;
+    /// The program, an absolute path, and its arguments.
+    std::vector<std::string> command;
+};
+
+/// Writes what the device's processes read: the bus configuration, the user database and the activation files, which
+/// replace those of an earlier boot. Throws std::runtime_error when a file cannot be written, a program does not exist
+/// or the machine has no settings service.
+void writeDeviceFiles(const DeviceLayout& layout, const std::vector<Application>& applications);
+
+} // namespace deskwatch
+
+#endif

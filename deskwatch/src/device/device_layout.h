@@ -1,0 +1,57 @@
+#ifndef DESKWATCH_DEVICE_LAYOUT_H
+#define DESKWATCH_DEVICE_LAYOUT_H
+
+#include <filesystem>
+#include <string>
+
+#include "device/environment.h"
+
+namespace deskwatch {
+
+/// Where things are in the folder of a device, and how its processes are told.
+class DeviceLayout {
+public:
+    /// `folder` becomes absolute. Throws std::runtime_error when the device's bus could not be reached there, because
+    /// the path is too long for a socket or holds control characters. Touches nothing.
+    explicit DeviceLayout(const std::filesystem::path& folder);
+
+    const std::filesystem::path& folder() const { return folder_; }
+    std::filesystem::path socket() const { return folder_ / "bus"; }
+    std::filesystem::path busConfiguration() const { return folder_ / "bus.conf"; }
+    std::filesystem::path busRecord() const { return folder_ / "bus.process"; }
+    std::filesystem::path bootLock() const { return folder_ / "boot.lock"; }
+    /// There from the end of a boot on until the watch is switched off.
+    std::filesystem::path bootedMark() const { return folder_ / "booted"; }
+    std::filesystem::path services() const { return folder_ / "services"; }
+    std::filesystem::path config() const { return folder_ / "config"; }
+    std::filesystem::path settingsProfile() const { return config() / "dconf-profile"; }
+    std::filesystem::path settingsDatabase() const { return config() / "dconf" / "user"; }
+    std::filesystem::path run() const { return folder_ / "run"; }
+    std::filesystem::path passwd() const { return folder_ / "passwd"; }
+    std::filesystem::path group() const { return folder_ / "group"; }
+    std::filesystem::path log() const { return folder_ / "log"; }
+    std::filesystem::path internalStorage() const { return folder_ / "storage" / "internal"; }
+    std::filesystem::path externalStorage() const { return folder_ / "storage" / "external"; }
+    std::filesystem::path applicationData(const std::string& id) const { return folder_ / "apps" / id / "data"; }
+
+    /// The address of the device's bus.
+    std::string busAddress() const;
+
+    /// The variables that every process of the device has in common: its bus, its folders, and what a watch takes over
+    /// from the caller.
+    Environment commonEnvironment() const;
+
+    /// The variables that make a process this application.
+    Environment applicationEnvironment(const std::string& id) const;
+
+    /// Makes the folders. Throws std::runtime_error when the folder already holds something else than a device, so that
+    /// a wipe of the device never meets other files.
+    void makeFolders() const;
+
+private:
+    std::filesystem::path folder_;
+};
+
+} // namespace deskwatch
+
+#endif

@@ -1,0 +1,60 @@
+#include "device/first_settings.h"
+
+#include <dconf.h>
+
+#include "TeskConsumerKeys.h"
+
+namespace deskwatch {
+namespace {
+
+struct ChangesetRelease {
+    void operator()(DConfChangeset* changeset) const { dconf_changeset_unref(changeset); }
+};
+
+using ChangesetOwner = std::unique_ptr<DConfChangeset, ChangesetRelease>;
+
+constexpr std::chrono::seconds settingsTimeout{30};
+
+GVariant* intValue(int value) {
+    return g_variant_new_int32(value);
+}
+GVariant* textValue(const std::string& value) {
+    return g_variant_new_string(value.c_str());
+}
+
+void setKey(const ChangesetOwner& changes, const std::string& key, GVariant* value) {
+    dconf_changeset_set(changes.get(), ("/vconf/" + key).c_str(), value);
+}
+
+ChangesetOwner firstChanges(const DeviceState& state, bool fresh) {
+    ChangesetOwner changes(dconf_changeset_new());
+    dconf_changeset_set(changes.get(), "/faults/", nullptr);
+    dconf_changeset_set(changes.get(), "/vconf/memory/", nullptr);
+    setKey(changes, TeskConsumerKeys::tutorialInProgress, intValue(state.tutorial.value_or(false) ? 1 : 0));
+    if (fresh || state.lock) {
+        setKey(changes, TeskConsumerKeys::lockType, intValue(static_cast<int>(state.lock.value_or(Lock::None))));
+    }
+    if (fresh || state.encrypted) {
+        setKey(changes, TeskConsumerKeys::cryptoState,
+               textValue(state.encrypted.value_or(false) ? "encrypted" : "unencrypted"));
+    }
+    if (fresh || state.country) {
+        setKey(changes, TeskConsumerKeys::countryIso, textValue(state.country.value_or("US")));
+    }
+    return changes;
+}
+
+} // namespace
+
+void writeFirstSettings(const BusClient& bus, const DeviceState& state, bool fresh) {
+    // Straight to the writer of the device: the library's own client would look at the bus and the database that this
+    // process's environment names.
+    const auto changes = firstChanges(state, fresh);
+    const VariantOwner serialised(g_variant_ref_sink(dconf_changeset_serialise(changes.get())));
+    GVariant* bytes = g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, g_variant_get_data(serialised.get()),
+                                                g_variant_get_size(serialised.get()), 1);
+    bus.call({"ca.desrt.dconf", "/ca/desrt/dconf/Writer/user", "ca.desrt.dconf.Writer", "Change"},
+             g_variant_new("(@ay)", bytes), settingsTimeout);
+}
+
+} // namespace deskwatch

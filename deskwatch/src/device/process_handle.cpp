@@ -1,0 +1,82 @@
+#include "device/process_handle.h"
+
+#include <poll.h>
+#include <sys/types.h>
+
+// The C library's header declares these functions for C alone before its version 2.37.
+extern "C" {
+#include <sys/pidfd.h>
+}
+
+#include <cerrno>
+#include <csignal>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <system_error>
+
+namespace deskwatch {
+namespace {
+
+std::optional<ProcessIdentity> identityOf(pid_t pid) {
+    std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
+    return parseProcessStat(std::string(std::istreambuf_iterator<char>(file), {}));
+}
+
+} // namespace
+
+std::optional<ProcessIdentity> parseProcessStat(const std::string& text) {
+    // The second field is the program's name in parentheses and may itself hold blanks and parentheses.
+    const auto nameEnd = text.rfind(')');
+    if (nameEnd == std::string::npos) {
+        return std::nullopt;
+    }
+    ProcessIdentity identity;
+    std::istringstream(text) >> identity.pid;
+    std::istringstream fields(text.substr(nameEnd + 1));
+    constexpr int fieldsBeforeStartTime = 19;
+    std::string skipped;
+    for (int field = 0; field < fieldsBeforeStartTime; ++field) {
+        fields >> skipped;
+    }
+    if (!(fields >> identity.startTime) || identity.pid <= 0) {
+        return std::nullopt;
+    }
+    return identity;
+}
+
+std::optional<ProcessHandle> ProcessHandle::open(pid_t pid) {
+    FileDescriptor descriptor(pidfd_open(pid, 0));
+    if (!descriptor.isOpen()) {
+        return std::nullopt;
+    }
+    ProcessHandle handle(pid, std::move(descriptor));
+    // One that has ended and waits for its parent to take notice is no running process.
+    if (handle.waitForEnd(std::chrono::milliseconds::zero())) {
+        return std::nullopt;
+    }
+    return handle;
+}
+
+std::optional<ProcessHandle> ProcessHandle::open(const ProcessIdentity& identity) {
+    // The handle first: what is read afterwards is about the process that the handle holds.
+    auto handle = open(identity.pid);
+    const auto found = handle ? identityOf(identity.pid) : std::nullopt;
+    if (!found || found->startTime != identity.startTime) {
+        return std::nullopt;
+    }
+    return handle;
+}
+
+void ProcessHandle::signal(int number) const {
+    if (pidfd_send_signal(descriptor_.get(), number, nullptr, 0) != 0 && errno != ESRCH) {
+        throw std::system_error(errno, std::generic_category(), "cannot signal process " + std::to_string(pid_));
+    }
+}
+
+bool ProcessHandle::waitForEnd(std::chrono::milliseconds atMost) const {
+    pollfd entry{descriptor_.get(), POLLIN, 0};
+    return poll(&entry, 1, static_cast<int>(atMost.count())) == 1;
+}
+
+} // namespace deskwatch

@@ -1,0 +1,51 @@
+#ifndef DESKWATCH_PROCESS_HANDLE_H
+#define DESKWATCH_PROCESS_HANDLE_H
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include "device/file_descriptor.h"
+
+namespace deskwatch {
+
+/// Names one process for good: a number alone is given to another process some day, the time of its start tells the two
+/// apart.
+struct ProcessIdentity {
+    pid_t pid = 0;
+    /// In clock ticks since the machine started.
+    unsigned long long startTime = 0;
+};
+
+/// Reads the identity out of the text of a /proc/<pid>/stat file; none when the text is not of that form.
+std::optional<ProcessIdentity> parseProcessStat(const std::string& text);
+
+/// A hold on a process that still runs: signals and waiting reach that process and never a later one of its number.
+class ProcessHandle {
+public:
+    /// The process of that number; none when it does not run.
+    static std::optional<ProcessHandle> open(pid_t pid);
+
+    /// The process of that identity; none when it has ended, even when its number is in use again.
+    static std::optional<ProcessHandle> open(const ProcessIdentity& identity);
+
+    pid_t pid() const { return pid_; }
+
+    /// Sends a signal; a process that has ended meanwhile is no error. Throws std::system_error when it is not allowed.
+    void signal(int number) const;
+
+    /// Waits for the end of the process. False when it still runs after that time.
+    bool waitForEnd(std::chrono::milliseconds atMost) const;
+
+private:
+    ProcessHandle(pid_t pid, FileDescriptor descriptor) : pid_(pid), descriptor_(std::move(descriptor)) {}
+
+    pid_t pid_;
+    FileDescriptor descriptor_;
+};
+
+} // namespace deskwatch
+
+#endif

@@ -1,0 +1,85 @@
+#include "device/registry.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+
+#include "device/file_descriptor.h"
+#include "device/glib_owners.h"
+
+namespace deskwatch {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Keeps two commands from changing the list at the same time.
+FileDescriptor lockList(const fs::path& folder) {
+    const fs::path path = folder / "watches.lock";
+    FileDescriptor lock(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    if (!lock.isOpen() || flock(lock.get(), LOCK_EX) != 0) {
+        throw std::system_error(errno, std::generic_category(), "cannot lock " + path.string());
+    }
+    return lock;
+}
+
+void write(const fs::path& file, const std::vector<fs::path>& folders) {
+    std::string text;
+    for (const auto& folder : folders) {
+        text += folder.string() + "\n";
+    }
+    GError* error = nullptr;
+    if (g_file_set_contents(file.c_str(), text.data(), static_cast<gssize>(text.size()), &error) == FALSE) {
+        throw std::runtime_error("cannot write " + file.string() + ": " + takeMessage(error));
+    }
+}
+
+} // namespace
+
+Registry Registry::ofUser() {
+    const char* state = std::getenv("XDG_STATE_HOME");
+    const fs::path folder =
+        state != nullptr && *state == '/' ? fs::path(state) : fs::path(g_get_home_dir()) / ".local" / "state";
+    return Registry(folder / "deskwatch");
+}
+
+void Registry::add(const fs::path& folder) const {
+    change(folder, true);
+}
+
+void Registry::remove(const fs::path& folder) const {
+    change(folder, false);
+}
+
+std::optional<fs::path> Registry::newest() const {
+    const auto all = folders();
+    return all.empty() ? std::nullopt : std::optional(all.back());
+}
+
+std::vector<fs::path> Registry::folders() const {
+    std::vector<fs::path> all;
+    std::ifstream file(folder_ / "watches");
+    for (std::string line; std::getline(file, line);) {
+        all.emplace_back(line);
+    }
+    return all;
+}
+
+void Registry::change(const fs::path& folder, bool isKept) const {
+    fs::create_directories(folder_);
+    const auto lock = lockList(folder_);
+    auto all = folders();
+    all.erase(std::remove(all.begin(), all.end(), folder), all.end());
+    if (isKept) {
+        all.push_back(folder);
+    }
+    write(folder_ / "watches", all);
+}
+
+} // namespace deskwatch

@@ -1,0 +1,47 @@
+#include "explain/device_facts.h"
+
+#include <algorithm>
+
+#include "rules/TeskPolicyTable.h"
+
+namespace deskwatch {
+namespace {
+
+const Value* columnOf(const StoredAccount& account, const char* column) {
+    const auto found = std::find_if(account.begin(), account.end(),
+                                    [column](const NamedValue& value) { return value.name == column; });
+    return found != account.end() ? &found->value : nullptr;
+}
+
+std::shared_ptr<TeskPolicyData> policyRecord(const StoredAccount& account) {
+    auto record = std::make_shared<TeskPolicyData>();
+    for (const auto& number : TeskPolicyTable::numbers) {
+        const int* value = std::get_if<int>(columnOf(account, number.column));
+        (*record).*number.field = value != nullptr ? *value : 0; // as the service takes what is no number
+    }
+    for (const auto& text : TeskPolicyTable::texts) {
+        const auto* value = std::get_if<std::string>(columnOf(account, text.column));
+        (*record).*text.field = value != nullptr ? *value : "";
+    }
+    return record;
+}
+
+} // namespace
+
+SettingValues writtenValues(const TeskPolicySettings& settings, bool isEncrypted) {
+    SettingValues values;
+    std::transform(deviceSettings.begin(), deviceSettings.end(), values.begin(),
+                   [&](const DeviceSetting& setting) { return std::optional(setting.wanted(settings)); });
+    if (!settings.needsEncryptionWrite(isEncrypted)) {
+        values[encryptionSetting].reset();
+    }
+    return values;
+}
+
+TeskPolicyDataList policyRecords(const std::vector<StoredAccount>& accounts) {
+    TeskPolicyDataList records;
+    std::transform(accounts.begin(), accounts.end(), std::back_inserter(records), policyRecord);
+    return records;
+}
+
+} // namespace deskwatch

@@ -1,0 +1,36 @@
+#ifndef DESKWATCH_DEVICE_FACTS_H
+#define DESKWATCH_DEVICE_FACTS_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "explain/device_settings.h"
+#include "rules/TeskPolicyData.h"
+#include "session/value.h"
+
+namespace deskwatch {
+
+/// What decides how a watch takes a policy.
+struct DeviceFacts {
+    /// By account number.
+    TeskPolicyDataList accounts;
+    /// What the device policy manager holds.
+    SettingValues settings;
+    /// 0 none, 1 PIN, more: stronger.
+    int lockType = 0;
+    std::optional<std::string> country;
+    std::optional<std::string> cryptoState;
+    bool isTutorialShown = false;
+    bool isServiceRunning = true;
+
+    int countryMinLength() const { return TeskPolicySettings::countryMinLength(country ? country->c_str() : nullptr); }
+    bool isEncrypted() const { return TeskPolicySettings::isEncrypted(cryptoState ? cryptoState->c_str() : nullptr); }
+};
+
+/// Stored accounts as the records that the service reads them into, in the same order.
+TeskPolicyDataList policyRecords(const std::vector<StoredAccount>& accounts);
+
+} // namespace deskwatch
+
+#endif

@@ -1,0 +1,136 @@
+#include "provisioning/provisioning_document.h"
+
+#include <libxml/parser.h>
+#include <libxml/tree.h>
+
+#include <fstream>
+#include <memory>
+#include <stdexcept>
+
+namespace deskwatch {
+namespace {
+
+constexpr char documentName[] = "EASProvisionDoc";
+constexpr char whiteSpace[] = " \t\r\n";
+
+/// Far beyond any provisioning document, characters.
+constexpr std::size_t largestFile = 1'000'000;
+
+struct ContextFree {
+    void operator()(xmlParserCtxtPtr context) const { xmlFreeParserCtxt(context); }
+};
+
+struct DocumentFree {
+    void operator()(xmlDocPtr document) const { xmlFreeDoc(document); }
+};
+
+struct TextFree {
+    void operator()(xmlChar* text) const { xmlFree(text); }
+};
+
+using Context = std::unique_ptr<xmlParserCtxt, ContextFree>;
+using Document = std::unique_ptr<xmlDoc, DocumentFree>;
+
+std::string trimmed(const std::string& text) {
+    const auto first = text.find_first_not_of(whiteSpace);
+    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(whiteSpace) - first + 1);
+}
+
+[[noreturn]] void refuse(const std::filesystem::path& file, long line, const std::string& reason) {
+    throw std::runtime_error(file.string() + ":" + std::to_string(line) + ": " + reason);
+}
+
+std::string readText(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    std::string text(largestFile + 1, '\0');
+    stream.read(text.data(), static_cast<std::streamsize>(text.size()));
+    if (!stream.is_open() || stream.bad() || std::filesystem::is_directory(file)) {
+        throw std::runtime_error("cannot read " + file.string());
+    }
+    text.resize(static_cast<std::size_t>(stream.gcount()));
+    if (text.size() > largestFile) {
+        throw std::runtime_error(file.string() + " is too large for a provisioning document");
+    }
+    return text;
+}
+
+/// Called where a document type begins: nothing of it is read.
+void stopAtDocumentType(void* parser, const xmlChar* /*name*/, const xmlChar* /*externalId*/,
+                        const xmlChar* /*systemId*/) {
+    auto* const context = static_cast<xmlParserCtxtPtr>(parser);
+    *static_cast<long*>(context->_private) = xmlSAX2GetLineNumber(context);
+    xmlStopParser(context);
+}
+
+Document parse(const std::filesystem::path& file) {
+    const std::string text = readText(file);
+    const Context context(xmlNewParserCtxt());
+    if (context == nullptr) {
+        throw std::runtime_error("cannot read " + file.string() + ": out of memory");
+    }
+    long documentTypeLine = 0;
+    context->_private = &documentTypeLine;
+    context->sax->internalSubset = stopAtDocumentType;
+    constexpr int options =
+        XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NOCDATA | XML_PARSE_BIG_LINES;
+    Document document(
+        xmlCtxtReadMemory(context.get(), text.data(), static_cast<int>(text.size()), nullptr, nullptr, options));
+    if (documentTypeLine != 0) {
+        refuse(file, documentTypeLine, "a document type (<!DOCTYPE) has no place in a provisioning document");
+    }
+    if (document == nullptr) {
+        const xmlError* const error = xmlCtxtGetLastError(context.get());
+        const bool isTold = error != nullptr && error->message != nullptr;
+        refuse(file, error != nullptr ? error->line : 1,
+               "this is no XML: " + (isTold ? trimmed(error->message) : "nothing is in it"));
+    }
+    return document;
+}
+
+std::string nameOf(const xmlNode* node) {
+    return reinterpret_cast<const char*>(node->name);
+}
+
+/// Adds the documents at and below an element. The parser bounds the depth.
+void findDocuments(xmlNode* element, std::vector<xmlNode*>& found) {
+    if (nameOf(element) == documentName) {
+        found.push_back(element);
+        return;
+    }
+    for (auto* child = xmlFirstElementChild(element); child != nullptr; child = xmlNextElementSibling(child)) {
+        findDocuments(child, found);
+    }
+}
+
+ProvisioningElement readElement(xmlNode* node) {
+    ProvisioningElement element;
+    element.name = nameOf(node);
+    element.line = xmlGetLineNo(node);
+    element.isList = xmlFirstElementChild(node) != nullptr;
+    if (!element.isList) {
+        const std::unique_ptr<xmlChar, TextFree> text(xmlNodeGetContent(node));
+        element.value = text != nullptr ? trimmed(reinterpret_cast<const char*>(text.get())) : "";
+    }
+    return element;
+}
+
+} // namespace
+
+std::vector<ProvisioningElement> readProvisioningDocument(const std::filesystem::path& file) {
+    const Document document = parse(file);
+    std::vector<xmlNode*> found;
+    findDocuments(xmlDocGetRootElement(document.get()), found);
+    if (found.empty()) {
+        refuse(file, 1, std::string("this XML holds no ") + documentName);
+    }
+    if (found.size() > 1) {
+        refuse(file, xmlGetLineNo(found[1]), std::string("this is a second ") + documentName);
+    }
+    std::vector<ProvisioningElement> elements;
+    for (auto* child = xmlFirstElementChild(found.front()); child != nullptr; child = xmlNextElementSibling(child)) {
+        elements.push_back(readElement(child));
+    }
+    return elements;
+}
+
+} // namespace deskwatch

@@ -1,0 +1,55 @@
+#ifndef DESKWATCH_PROVISIONING_IMPORT_H
+#define DESKWATCH_PROVISIONING_IMPORT_H
+
+#include <string>
+#include <vector>
+
+#include "provisioning/provisioning_document.h"
+
+namespace deskwatch {
+
+/// What a watch does with an element of a provisioning document.
+enum class Support { Enforced, Stored, NotDeliverable, Unknown };
+
+/// What became of one element.
+struct ImportedElement {
+    ProvisioningElement element;
+    Support support = Support::Unknown;
+    /// The member of the policy set that carries it and its value there; empty for none.
+    std::string member;
+    std::string carried;
+    /// What the reader should know besides; may be empty.
+    std::string remark;
+};
+
+/// The account that a document is for.
+struct ImportTarget {
+    int account = 1;
+    std::string name;
+    /// Whether the limits of a document that requires no password are carried, too. The protocol has clients ignore
+    /// them, but not every mail application does.
+    bool keepsLimits = false;
+};
+
+/// A document as the mail application would hand it to the service.
+struct ProvisioningImport {
+    /// The message, JSON.
+    std::string message;
+    /// In the order of the document.
+    std::vector<ImportedElement> elements;
+};
+
+/// Makes a message of a document's elements. `file` is named in errors. Throws std::runtime_error with the file and the
+/// line of every illegal value.
+ProvisioningImport importProvisioning(const std::string& file, const std::vector<ProvisioningElement>& elements,
+                                      const ImportTarget& target);
+
+/// A line for each element.
+std::string importText(const std::string& file, const ProvisioningImport& import);
+
+/// The same as one JSON object.
+std::string importJson(const std::string& file, const ProvisioningImport& import);
+
+} // namespace deskwatch
+
+#endif

@@ -1,0 +1,64 @@
+#include "recording/bus_monitor.h"
+
+#include <stdexcept>
+
+namespace deskwatch {
+namespace {
+
+constexpr int monitorTimeout = 10'000;
+
+/// Called in the connection's own thread. Keeps every message that comes in, so that nothing here answers it: a monitor
+/// that says something is cut off.
+GDBusMessage* keep(GDBusConnection* /*connection*/, GDBusMessage* message, gboolean isIncoming, gpointer queue) {
+    if (isIncoming == FALSE) {
+        return message;
+    }
+    // the answers to our own calls go on to who waits for them
+    const auto type = g_dbus_message_get_message_type(message);
+    const bool isAnswer = type == G_DBUS_MESSAGE_TYPE_METHOD_RETURN || type == G_DBUS_MESSAGE_TYPE_ERROR;
+    g_async_queue_push(static_cast<GAsyncQueue*>(queue), g_object_ref(message));
+    if (isAnswer) {
+        return message;
+    }
+    g_object_unref(message);
+    return nullptr;
+}
+
+void releaseQueue(gpointer queue) {
+    g_async_queue_unref(static_cast<GAsyncQueue*>(queue));
+}
+
+} // namespace
+
+BusMonitor::BusMonitor(const std::string& address) : messages_(g_async_queue_new_full(g_object_unref)) {
+    GError* error = nullptr;
+    const auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                                         G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+    connection_.reset(g_dbus_connection_new_for_address_sync(address.c_str(), flags, nullptr, nullptr, &error));
+    if (connection_ == nullptr) {
+        throw std::runtime_error("cannot reach the bus at " + address + ": " + takeMessage(error));
+    }
+    filter_ = g_dbus_connection_add_filter(connection_.get(), keep, g_async_queue_ref(messages_.get()), releaseQueue);
+    const VariantOwner answer(g_dbus_connection_call_sync(connection_.get(), "org.freedesktop.DBus",
+                                                          "/org/freedesktop/DBus", "org.freedesktop.DBus.Monitoring",
+                                                          "BecomeMonitor", g_variant_new("(asu)", nullptr, 0U), nullptr,
+                                                          G_DBUS_CALL_FLAGS_NONE, monitorTimeout, nullptr, &error));
+    if (answer == nullptr) {
+        throw std::runtime_error("cannot watch the bus at " + address + ": " + takeMessage(error));
+    }
+}
+
+BusMonitor::~BusMonitor() {
+    if (connection_ != nullptr) {
+        g_dbus_connection_remove_filter(connection_.get(), filter_);
+        g_dbus_connection_close_sync(connection_.get(), nullptr, nullptr);
+    }
+}
+
+ObjectOwner<GDBusMessage> BusMonitor::next(std::chrono::milliseconds atMost) const {
+    const auto wait = std::chrono::duration_cast<std::chrono::microseconds>(atMost).count();
+    return ObjectOwner<GDBusMessage>(
+        static_cast<GDBusMessage*>(g_async_queue_timeout_pop(messages_.get(), static_cast<guint64>(wait))));
+}
+
+} // namespace deskwatch

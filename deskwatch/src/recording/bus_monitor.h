@@ -1,0 +1,39 @@
+#ifndef DESKWATCH_BUS_MONITOR_H
+#define DESKWATCH_BUS_MONITOR_H
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include "device/glib_owners.h"
+
+namespace deskwatch {
+
+/// Sees every message that passes the bus of a watch from now on, in order. Says nothing itself.
+class BusMonitor {
+public:
+    /// Throws std::runtime_error when nobody answers at that address or the bus lets nobody watch.
+    explicit BusMonitor(const std::string& address);
+    ~BusMonitor();
+    BusMonitor(const BusMonitor&) = delete;
+    BusMonitor& operator=(const BusMonitor&) = delete;
+
+    /// The next message, waiting that long for one; null when none came.
+    ObjectOwner<GDBusMessage> next(std::chrono::milliseconds atMost) const;
+
+    /// Whether the bus has gone; what it said before can still be read.
+    bool isClosed() const { return g_dbus_connection_is_closed(connection_.get()) != FALSE; }
+
+private:
+    struct QueueRelease {
+        void operator()(GAsyncQueue* queue) const { g_async_queue_unref(queue); }
+    };
+
+    std::unique_ptr<GAsyncQueue, QueueRelease> messages_;
+    ObjectOwner<GDBusConnection> connection_;
+    guint filter_ = 0;
+};
+
+} // namespace deskwatch
+
+#endif

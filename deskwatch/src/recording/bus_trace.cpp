@@ -1,0 +1,214 @@
+#include "recording/bus_trace.h"
+
+#include <algorithm>
+#include <array>
+
+#include "device/application_ids.h"
+
+namespace deskwatch {
+namespace {
+
+constexpr std::chrono::seconds ownerTimeout{10};
+
+std::string textOf(const char* text) {
+    return text != nullptr ? text : "";
+}
+
+VariantOwner child(GVariant* tuple, gsize index) {
+    return VariantOwner(g_variant_get_child_value(tuple, index));
+}
+
+/// The entries of an a(ss).
+TraceEvent entriesOf(GVariant* list) {
+    TraceEvent entries = TraceEvent::object();
+    GVariantIter iterator;
+    g_variant_iter_init(&iterator, list);
+    const char* key = nullptr;
+    const char* value = nullptr;
+    while (g_variant_iter_next(&iterator, "(&s&s)", &key, &value) != FALSE) {
+        entries[key] = value;
+    }
+    return entries;
+}
+
+TraceEvent valueOf(GVariant* value) {
+    if (value == nullptr) {
+        return nullptr;
+    }
+    if (g_variant_is_of_type(value, G_VARIANT_TYPE_INT32) != FALSE) {
+        return g_variant_get_int32(value);
+    }
+    if (g_variant_is_of_type(value, G_VARIANT_TYPE_STRING) != FALSE) {
+        return g_variant_get_string(value, nullptr);
+    }
+    const MemoryOwner<char> text(g_variant_print(value, FALSE));
+    return {{"value", text.get()}};
+}
+
+bool isBodyOf(GDBusMessage* message, const char* type) {
+    GVariant* body = g_dbus_message_get_body(message);
+    return body != nullptr && g_variant_is_of_type(body, G_VARIANT_TYPE(type)) != FALSE;
+}
+
+bool isKnownApplication(const std::string& name) {
+    return name == ids::service ||
+           std::find(ids::companions.begin(), ids::companions.end(), name) != ids::companions.end();
+}
+
+bool startsWith(const std::string& text, const std::string& start) {
+    return text.compare(0, start.size(), start) == 0;
+}
+
+/// Who registered as administrator is a number of the machine, not of the watch.
+bool isUserNumber(const std::string& key) {
+    return startsWith(key, "/dpm/clients/");
+}
+
+} // namespace
+
+BusTrace::BusTrace(const BusClient& bus, Sink sink) : sink_(std::move(sink)) {
+    for (const auto& name : bus.ownedNames()) {
+        if (!isKnownApplication(name)) {
+            continue;
+        }
+        const auto answer =
+            bus.call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetNameOwner"},
+                     g_variant_new("(s)", name.c_str()), ownerTimeout);
+        const char* owner = nullptr;
+        g_variant_get(answer.get(), "(&s)", &owner);
+        owners_[owner] = name;
+    }
+}
+
+void BusTrace::take(GDBusMessage* message) {
+    switch (g_dbus_message_get_message_type(message)) {
+    case G_DBUS_MESSAGE_TYPE_METHOD_CALL:
+        takeCall(message);
+        break;
+    case G_DBUS_MESSAGE_TYPE_METHOD_RETURN:
+    case G_DBUS_MESSAGE_TYPE_ERROR:
+        takeReply(message);
+        break;
+    case G_DBUS_MESSAGE_TYPE_SIGNAL:
+        takeOwnerChange(message);
+        break;
+    default:
+        break;
+    }
+}
+
+void BusTrace::takeCall(GDBusMessage* message) {
+    const std::string interface = textOf(g_dbus_message_get_interface(message));
+    const std::string member = textOf(g_dbus_message_get_member(message));
+    if (interface == "tesk.host.Application" && member == "Launch" && isBodyOf(message, "(sa(ss)b)")) {
+        takeLaunch(message);
+    } else if (interface == "tesk.host.MessagePort" && member == "Send" && isBodyOf(message, "(ssa(ss))")) {
+        takePortMessage(message);
+    } else if (interface == "ca.desrt.dconf.Writer" && member == "Change" && isBodyOf(message, "(ay)")) {
+        takeChanges(message);
+    }
+}
+
+void BusTrace::takeLaunch(GDBusMessage* message) {
+    GVariant* body = g_dbus_message_get_body(message);
+    const auto extraData = entriesOf(child(body, 1).get());
+    const std::string target = nameOf(g_dbus_message_get_destination(message));
+    if (target == ids::service) {
+        sink_({{"in", "launch"},
+               {"from", g_variant_get_string(child(body, 0).get(), nullptr)},
+               {"extraData", extraData}});
+        return;
+    }
+    const char* sender = g_dbus_message_get_sender(message);
+    if (!isService(sender)) {
+        return;
+    }
+    const bool isReplyWanted = g_variant_get_boolean(child(body, 2).get()) != FALSE;
+    if (isReplyWanted) {
+        waiting_[{sender, g_dbus_message_get_serial(message)}] = target;
+    }
+    sink_({{"out", "launch"}, {"to", target}, {"replyWanted", isReplyWanted}, {"extraData", extraData}});
+}
+
+void BusTrace::takePortMessage(GDBusMessage* message) {
+    GVariant* body = g_dbus_message_get_body(message);
+    const std::string target = nameOf(g_dbus_message_get_destination(message));
+    const TraceEvent port = g_variant_get_string(child(body, 0).get(), nullptr);
+    const TraceEvent entries = entriesOf(child(body, 2).get());
+    if (target == ids::service) {
+        const TraceEvent sender = g_variant_get_string(child(body, 1).get(), nullptr);
+        sink_({{"in", "message"}, {"from", sender}, {"port", port}, {"entries", entries}});
+    } else if (isService(g_dbus_message_get_sender(message))) {
+        sink_({{"out", "message"}, {"to", target}, {"port", port}, {"entries", entries}});
+    }
+}
+
+void BusTrace::takeChanges(GDBusMessage* message) {
+    const bool isOwn = isService(g_dbus_message_get_sender(message));
+    const auto bytes = child(g_dbus_message_get_body(message), 0);
+    const VariantOwner changes(
+        g_variant_ref_sink(g_variant_new_from_data(G_VARIANT_TYPE("a{smv}"), g_variant_get_data(bytes.get()),
+                                                   g_variant_get_size(bytes.get()), FALSE, nullptr, nullptr)));
+    GVariantIter iterator;
+    g_variant_iter_init(&iterator, changes.get());
+    const char* key = nullptr;
+    GVariant* changed = nullptr;
+    while (g_variant_iter_next(&iterator, "{&smv}", &key, &changed) != FALSE) {
+        const VariantOwner value(changed);
+        if (isOwn) {
+            const auto shown = isUserNumber(key) && value != nullptr ? TraceEvent("registered") : valueOf(value.get());
+            sink_({{"out", "write"}, {"key", key}, {"value", shown}});
+        } else if (startsWith(key, "/vconf/")) {
+            sink_({{"in", "key"}, {"key", key}, {"value", valueOf(value.get())}});
+        }
+    }
+}
+
+void BusTrace::takeReply(GDBusMessage* message) {
+    const auto call =
+        waiting_.find({textOf(g_dbus_message_get_destination(message)), g_dbus_message_get_reply_serial(message)});
+    if (call == waiting_.end()) {
+        return;
+    }
+    const std::string application = call->second;
+    waiting_.erase(call);
+    if (isBodyOf(message, "(ia(ss))")) {
+        const auto extraData = entriesOf(child(g_dbus_message_get_body(message), 1).get());
+        sink_({{"in", "reply"}, {"from", application}, {"extraData", extraData}});
+    }
+}
+
+void BusTrace::takeOwnerChange(GDBusMessage* message) {
+    if (textOf(g_dbus_message_get_member(message)) != "NameOwnerChanged" || !isBodyOf(message, "(sss)")) {
+        return;
+    }
+    const char* name = nullptr;
+    const char* before = nullptr;
+    const char* now = nullptr;
+    g_variant_get(g_dbus_message_get_body(message), "(&s&s&s)", &name, &before, &now);
+    if (!isKnownApplication(name)) {
+        return; // a connection, or a name that an application has besides its id
+    }
+    if (*before != '\0') {
+        owners_.erase(before);
+    }
+    if (*now != '\0') {
+        owners_[now] = name;
+    }
+    if (*now != '\0' && *before == '\0') {
+        sink_({{"in", "start"}, {"application", name}});
+    } else if (*now == '\0' && std::string(name) == ids::service) {
+        sink_({{"in", "end"}, {"application", name}});
+    }
+}
+
+std::string BusTrace::nameOf(const char* busName) const {
+    const auto known = owners_.find(textOf(busName));
+    return known != owners_.end() ? known->second : textOf(busName);
+}
+
+bool BusTrace::isService(const char* busName) const {
+    return nameOf(busName) == ids::service;
+}
+
+} // namespace deskwatch

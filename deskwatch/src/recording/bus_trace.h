@@ -1,0 +1,60 @@
+#ifndef DESKWATCH_BUS_TRACE_H
+#define DESKWATCH_BUS_TRACE_H
+
+#include <gio/gio.h>
+#include <nlohmann/json.hpp>
+
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "device/bus_client.h"
+
+namespace deskwatch {
+
+/// Something that came to the service ("in") or that it did ("out"), as one line of a recording:
+///
+///     {"in": "start", "application": ID}                     an application came up
+///     {"in": "end", "application": ID}                       the service ended
+///     {"in": "launch", "from": ID, "extraData": {...}}
+///     {"in": "message", "from": ID, "port": PORT, "entries": {...}}
+///     {"in": "reply", "from": ID, "extraData": {...}}        the answer to a launch request
+///     {"in": "key", "key": PATH, "value": VALUE}             someone else set a key
+///     {"out": "write", "key": PATH, "value": VALUE}          a setting, a key or a preference
+///     {"out": "launch", "to": ID, "replyWanted": BOOL, "extraData": {...}}
+///     {"out": "message", "to": ID, "port": PORT, "entries": {...}}
+using TraceEvent = nlohmann::ordered_json;
+
+/// Makes events of the messages on a bus.
+class BusTrace {
+public:
+    using Sink = std::function<void(const TraceEvent& event)>;
+
+    /// Learns who is on the bus now. The sink gets the events.
+    BusTrace(const BusClient& bus, Sink sink);
+
+    /// Takes the next message of the bus.
+    void take(GDBusMessage* message);
+
+private:
+    void takeCall(GDBusMessage* message);
+    void takeReply(GDBusMessage* message);
+    void takeOwnerChange(GDBusMessage* message);
+    void takeLaunch(GDBusMessage* message);
+    void takePortMessage(GDBusMessage* message);
+    void takeChanges(GDBusMessage* message);
+    std::string nameOf(const char* busName) const;
+    bool isService(const char* busName) const;
+
+    Sink sink_;
+    /// The application behind each connection.
+    std::map<std::string, std::string> owners_;
+    /// The service's launch requests that wait for an answer: its connection and the serial, and who is to answer.
+    std::map<std::pair<std::string, guint32>, std::string> waiting_;
+};
+
+} // namespace deskwatch
+
+#endif

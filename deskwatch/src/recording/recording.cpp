@@ -1,0 +1,128 @@
+#include "recording/recording.h"
+
+#include <sys/signalfd.h>
+
+#include <csignal>
+#include <fstream>
+#include <stdexcept>
+
+#include "TeskConsumerKeys.h"
+#include "device/application_ids.h"
+#include "device/file_descriptor.h"
+#include "recording/bus_monitor.h"
+#include "session/observer.h"
+#include "status/device_status.h"
+
+namespace deskwatch {
+namespace {
+
+constexpr std::chrono::milliseconds lookUp{100};
+constexpr int version = 1;
+
+/// Holds SIGINT and SIGTERM back, so that the end of a recording is a place in the code.
+class EndSignals {
+public:
+    EndSignals() {
+        sigset_t signals;
+        sigemptyset(&signals);
+        sigaddset(&signals, SIGINT);
+        sigaddset(&signals, SIGTERM);
+        pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+        descriptor_ = FileDescriptor(signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC));
+    }
+
+    bool arrived() const {
+        signalfd_siginfo signal{};
+        return read(descriptor_.get(), &signal, sizeof signal) == static_cast<ssize_t>(sizeof signal);
+    }
+
+private:
+    FileDescriptor descriptor_;
+};
+
+TraceEvent header(const DeviceStatus& status) {
+    TraceEvent head{{"recording", version}, {"serviceRunning", status.isServiceRunning}};
+    for (const auto& [name, value] : status.keys) {
+        for (const auto* key : {TeskConsumerKeys::lockType, TeskConsumerKeys::cryptoState, TeskConsumerKeys::countryIso,
+                                TeskConsumerKeys::tutorialInProgress}) {
+            if (name == key && std::holds_alternative<int>(value)) {
+                head[key] = std::get<int>(value);
+            } else if (name == key && std::holds_alternative<std::string>(value)) {
+                head[key] = std::get<std::string>(value);
+            }
+        }
+    }
+    return head;
+}
+
+TraceEvent headerOf(const Device& device) {
+    const auto status = readStatus(DeviceSession(device, observerId));
+    if (!status.accounts.empty()) {
+        throw std::runtime_error("the watch has stored accounts already; a recording begins on one without");
+    }
+    return header(status);
+}
+
+Recording recordingOf(const TraceEvent& head) {
+    if (head.at("recording") != version) {
+        throw std::runtime_error("made by another version");
+    }
+    Recording recording;
+    recording.isServiceRunning = head.at("serviceRunning").get<bool>();
+    recording.device.lock = static_cast<Lock>(head.value(TeskConsumerKeys::lockType, 0));
+    recording.device.encrypted = head.value(TeskConsumerKeys::cryptoState, "") == "encrypted";
+    recording.device.country = head.value(TeskConsumerKeys::countryIso, "");
+    recording.device.tutorial = head.value(TeskConsumerKeys::tutorialInProgress, 0) != 0;
+    return recording;
+}
+
+} // namespace
+
+void record(const Device& device, const std::filesystem::path& file) {
+    const EndSignals signals;
+    const auto head = headerOf(device);
+    std::ofstream stream(file, std::ios::trunc);
+    const auto write = [&](const TraceEvent& line) {
+        stream << line.dump(-1, ' ', false, TraceEvent::error_handler_t::replace) << '\n' << std::flush;
+        if (!stream) {
+            throw std::runtime_error("cannot write " + file.string());
+        }
+    };
+    const BusMonitor monitor(device.busAddress());
+    BusTrace trace(BusClient(device.busAddress()), write);
+    write(head);
+    bool isOver = false;
+    while (!isOver) {
+        isOver = signals.arrived() || monitor.isClosed();
+        while (const auto message = monitor.next(isOver ? std::chrono::milliseconds::zero() : lookUp)) {
+            trace.take(message.get());
+        }
+    }
+}
+
+Recording readRecording(const std::filesystem::path& file) {
+    std::ifstream stream(file);
+    Recording recording;
+    std::string text;
+    std::size_t line = 0;
+    try {
+        while (std::getline(stream, text)) {
+            ++line;
+            const auto event = TraceEvent::parse(text);
+            if (line == 1) {
+                recording = recordingOf(event);
+            } else {
+                recording.events.push_back({event, line});
+            }
+        }
+    } catch (const std::exception& error) {
+        throw std::runtime_error(file.string() + ":" + std::to_string(line) +
+                                 ": no line of a recording: " + error.what());
+    }
+    if (line == 0) {
+        throw std::runtime_error("cannot read a recording in " + file.string());
+    }
+    return recording;
+}
+
+} // namespace deskwatch

@@ -1,0 +1,113 @@
+#include "session/device_session.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <stdexcept>
+
+#include "device/application_ids.h"
+#include "host_bus.h"
+#include "tesk-host-bus.h"
+
+namespace deskwatch {
+namespace {
+
+/// Longer than the bus waits for a program to come up, and than the service waits for a locked database.
+constexpr int settleTimeout = 120'000;
+
+void becomeApplication(const Device& device, const std::string& id) {
+    if (!device.isBooted()) {
+        const std::string folder = device.layout().folder().string();
+        throw std::runtime_error(folder + " is not booted (deskwatch boot " + folder + ")");
+    }
+    for (const auto& [name, value] : device.appEnvironment(id)) {
+        setenv(name.c_str(), value.c_str(), 1);
+    }
+}
+
+// Told before the platform is, which would end the process with words for an application.
+[[noreturn]] void onClosed(GDBusConnection* /*connection*/, gboolean /*remotePeerVanished*/, GError* /*error*/,
+                           gpointer folder) {
+    std::cerr << "deskwatch: " << static_cast<const char*>(folder) << " was switched off\n" << std::flush;
+    _exit(EXIT_FAILURE); // what is registered to run at exit is of no use without the bus
+}
+
+void release(gpointer folder, GClosure* /*closure*/) {
+    g_free(folder);
+}
+
+} // namespace
+
+DeviceSession::DeviceSession(const Device& device, const std::string& applicationId) : device_(device) {
+    becomeApplication(device, applicationId);
+    GError* error = nullptr;
+    // The connection that the platform uses, too: the bus keeps the order of what comes from one connection.
+    connection_.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error));
+    if (connection_ == nullptr) {
+        throw std::runtime_error("cannot reach the bus of " + device.layout().folder().string() + ": " +
+                                 takeMessage(error));
+    }
+    g_dbus_connection_set_exit_on_close(connection_.get(), FALSE);
+    g_signal_connect_data(connection_.get(), "closed", G_CALLBACK(onClosed), g_strdup(device.layout().folder().c_str()),
+                          release, GConnectFlags{});
+}
+
+bool DeviceSession::isRunning(const std::string& id) const {
+    GError* error = nullptr;
+    const VariantOwner answer(g_dbus_connection_call_sync(
+        connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
+        g_variant_new("(s)", id.c_str()), nullptr, G_DBUS_CALL_FLAGS_NONE, settleTimeout, nullptr, &error));
+    if (answer == nullptr) {
+        throw std::runtime_error("the bus does not say whether " + id + " runs: " + takeMessage(error));
+    }
+    gboolean isOwned = FALSE;
+    g_variant_get(answer.get(), "(b)", &isOwned);
+    return isOwned != FALSE;
+}
+
+std::optional<pid_t> DeviceSession::processOf(const std::string& id) const {
+    GError* error = nullptr;
+    const VariantOwner answer(g_dbus_connection_call_sync(
+        connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+        "GetConnectionUnixProcessID", g_variant_new("(s)", id.c_str()), G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE,
+        settleTimeout, nullptr, &error));
+    if (answer == nullptr) {
+        g_clear_error(&error); // nobody has that name
+        return std::nullopt;
+    }
+    guint32 process = 0;
+    g_variant_get(answer.get(), "(u)", &process);
+    return static_cast<pid_t>(process);
+}
+
+std::vector<std::string> DeviceSession::settle(const std::string& id) const {
+    const auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
+                                                    G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS);
+    GError* error = nullptr;
+    const ObjectOwner<TeskHostApplication> proxy(tesk_host_application_proxy_new_sync(
+        connection_.get(), flags, id.c_str(), host_bus::applicationPath, nullptr, &error));
+    char** launched = nullptr;
+    if (proxy == nullptr || tesk_host_application_call_settle_sync(proxy.get(), G_DBUS_CALL_FLAGS_NONE, settleTimeout,
+                                                                   &launched, nullptr, &error) == FALSE) {
+        throw std::runtime_error(id + " does not answer, see " + device_.layout().log().string() + ": " +
+                                 takeMessage(error));
+    }
+    std::vector<std::string> ids;
+    for (char** entry = launched; *entry != nullptr; ++entry) {
+        ids.emplace_back(*entry);
+    }
+    g_strfreev(launched);
+    return ids;
+}
+
+void DeviceSession::settleService() const {
+    if (!isRunning(ids::service)) {
+        return;
+    }
+    for (const auto& id : settle(ids::service)) {
+        settle(id);
+    }
+}
+
+} // namespace deskwatch

@@ -1,0 +1,49 @@
+#ifndef DESKWATCH_DEVICE_SESSION_H
+#define DESKWATCH_DEVICE_SESSION_H
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "device/device.h"
+#include "device/glib_owners.h"
+
+namespace deskwatch {
+
+/// Makes this process an application of a booted watch, and speaks to the others there. The platform's functions then
+/// act as that application; since they remember where they are, a process can be on one watch only.
+class DeviceSession {
+public:
+    /// Throws std::runtime_error when the watch is not booted.
+    DeviceSession(const Device& device, const std::string& applicationId);
+
+    const Device& device() const { return device_; }
+
+    /// Whether an application runs now.
+    bool isRunning(const std::string& id) const;
+
+    /// The process of an application; none when it does not run.
+    std::optional<pid_t> processOf(const std::string& id) const;
+
+    /// Waits until an application, started when it does not run, has handled all that was sent to it, by this process
+    /// before or by the bus ahead of this. Returns the applications whose answer to its launch requests is still out.
+    /// Throws std::runtime_error when the application does not come up, or ends meanwhile.
+    std::vector<std::string> settle(const std::string& id) const;
+
+    /// Waits until the service, when it runs, has handled what came to it before, and until the applications that it
+    /// launched have got their launch requests. Starts nothing. Throws std::runtime_error as settle does.
+    void settleService() const;
+
+    /// The connection of this process as an application.
+    GDBusConnection* connection() const { return connection_.get(); }
+
+private:
+    Device device_;
+    ObjectOwner<GDBusConnection> connection_;
+};
+
+} // namespace deskwatch
+
+#endif

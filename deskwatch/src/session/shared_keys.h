@@ -1,0 +1,31 @@
+#ifndef DESKWATCH_SHARED_KEYS_H
+#define DESKWATCH_SHARED_KEYS_H
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "session/device_session.h"
+#include "session/value.h"
+
+namespace deskwatch {
+
+// The keys that the applications of a watch share, of the watch that this process is on (see DeviceSession).
+
+/// The value of a key; none when it is not set. Throws std::runtime_error when the text is no key.
+Value readKey(const std::string& key);
+
+/// Sets a key to a number or a text. Throws std::runtime_error when the text is no key or the store cannot be written.
+void writeKey(const std::string& key, const Value& value);
+
+/// Tells the values of keys in order, and then each value that a key is set to, until `tell` returns false. Throws
+/// std::runtime_error when one of the texts is no key.
+void followKeys(const std::vector<std::string>& keys,
+                const std::function<bool(const std::string& key, const Value& value)>& tell);
+
+/// A value as one types it: a number when it looks like one, else a text.
+Value typedValue(const std::string& text);
+
+} // namespace deskwatch
+
+#endif

@@ -1,0 +1,141 @@
+#include "status/device_status.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+#include "TeskConsumerKeys.h"
+#include "device/application_ids.h"
+#include "explain/device_facts.h"
+#include "rules/TeskPolicyMerge.h"
+#include "rules/TeskPolicyTable.h"
+#include "session/companion_bus.h"
+#include "session/device_policy.h"
+#include "session/setting_value.h"
+#include "status/policy_database.h"
+#include "tesk-desk-bus.h"
+
+namespace deskwatch {
+namespace {
+
+constexpr int launchesTimeout = 20'000;
+
+constexpr std::array shownKeys{TeskConsumerKeys::passwordPolicyApplied, TeskConsumerKeys::deviceEncryptionApplied,
+                               TeskConsumerKeys::passwordInputFinished, TeskConsumerKeys::lockType,
+                               TeskConsumerKeys::cryptoState,           TeskConsumerKeys::countryIso,
+                               TeskConsumerKeys::tutorialInProgress};
+
+constexpr char enforcingAccountKey[] = "pref/tesk-agent/pwd_enforce_account_id";
+
+std::vector<NamedValue> readKeys(DConfClient* store) {
+    std::vector<NamedValue> keys;
+    keys.reserve(shownKeys.size());
+    for (const auto* key : shownKeys) {
+        keys.push_back({key, readSetting(store, std::string("/vconf/") + key)});
+    }
+    return keys;
+}
+
+ScreenLaunch readLaunch(const std::string& application, GVariant* entry) {
+    ScreenLaunch launch;
+    launch.application = application;
+    const char* caller = nullptr;
+    gboolean waiting = FALSE;
+    GVariantIter* extraData = nullptr;
+    g_variant_get(entry, "(&sba(ss))", &caller, &waiting, &extraData);
+    launch.caller = caller;
+    launch.waiting = waiting != FALSE;
+    const char* key = nullptr;
+    const char* value = nullptr;
+    while (g_variant_iter_next(extraData, "(&s&s)", &key, &value) != FALSE) {
+        launch.extraData.emplace_back(key, value);
+    }
+    g_variant_iter_free(extraData);
+    return launch;
+}
+
+/// Adds what an application that runs was launched with. One that is no stand-in of ours has nothing to tell.
+void readLaunches(const DeviceSession& session, const std::string& application, std::vector<ScreenLaunch>& screens) {
+    const auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
+                                                    G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS);
+    GError* error = nullptr;
+    const ObjectOwner<TeskDeskCompanion> proxy(tesk_desk_companion_proxy_new_sync(
+        session.connection(), flags, application.c_str(), companion_bus::path, nullptr, &error));
+    GVariant* answer = nullptr;
+    if (proxy == nullptr ||
+        tesk_desk_companion_call_launches_sync(proxy.get(), G_DBUS_CALL_FLAGS_NO_AUTO_START, launchesTimeout, &answer,
+                                               nullptr, &error) == FALSE) {
+        g_clear_error(&error);
+        return;
+    }
+    const VariantOwner launches(answer);
+    for (gsize index = 0; index < g_variant_n_children(launches.get()); ++index) {
+        const VariantOwner entry(g_variant_get_child_value(launches.get(), index));
+        screens.push_back(readLaunch(application, entry.get()));
+    }
+}
+
+/// The end of a file that only grows: what the service decided last is there.
+std::string endOf(const std::filesystem::path& file) {
+    constexpr std::streamoff most = 262'144;
+    std::ifstream stream(file, std::ios::binary | std::ios::ate);
+    const std::streamoff size = stream.tellg();
+    stream.seekg(std::max<std::streamoff>(size - most, 0));
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::optional<IdleExit> readIdleExit(const DeviceSession& session) {
+    const auto process = session.processOf(ids::service);
+    const auto log = session.device().layout().log();
+    std::error_code error;
+    const auto changed = std::filesystem::last_write_time(log, error);
+    if (!process || error) {
+        return std::nullopt;
+    }
+    const auto age = std::filesystem::file_time_type::clock::now() - changed;
+    return idleExitOf(endOf(log), *process, std::chrono::duration_cast<std::chrono::seconds>(age));
+}
+
+StoredAccount mergedPolicy(const std::vector<StoredAccount>& accounts) {
+    StoredAccount merged;
+    if (accounts.empty()) {
+        return merged;
+    }
+    const auto policy = TeskPolicyMerge::strongest(policyRecords(accounts));
+    for (const auto& [column, value] : accounts.front()) {
+        const auto* const number =
+            std::find_if(TeskPolicyTable::numbers.begin(), TeskPolicyTable::numbers.end(),
+                         [name = column](const TeskPolicyNumber& row) { return row.column == name; });
+        const bool isMerged = number != TeskPolicyTable::numbers.end() && number->rule != TeskMergeRule::NotMerged;
+        merged.push_back({column, isMerged ? Value(policy.*number->field) : Value()});
+    }
+    return merged;
+}
+
+} // namespace
+
+DeviceStatus readStatus(const DeviceSession& session) {
+    const auto& layout = session.device().layout();
+    const ObjectOwner<DConfClient> store(dconf_client_new());
+    DeviceStatus status;
+    status.folder = layout.folder().string();
+    status.isServiceRunning = session.isRunning(ids::service);
+    status.accounts = readStoredAccounts(layout.applicationData(ids::service) / "dbspace" / ".tesk.db");
+    status.mergedPolicy = mergedPolicy(status.accounts);
+    status.idleExit = readIdleExit(session);
+    status.settings = readDevicePolicy(store.get());
+    status.keys = readKeys(store.get());
+    status.enforcingAccount = {enforcingAccountKey, readSetting(store.get(), std::string("/apps/") + ids::service +
+                                                                                 "/" + enforcingAccountKey)};
+    for (const auto* application : ids::companions) {
+        if (session.isRunning(application)) {
+            readLaunches(session, application, status.screens);
+        }
+    }
+    return status;
+}
+
+} // namespace deskwatch

@@ -1,0 +1,59 @@
+#ifndef DESKWATCH_DEVICE_STATUS_H
+#define DESKWATCH_DEVICE_STATUS_H
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "session/device_session.h"
+#include "session/value.h"
+#include "status/idle_exit.h"
+
+namespace deskwatch {
+
+/// A launch request that an application got.
+struct ScreenLaunch {
+    std::string application;
+    std::string caller;
+    /// Whether the application still owes an answer.
+    bool waiting = false;
+    std::vector<std::pair<std::string, std::string>> extraData;
+};
+
+/// What a watch shows of itself.
+struct DeviceStatus {
+    std::string folder;
+    bool isServiceRunning = false;
+    /// Set while the service is about to end itself.
+    std::optional<IdleExit> idleExit;
+    std::vector<StoredAccount> accounts;
+    /// What the accounts' policies are together, by the accounts' columns; one that is not merged has no value. Empty
+    /// when there is no account.
+    StoredAccount mergedPolicy;
+    /// What the device policy manager holds.
+    std::vector<NamedValue> settings;
+    /// The keys of the settings store that policies are about.
+    std::vector<NamedValue> keys;
+    /// The account that the password is enforced for, as the service noted it.
+    NamedValue enforcingAccount;
+    /// The launch requests of the applications that run, in order within each.
+    std::vector<ScreenLaunch> screens;
+};
+
+/// Looks at a booted watch; starts nothing and changes nothing there. Throws std::runtime_error.
+DeviceStatus readStatus(const DeviceSession& session);
+
+/// The status as tables for a reader. With an earlier one, settings and keys that had another value then are marked
+/// with it.
+std::string statusTables(const DeviceStatus& status, const DeviceStatus* earlier = nullptr);
+
+/// The status as one JSON object.
+std::string statusJson(const DeviceStatus& status);
+
+/// The same on one line.
+std::string statusJsonLine(const DeviceStatus& status);
+
+} // namespace deskwatch
+
+#endif

@@ -1,0 +1,39 @@
+#ifndef DESKWATCH_FOLLOWED_FILE_H
+#define DESKWATCH_FOLLOWED_FILE_H
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+
+#include "device/glib_owners.h"
+
+namespace deskwatch {
+
+/// A file that others append to. News of it comes through the main loop.
+class FollowedFile {
+public:
+    /// Told what was appended.
+    using Listener = std::function<void(const std::string& text)>;
+
+    /// Begins at the file's start; what is there already is told by the first `read`. The file need not exist yet.
+    /// Throws std::runtime_error when it cannot be watched.
+    FollowedFile(const std::filesystem::path& file, Listener listener);
+    ~FollowedFile();
+    FollowedFile(const FollowedFile&) = delete;
+    FollowedFile& operator=(const FollowedFile&) = delete;
+
+    /// Tells what was appended since the last time.
+    void read();
+
+private:
+    static void onChanged(GFileMonitor* monitor, GFile* file, GFile* other, GFileMonitorEvent event, gpointer self);
+
+    std::filesystem::path file_;
+    Listener listener_;
+    std::ifstream stream_;
+    ObjectOwner<GFileMonitor> monitor_;
+};
+
+} // namespace deskwatch
+
+#endif

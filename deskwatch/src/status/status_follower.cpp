@@ -1,0 +1,112 @@
+#include "status/status_follower.h"
+
+#include <dconf.h>
+
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+#include "device/application_ids.h"
+#include "device/glib_owners.h"
+
+namespace deskwatch {
+namespace {
+
+constexpr guint togetherMilliseconds = 50;
+constexpr guint secondMilliseconds = 1000;
+
+class StatusFollower {
+public:
+    StatusFollower(const DeviceSession& session, const std::function<void(const DeviceStatus&)>& show)
+        : session_(session), show_(show) {
+        listenToSettings();
+        listenToBus("org.freedesktop.DBus", "NameOwnerChanged");
+        listenToBus("tesk.desk.Companion", "Changed");
+        const auto& layout = session.device().layout();
+        listenToFile(layout.log());
+        listenToFile(layout.applicationData(ids::service));
+    }
+
+    [[noreturn]] void run() {
+        refresh();
+        while (true) {
+            g_main_context_iteration(nullptr, TRUE);
+            if (isDue_) {
+                refresh();
+            }
+        }
+    }
+
+private:
+    void listenToSettings() {
+        g_signal_connect_swapped(settings_.get(), "changed", G_CALLBACK(onChanged), this);
+        dconf_client_watch_sync(settings_.get(), "/");
+    }
+
+    void listenToBus(const char* interface, const char* signal) {
+        const auto onSignal = [](GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
+                                 gpointer self) { onChanged(self); };
+        g_dbus_connection_signal_subscribe(session_.connection(), nullptr, interface, signal, nullptr, nullptr,
+                                           G_DBUS_SIGNAL_FLAGS_NONE, onSignal, this, nullptr);
+    }
+
+    void listenToFile(const std::filesystem::path& path) {
+        const ObjectOwner<GFile> file(g_file_new_for_path(path.c_str()));
+        GError* error = nullptr;
+        monitors_.emplace_back(g_file_monitor(file.get(), G_FILE_MONITOR_NONE, nullptr, &error));
+        if (monitors_.back() == nullptr) {
+            throw std::runtime_error("cannot watch " + path.string() + ": " + takeMessage(error));
+        }
+        g_signal_connect_swapped(monitors_.back().get(), "changed", G_CALLBACK(onChanged), this);
+    }
+
+    /// The folder is made by the service. A monitor of a folder that is not there yet would look for it now and then.
+    void listenToDatabase() {
+        const auto folder = session_.device().layout().applicationData(ids::service) / "dbspace";
+        if (!isDatabaseHeard_ && std::filesystem::exists(folder)) {
+            listenToFile(folder);
+            isDatabaseHeard_ = true;
+        }
+    }
+
+    void refresh() {
+        isDue_ = false;
+        listenToDatabase();
+        const auto status = readStatus(session_);
+        show_(status);
+        const bool isCounting = status.idleExit && status.idleExit->isExact && status.idleExit->in.count() > 0;
+        if (isCounting && timer_ == 0) {
+            timer_ = g_timeout_add(secondMilliseconds, onTime, this);
+        }
+    }
+
+    static void onChanged(gpointer self) {
+        auto* follower = static_cast<StatusFollower*>(self);
+        if (follower->timer_ != 0) {
+            g_source_remove(follower->timer_);
+        }
+        follower->timer_ = g_timeout_add(togetherMilliseconds, onTime, self);
+    }
+
+    static gboolean onTime(gpointer self) {
+        static_cast<StatusFollower*>(self)->timer_ = 0;
+        static_cast<StatusFollower*>(self)->isDue_ = true;
+        return G_SOURCE_REMOVE;
+    }
+
+    const DeviceSession& session_;
+    const std::function<void(const DeviceStatus&)>& show_;
+    const ObjectOwner<DConfClient> settings_{dconf_client_new()};
+    std::vector<ObjectOwner<GFileMonitor>> monitors_;
+    bool isDatabaseHeard_ = false;
+    bool isDue_ = false;
+    guint timer_ = 0;
+};
+
+} // namespace
+
+void followStatus(const DeviceSession& session, const std::function<void(const DeviceStatus& status)>& show) {
+    StatusFollower(session, show).run();
+}
+
+} // namespace deskwatch

@@ -1,0 +1,138 @@
+#include <algorithm>
+
+#include "status/device_status.h"
+#include "text/text_table.h"
+#include "text/value_output.h"
+
+namespace deskwatch {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json asObject(const std::vector<NamedValue>& values) {
+    Json object = Json::object();
+    for (const auto& [name, value] : values) {
+        object[name] = valueJson(value);
+    }
+    return object;
+}
+
+/// The value that an earlier status had under that name, where it was another one.
+std::string markOf(const NamedValue& now, const std::vector<NamedValue>& earlier) {
+    const auto before =
+        std::find_if(earlier.begin(), earlier.end(), [&](const NamedValue& value) { return value.name == now.name; });
+    const bool isChanged = before != earlier.end() && before->value != now.value;
+    return isChanged ? "* was " + valueText(before->value) : "";
+}
+
+std::string namedValues(const std::vector<NamedValue>& values, const std::vector<NamedValue>& earlier) {
+    std::vector<std::vector<std::string>> rows;
+    rows.reserve(values.size());
+    for (const auto& value : values) {
+        rows.push_back({value.name, valueText(value.value), markOf(value, earlier)});
+    }
+    return textTable(rows);
+}
+
+std::vector<NamedValue> keysOf(const DeviceStatus& status) {
+    auto keys = status.keys;
+    keys.push_back(status.enforcingAccount);
+    return keys;
+}
+
+std::string serviceText(const DeviceStatus& status) {
+    if (!status.isServiceRunning) {
+        return "the service does not run";
+    }
+    if (!status.idleExit) {
+        return "the service runs";
+    }
+    return std::string("the service runs, idle exit ") + (status.idleExit->isExact ? "in " : "within ") +
+           std::to_string(status.idleExit->in.count()) + " s";
+}
+
+/// One column per account: a policy has many fields, a watch few accounts.
+std::string accountTable(const DeviceStatus& status) {
+    const auto& accounts = status.accounts;
+    if (accounts.empty()) {
+        return "  none\n";
+    }
+    std::vector<std::vector<std::string>> rows;
+    for (std::size_t field = 0; field < accounts.front().size(); ++field) {
+        rows.push_back({accounts.front()[field].name});
+        for (const auto& account : accounts) {
+            rows.back().push_back(valueText(account[field].value));
+        }
+        if (field < status.mergedPolicy.size()) {
+            rows.back().push_back(field == 0 ? "merged" : valueText(status.mergedPolicy[field].value));
+        }
+    }
+    return textTable(rows);
+}
+
+std::string screenTable(const std::vector<ScreenLaunch>& screens) {
+    if (screens.empty()) {
+        return "  none\n";
+    }
+    std::string text;
+    for (const auto& screen : screens) {
+        text += "  " + screen.application + ", launched by " + screen.caller +
+                (screen.waiting ? ", which waits for the answer\n" : "\n");
+        std::vector<std::vector<std::string>> rows;
+        for (const auto& [key, value] : screen.extraData) {
+            rows.push_back({"  " + key, value});
+        }
+        text += textTable(rows);
+    }
+    return text;
+}
+
+Json screenJson(const ScreenLaunch& screen) {
+    Json extraData = Json::object();
+    for (const auto& [key, value] : screen.extraData) {
+        extraData[key] = value;
+    }
+    return {{"application", screen.application},
+            {"caller", screen.caller},
+            {"waiting", screen.waiting},
+            {"extraData", extraData}};
+}
+
+Json statusObject(const DeviceStatus& status) {
+    Json object{{"watch", status.folder}, {"serviceRunning", status.isServiceRunning}};
+    object["idleExit"] = status.idleExit
+                             ? Json{{"seconds", status.idleExit->in.count()}, {"exact", status.idleExit->isExact}}
+                             : Json(nullptr);
+    object["accounts"] = Json::array();
+    for (const auto& account : status.accounts) {
+        object["accounts"].push_back(asObject(account));
+    }
+    object["mergedPolicy"] = status.mergedPolicy.empty() ? Json(nullptr) : asObject(status.mergedPolicy);
+    object["settings"] = asObject(status.settings);
+    object["keys"] = asObject(status.keys);
+    object["enforcingAccount"] = valueJson(status.enforcingAccount.value);
+    object["launches"] = Json::array();
+    for (const auto& screen : status.screens) {
+        object["launches"].push_back(screenJson(screen));
+    }
+    return object;
+}
+
+} // namespace
+
+std::string statusTables(const DeviceStatus& status, const DeviceStatus* earlier) {
+    const DeviceStatus& before = earlier != nullptr ? *earlier : status;
+    return "Watch " + status.folder + ", " + serviceText(status) + "\n\nStored accounts\n" + accountTable(status) +
+           "\nSettings of the device policy manager\n" + namedValues(status.settings, before.settings) + "\nKeys\n" +
+           namedValues(keysOf(status), keysOf(before)) + "\nLaunch requests\n" + screenTable(status.screens);
+}
+
+std::string statusJson(const DeviceStatus& status) {
+    return jsonText(statusObject(status), 2) + "\n";
+}
+
+std::string statusJsonLine(const DeviceStatus& status) {
+    return jsonText(statusObject(status)) + "\n";
+}
+
+} // namespace deskwatch

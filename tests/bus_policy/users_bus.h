@@ -1,0 +1,39 @@
+#ifndef POLICY_USERS_BUS_H
+#define POLICY_USERS_BUS_H
+
+#include <sys/types.h>
+
+#include <filesystem>
+#include <string>
+
+#include "bus_daemon.h"
+#include "device/glib_owners.h"
+#include "temporary_folder.h"
+
+namespace policy_test {
+
+/// The users of the bus.
+enum class User : uid_t { Root = 0, Owner = 5001, Other = 65534 };
+
+/// A connection of one user to the bus.
+using Connection = deskwatch::ObjectOwner<GDBusConnection>;
+
+/// A system bus as a device has it, which denies owning and calling by default, with the users of a device. Needs root.
+class UsersBus {
+public:
+    /// Starts it with that bus policy on top, or with none when the path is empty.
+    explicit UsersBus(const std::filesystem::path& policy);
+
+    const std::string& address() const { return daemon_.address(); }
+
+    /// Connects as that user, who is told to the bus by the kernel. Throws std::runtime_error when refused.
+    Connection connect(User user) const;
+
+private:
+    TemporaryFolder folder_;
+    system_test::BusDaemon daemon_;
+};
+
+} // namespace policy_test
+
+#endif
