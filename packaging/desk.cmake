@@ -44,7 +44,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_DESK_PACKAGE_NAME tesk-agent-desk)
 set(CPACK_DEBIAN_DESK_PACKAGE_SECTION devel)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
-set(CPACK_DEBIAN_PACKAGE_MAINTAINER "tesk-agent developers <tesk-agent@velmor.example>")
+set(CPACK_DEBIAN_PACKAGE_MAINTAINER "tesk-agent developers <tesk-agent@invalid.example>")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 # a watch starts these programs
