@@ -1,4 +1,5 @@
-"""Runs the measurements and prints their table: what the service takes, what the least takes, and the ratio."""
+"""Runs the measurements and prints one table: the cost of the service, the limit, and the ratio of the two.
+    report.py FOLDER IDLE-SECONDS     with the folder of the built programs"""
 
 import json
 import os
@@ -9,7 +10,7 @@ import tempfile
 
 PROGRAMS, IDLE_SECONDS = os.path.abspath(sys.argv[1]), sys.argv[2]
 
-# work, stored accounts, rounds that instructions are counted over
+# work, stored accounts, rounds over which instructions are counted
 WORKS = [("update", 1, 40), ("merge", 1, 40), ("merge", 10, 40), ("merge", 100, 20), ("merge", 1000, 8),
          ("merge", 10000, 2), ("decide", 1, 10000)]
 GOALS = {"update": 1.5, "merge": 1.5, "start-up": 1.25, "Private_Dirty": 1.15}
@@ -29,7 +30,7 @@ def instructions_of_run(side, work, accounts, rounds):
 
 
 def instructions(side, work, accounts, rounds):
-    """Of one round: the first one, which opens and warms up, and the start and end of the process cancel out."""
+    """Of one round. The first round, which opens and warms up, cancels out, as do the start and end of the process."""
     first = instructions_of_run(side, work, accounts, 1)
     return (instructions_of_run(side, work, accounts, 1 + rounds) - first) / rounds
 
