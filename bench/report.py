@@ -67,7 +67,7 @@ def report_processes():
     with tempfile.TemporaryDirectory(prefix="tesk-bench.") as folder:
         lines = output_of(f"{PROGRAMS}/bench-processes", PROGRAMS, folder, IDLE_SECONDS).splitlines()
     values = {tuple(line.split()[:2]): float(line.split()[2]) for line in lines if line.count(" ") == 2}
-    for limit, title in (("bare", "bare process"), ("platform", "on the platform")):
+    for limit, title in (("bare", "bare process"), ("platform", "host platform")):
         print()
         header("process", "service", title, "unit", "ratio", "goal")
         goals = GOALS if limit == "bare" else {}
