@@ -1,5 +1,5 @@
-# Debian's cross compiler for 32-bit ARM, with libraries from the folder that packaging/arm/make-sysroot fills and qemu to
-# run what was built.
+# Debian's cross compiler for 32-bit ARM, libraries from the folder that packaging/arm/make-sysroot fills, and qemu to run the
+# result.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
 set(armhf arm-linux-gnueabihf)
@@ -9,10 +9,10 @@ set(CMAKE_C_COMPILER ${armhf}-gcc)
 set(CMAKE_CXX_COMPILER ${armhf}-g++)
 set(CMAKE_LIBRARY_ARCHITECTURE ${armhf})
 
-# GCC 7 changed how some arguments are passed; nothing here was built before it.
+# GCC 7 changed how some arguments are passed and warns of it. Nothing here was built with an older one.
 set(CMAKE_CXX_FLAGS_INIT -Wno-psabi)
 
-# The compiler's own C library stays in use; the folder adds what it does not bring.
+# The C library is the compiler's own; the folder adds the other libraries.
 set(library_folder ${armhf_sysroot}/usr/lib/${armhf})
 set(CMAKE_PREFIX_PATH ${armhf_sysroot}/usr)
 set(CMAKE_EXE_LINKER_FLAGS_INIT -Wl,-rpath-link,${library_folder}:${armhf_sysroot}/lib/${armhf})

@@ -1,5 +1,5 @@
-# The warnings that this project is compiled with: tesk-warnings for every target but the service, whose log macros end in
-# `, ##__VA_ARGS__`, which every compiler of the device knows and strict C++17 does not.
+# The warnings of this project. Every target but the service takes tesk-warnings. The service's log macros end in
+# `, ##__VA_ARGS__`, which every compiler of the device accepts and strict C++17 does not.
 add_library(tesk-service-warnings INTERFACE)
 target_compile_options(tesk-service-warnings INTERFACE
     -Wall -Wextra -Wshadow -Wconversion -Wformat=2 -Wcast-align -Wundef

@@ -1,5 +1,5 @@
-# A Debian package with everything for a watch on the desk. The host platform is private to the programs, which find it
-# beside themselves.
+# A Debian package with everything for a watch on the desk. The host platform is private to the programs, which find it relative
+# to themselves.
 
 install(TARGETS tesk-agent deskwatch RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT desk)
 install(TARGETS tesk-platform LIBRARY DESTINATION ${tesk_library_folder} COMPONENT desk)
@@ -8,7 +8,7 @@ find_program(GZIP gzip REQUIRED)
 configure_file(desk/tesk-agent.1.in ${CMAKE_CURRENT_BINARY_DIR}/tesk-agent.1 @ONLY)
 configure_file(desk/changelog.in ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian @ONLY)
 
-# What deskwatch says of itself is written when it is built.
+# The build has deskwatch write its own manual page and completion.
 set(deskwatch_documents ${PROJECT_BINARY_DIR}/deskwatch)
 
 foreach(text IN ITEMS
@@ -47,12 +47,12 @@ set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "tesk-agent developers <tesk-agent@invalid.example>")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
-# a watch starts these programs
+# a watch runs these programs
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "dbus-daemon, dconf-service, libnss-wrapper")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Exchange policies on a watch without a watch")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Enforce Exchange policies on a watch on the desk")
 set(CPACK_COMPONENT_DESK_DESCRIPTION
-"The service that enforces Exchange ActiveSync policies on a watch, a platform
-for it on Linux, and deskwatch, which boots a watch in a folder, sends it the
-policies of mail accounts and shows what the service makes of them.")
+"The service that enforces Exchange ActiveSync policies on a watch, a host
+platform for it on Linux, and deskwatch, which boots a watch in a folder, sends
+it the policies of mail accounts and shows what the service does with them.")
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 include(CPack)
