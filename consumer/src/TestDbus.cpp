@@ -1,7 +1,6 @@
 #include "TestDbus.h"
 
 #include <gio/gio.h>
-#include <json-glib/json-glib.h>
 
 #include <array>
 #include <cstdint>
@@ -12,6 +11,7 @@
 
 #include "TeskConsumerIpcMgr.h"
 #include "TeskConsumerLog.h"
+#include "msgs/TeskConsumerTestIndication.h"
 
 namespace {
 
@@ -19,12 +19,6 @@ constexpr char busName[] = "tesk.consumer.test";
 constexpr char objectPath[] = "/tesk/consumer/test";
 constexpr char policyFile[] = "/opt/usr/media/policy.json";
 constexpr std::size_t policyLineSize = 4096;
-
-constexpr int testAccountId = 999;
-constexpr char testAccountText[] = "999";
-constexpr char testAccountName[] = "test@tesk.example";
-constexpr int testSequenceId = 999;
-constexpr int alphanumericMode = 64;
 
 constexpr char introspectionXml[] =
     "<node>"
@@ -62,34 +56,14 @@ constexpr char introspectionXml[] =
 /// The parsed introspection data, null while it could not be parsed.
 GDBusNodeInfo* nodeInfo = nullptr;
 
-template <class Object>
-struct Releaser;
-template <>
-struct Releaser<JsonObject> {
-    void operator()(JsonObject* object) const { json_object_unref(object); }
-};
-template <>
-struct Releaser<JsonGenerator> {
-    void operator()(JsonGenerator* generator) const { g_object_unref(generator); }
-};
-template <>
-struct Releaser<JsonNode> {
-    void operator()(JsonNode* node) const { json_node_free(node); }
-};
-template <>
-struct Releaser<gchar> {
+struct Releaser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+    void operator()(GError* error) const { g_error_free(error); }
+    void operator()(GVariant* variant) const { g_variant_unref(variant); }
     void operator()(gchar* text) const { g_free(text); }
 };
-template <>
-struct Releaser<std::FILE> {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-template <>
-struct Releaser<GError> {
-    void operator()(GError* error) const { g_error_free(error); }
-};
 template <class Object>
-using Owned = std::unique_ptr<Object, Releaser<Object>>;
+using Owned = std::unique_ptr<Object, Releaser>;
 
 /// A method that sends a test policy: the field that its argument sets, and what it needs to take effect.
 struct FieldMethod {
@@ -115,73 +89,6 @@ constexpr std::array<FieldMethod, 12> fieldMethods{{
     {"allowTextMessaging", &Data::allowTextMessaging, false, false},
     {"allowWifi", &Data::allowWifi, false, false},
 }};
-
-enum class JsonKind { Flag, Number };
-
-/// A member of the test policy set.
-struct PolicyMember {
-    const char* name;
-    JsonKind kind;
-    std::int32_t TeskPolicyData::*field;
-};
-
-constexpr std::array<PolicyMember, 19> policyMembers{{
-    {"devicePasswordEnabled", JsonKind::Flag, &Data::devicePasswordEnabled},
-    {"allowSimplePassword", JsonKind::Flag, &Data::allowSimplePassword},
-    {"minDevicePasswordLength", JsonKind::Number, &Data::minDevicePasswordLength},
-    {"maxDevicePasswordFailedAttempts", JsonKind::Number, &Data::maxDevicePasswordFailedAttempts},
-    {"minDevicePasswordComplexCharacters", JsonKind::Number, &Data::minDevicePasswordComplexCharacters},
-    {"maxInactivityTimeDeviceLock", JsonKind::Number, &Data::maxInactivityTimeDeviceLock},
-    {"passwordRecoveryEnabled", JsonKind::Flag, &Data::passwordRecoveryEnabled},
-    {"devicePasswordExpiration", JsonKind::Number, &Data::devicePasswordExpiration},
-    {"devicePasswordHistory", JsonKind::Number, &Data::devicePasswordHistory},
-    {"requireDeviceEncryption", JsonKind::Flag, &Data::requireDeviceEncryption},
-    {"allowBluetoothMode", JsonKind::Flag, &Data::allowBluetooth},
-    {"allowBrowser", JsonKind::Flag, &Data::allowBrowser},
-    {"allowCamera", JsonKind::Flag, &Data::allowCamera},
-    {"allowDesktopSync", JsonKind::Flag, &Data::allowDesktopSync},
-    {"allowInternetSharing", JsonKind::Flag, &Data::allowInternetSharing},
-    {"allowPOPIMAPEmail", JsonKind::Flag, &Data::allowPopimapEmail},
-    {"allowStorageCard", JsonKind::Flag, &Data::allowStorageCard},
-    {"allowTextMessaging", JsonKind::Flag, &Data::allowTextMessaging},
-    {"allowWifi", JsonKind::Flag, &Data::allowWifi},
-}};
-
-/// A new policy-set object, which the caller owns.
-JsonObject* newPolicySet(const TeskPolicyData& record) {
-    JsonObject* const policySet = json_object_new();
-    if (record.devicePasswordEnabled == 0) {
-        json_object_set_int_member(policySet, "PasswordMode", 0);
-    } else if (record.alphanumericDevicePasswordRequired != 0) {
-        json_object_set_int_member(policySet, "PasswordMode", alphanumericMode);
-    }
-    for (const auto& member : policyMembers) {
-        const std::int32_t value = record.*member.field;
-        if (member.kind == JsonKind::Flag) {
-            json_object_set_boolean_member(policySet, member.name, value != 0 ? TRUE : FALSE);
-        } else {
-            json_object_set_int_member(policySet, member.name, value);
-        }
-    }
-    return policySet;
-}
-
-/// A new message with one account, which the caller owns.
-Owned<JsonObject> newIndication(const TeskPolicyData& record) {
-    JsonObject* const account = json_object_new();
-    json_object_set_int_member(account, "accountId", testAccountId);
-    json_object_set_string_member(account, "accountName", testAccountName);
-    json_object_set_object_member(account, "policySet", newPolicySet(record));
-
-    JsonArray* const accounts = json_array_new();
-    json_array_add_object_element(accounts, account);
-
-    Owned<JsonObject> envelope(json_object_new());
-    json_object_set_string_member(envelope.get(), "msgId", "email-itpolicy-ind");
-    json_object_set_int_member(envelope.get(), "seqId", testSequenceId);
-    json_object_set_array_member(envelope.get(), "param", accounts);
-    return envelope;
-}
 
 using PolicyLine = std::array<char, policyLineSize>;
 
@@ -234,14 +141,15 @@ void __handleMethodCall(GDBusConnection* /*connection*/, const gchar* /*sender*/
     TESK_INFO("Enter");
     TESK_INFO("TestDbus methodName: [%s]", methodName);
     // the parameters go with the invocation, which the reply releases
-    const std::unique_ptr<GVariant, decltype(&g_variant_unref)> arguments(g_variant_ref(parameters), &g_variant_unref);
-    const std::unique_ptr<gchar, Releaser<gchar>> method(g_strdup(methodName));
+    const Owned<GVariant> arguments(g_variant_ref(parameters));
+    const Owned<gchar> method(g_strdup(methodName));
     g_dbus_method_invocation_return_value(invocation, g_variant_new("(i)", 0));
 
     if (g_strcmp0(method.get(), "ping") == 0) {
         TESK_WARN("Pong. I'm alive!");
     } else if (g_strcmp0(method.get(), "removeAccount") == 0) {
-        TeskConsumerIpcMgr::getInstance()->policyTest("req_delete_account", testAccountText);
+        TeskConsumerIpcMgr::getInstance()->policyTest("req_delete_account",
+                                                      std::to_string(TeskConsumerTestIndication::accountId).c_str());
     } else if (g_strcmp0(method.get(), "usingFile") == 0) {
         sendPolicyFile();
     } else {
@@ -292,15 +200,7 @@ bool TestDbus::init() {
 
 std::string* TestDbus::__getPolicyDataJson(const TeskPolicyData& record) {
     const TeskConsumerTrace trace;
-    const Owned<JsonObject> envelope = newIndication(record);
-    const Owned<JsonNode> root(json_node_new(JSON_NODE_OBJECT));
-    json_node_set_object(root.get(), envelope.get());
-
-    const Owned<JsonGenerator> generator(json_generator_new());
-    json_generator_set_root(generator.get(), root.get());
-    g_object_set(generator.get(), "pretty", FALSE, nullptr);
-    const Owned<gchar> text(json_generator_to_data(generator.get(), nullptr));
-    auto* const json = new (std::nothrow) std::string(text ? text.get() : "");
-    TESK_INFO("toJson: [%s]", text ? text.get() : "");
-    return json;
+    const std::string text = TeskConsumerTestIndication::textOf(record);
+    TESK_INFO("toJson: [%s]", text.c_str());
+    return new (std::nothrow) std::string(text);
 }
