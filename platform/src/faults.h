@@ -10,20 +10,17 @@
 
 namespace host {
 
-/// The errors that this application is to get from the platform, so that one sees what it makes of them. They are
-/// settings below /faults/<application id>/: a function's name, and the code that it answers with the number of the
-/// call that gets it, counted from when the process has learnt of it; 0 is every call.
+/// The errors that an application is to get from the platform, to see how it handles them. They are settings below
+/// /faults/<application id>/: a function's name, and the code that it answers with the number of the call that gets
+/// it, counted from when the process has learnt of it; 0 is every call.
 class Faults {
 public:
-    /// The process's one table. It is empty until it is loaded.
-    static Faults& get();
+    /// Reads the settings, and again after each change.
+    Faults(SettingsStore& store, const std::string& applicationId);
 
-    /// Reads the table, and again after each change. A process without an application id
-    /// has none. Does nothing when it was loaded already.
-    void load(SettingsStore& store);
-
-    /// Takes the news that a setting has changed.
-    void notify(SettingsStore& store, const std::string& path);
+    Faults(const Faults&) = delete;
+    Faults& operator=(const Faults&) = delete;
+    ~Faults();
 
     /// The code that this call of a function answers, if it is to fail.
     std::optional<int> answer(const char* function);
@@ -35,10 +32,12 @@ private:
         int calls = 0;
     };
 
-    void read(SettingsStore& store);
+    void notify(const std::string& path);
+    void read();
 
-    bool isLoaded_ = false;
+    SettingsStore& store_;
     std::string folder_;
+    SettingsStore::Listeners::iterator listener_;
     std::map<std::string, Fault, std::less<>> faults_;
 };
 

@@ -2,6 +2,7 @@
 #define PLATFORM_GUARD_H
 
 #include <exception>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -21,7 +22,22 @@ void report(const std::string& text) noexcept;
 /// Reports the exception that is being handled, as met by the named function.
 void reportException(const char* function) noexcept;
 
-/// The code that this call of a function is to answer instead of doing its work (see Faults), if it is.
+/// The code that this call of a function is to answer instead of doing its work, if it is to fail.
+using FaultSource = std::function<std::optional<int>(const char* function)>;
+
+/// While it lives, guarded functions fail as its source says. A process has at most one.
+class FaultInjection {
+public:
+    explicit FaultInjection(FaultSource source);
+    FaultInjection(const FaultInjection&) = delete;
+    FaultInjection& operator=(const FaultInjection&) = delete;
+    ~FaultInjection();
+
+private:
+    FaultSource source_;
+};
+
+/// What the source of the process's FaultInjection says; nothing when there is none.
 std::optional<int> faultOf(const char* function) noexcept;
 
 /// Runs the body of a C function or callback, unless it is to fail: then it answers the code that was asked for, or

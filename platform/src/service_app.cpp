@@ -8,6 +8,7 @@
 #include "application_object.h"
 #include "bus.h"
 #include "environment.h"
+#include "faults.h"
 #include "guard.h"
 #include "settings_store.h"
 
@@ -103,7 +104,9 @@ void leaveBus(Bus& bus) {
 int runApplication(const service_app_lifecycle_callback_s& callbacks, void* userData) {
     const std::string& id = host::Environment::get().applicationId();
     Bus& bus = Bus::get();
-    host::SettingsStore::get(); // from now on the platform's functions fail where they were told to
+    // From here to the application's end the platform's functions fail where its settings say so.
+    host::Faults faults(host::SettingsStore::get(), id);
+    const host::FaultInjection injection([&](const char* function) { return faults.answer(function); });
     const EndOnSignal onTermination(SIGTERM);
     const EndOnSignal onInterrupt(SIGINT);
     ApplicationObject object(bus, [&](app_control_h request) {

@@ -4,7 +4,6 @@
 
 #include "bus.h"
 #include "bus_values.h"
-#include "faults.h"
 #include "guard.h"
 #include "text.h"
 
@@ -36,7 +35,6 @@ std::string newsOf(const std::string& path) {
 
 SettingsStore& SettingsStore::get() {
     static SettingsStore store;
-    Faults::get().load(store);
     return store;
 }
 
@@ -124,9 +122,8 @@ void SettingsStore::onNews(GDBusConnection* /*connection*/, const char* /*sender
     auto& store = *static_cast<SettingsStore*>(self);
     guarded("news of changed settings", 0, [&] {
         for (const std::string& path : changedPathsOf(arguments)) {
-            Faults::get().notify(store, path);
-            if (store.listener_) {
-                store.listener_(path);
+            for (const Listener& listener : store.listeners_) {
+                listener(path);
             }
         }
         return 0;

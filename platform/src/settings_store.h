@@ -2,6 +2,7 @@
 #define PLATFORM_SETTINGS_STORE_H
 
 #include <functional>
+#include <list>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,6 +21,7 @@ class SettingsStore {
 public:
     /// Told the path that changed: a key, or a folder when everything below it may have changed.
     using Listener = std::function<void(const std::string& path)>;
+    using Listeners = std::list<Listener>;
 
     /// The process's one store. Throws HostError when there is no bus to reach it.
     static SettingsStore& get();
@@ -56,12 +58,17 @@ public:
     void watch(const std::string& key);
     void unwatch(const std::string& key);
 
-    /// Returns when the main loop has the news of every change that was made before, so that it tells the listener
+    /// Returns when the main loop has the news of every change that was made before, so that it tells the listeners
     /// before it does what is added to it now. Waits for the store's writer, which answers a change before it tells it.
     void awaitNews();
 
-    /// Who hears of the changes to watched keys.
-    void setListener(Listener listener) { listener_ = std::move(listener); }
+    /// Adds one who hears of the changes to all watched keys, after those that were added before.
+    Listeners::iterator addListener(Listener listener) {
+        return listeners_.insert(listeners_.end(), std::move(listener));
+    }
+
+    /// Not to be called by a listener.
+    void removeListener(Listeners::iterator listener) { listeners_.erase(listener); }
 
 private:
     SettingsStore();
@@ -72,7 +79,7 @@ private:
     Bus& bus_;
     ObjectPtr<DConfClient> client_;
     guint subscription_ = 0;
-    Listener listener_;
+    Listeners listeners_;
 };
 
 } // namespace host

@@ -40,7 +40,7 @@ VconfWatches& VconfWatches::get() {
 }
 
 VconfWatches::VconfWatches(SettingsStore& store) : store_(store) {
-    store_.setListener([this](const std::string& path) { notify(path); });
+    store_.addListener([this](const std::string& path) { notify(path); });
 }
 
 void VconfWatches::add(const std::string& key, vconf_callback_fn callback, void* userData) {
