@@ -15,8 +15,8 @@
 #include "byte_reader.h"
 #include "fuzz_target.h"
 #include "glib_ptr.h"
-#include "message_ports.h"
-#include "open_ports.h"
+#include "port_exchange.h"
+#include "port_table.h"
 #include "settings_store.h"
 #include "string_map.h"
 #include "text.h"
@@ -43,7 +43,7 @@ void onMessage(int /*id*/, const char* /*sender*/, const char* /*port*/, bool /*
 
 void deliverToPort(const char* port, const char* sender, GVariant* pairs) {
     int messages = 0;
-    host::OpenPorts ports;
+    host::PortTable ports;
     ports.set(portName, onMessage, &messages);
     if (ports.find(port)) {
         ports.deliver(port, sender, pairs);
@@ -143,7 +143,7 @@ void readNames(ByteReader& bytes) {
                                      [](char letter) { return g_ascii_isalnum(letter) || letter == '_'; });
     require(isPlain, "an escaped name is plain");
     require((escaped == host::escapedForBusName(second)) == (first == second), "different names stay different");
-    g_dbus_is_name(host::MessagePorts::busName("com.example.application", first).c_str());
+    g_dbus_is_name(host::PortExchange::busName("com.example.application", first).c_str());
 }
 
 } // namespace

@@ -2,11 +2,11 @@
 
 #include "bundle_handle.h"
 #include "guard.h"
-#include "message_ports.h"
+#include "port_exchange.h"
 #include "text.h"
 
 using host::guarded;
-using host::MessagePorts;
+using host::PortExchange;
 
 namespace {
 
@@ -21,7 +21,7 @@ int message_port_register_local_port(const char* local_port, message_port_messag
         return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
     }
     return guarded<int>("message_port_register_local_port", MESSAGE_PORT_ERROR_IO_ERROR,
-                        [&] { return MessagePorts::get().open(local_port, callback, user_data); });
+                        [&] { return PortExchange::get().open(local_port, callback, user_data); });
 }
 
 int message_port_unregister_local_port(int local_port_id) {
@@ -29,7 +29,7 @@ int message_port_unregister_local_port(int local_port_id) {
         return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
     }
     return guarded<int>("message_port_unregister_local_port", MESSAGE_PORT_ERROR_IO_ERROR,
-                        [&] { return MessagePorts::get().close(local_port_id); });
+                        [&] { return PortExchange::get().close(local_port_id); });
 }
 
 int message_port_check_remote_port(const char* remote_app_id, const char* remote_port, bool* exist) {
@@ -37,7 +37,7 @@ int message_port_check_remote_port(const char* remote_app_id, const char* remote
         return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
     }
     return guarded<int>("message_port_check_remote_port", MESSAGE_PORT_ERROR_IO_ERROR, [&] {
-        *exist = MessagePorts::get().isOpen(remote_app_id, remote_port);
+        *exist = PortExchange::get().isOpen(remote_app_id, remote_port);
         return MESSAGE_PORT_ERROR_NONE;
     });
 }
@@ -47,5 +47,5 @@ int message_port_send_message(const char* remote_app_id, const char* remote_port
         return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
     }
     return guarded<int>("message_port_send_message", MESSAGE_PORT_ERROR_IO_ERROR,
-                        [&] { return MessagePorts::get().send(remote_app_id, remote_port, *message); });
+                        [&] { return PortExchange::get().send(remote_app_id, remote_port, *message); });
 }

@@ -1,5 +1,5 @@
-#ifndef PLATFORM_OPEN_PORTS_H
-#define PLATFORM_OPEN_PORTS_H
+#ifndef PLATFORM_PORT_TABLE_H
+#define PLATFORM_PORT_TABLE_H
 
 #include <map>
 #include <optional>
@@ -10,8 +10,8 @@
 
 namespace host {
 
-/// The message ports that a process has open, and who gets the messages. Knows nothing of the bus.
-class OpenPorts {
+/// The ports that a process has open: their ids and names, and who gets the messages. Knows nothing of the bus.
+class PortTable {
 public:
     bool isEmpty() const { return ports_.empty(); }
 

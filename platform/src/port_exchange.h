@@ -1,30 +1,30 @@
-#ifndef PLATFORM_MESSAGE_PORTS_H
-#define PLATFORM_MESSAGE_PORTS_H
+#ifndef PLATFORM_PORT_EXCHANGE_H
+#define PLATFORM_PORT_EXCHANGE_H
 
 #include <string>
 
 #include "bus.h"
 #include "message_port.h"
-#include "open_ports.h"
 #include "platform-bus.h"
+#include "port_table.h"
 
 namespace host {
 
-/// The message ports that this process has open.
+/// Message ports as they are on the bus: opens this process's ports, finds those of others, and carries the messages.
 ///
-/// An open port is a bus name, made of the application's id and the port's name. So whether a port is open is a
-/// question that the bus daemon answers at once, even about the own process or one that is busy. The messages
-/// themselves are method calls on one object per process.
-class MessagePorts {
+/// An open port is a bus name, made of the application's id and the port's name. So the bus daemon can say at once
+/// whether a port is open, even one of this process or of one that is busy. The messages themselves are method calls on
+/// one object per process.
+class PortExchange {
 public:
-    static MessagePorts& get();
+    static PortExchange& get();
 
     /// The bus name of a port. It may be none, when the application or the port cannot exist.
     static std::string busName(const std::string& application, const std::string& port);
 
-    MessagePorts(const MessagePorts&) = delete;
-    MessagePorts& operator=(const MessagePorts&) = delete;
-    ~MessagePorts();
+    PortExchange(const PortExchange&) = delete;
+    PortExchange& operator=(const PortExchange&) = delete;
+    ~PortExchange();
 
     /// Opens a port, or gives an open one another callback. Returns its id, or a message_port_error_e.
     int open(const std::string& name, message_port_message_cb callback, void* userData);
@@ -39,14 +39,14 @@ public:
     int send(const std::string& application, const std::string& port, const bundle& message);
 
 private:
-    explicit MessagePorts(Bus& bus);
+    explicit PortExchange(Bus& bus);
 
     static gboolean onSend(PlatformBusMessagePort* object, GDBusMethodInvocation* invocation, const char* port,
                            const char* sender, GVariant* message, gpointer self);
 
     Bus& bus_;
     ObjectPtr<PlatformBusMessagePort> skeleton_;
-    OpenPorts ports_;
+    PortTable ports_;
 };
 
 } // namespace host

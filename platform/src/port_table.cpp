@@ -1,4 +1,4 @@
-#include "open_ports.h"
+#include "port_table.h"
 
 #include <algorithm>
 
@@ -7,25 +7,25 @@
 
 namespace host {
 
-std::optional<int> OpenPorts::find(const std::string& name) const {
+std::optional<int> PortTable::find(const std::string& name) const {
     const auto found =
         std::find_if(ports_.begin(), ports_.end(), [&](const auto& entry) { return entry.second.name == name; });
     return found != ports_.end() ? std::optional(found->first) : std::nullopt;
 }
 
-std::optional<std::string> OpenPorts::nameOf(int id) const {
+std::optional<std::string> PortTable::nameOf(int id) const {
     const auto found = ports_.find(id);
     return found != ports_.end() ? std::optional(found->second.name) : std::nullopt;
 }
 
-int OpenPorts::set(const std::string& name, message_port_message_cb callback, void* userData) {
+int PortTable::set(const std::string& name, message_port_message_cb callback, void* userData) {
     const auto present = find(name);
     const int id = present ? *present : ++lastId_;
     ports_[id] = Port{name, callback, userData};
     return id;
 }
 
-void OpenPorts::deliver(const std::string& name, const char* sender, GVariant* message) const {
+void PortTable::deliver(const std::string& name, const char* sender, GVariant* message) const {
     const auto id = find(name);
     if (!id) {
         throw HostError("the port " + name + " is not open");

@@ -1,4 +1,4 @@
-#include "message_ports.h"
+#include "port_exchange.h"
 
 #include "bundle_handle.h"
 #include "environment.h"
@@ -31,24 +31,24 @@ ObjectPtr<PlatformBusMessagePort> portObjectOf(const Bus& bus, const std::string
 
 } // namespace
 
-MessagePorts& MessagePorts::get() {
-    static MessagePorts ports(Bus::get());
-    return ports;
+PortExchange& PortExchange::get() {
+    static PortExchange exchange(Bus::get());
+    return exchange;
 }
 
-std::string MessagePorts::busName(const std::string& application, const std::string& port) {
+std::string PortExchange::busName(const std::string& application, const std::string& port) {
     return application + ".port_" + escapedForBusName(port);
 }
 
-MessagePorts::MessagePorts(Bus& bus) : bus_(bus), skeleton_(platform_bus_message_port_skeleton_new()) {
+PortExchange::PortExchange(Bus& bus) : bus_(bus), skeleton_(platform_bus_message_port_skeleton_new()) {
     g_signal_connect(skeleton_.get(), "handle-send", G_CALLBACK(onSend), this);
 }
 
-MessagePorts::~MessagePorts() {
+PortExchange::~PortExchange() {
     g_signal_handlers_disconnect_by_data(skeleton_.get(), this);
 }
 
-int MessagePorts::open(const std::string& name, message_port_message_cb callback, void* userData) {
+int PortExchange::open(const std::string& name, message_port_message_cb callback, void* userData) {
     if (ports_.find(name)) {
         return ports_.set(name, callback, userData);
     }
@@ -70,7 +70,7 @@ int MessagePorts::open(const std::string& name, message_port_message_cb callback
     return ports_.set(name, callback, userData);
 }
 
-int MessagePorts::close(int id) {
+int PortExchange::close(int id) {
     const auto name = ports_.nameOf(id);
     if (!name) {
         return MESSAGE_PORT_ERROR_PORT_NOT_FOUND;
@@ -83,11 +83,11 @@ int MessagePorts::close(int id) {
     return MESSAGE_PORT_ERROR_NONE;
 }
 
-bool MessagePorts::isOpen(const std::string& application, const std::string& port) {
+bool PortExchange::isOpen(const std::string& application, const std::string& port) {
     return bus_.hasOwner(busName(application, port));
 }
 
-int MessagePorts::send(const std::string& application, const std::string& port, const bundle& message) {
+int PortExchange::send(const std::string& application, const std::string& port, const bundle& message) {
     if (!isUtf8(port) || !message.pairs.isUtf8()) {
         return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
     }
@@ -102,10 +102,10 @@ int MessagePorts::send(const std::string& application, const std::string& port, 
     return MESSAGE_PORT_ERROR_NONE;
 }
 
-gboolean MessagePorts::onSend(PlatformBusMessagePort* object, GDBusMethodInvocation* invocation, const char* port,
+gboolean PortExchange::onSend(PlatformBusMessagePort* object, GDBusMethodInvocation* invocation, const char* port,
                               const char* sender, GVariant* message, gpointer self) {
     try {
-        static_cast<MessagePorts*>(self)->ports_.deliver(port, sender, message);
+        static_cast<PortExchange*>(self)->ports_.deliver(port, sender, message);
         platform_bus_message_port_complete_send(object, invocation);
     } catch (const std::exception& error) {
         g_dbus_method_invocation_return_dbus_error(invocation, "tesk.host.Error.PortNotFound", error.what());
