@@ -13,8 +13,8 @@
 #include "bundle.h"
 #include "bus_values.h"
 #include "byte_reader.h"
+#include "c_owners.h"
 #include "fuzz_target.h"
-#include "glib_ptr.h"
 #include "port_exchange.h"
 #include "port_table.h"
 #include "settings_store.h"
@@ -77,7 +77,7 @@ void readPairs(GVariant* pairs) {
     deliverToPort(portName, "com.example.sender", pairs);
     readLaunch(pairs);
     require(map.isUtf8(), "what came over the bus can go over it again");
-    const host::VariantPtr again(g_variant_ref_sink(map.toVariant()));
+    const c::VariantOwner again(g_variant_ref_sink(map.toVariant()));
     require(host::StringMap(again.get()).pairs() == map.pairs(), "pairs survive the way over the bus");
 }
 
@@ -101,18 +101,18 @@ void readArguments(GVariant* arguments) {
         const char* sender = nullptr;
         GVariant* pairs = nullptr;
         g_variant_get(arguments, "(&s&s@a(ss))", &port, &sender, &pairs);
-        const host::VariantPtr owner(pairs);
+        const c::VariantOwner owner(pairs);
         deliverToPort(port, sender, pairs);
     }
     for (gsize i = 0; i < g_variant_n_children(arguments); ++i) {
-        const host::VariantPtr argument(g_variant_get_child_value(arguments, i));
+        const c::VariantOwner argument(g_variant_get_child_value(arguments, i));
         readValue(argument.get());
     }
 }
 
 void readBusMessage(ByteReader& bytes) {
     std::string blob = bytes.rest();
-    const host::ObjectPtr<GDBusMessage> message(g_dbus_message_new_from_blob(
+    const c::ObjectOwner<GDBusMessage> message(g_dbus_message_new_from_blob(
         reinterpret_cast<guchar*>(blob.data()), blob.size(), G_DBUS_CAPABILITY_FLAGS_NONE, nullptr));
     GVariant* const arguments = message != nullptr ? g_dbus_message_get_body(message.get()) : nullptr;
     if (arguments != nullptr) {
@@ -127,8 +127,7 @@ void readStoredValue(ByteReader& bytes) {
     const std::string content = bytes.rest();
     const std::unique_ptr<GBytes, decltype(&g_bytes_unref)> owner(g_bytes_new(content.data(), content.size()),
                                                                   &g_bytes_unref);
-    const host::VariantPtr value(
-        g_variant_ref_sink(g_variant_new_from_bytes(G_VARIANT_TYPE(type), owner.get(), FALSE)));
+    const c::VariantOwner value(g_variant_ref_sink(g_variant_new_from_bytes(G_VARIANT_TYPE(type), owner.get(), FALSE)));
     readValue(value.get());
 }
 

@@ -8,7 +8,7 @@ void answerLaunch(GDBusMethodInvocation* invocation, app_control_result_e result
     platform_bus_application_complete_launch(nullptr, invocation, result, data.toVariant());
 }
 
-void AnswerCancelled::operator()(GDBusMethodInvocation* invocation) const {
+void cancelLaunch(GDBusMethodInvocation* invocation) {
     answerLaunch(invocation, APP_CONTROL_RESULT_CANCELED, StringMap());
 }
 

@@ -7,7 +7,7 @@
 #include <unordered_map>
 
 #include "app_control.h"
-#include "glib_ptr.h"
+#include "c_owners.h"
 #include "string_map.h"
 
 namespace host {
@@ -15,13 +15,11 @@ namespace host {
 /// Answers a launch request.
 void answerLaunch(GDBusMethodInvocation* invocation, app_control_result_e result, const StringMap& data);
 
-/// What becomes of a request that nobody answered: its sender hears that it was cancelled.
-struct AnswerCancelled {
-    void operator()(GDBusMethodInvocation* invocation) const;
-};
+/// Tells the sender of a launch request that it was cancelled.
+void cancelLaunch(GDBusMethodInvocation* invocation);
 
-/// The right to answer a launch request, once.
-using PendingAnswer = std::unique_ptr<GDBusMethodInvocation, AnswerCancelled>;
+/// The right to answer a launch request, once. A request that nobody answers is cancelled.
+using PendingAnswer = c::Owner<GDBusMethodInvocation, cancelLaunch>;
 
 } // namespace host
 

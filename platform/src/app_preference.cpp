@@ -41,7 +41,7 @@ int getPreference(const char* function, const char* key, const GVariantType* typ
         if (path.empty()) {
             return PREFERENCE_ERROR_INVALID_PARAMETER;
         }
-        const host::VariantPtr value = SettingsStore::get().read(path);
+        const c::VariantOwner value = SettingsStore::get().read(path);
         if (value == nullptr) {
             return PREFERENCE_ERROR_NO_KEY;
         }

@@ -34,7 +34,7 @@ private:
     static gboolean answerSettle(gpointer invocation);
 
     Handler handler_;
-    ObjectPtr<PlatformBusApplication> skeleton_;
+    c::ObjectOwner<PlatformBusApplication> skeleton_;
 };
 
 } // namespace host

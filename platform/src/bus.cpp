@@ -25,9 +25,9 @@ void onClosed(GDBusConnection* /*connection*/, gboolean /*remotePeerVanished*/, 
     endProcess(error != nullptr ? error->message : "it was closed");
 }
 
-ObjectPtr<GDBusConnection> connect() {
+c::ObjectOwner<GDBusConnection> connect() {
     g_autoptr(GError) error = nullptr;
-    ObjectPtr<GDBusConnection> connection(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error));
+    c::ObjectOwner<GDBusConnection> connection(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error));
     if (connection == nullptr) {
         throw HostError(std::string("cannot connect to the device's bus (DBUS_SESSION_BUS_ADDRESS): ") +
                         error->message);
@@ -52,16 +52,17 @@ Bus::~Bus() {
 }
 
 // A proxy of the daemon would cost three round trips at every start.
-VariantPtr Bus::ask(const char* method, GVariant* arguments, const char* answerType, int timeout,
-                    GError** error) const {
-    return VariantPtr(g_dbus_connection_call_sync(connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus",
-                                                  "org.freedesktop.DBus", method, arguments, G_VARIANT_TYPE(answerType),
-                                                  G_DBUS_CALL_FLAGS_NONE, timeout, nullptr, error));
+c::VariantOwner Bus::ask(const char* method, GVariant* arguments, const char* answerType, int timeout,
+                         GError** error) const {
+    return c::VariantOwner(g_dbus_connection_call_sync(
+        connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method, arguments,
+        G_VARIANT_TYPE(answerType), G_DBUS_CALL_FLAGS_NONE, timeout, nullptr, error));
 }
 
-VariantPtr Bus::demand(const char* method, GVariant* arguments, const char* answerType, const std::string& what) const {
+c::VariantOwner Bus::demand(const char* method, GVariant* arguments, const char* answerType,
+                            const std::string& what) const {
     g_autoptr(GError) error = nullptr;
-    VariantPtr answer = ask(method, arguments, answerType, libraryTimeout, &error);
+    c::VariantOwner answer = ask(method, arguments, answerType, libraryTimeout, &error);
     if (answer == nullptr) {
         check(error);
         throw HostError("cannot " + what + ": " + error->message);
@@ -78,7 +79,7 @@ void Bus::release(const char* method, GVariant* arguments, const char* answerTyp
 }
 
 bool Bus::requestName(const std::string& name) {
-    const VariantPtr answer =
+    const c::VariantOwner answer =
         demand("RequestName", g_variant_new("(su)", name.c_str(), doNotQueue), "(u)", "take the bus name " + name);
     guint outcome = 0;
     g_variant_get(answer.get(), "(u)", &outcome);
@@ -104,7 +105,7 @@ bool Bus::hasOwner(const std::string& name) {
     if (!g_dbus_is_name(name.c_str())) {
         return false;
     }
-    const VariantPtr answer =
+    const c::VariantOwner answer =
         demand("NameHasOwner", g_variant_new("(s)", name.c_str()), "(b)", "ask the bus daemon who owns " + name);
     gboolean owned = FALSE;
     g_variant_get(answer.get(), "(b)", &owned);
@@ -112,10 +113,11 @@ bool Bus::hasOwner(const std::string& name) {
 }
 
 bool Bus::isActivatable(const std::string& name) {
-    const VariantPtr answer = demand("ListActivatableNames", nullptr, "(as)", "ask the bus daemon what it can start");
+    const c::VariantOwner answer =
+        demand("ListActivatableNames", nullptr, "(as)", "ask the bus daemon what it can start");
     char** names = nullptr;
     g_variant_get(answer.get(), "(^as)", &names);
-    const TextListPtr owner(names);
+    const c::TextListOwner owner(names);
     return g_strv_contains(names, name.c_str()) != FALSE;
 }
 

@@ -4,7 +4,7 @@
 #include <set>
 #include <string>
 
-#include "glib_ptr.h"
+#include "c_owners.h"
 
 namespace host {
 
@@ -56,10 +56,12 @@ private:
     Bus();
 
     /// Asks the daemon. Null when it answers no value of the type within the timeout, in milliseconds.
-    VariantPtr ask(const char* method, GVariant* arguments, const char* answerType, int timeout, GError** error) const;
+    c::VariantOwner ask(const char* method, GVariant* arguments, const char* answerType, int timeout,
+                        GError** error) const;
 
     /// Asks the daemon for what has to be. Throws HostError, which says that it cannot do `what`.
-    VariantPtr demand(const char* method, GVariant* arguments, const char* answerType, const std::string& what) const;
+    c::VariantOwner demand(const char* method, GVariant* arguments, const char* answerType,
+                           const std::string& what) const;
 
     /// Gives back what the daemon holds for this process; that it cannot do `what` is reported.
     void release(const char* method, GVariant* arguments, const char* answerType, const std::string& what) const;
@@ -67,7 +69,7 @@ private:
     /// Ends the process when the error means that the connection is gone.
     void check(const GError* error) const;
 
-    ObjectPtr<GDBusConnection> connection_;
+    c::ObjectOwner<GDBusConnection> connection_;
     std::set<std::string> names_;
 };
 

@@ -1,5 +1,7 @@
 #include "bus_values.h"
 
+#include "c_owners.h"
+
 namespace host {
 namespace {
 
@@ -40,9 +42,10 @@ std::vector<std::string> changedPathsOf(GVariant* arguments) {
     std::vector<std::string> paths;
     if (isOf(arguments, G_VARIANT_TYPE("(sass)"))) {
         const char* prefix = nullptr;
-        g_autoptr(GVariantIter) changes = nullptr;
-        g_variant_get(arguments, "(&sass)", &prefix, &changes, nullptr);
-        for (const char* change = nullptr; g_variant_iter_next(changes, "&s", &change);) {
+        GVariantIter* iterator = nullptr;
+        g_variant_get(arguments, "(&sass)", &prefix, &iterator, nullptr);
+        const c::Owner<GVariantIter, g_variant_iter_free> changes(iterator);
+        for (const char* change = nullptr; g_variant_iter_next(changes.get(), "&s", &change);) {
             paths.push_back(std::string(prefix) + change);
         }
     }

@@ -8,16 +8,12 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
 #include <string>
 
+#include "c_owners.h"
 #include "guard.h"
 
 namespace {
-
-struct CFree {
-    void operator()(char* text) const { std::free(text); }
-};
 
 struct Level {
     int priority;
@@ -123,7 +119,7 @@ int __dlog_print(log_id_t log_id, int prio, const char* tag, const char* fmt, ..
         va_start(arguments, fmt);
         const int length = vasprintf(&text, fmt, arguments);
         va_end(arguments);
-        const std::unique_ptr<char, CFree> owner(length < 0 ? nullptr : text);
+        const c::Owner<char, std::free> owner(length < 0 ? nullptr : text);
         result = host::guarded("__dlog_print", -ENOMEM, [&] {
             return owner != nullptr ? writeText(*level, tag != nullptr ? tag : "", owner.get()) : -ENOMEM;
         });

@@ -20,7 +20,7 @@ std::string clientPath(const char* name, uid_t uid) {
 }
 
 bool isRegistered(const std::string& path, uid_t uid) {
-    const host::VariantPtr user = SettingsStore::get().read(path);
+    const c::VariantOwner user = SettingsStore::get().read(path);
     return user != nullptr && g_variant_is_of_type(user.get(), G_VARIANT_TYPE_UINT32) &&
            g_variant_get_uint32(user.get()) == uid;
 }

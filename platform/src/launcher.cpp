@@ -101,7 +101,7 @@ void Launcher::dispatch(Launch& launch) {
     constexpr auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
                                                         G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS |
                                                         G_DBUS_PROXY_FLAGS_DO_NOT_AUTO_START_AT_CONSTRUCTION);
-    const ObjectPtr<PlatformBusApplication> target(platform_bus_application_proxy_new_sync(
+    const c::ObjectOwner<PlatformBusApplication> target(platform_bus_application_proxy_new_sync(
         bus_.connection(), flags, launch.target().c_str(), host_bus::applicationPath, nullptr, &error));
     if (target == nullptr) {
         throw HostError("cannot speak to " + launch.target() + ": " + error->message);
@@ -133,7 +133,7 @@ void Launcher::answered(Launch* launch, PlatformBusApplication* proxy, GAsyncRes
     gint result = APP_CONTROL_RESULT_FAILED;
     GVariant* data = nullptr;
     platform_bus_application_call_launch_finish(proxy, &result, &data, outcome, &error);
-    const VariantPtr owner(data);
+    const c::VariantOwner owner(data);
     // The request went to the process that owned the id a moment ago. If that one is gone without having got it, the
     // bus daemon can start the next one.
     if (neverArrived(error) && !std::exchange(launch->isRepeated, true)) {

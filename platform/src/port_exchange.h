@@ -45,7 +45,7 @@ private:
                            const char* sender, GVariant* message, gpointer self);
 
     Bus& bus_;
-    ObjectPtr<PlatformBusMessagePort> skeleton_;
+    c::ObjectOwner<PlatformBusMessagePort> skeleton_;
     PortTable ports_;
 };
 

@@ -1,11 +1,12 @@
 #ifndef PLATFORM_PORT_TABLE_H
 #define PLATFORM_PORT_TABLE_H
 
+#include <glib.h>
+
 #include <map>
 #include <optional>
 #include <string>
 
-#include "glib_ptr.h"
 #include "message_port.h"
 
 namespace host {

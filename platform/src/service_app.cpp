@@ -7,6 +7,7 @@
 
 #include "application_object.h"
 #include "bus.h"
+#include "c_owners.h"
 #include "environment.h"
 #include "faults.h"
 #include "guard.h"
@@ -30,18 +31,17 @@ public:
 
     MainLoop(const MainLoop&) = delete;
     MainLoop& operator=(const MainLoop&) = delete;
-    ~MainLoop() { g_main_loop_unref(loop_); }
 
     bool isEnding() const { return isEnding_; }
 
     void end() {
         isEnding_ = true;
-        g_main_loop_quit(loop_);
+        g_main_loop_quit(loop_.get());
     }
 
     void run() {
         if (!isEnding_) {
-            g_main_loop_run(loop_);
+            g_main_loop_run(loop_.get());
         }
     }
 
@@ -55,14 +55,14 @@ public:
     }
 
 private:
-    MainLoop() : loop_(g_main_loop_new(nullptr, FALSE)) {}
+    MainLoop() = default;
 
     static gboolean setTrue(gpointer flag) {
         *static_cast<bool*>(flag) = true;
         return G_SOURCE_REMOVE;
     }
 
-    GMainLoop* loop_;
+    c::MainLoopOwner loop_{g_main_loop_new(nullptr, FALSE)};
     bool isEnding_ = false;
 };
 

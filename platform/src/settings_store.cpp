@@ -54,8 +54,8 @@ bool SettingsStore::isKey(const std::string& path) {
     return isUtf8(path) && dconf_is_key(path.c_str(), nullptr);
 }
 
-VariantPtr SettingsStore::read(const std::string& key) {
-    return VariantPtr(dconf_client_read(client_.get(), key.c_str()));
+c::VariantOwner SettingsStore::read(const std::string& key) {
+    return c::VariantOwner(dconf_client_read(client_.get(), key.c_str()));
 }
 
 std::optional<int> SettingsStore::readInt(const std::string& key) {
@@ -79,22 +79,22 @@ void SettingsStore::remove(const std::string& key) {
 
 void SettingsStore::replaceFolder(const std::string& folder, const std::string& key, GVariant* value) {
     g_autoptr(GError) error = nullptr;
-    g_autoptr(DConfChangeset) changes = dconf_changeset_new();
+    const c::Owner<DConfChangeset, dconf_changeset_unref> changes(dconf_changeset_new());
     // One by one: with the reset of a whole folder in the same change, the store drops the new value too.
     int count = 0;
-    const TextListPtr names(dconf_client_list(client_.get(), folder.c_str(), &count));
+    const c::TextListOwner names(dconf_client_list(client_.get(), folder.c_str(), &count));
     for (int i = 0; i < count; ++i) {
-        dconf_changeset_set(changes, (folder + names.get()[i]).c_str(), nullptr);
+        dconf_changeset_set(changes.get(), (folder + names.get()[i]).c_str(), nullptr);
     }
-    dconf_changeset_set(changes, key.c_str(), value);
-    if (!dconf_client_change_sync(client_.get(), changes, nullptr, nullptr, &error)) {
+    dconf_changeset_set(changes.get(), key.c_str(), value);
+    if (!dconf_client_change_sync(client_.get(), changes.get(), nullptr, nullptr, &error)) {
         throw HostError("cannot replace the settings in " + folder + ": " + error->message);
     }
 }
 
 std::vector<std::string> SettingsStore::list(const std::string& folder) {
     int length = 0;
-    const TextListPtr names(dconf_client_list(client_.get(), folder.c_str(), &length));
+    const c::TextListOwner names(dconf_client_list(client_.get(), folder.c_str(), &length));
     return {names.get(), names.get() + length};
 }
 
@@ -112,9 +112,9 @@ void SettingsStore::unwatch(const std::string& key) {
 
 // A writer that does not run, or not any more, has nothing to tell.
 void SettingsStore::awaitNews() {
-    const VariantPtr answer(g_dbus_connection_call_sync(bus_.connection(), writerName, writerPath, writerInterface,
-                                                        "Init", nullptr, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, -1,
-                                                        nullptr, nullptr));
+    const c::VariantOwner answer(g_dbus_connection_call_sync(bus_.connection(), writerName, writerPath, writerInterface,
+                                                             "Init", nullptr, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START,
+                                                             -1, nullptr, nullptr));
 }
 
 void SettingsStore::onNews(GDBusConnection* /*connection*/, const char* /*sender*/, const char* /*path*/,

@@ -34,7 +34,7 @@ public:
     static bool isKey(const std::string& path);
 
     /// The value of a key, or null.
-    VariantPtr read(const std::string& key);
+    c::VariantOwner read(const std::string& key);
 
     std::optional<int> readInt(const std::string& key);
     std::optional<std::string> readText(const std::string& key);
@@ -77,7 +77,7 @@ private:
                        const char* signal, GVariant* arguments, gpointer self);
 
     Bus& bus_;
-    ObjectPtr<DConfClient> client_;
+    c::ObjectOwner<DConfClient> client_;
     guint subscription_ = 0;
     Listeners listeners_;
 };

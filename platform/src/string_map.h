@@ -1,11 +1,11 @@
 #ifndef PLATFORM_STRING_MAP_H
 #define PLATFORM_STRING_MAP_H
 
+#include <glib.h>
+
 #include <list>
 #include <string>
 #include <utility>
-
-#include "glib_ptr.h"
 
 namespace host {
 
