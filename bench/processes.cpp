@@ -14,13 +14,13 @@
 #include <stdexcept>
 #include <thread>
 
+#include "c_owners.h"
 #include "device/bus_client.h"
 #include "device/device.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using deskwatch::ObjectOwner;
 using Clock = std::chrono::steady_clock;
 
 constexpr char serviceId[] = "com.velmor.tesk-agent";
@@ -68,14 +68,14 @@ private:
     guint watch_;
 };
 
-ObjectOwner<GDBusConnection> connect(const std::string& address) {
+c::ObjectOwner<GDBusConnection> connect(const std::string& address) {
     GError* error = nullptr;
     const auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    ObjectOwner<GDBusConnection> connection(
+    c::ObjectOwner<GDBusConnection> connection(
         g_dbus_connection_new_for_address_sync(address.c_str(), flags, nullptr, nullptr, &error));
     if (connection == nullptr) {
-        throw std::runtime_error("bench: no bus at " + address + ": " + deskwatch::takeMessage(error));
+        throw std::runtime_error("bench: no bus at " + address + ": " + c::takeMessage(error));
     }
     return connection;
 }
@@ -98,14 +98,13 @@ public:
         const auto assignments = deskwatch::assignments(environment);
         auto variables = pointers(assignments);
         auto arguments = pointers(program.command);
-        const ObjectOwner<GSubprocessLauncher> launcher(g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_NONE));
+        const c::ObjectOwner<GSubprocessLauncher> launcher(g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_NONE));
         g_subprocess_launcher_set_environ(launcher.get(), const_cast<char**>(variables.data()));
         GError* error = nullptr;
         const auto start = Clock::now();
         process_.reset(g_subprocess_launcher_spawnv(launcher.get(), arguments.data(), &error));
         if (process_ == nullptr) {
-            throw std::runtime_error("bench: cannot start " + program.command.front() + ": " +
-                                     deskwatch::takeMessage(error));
+            throw std::runtime_error("bench: cannot start " + program.command.front() + ": " + c::takeMessage(error));
         }
         name_.waitUntilOwned(true);
         startUp_ = Clock::now() - start;
@@ -122,7 +121,7 @@ public:
 
 private:
     NameWatch name_;
-    ObjectOwner<GSubprocess> process_;
+    c::ObjectOwner<GSubprocess> process_;
     Clock::duration startUp_{};
 };
 

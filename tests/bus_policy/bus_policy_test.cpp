@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "c_owners.h"
 #include "device/application_ids.h"
 #include "service_process.h"
 #include "test_device.h"
@@ -23,16 +24,16 @@ constexpr int timeout = 30'000; // milliseconds
 std::string answerTo(const Connection& caller, const char* owner, const char* object, const char* method,
                      GVariant* arguments = nullptr) {
     GError* error = nullptr;
-    const deskwatch::VariantOwner answer(g_dbus_connection_call_sync(caller.get(), owner, object, owner, method,
-                                                                     arguments, nullptr, G_DBUS_CALL_FLAGS_NONE,
-                                                                     timeout, nullptr, &error));
+    const c::VariantOwner answer(g_dbus_connection_call_sync(caller.get(), owner, object, owner, method, arguments,
+                                                             nullptr, G_DBUS_CALL_FLAGS_NONE, timeout, nullptr,
+                                                             &error));
     if (answer == nullptr) {
-        const deskwatch::MemoryOwner<char> remote(g_dbus_error_get_remote_error(error));
-        const std::string message = deskwatch::takeMessage(error);
+        const c::MemoryOwner<char> remote(g_dbus_error_get_remote_error(error));
+        const std::string message = c::takeMessage(error);
         return remote != nullptr ? remote.get() : message;
     }
-    const deskwatch::VariantOwner first(g_variant_get_child_value(answer.get(), 0));
-    const deskwatch::MemoryOwner<char> text(g_variant_print(first.get(), FALSE));
+    const c::VariantOwner first(g_variant_get_child_value(answer.get(), 0));
+    const c::MemoryOwner<char> text(g_variant_print(first.get(), FALSE));
     return text.get();
 }
 

@@ -79,7 +79,7 @@ Connection UsersBus::connect(User user) const {
                                           G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
         nullptr, nullptr, &error));
     if (connection == nullptr) {
-        throw std::runtime_error("cannot connect: " + deskwatch::takeMessage(error));
+        throw std::runtime_error("cannot connect: " + c::takeMessage(error));
     }
     return connection;
 }

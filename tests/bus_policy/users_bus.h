@@ -7,7 +7,7 @@
 #include <string>
 
 #include "bus_daemon.h"
-#include "device/glib_owners.h"
+#include "c_owners.h"
 #include "temporary_folder.h"
 
 namespace policy_test {
@@ -16,7 +16,7 @@ namespace policy_test {
 enum class User : uid_t { Root = 0, Owner = 5001, Other = 65534 };
 
 /// A connection of one user to the bus.
-using Connection = deskwatch::ObjectOwner<GDBusConnection>;
+using Connection = c::ObjectOwner<GDBusConnection>;
 
 /// A system bus as a device has it, which denies owning and calling by default, with the users of a device. Needs root.
 class UsersBus {

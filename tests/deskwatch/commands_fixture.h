@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "c_owners.h"
 #include "device/bus_client.h"
 #include "device/device.h"
 #include "program.h"
@@ -65,7 +66,7 @@ protected:
     std::string ask(const char* id, const char* method, GVariant* arguments = nullptr) const {
         const auto answer = BusClient(device_.busAddress())
                                 .call({id, companion_bus::path, "tesk.desk.Companion", method}, arguments, timeout);
-        const MemoryOwner<char> text(g_variant_print(answer.get(), FALSE));
+        const c::MemoryOwner<char> text(g_variant_print(answer.get(), FALSE));
         return text.get();
     }
 

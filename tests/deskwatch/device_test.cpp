@@ -8,6 +8,7 @@
 #include <iterator>
 #include <thread>
 
+#include "c_owners.h"
 #include "device/application_ids.h"
 #include "device/bus_client.h"
 #include "device/bus_process.h"
@@ -35,18 +36,18 @@ void enter(const Device& device) {
 }
 
 std::string setting(const char* key) {
-    const ObjectOwner<DConfClient> client(dconf_client_new());
-    const VariantOwner value(dconf_client_read(client.get(), key));
-    const MemoryOwner<char> text(value ? g_variant_print(value.get(), TRUE) : g_strdup("unset"));
+    const c::ObjectOwner<DConfClient> client(dconf_client_new());
+    const c::VariantOwner value(dconf_client_read(client.get(), key));
+    const c::MemoryOwner<char> text(value ? g_variant_print(value.get(), TRUE) : g_strdup("unset"));
     return text.get();
 }
 
 /// Writes a setting as another process would. The library's client is of no use where the watch is booted anew: it ends
 /// its process when the bus goes.
 void writeSetting(const Device& device, const char* key, int value) {
-    const std::unique_ptr<DConfChangeset, decltype(&dconf_changeset_unref)> change(
-        dconf_changeset_new_write(key, g_variant_new_int32(value)), &dconf_changeset_unref);
-    const VariantOwner serialised(g_variant_ref_sink(dconf_changeset_serialise(change.get())));
+    const c::Owner<DConfChangeset, dconf_changeset_unref> change(
+        dconf_changeset_new_write(key, g_variant_new_int32(value)));
+    const c::VariantOwner serialised(g_variant_ref_sink(dconf_changeset_serialise(change.get())));
     GVariant* bytes = g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, g_variant_get_data(serialised.get()),
                                                 g_variant_get_size(serialised.get()), 1);
     BusClient(device.busAddress())

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "c_owners.h"
 #include "commands/commands.h"
 #include "commands_fixture.h"
 
@@ -35,8 +36,9 @@ protected:
         GError* error = nullptr;
         char* output = nullptr;
         const std::string line = "bash -eu " + file.string();
-        EXPECT_TRUE(g_spawn_command_line_sync(line.c_str(), &output, nullptr, nullptr, &error)) << takeMessage(error);
-        const MemoryOwner<char> owner(output);
+        EXPECT_TRUE(g_spawn_command_line_sync(line.c_str(), &output, nullptr, nullptr, &error))
+            << c::takeMessage(error);
+        const c::MemoryOwner<char> owner(output);
         return output != nullptr ? output : "";
     }
 

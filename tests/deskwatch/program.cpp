@@ -2,10 +2,7 @@
 
 #include <stdexcept>
 
-#include "device/glib_owners.h"
-
-using deskwatch::MemoryOwner;
-using deskwatch::ObjectOwner;
+#include "c_owners.h"
 
 Outcome deskwatchProgram(const std::vector<std::string>& arguments) {
     std::vector<const char*> line{DESKWATCH_PROGRAM};
@@ -15,15 +12,15 @@ Outcome deskwatchProgram(const std::vector<std::string>& arguments) {
     line.push_back(nullptr);
     const auto flags = static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDOUT_PIPE | G_SUBPROCESS_FLAGS_STDERR_PIPE);
     GError* error = nullptr;
-    const ObjectOwner<GSubprocess> process(g_subprocess_newv(line.data(), flags, &error));
+    const c::ObjectOwner<GSubprocess> process(g_subprocess_newv(line.data(), flags, &error));
     char* output = nullptr;
     char* errors = nullptr;
     if (process == nullptr ||
         g_subprocess_communicate_utf8(process.get(), nullptr, nullptr, &output, &errors, &error) == FALSE) {
-        throw std::runtime_error("cannot run deskwatch: " + deskwatch::takeMessage(error));
+        throw std::runtime_error("cannot run deskwatch: " + c::takeMessage(error));
     }
-    const MemoryOwner<char> outputOwner(output);
-    const MemoryOwner<char> errorsOwner(errors);
+    const c::MemoryOwner<char> outputOwner(output);
+    const c::MemoryOwner<char> errorsOwner(errors);
     const bool isExited = g_subprocess_get_if_exited(process.get()) != FALSE;
     return {isExited ? g_subprocess_get_exit_status(process.get()) : -1, output, errors};
 }

@@ -3,6 +3,7 @@
 #include <csignal>
 #include <iterator>
 
+#include "c_owners.h"
 #include "commands_fixture.h"
 
 namespace deskwatch {
@@ -23,7 +24,7 @@ public:
         GError* error = nullptr;
         process_.reset(
             g_subprocess_new(G_SUBPROCESS_FLAGS_NONE, &error, DESKWATCH_PROGRAM, "record", file.c_str(), nullptr));
-        EXPECT_NE(process_, nullptr) << takeMessage(error);
+        EXPECT_NE(process_, nullptr) << c::takeMessage(error);
         const auto end = std::chrono::steady_clock::now() + deadline;
         while (contents(file).find('\n') == std::string::npos && std::chrono::steady_clock::now() < end) {
             g_usleep(std::chrono::microseconds(lookAgain).count());
@@ -42,7 +43,7 @@ public:
     }
 
 private:
-    ObjectOwner<GSubprocess> process_;
+    c::ObjectOwner<GSubprocess> process_;
 };
 
 class Recordings : public Commands {

@@ -23,7 +23,7 @@ RunningProgram::RunningProgram(const std::vector<std::string>& arguments) {
     GError* error = nullptr;
     process_.reset(g_subprocess_newv(line.data(), G_SUBPROCESS_FLAGS_STDOUT_PIPE, &error));
     if (process_ == nullptr) {
-        throw std::runtime_error("cannot run deskwatch: " + deskwatch::takeMessage(error));
+        throw std::runtime_error("cannot run deskwatch: " + c::takeMessage(error));
     }
 }
 

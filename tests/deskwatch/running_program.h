@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "device/glib_owners.h"
+#include "c_owners.h"
 
 /// The deskwatch program while it runs; it ends with this object.
 class RunningProgram {
@@ -30,7 +30,7 @@ private:
     /// Reads what it writes next; false at the end of its output.
     bool readMore();
 
-    deskwatch::ObjectOwner<GSubprocess> process_;
+    c::ObjectOwner<GSubprocess> process_;
     std::string unread_;
 };
 

@@ -22,11 +22,11 @@ constexpr int timeout = 60'000; // milliseconds
 constexpr int accountCount = 20;
 constexpr int mostPopups = 10'000;
 
-deskwatch::ObjectOwner<GDBusConnection> connect() {
+c::ObjectOwner<GDBusConnection> connect() {
     GError* error = nullptr;
-    deskwatch::ObjectOwner<GDBusConnection> connection(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error));
+    c::ObjectOwner<GDBusConnection> connection(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error));
     if (connection == nullptr) {
-        throw std::runtime_error("cannot reach the bus: " + deskwatch::takeMessage(error));
+        throw std::runtime_error("cannot reach the bus: " + c::takeMessage(error));
     }
     return connection;
 }
@@ -159,9 +159,9 @@ void Traffic::onAnswer(GObject* connection, GAsyncResult* outcome, gpointer self
     auto& traffic = *static_cast<Traffic*>(self);
     --traffic.outstanding_;
     GError* error = nullptr;
-    const deskwatch::VariantOwner answer(g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), outcome, &error));
+    const c::VariantOwner answer(g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), outcome, &error));
     if (answer == nullptr) {
-        traffic.answers_.push_back(deskwatch::takeMessage(error));
+        traffic.answers_.push_back(c::takeMessage(error));
         return;
     }
     gint32 result = -1;

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "accounts.h"
-#include "device/glib_owners.h"
+#include "c_owners.h"
 #include "handled.h"
 #include "test_device.h"
 
@@ -50,7 +50,7 @@ private:
     int oneOf(int count);
 
     const system_test::TestDevice& device_;
-    const deskwatch::ObjectOwner<GDBusConnection> connection_;
+    const c::ObjectOwner<GDBusConnection> connection_;
     std::minstd_rand random_;
     int number_ = 0;
     /// What the accounts of each way went through since all was settled, the present state last.

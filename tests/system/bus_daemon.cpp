@@ -5,25 +5,23 @@
 namespace system_test {
 namespace {
 
-deskwatch::ObjectOwner<GSubprocess> start(const std::string& configuration, const deskwatch::Environment& variables) {
-    const deskwatch::ObjectOwner<GSubprocessLauncher> launcher(
-        g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_STDOUT_PIPE));
+c::ObjectOwner<GSubprocess> start(const std::string& configuration, const deskwatch::Environment& variables) {
+    const c::ObjectOwner<GSubprocessLauncher> launcher(g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_STDOUT_PIPE));
     for (const auto& [name, value] : variables) {
         g_subprocess_launcher_setenv(launcher.get(), name.c_str(), value.c_str(), TRUE);
     }
     GError* error = nullptr;
-    deskwatch::ObjectOwner<GSubprocess> daemon(g_subprocess_launcher_spawn(
+    c::ObjectOwner<GSubprocess> daemon(g_subprocess_launcher_spawn(
         launcher.get(), &error, "dbus-daemon", configuration.c_str(), "--nofork", "--print-address", nullptr));
     if (daemon == nullptr) {
-        throw std::runtime_error("cannot start a dbus-daemon: " + deskwatch::takeMessage(error));
+        throw std::runtime_error("cannot start a dbus-daemon: " + c::takeMessage(error));
     }
     return daemon;
 }
 
 std::string firstLineOf(GSubprocess* daemon) {
-    const deskwatch::ObjectOwner<GDataInputStream> output(
-        g_data_input_stream_new(g_subprocess_get_stdout_pipe(daemon)));
-    const deskwatch::MemoryOwner<char> line(g_data_input_stream_read_line(output.get(), nullptr, nullptr, nullptr));
+    const c::ObjectOwner<GDataInputStream> output(g_data_input_stream_new(g_subprocess_get_stdout_pipe(daemon)));
+    const c::MemoryOwner<char> line(g_data_input_stream_read_line(output.get(), nullptr, nullptr, nullptr));
     if (line == nullptr) {
         throw std::runtime_error("the dbus-daemon gives no address");
     }

@@ -3,8 +3,8 @@
 
 #include <string>
 
+#include "c_owners.h"
 #include "device/environment.h"
-#include "device/glib_owners.h"
 
 namespace system_test {
 
@@ -23,7 +23,7 @@ public:
     void goAway() const;
 
 private:
-    deskwatch::ObjectOwner<GSubprocess> daemon_;
+    c::ObjectOwner<GSubprocess> daemon_;
     std::string address_;
 };
 

@@ -13,10 +13,6 @@
 namespace system_test {
 namespace {
 
-using deskwatch::ObjectOwner;
-using deskwatch::takeMessage;
-using deskwatch::VariantOwner;
-
 constexpr int companionTimeout = 60'000; // milliseconds
 
 constexpr auto plainProxy =
@@ -26,7 +22,7 @@ constexpr auto plainProxy =
 /// Ends the test with the reason when a call on the bus failed.
 void require(bool isDone, const std::string& what, GError* error) {
     if (!isDone) {
-        throw std::runtime_error(what + ": " + takeMessage(error));
+        throw std::runtime_error(what + ": " + c::takeMessage(error));
     }
 }
 
@@ -48,9 +44,9 @@ void takeAnswers() {
     }
 }
 
-ObjectOwner<TeskDeskCompanion> companionOf(GDBusConnection* connection, const std::string& id) {
+c::ObjectOwner<TeskDeskCompanion> companionOf(GDBusConnection* connection, const std::string& id) {
     GError* error = nullptr;
-    ObjectOwner<TeskDeskCompanion> proxy(tesk_desk_companion_proxy_new_sync(
+    c::ObjectOwner<TeskDeskCompanion> proxy(tesk_desk_companion_proxy_new_sync(
         connection, plainProxy, id.c_str(), deskwatch::companion_bus::path, nullptr, &error));
     require(proxy != nullptr, "cannot speak to " + id, error);
     return proxy;
@@ -69,7 +65,7 @@ void PrintTo(const Message& message, std::ostream* output) {
 
 void Companions::settle(const std::string& id) const {
     GError* error = nullptr;
-    const ObjectOwner<TeskHostApplication> proxy(tesk_host_application_proxy_new_sync(
+    const c::ObjectOwner<TeskHostApplication> proxy(tesk_host_application_proxy_new_sync(
         connection(), plainProxy, id.c_str(), host_bus::applicationPath, nullptr, &error));
     require(proxy != nullptr, "cannot speak to " + id, error);
     char** launched = nullptr;
@@ -88,7 +84,7 @@ std::vector<Launch> Companions::launches(const std::string& id) const {
         tesk_desk_companion_call_launches_sync(companionOf(connection(), id).get(), G_DBUS_CALL_FLAGS_NONE,
                                                companionTimeout, &answer, nullptr, &error) != FALSE;
     require(isDone, id + " does not tell its launches", error);
-    const VariantOwner list(answer);
+    const c::VariantOwner list(answer);
     std::vector<Launch> launches;
     GVariantIter iterator;
     g_variant_iter_init(&iterator, list.get());
@@ -109,7 +105,7 @@ std::vector<Message> Companions::messages() const {
         tesk_desk_companion_call_messages_sync(companionOf(connection(), ids::mail).get(), G_DBUS_CALL_FLAGS_NONE,
                                                companionTimeout, &answer, nullptr, &error) != FALSE;
     require(isDone, "the mail application does not tell its messages", error);
-    const VariantOwner list(answer);
+    const c::VariantOwner list(answer);
     std::vector<Message> messages;
     GVariantIter iterator;
     g_variant_iter_init(&iterator, list.get());
@@ -156,11 +152,11 @@ void Companions::announce(int event) const {
     settle(ids::service);
 }
 
-VariantOwner Companions::call(const char* owner, const char* path, const char* interface, const char* method,
-                              GVariant* arguments) const {
+c::VariantOwner Companions::call(const char* owner, const char* path, const char* interface, const char* method,
+                                 GVariant* arguments) const {
     GError* error = nullptr;
-    VariantOwner answer(g_dbus_connection_call_sync(connection(), owner, path, interface, method, arguments, nullptr,
-                                                    G_DBUS_CALL_FLAGS_NONE, companionTimeout, nullptr, &error));
+    c::VariantOwner answer(g_dbus_connection_call_sync(connection(), owner, path, interface, method, arguments, nullptr,
+                                                       G_DBUS_CALL_FLAGS_NONE, companionTimeout, nullptr, &error));
     require(answer != nullptr, method, error);
     return answer;
 }

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "c_owners.h"
 #include "device/application_ids.h"
-#include "device/glib_owners.h"
 
 namespace system_test {
 
@@ -68,14 +68,14 @@ public:
     void announce(int event) const;
 
     /// Calls any method on the bus. Throws std::runtime_error with the answer when it fails.
-    deskwatch::VariantOwner call(const char* owner, const char* path, const char* interface, const char* method,
-                                 GVariant* arguments) const;
+    c::VariantOwner call(const char* owner, const char* path, const char* interface, const char* method,
+                         GVariant* arguments) const;
 
 private:
     GDBusConnection* connection() const;
 
     std::string busAddress_;
-    mutable deskwatch::ObjectOwner<GDBusConnection> connection_;
+    mutable c::ObjectOwner<GDBusConnection> connection_;
 };
 
 } // namespace system_test

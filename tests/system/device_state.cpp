@@ -7,43 +7,30 @@
 #include <sqlite3.h>
 #include <vconf.h>
 
-#include <memory>
 #include <stdexcept>
 #include <tuple>
 #include <type_traits>
 
+#include "c_owners.h"
 #include "device/application_ids.h"
-#include "device/glib_owners.h"
 
 namespace system_test {
 namespace {
 
-struct ManagerRelease {
-    void operator()(device_policy_manager_h manager) const { dpm_manager_destroy(manager); }
-};
-
-using Manager = std::unique_ptr<std::remove_pointer_t<device_policy_manager_h>, ManagerRelease>;
+using Manager = c::Owner<std::remove_pointer_t<device_policy_manager_h>, dpm_manager_destroy>;
 
 auto fields(const Settings& s) {
     return std::make_tuple(s.quality, s.minLength, s.failedAttempts, s.complexCharacters, s.inactivity, s.expiration,
                            s.history, s.wifi, s.messaging, s.popImap, s.encryption);
 }
 
-struct DatabaseRelease {
-    void operator()(sqlite3* database) const { sqlite3_close(database); }
-};
-
-struct StatementRelease {
-    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-};
-
-using Database = std::unique_ptr<sqlite3, DatabaseRelease>;
-using Statement = std::unique_ptr<sqlite3_stmt, StatementRelease>;
+using Database = c::Owner<sqlite3, sqlite3_close>;
+using Statement = c::Owner<sqlite3_stmt, sqlite3_finalize>;
 
 /// A number that another process keeps in the watch's store.
 std::optional<int> storedNumber(const std::string& path) {
-    const deskwatch::ObjectOwner<DConfClient> client(dconf_client_new());
-    const deskwatch::VariantOwner value(dconf_client_read(client.get(), path.c_str()));
+    const c::ObjectOwner<DConfClient> client(dconf_client_new());
+    const c::VariantOwner value(dconf_client_read(client.get(), path.c_str()));
     return value != nullptr ? std::optional<int>(g_variant_get_int32(value.get())) : std::nullopt;
 }
 

@@ -39,7 +39,7 @@ private:
 std::vector<std::string> methodsOf(const char* xml) {
     GError* error = nullptr;
     GDBusNodeInfo* node = g_dbus_node_info_new_for_xml(xml, &error);
-    EXPECT_NE(node, nullptr) << deskwatch::takeMessage(error);
+    EXPECT_NE(node, nullptr) << c::takeMessage(error);
     std::vector<std::string> methods;
     const GDBusInterfaceInfo* interface = g_dbus_node_info_lookup_interface(node, owner);
     for (GDBusMethodInfo** method = interface->methods; *method != nullptr; ++method) {
@@ -147,7 +147,7 @@ TEST(DiagnosticBus, CommandLineToolReachesIt) {
 
     EXPECT_TRUE(
         g_spawn_sync(nullptr, arguments, nullptr, G_SPAWN_DEFAULT, nullptr, nullptr, &output, nullptr, nullptr, &error))
-        << deskwatch::takeMessage(error);
+        << c::takeMessage(error);
 
     EXPECT_STREQ(output, "(0,)\n");
     diagnostic.device().waitUntil("the length of 11", [] { return settings().minLength == 11; });

@@ -13,9 +13,8 @@ namespace {
 
 constexpr std::chrono::seconds exitTimeout{30};
 
-deskwatch::ObjectOwner<GSubprocess> start(const deskwatch::DeviceLayout& layout,
-                                          const deskwatch::Environment& environment) {
-    const deskwatch::ObjectOwner<GSubprocessLauncher> launcher(g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_NONE));
+c::ObjectOwner<GSubprocess> start(const deskwatch::DeviceLayout& layout, const deskwatch::Environment& environment) {
+    const c::ObjectOwner<GSubprocessLauncher> launcher(g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_NONE));
     auto variables = deskwatch::assignments(environment);
     std::vector<char*> pointers;
     pointers.reserve(variables.size() + 1);
@@ -27,10 +26,9 @@ deskwatch::ObjectOwner<GSubprocess> start(const deskwatch::DeviceLayout& layout,
     g_subprocess_launcher_take_stderr_fd(launcher.get(),
                                          open(layout.log().c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600));
     GError* error = nullptr;
-    deskwatch::ObjectOwner<GSubprocess> child(
-        g_subprocess_launcher_spawn(launcher.get(), &error, programs::service, nullptr));
+    c::ObjectOwner<GSubprocess> child(g_subprocess_launcher_spawn(launcher.get(), &error, programs::service, nullptr));
     if (child == nullptr) {
-        throw std::runtime_error("cannot start the service: " + deskwatch::takeMessage(error));
+        throw std::runtime_error("cannot start the service: " + c::takeMessage(error));
     }
     return child;
 }

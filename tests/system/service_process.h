@@ -30,7 +30,7 @@ public:
     std::optional<int> waitForExit() const;
 
 private:
-    deskwatch::ObjectOwner<GSubprocess> child_;
+    c::ObjectOwner<GSubprocess> child_;
     pid_t pid_;
 };
 

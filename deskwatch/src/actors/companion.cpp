@@ -6,14 +6,13 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "c_owners.h"
 #include "device/application_ids.h"
-#include "device/glib_owners.h"
 #include "session/companion_bus.h"
 #include "tesk-desk-bus.h"
 
@@ -36,7 +35,7 @@ struct Message {
 
 /// Takes a text from the platform.
 std::string takeText(char* text) {
-    const std::unique_ptr<char, decltype(&std::free)> owner(text, &std::free);
+    const c::Owner<char, std::free> owner(text);
     return text != nullptr ? text : "";
 }
 
@@ -100,7 +99,7 @@ private:
 
     std::vector<Launch> launches_;
     std::vector<Message> messages_;
-    ObjectOwner<TeskDeskCompanion> object_{tesk_desk_companion_skeleton_new()};
+    c::ObjectOwner<TeskDeskCompanion> object_{tesk_desk_companion_skeleton_new()};
 };
 
 Companion::Companion() {
@@ -110,10 +109,10 @@ Companion::Companion() {
     g_signal_connect(object_.get(), "handle-dismiss", G_CALLBACK(onDismiss), this);
     // Before the platform takes the application's name: who started it by a call finds the object there.
     GError* error = nullptr;
-    const ObjectOwner<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error));
+    const c::ObjectOwner<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error));
     if (bus == nullptr || g_dbus_interface_skeleton_export(G_DBUS_INTERFACE_SKELETON(object_.get()), bus.get(),
                                                            companion_bus::path, &error) == FALSE) {
-        throw std::runtime_error("cannot be found on the bus: " + takeMessage(error));
+        throw std::runtime_error("cannot be found on the bus: " + c::takeMessage(error));
     }
 }
 

@@ -3,26 +3,15 @@
 #include <app_control.h>
 #include <message_port.h>
 
-#include <memory>
 #include <set>
 #include <stdexcept>
 
+#include "c_owners.h"
 #include "device/application_ids.h"
 #include "session/device_session.h"
 
 namespace deskwatch {
 namespace {
-
-struct BundleRelease {
-    void operator()(bundle* message) const { bundle_free(message); }
-};
-
-struct AppControlRelease {
-    void operator()(app_control_h request) const { app_control_destroy(request); }
-};
-
-using BundleOwner = std::unique_ptr<bundle, BundleRelease>;
-using AppControlOwner = std::unique_ptr<app_control_s, AppControlRelease>;
 
 void expectSuccess(int result, const std::string& what) {
     if (result != 0) {
@@ -33,13 +22,13 @@ void expectSuccess(int result, const std::string& what) {
 void launchService() {
     app_control_h created = nullptr;
     expectSuccess(app_control_create(&created), "make a launch request");
-    const AppControlOwner request(created);
+    const c::Owner<app_control_s, app_control_destroy> request(created);
     expectSuccess(app_control_set_app_id(request.get(), ids::service), "address a launch request");
     expectSuccess(app_control_send_launch_request(request.get(), nullptr, nullptr), "launch the service");
 }
 
 void send(const Request& request) {
-    const BundleOwner message(bundle_create());
+    const c::Owner<bundle, bundle_free> message(bundle_create());
     expectSuccess(bundle_add_str(message.get(), "req", request.name.c_str()), "write the request's name");
     expectSuccess(bundle_add_str(message.get(), "msg", request.argument.c_str()), "write the request's argument");
     expectSuccess(message_port_send_message(ids::service, ids::policyPort, message.get()), "send " + request.name);

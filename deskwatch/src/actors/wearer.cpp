@@ -3,11 +3,11 @@
 #include <vconf.h>
 
 #include <cstdlib>
-#include <memory>
 #include <string>
 
 #include "TeskConsumerKeys.h"
 #include "actors/refusal.h"
+#include "c_owners.h"
 #include "device/application_ids.h"
 #include "device/bus_client.h"
 #include "session/companion_bus.h"
@@ -27,15 +27,15 @@ void expectSet(int result, const std::string& key) {
     }
 }
 
-ObjectOwner<TeskDeskCompanion> popupOf(const DeviceSession& session) {
+c::ObjectOwner<TeskDeskCompanion> popupOf(const DeviceSession& session) {
     const auto flags =
         static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
                                      G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS | G_DBUS_PROXY_FLAGS_DO_NOT_AUTO_START);
     GError* error = nullptr;
-    ObjectOwner<TeskDeskCompanion> popup(tesk_desk_companion_proxy_new_sync(session.connection(), flags, ids::popup,
-                                                                            companion_bus::path, nullptr, &error));
+    c::ObjectOwner<TeskDeskCompanion> popup(tesk_desk_companion_proxy_new_sync(session.connection(), flags, ids::popup,
+                                                                               companion_bus::path, nullptr, &error));
     if (popup == nullptr) {
-        throw std::runtime_error("cannot speak to the popup: " + takeMessage(error));
+        throw std::runtime_error("cannot speak to the popup: " + c::takeMessage(error));
     }
     return popup;
 }
@@ -63,7 +63,7 @@ void answerPopup(const Device& device, PopupAnswer answer) {
     }
     GError* error = nullptr;
     if (!send(popupOf(session).get(), answer, &error)) {
-        throw Refusal("the popup takes no answer: " + takeMessage(error));
+        throw Refusal("the popup takes no answer: " + c::takeMessage(error));
     }
     session.settleService();
     if (answer == PopupAnswer::SyncOff) {
@@ -85,7 +85,7 @@ int setLock(const Device& device, Lock lock, std::optional<int> length) {
 
 bool encrypt(const Device& device) {
     const DeviceSession session(device, ids::encryptionSettings);
-    const std::unique_ptr<char, decltype(&std::free)> state(vconf_get_str(TeskConsumerKeys::cryptoState), &std::free);
+    const c::Owner<char, std::free> state(vconf_get_str(TeskConsumerKeys::cryptoState));
     if (state != nullptr && std::string(state.get()) == "encrypted") {
         return false;
     }

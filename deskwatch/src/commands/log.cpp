@@ -2,6 +2,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "c_owners.h"
 #include "commands.h"
 #include "status/followed_file.h"
 #include "status/log_lines.h"
@@ -23,8 +24,7 @@ void showLog(const CommonOptions& common, const LogOptions& options) {
     FollowedFile log(file, [&](const std::string& text) { std::cout << lines.add(text) << std::flush; });
     log.read();
     if (options.isFollowed) {
-        const std::unique_ptr<GMainLoop, decltype(&g_main_loop_unref)> loop(g_main_loop_new(nullptr, FALSE),
-                                                                            &g_main_loop_unref);
+        const c::MainLoopOwner loop(g_main_loop_new(nullptr, FALSE));
         g_main_loop_run(loop.get());
     }
 }

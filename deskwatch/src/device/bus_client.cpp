@@ -19,24 +19,25 @@ BusClient::BusClient(const std::string& address) {
                                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
     connection_.reset(g_dbus_connection_new_for_address_sync(address.c_str(), flags, nullptr, nullptr, &error));
     if (connection_ == nullptr) {
-        throw std::runtime_error("cannot reach the bus at " + address + ": " + takeMessage(error));
+        throw std::runtime_error("cannot reach the bus at " + address + ": " + c::takeMessage(error));
     }
 }
 
-VariantOwner BusClient::call(const Method& method, GVariant* arguments, std::chrono::milliseconds atMost) const {
+c::VariantOwner BusClient::call(const Method& method, GVariant* arguments, std::chrono::milliseconds atMost) const {
     GError* error = nullptr;
-    VariantOwner answer(g_dbus_connection_call_sync(
+    c::VariantOwner answer(g_dbus_connection_call_sync(
         connection_.get(), method.owner.c_str(), method.path.c_str(), method.interface.c_str(), method.name.c_str(),
         arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, static_cast<int>(atMost.count()), nullptr, &error));
     if (answer == nullptr) {
-        throw std::runtime_error("no answer to " + method.name + " from " + method.owner + ": " + takeMessage(error));
+        throw std::runtime_error("no answer to " + method.name + " from " + method.owner + ": " +
+                                 c::takeMessage(error));
     }
     return answer;
 }
 
 std::vector<std::string> BusClient::ownedNames() const {
     const auto answer = call(busMethod("ListNames"), nullptr, daemonTimeout);
-    const VariantOwner list(g_variant_get_child_value(answer.get(), 0));
+    const c::VariantOwner list(g_variant_get_child_value(answer.get(), 0));
     std::vector<std::string> names;
     GVariantIter iterator;
     g_variant_iter_init(&iterator, list.get());
@@ -52,7 +53,7 @@ std::vector<std::string> BusClient::ownedNames() const {
 std::vector<ProcessHandle> BusClient::applicationProcesses() const {
     std::vector<ProcessHandle> processes;
     for (const auto& name : ownedNames()) {
-        VariantOwner answer;
+        c::VariantOwner answer;
         try {
             answer = call(busMethod("GetConnectionUnixProcessID"), g_variant_new("(s)", name.c_str()), daemonTimeout);
         } catch (const std::runtime_error&) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "device/glib_owners.h"
+#include "c_owners.h"
 #include "device/process_handle.h"
 
 namespace deskwatch {
@@ -26,7 +26,7 @@ public:
 
     /// Calls a method and waits for its answer; the owner is started when it does not run. A floating `arguments` is
     /// taken. Throws std::runtime_error with the reason when the call fails or is not answered in time.
-    VariantOwner call(const Method& method, GVariant* arguments, std::chrono::milliseconds atMost) const;
+    c::VariantOwner call(const Method& method, GVariant* arguments, std::chrono::milliseconds atMost) const;
 
     /// The well-known names on the bus that some process owns now, the bus's own name left out.
     std::vector<std::string> ownedNames() const;
@@ -35,7 +35,7 @@ public:
     std::vector<ProcessHandle> applicationProcesses() const;
 
 private:
-    ObjectOwner<GDBusConnection> connection_;
+    c::ObjectOwner<GDBusConnection> connection_;
 };
 
 } // namespace deskwatch

@@ -11,7 +11,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "device/glib_owners.h"
+#include "c_owners.h"
 
 namespace deskwatch {
 namespace {
@@ -57,7 +57,7 @@ void introduceDaemon(gpointer recordPath) {
 }
 
 std::string findDaemon() {
-    const MemoryOwner<char> path(g_find_program_in_path("dbus-daemon"));
+    const c::MemoryOwner<char> path(g_find_program_in_path("dbus-daemon"));
     if (path == nullptr) {
         throw std::runtime_error("no dbus-daemon on PATH (apt install dbus-daemon)");
     }
@@ -104,17 +104,17 @@ void BusProcess::start(const Start& start) const {
     std::string record = record_.string();
     GError* error = nullptr;
     {
-        const ObjectOwner<GSubprocessLauncher> launcher(g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_NONE));
+        const c::ObjectOwner<GSubprocessLauncher> launcher(g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_NONE));
         setEnvironment(launcher.get(), start.environment);
         g_subprocess_launcher_set_cwd(launcher.get(), "/");
         g_subprocess_launcher_take_stdout_fd(launcher.get(), openLog(start.log).release());
         g_subprocess_launcher_take_stderr_fd(launcher.get(), openLog(start.log).release());
         g_subprocess_launcher_take_fd(launcher.get(), writeEnd.release(), readyDescriptor);
         g_subprocess_launcher_set_child_setup(launcher.get(), introduceDaemon, record.data(), nullptr);
-        const ObjectOwner<GSubprocess> process(g_subprocess_launcher_spawnv(launcher.get(), arguments, &error));
+        const c::ObjectOwner<GSubprocess> process(g_subprocess_launcher_spawnv(launcher.get(), arguments, &error));
     }
     if (error != nullptr) {
-        throw std::runtime_error("cannot start " + daemon + ": " + takeMessage(error));
+        throw std::runtime_error("cannot start " + daemon + ": " + c::takeMessage(error));
     }
     if (!waitUntilReady(readEnd)) {
         stop();

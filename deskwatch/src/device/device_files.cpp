@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-#include "device/glib_owners.h"
+#include "c_owners.h"
 
 namespace deskwatch {
 namespace {
@@ -13,21 +13,17 @@ namespace fs = std::filesystem;
 
 constexpr char settingsService[] = "ca.desrt.dconf";
 
-struct KeyFileRelease {
-    void operator()(GKeyFile* file) const { g_key_file_unref(file); }
-};
-
-using KeyFileOwner = std::unique_ptr<GKeyFile, KeyFileRelease>;
+using KeyFileOwner = c::Owner<GKeyFile, g_key_file_unref>;
 
 void write(const fs::path& file, const std::string& text) {
     GError* error = nullptr;
     if (g_file_set_contents(file.c_str(), text.data(), static_cast<gssize>(text.size()), &error) == FALSE) {
-        throw std::runtime_error("cannot write " + file.string() + ": " + takeMessage(error));
+        throw std::runtime_error("cannot write " + file.string() + ": " + c::takeMessage(error));
     }
 }
 
 std::string escapedForXml(const std::string& text) {
-    const MemoryOwner<char> escaped(g_markup_escape_text(text.data(), static_cast<gssize>(text.size())));
+    const c::MemoryOwner<char> escaped(g_markup_escape_text(text.data(), static_cast<gssize>(text.size())));
     return escaped.get();
 }
 
@@ -71,7 +67,7 @@ void writeUsers(const DeviceLayout& layout) {
 /// One word of an Exec line: quoted as for a shell, and its backslashes doubled because the bus takes the line out of a
 /// file in which they begin an escape.
 std::string execWord(const std::string& text) {
-    const MemoryOwner<char> quoted(g_shell_quote(text.c_str()));
+    const c::MemoryOwner<char> quoted(g_shell_quote(text.c_str()));
     std::string word;
     for (const char* character = quoted.get(); *character != '\0'; ++character) {
         word += *character == '\\' ? "\\\\" : std::string(1, *character);
@@ -99,7 +95,7 @@ std::string execLine(const DeviceLayout& layout, const Application& application,
 }
 
 void writeApplications(const DeviceLayout& layout, const std::vector<Application>& applications) {
-    const MemoryOwner<char> env(g_find_program_in_path("env"));
+    const c::MemoryOwner<char> env(g_find_program_in_path("env"));
     if (env == nullptr) {
         throw std::runtime_error("no env on PATH (apt install coreutils)");
     }
@@ -116,7 +112,7 @@ void writeSettingsService(const DeviceLayout& layout) {
     if (g_key_file_load_from_data_dirs(file.get(), name.c_str(), nullptr, G_KEY_FILE_NONE, nullptr) == FALSE) {
         throw std::runtime_error("no settings service on this machine (apt install dconf-service)");
     }
-    const MemoryOwner<char> exec(g_key_file_get_value(file.get(), "D-BUS Service", "Exec", nullptr));
+    const c::MemoryOwner<char> exec(g_key_file_get_value(file.get(), "D-BUS Service", "Exec", nullptr));
     if (exec == nullptr) {
         throw std::runtime_error("the machine's " + name + " names no program");
     }

@@ -7,8 +7,8 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "c_owners.h"
 #include "device/application_ids.h"
-#include "device/glib_owners.h"
 #include "host_bus.h"
 
 namespace deskwatch {
@@ -58,7 +58,7 @@ DeviceLayout::DeviceLayout(const fs::path& folder) : folder_(withoutTrailingSlas
 }
 
 std::string DeviceLayout::busAddress() const {
-    const MemoryOwner<char> path(g_dbus_address_escape_value(socket().c_str()));
+    const c::MemoryOwner<char> path(g_dbus_address_escape_value(socket().c_str()));
     return std::string("unix:path=") + path.get();
 }
 

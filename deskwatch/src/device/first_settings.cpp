@@ -3,15 +3,12 @@
 #include <dconf.h>
 
 #include "TeskConsumerKeys.h"
+#include "c_owners.h"
 
 namespace deskwatch {
 namespace {
 
-struct ChangesetRelease {
-    void operator()(DConfChangeset* changeset) const { dconf_changeset_unref(changeset); }
-};
-
-using ChangesetOwner = std::unique_ptr<DConfChangeset, ChangesetRelease>;
+using ChangesetOwner = c::Owner<DConfChangeset, dconf_changeset_unref>;
 
 constexpr std::chrono::seconds settingsTimeout{30};
 
@@ -50,7 +47,7 @@ void writeFirstSettings(const BusClient& bus, const DeviceState& state, bool fre
     // Straight to the writer of the device: the library's own client would look at the bus and the database that this
     // process's environment names.
     const auto changes = firstChanges(state, fresh);
-    const VariantOwner serialised(g_variant_ref_sink(dconf_changeset_serialise(changes.get())));
+    const c::VariantOwner serialised(g_variant_ref_sink(dconf_changeset_serialise(changes.get())));
     GVariant* bytes = g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, g_variant_get_data(serialised.get()),
                                                 g_variant_get_size(serialised.get()), 1);
     bus.call({"ca.desrt.dconf", "/ca/desrt/dconf/Writer/user", "ca.desrt.dconf.Writer", "Change"},

@@ -11,8 +11,8 @@
 #include <string>
 #include <system_error>
 
+#include "c_owners.h"
 #include "device/file_descriptor.h"
-#include "device/glib_owners.h"
 
 namespace deskwatch {
 namespace {
@@ -36,7 +36,7 @@ void write(const fs::path& file, const std::vector<fs::path>& folders) {
     }
     GError* error = nullptr;
     if (g_file_set_contents(file.c_str(), text.data(), static_cast<gssize>(text.size()), &error) == FALSE) {
-        throw std::runtime_error("cannot write " + file.string() + ": " + takeMessage(error));
+        throw std::runtime_error("cannot write " + file.string() + ": " + c::takeMessage(error));
     }
 }
 

@@ -4,8 +4,9 @@
 #include <libxml/tree.h>
 
 #include <fstream>
-#include <memory>
 #include <stdexcept>
+
+#include "c_owners.h"
 
 namespace deskwatch {
 namespace {
@@ -16,20 +17,13 @@ constexpr char whiteSpace[] = " \t\r\n";
 /// Far beyond any provisioning document, characters.
 constexpr std::size_t largestFile = 1'000'000;
 
-struct ContextFree {
-    void operator()(xmlParserCtxtPtr context) const { xmlFreeParserCtxt(context); }
-};
+/// The library's own is a variable.
+void freeText(xmlChar* text) {
+    xmlFree(text);
+}
 
-struct DocumentFree {
-    void operator()(xmlDocPtr document) const { xmlFreeDoc(document); }
-};
-
-struct TextFree {
-    void operator()(xmlChar* text) const { xmlFree(text); }
-};
-
-using Context = std::unique_ptr<xmlParserCtxt, ContextFree>;
-using Document = std::unique_ptr<xmlDoc, DocumentFree>;
+using Context = c::Owner<xmlParserCtxt, xmlFreeParserCtxt>;
+using Document = c::Owner<xmlDoc, xmlFreeDoc>;
 
 std::string trimmed(const std::string& text) {
     const auto first = text.find_first_not_of(whiteSpace);
@@ -108,7 +102,7 @@ ProvisioningElement readElement(xmlNode* node) {
     element.line = xmlGetLineNo(node);
     element.isList = xmlFirstElementChild(node) != nullptr;
     if (!element.isList) {
-        const std::unique_ptr<xmlChar, TextFree> text(xmlNodeGetContent(node));
+        const c::Owner<xmlChar, freeText> text(xmlNodeGetContent(node));
         element.value = text != nullptr ? trimmed(reinterpret_cast<const char*>(text.get())) : "";
     }
     return element;

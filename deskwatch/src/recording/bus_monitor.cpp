@@ -36,15 +36,15 @@ BusMonitor::BusMonitor(const std::string& address) : messages_(g_async_queue_new
                                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
     connection_.reset(g_dbus_connection_new_for_address_sync(address.c_str(), flags, nullptr, nullptr, &error));
     if (connection_ == nullptr) {
-        throw std::runtime_error("cannot reach the bus at " + address + ": " + takeMessage(error));
+        throw std::runtime_error("cannot reach the bus at " + address + ": " + c::takeMessage(error));
     }
     filter_ = g_dbus_connection_add_filter(connection_.get(), keep, g_async_queue_ref(messages_.get()), releaseQueue);
-    const VariantOwner answer(g_dbus_connection_call_sync(connection_.get(), "org.freedesktop.DBus",
-                                                          "/org/freedesktop/DBus", "org.freedesktop.DBus.Monitoring",
-                                                          "BecomeMonitor", g_variant_new("(asu)", nullptr, 0U), nullptr,
-                                                          G_DBUS_CALL_FLAGS_NONE, monitorTimeout, nullptr, &error));
+    const c::VariantOwner answer(g_dbus_connection_call_sync(
+        connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus.Monitoring",
+        "BecomeMonitor", g_variant_new("(asu)", nullptr, 0U), nullptr, G_DBUS_CALL_FLAGS_NONE, monitorTimeout, nullptr,
+        &error));
     if (answer == nullptr) {
-        throw std::runtime_error("cannot watch the bus at " + address + ": " + takeMessage(error));
+        throw std::runtime_error("cannot watch the bus at " + address + ": " + c::takeMessage(error));
     }
 }
 
@@ -55,9 +55,9 @@ BusMonitor::~BusMonitor() {
     }
 }
 
-ObjectOwner<GDBusMessage> BusMonitor::next(std::chrono::milliseconds atMost) const {
+c::ObjectOwner<GDBusMessage> BusMonitor::next(std::chrono::milliseconds atMost) const {
     const auto wait = std::chrono::duration_cast<std::chrono::microseconds>(atMost).count();
-    return ObjectOwner<GDBusMessage>(
+    return c::ObjectOwner<GDBusMessage>(
         static_cast<GDBusMessage*>(g_async_queue_timeout_pop(messages_.get(), static_cast<guint64>(wait))));
 }
 

@@ -2,10 +2,9 @@
 #define DESKWATCH_BUS_MONITOR_H
 
 #include <chrono>
-#include <memory>
 #include <string>
 
-#include "device/glib_owners.h"
+#include "c_owners.h"
 
 namespace deskwatch {
 
@@ -19,18 +18,14 @@ public:
     BusMonitor& operator=(const BusMonitor&) = delete;
 
     /// The next message, waiting that long for one; null when none came.
-    ObjectOwner<GDBusMessage> next(std::chrono::milliseconds atMost) const;
+    c::ObjectOwner<GDBusMessage> next(std::chrono::milliseconds atMost) const;
 
     /// Whether the bus has gone; what it said before can still be read.
     bool isClosed() const { return g_dbus_connection_is_closed(connection_.get()) != FALSE; }
 
 private:
-    struct QueueRelease {
-        void operator()(GAsyncQueue* queue) const { g_async_queue_unref(queue); }
-    };
-
-    std::unique_ptr<GAsyncQueue, QueueRelease> messages_;
-    ObjectOwner<GDBusConnection> connection_;
+    c::Owner<GAsyncQueue, g_async_queue_unref> messages_;
+    c::ObjectOwner<GDBusConnection> connection_;
     guint filter_ = 0;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "c_owners.h"
 #include "device/application_ids.h"
 
 namespace deskwatch {
@@ -14,8 +15,8 @@ std::string textOf(const char* text) {
     return text != nullptr ? text : "";
 }
 
-VariantOwner child(GVariant* tuple, gsize index) {
-    return VariantOwner(g_variant_get_child_value(tuple, index));
+c::VariantOwner child(GVariant* tuple, gsize index) {
+    return c::VariantOwner(g_variant_get_child_value(tuple, index));
 }
 
 /// The entries of an a(ss).
@@ -41,7 +42,7 @@ TraceEvent valueOf(GVariant* value) {
     if (g_variant_is_of_type(value, G_VARIANT_TYPE_STRING) != FALSE) {
         return g_variant_get_string(value, nullptr);
     }
-    const MemoryOwner<char> text(g_variant_print(value, FALSE));
+    const c::MemoryOwner<char> text(g_variant_print(value, FALSE));
     return {{"value", text.get()}};
 }
 
@@ -146,7 +147,7 @@ void BusTrace::takePortMessage(GDBusMessage* message) {
 void BusTrace::takeChanges(GDBusMessage* message) {
     const bool isOwn = isService(g_dbus_message_get_sender(message));
     const auto bytes = child(g_dbus_message_get_body(message), 0);
-    const VariantOwner changes(
+    const c::VariantOwner changes(
         g_variant_ref_sink(g_variant_new_from_data(G_VARIANT_TYPE("a{smv}"), g_variant_get_data(bytes.get()),
                                                    g_variant_get_size(bytes.get()), FALSE, nullptr, nullptr)));
     GVariantIter iterator;
@@ -154,7 +155,7 @@ void BusTrace::takeChanges(GDBusMessage* message) {
     const char* key = nullptr;
     GVariant* changed = nullptr;
     while (g_variant_iter_next(&iterator, "{&smv}", &key, &changed) != FALSE) {
-        const VariantOwner value(changed);
+        const c::VariantOwner value(changed);
         if (isOwn) {
             const auto shown = isUserNumber(key) && value != nullptr ? TraceEvent("registered") : valueOf(value.get());
             sink_({{"out", "write"}, {"key", key}, {"value", shown}});

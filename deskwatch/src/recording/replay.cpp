@@ -7,6 +7,7 @@
 #include <map>
 #include <stdexcept>
 
+#include "c_owners.h"
 #include "device/application_ids.h"
 #include "host_bus.h"
 #include "recording/bus_monitor.h"
@@ -17,10 +18,6 @@ namespace {
 
 /// Longer than the bus waits for a program to come up.
 constexpr std::chrono::seconds replayTimeout{120};
-
-struct ChangesetRelease {
-    void operator()(DConfChangeset* changeset) const { dconf_changeset_unref(changeset); }
-};
 
 struct Effect {
     TraceEvent event;
@@ -59,7 +56,7 @@ GVariant* settingOf(const TraceEvent& value) {
     GError* error = nullptr;
     GVariant* parsed = g_variant_parse(nullptr, value.at("value").get<std::string>().c_str(), nullptr, nullptr, &error);
     if (parsed == nullptr) {
-        throw std::runtime_error("no value for a key: " + takeMessage(error));
+        throw std::runtime_error("no value for a key: " + c::takeMessage(error));
     }
     return parsed;
 }
@@ -132,9 +129,9 @@ private:
     }
 
     void setKey(const std::string& key, const TraceEvent& value) const {
-        const std::unique_ptr<DConfChangeset, ChangesetRelease> changes(dconf_changeset_new());
+        const c::Owner<DConfChangeset, dconf_changeset_unref> changes(dconf_changeset_new());
         dconf_changeset_set(changes.get(), key.c_str(), settingOf(value));
-        const VariantOwner serialised(g_variant_ref_sink(dconf_changeset_serialise(changes.get())));
+        const c::VariantOwner serialised(g_variant_ref_sink(dconf_changeset_serialise(changes.get())));
         GVariant* bytes = g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, g_variant_get_data(serialised.get()),
                                                     g_variant_get_size(serialised.get()), 1);
         bus_.call({"ca.desrt.dconf", "/ca/desrt/dconf/Writer/user", "ca.desrt.dconf.Writer", "Change"},

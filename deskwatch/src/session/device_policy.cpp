@@ -5,20 +5,16 @@
 #include <dpm/restriction.h>
 
 #include <array>
-#include <memory>
 #include <stdexcept>
 #include <type_traits>
 
+#include "c_owners.h"
 #include "session/setting_value.h"
 
 namespace deskwatch {
 namespace {
 
-struct ManagerRelease {
-    void operator()(device_policy_manager_h manager) const { dpm_manager_destroy(manager); }
-};
-
-using ManagerOwner = std::unique_ptr<std::remove_pointer_t<device_policy_manager_h>, ManagerRelease>;
+using ManagerOwner = c::Owner<std::remove_pointer_t<device_policy_manager_h>, dpm_manager_destroy>;
 
 int messagingOfAllSims(device_policy_manager_h manager, int* isAllowed) {
     return dpm_restriction_get_messaging_state(manager, "*", isAllowed);

@@ -46,7 +46,7 @@ DeviceSession::DeviceSession(const Device& device, const std::string& applicatio
     connection_.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error));
     if (connection_ == nullptr) {
         throw std::runtime_error("cannot reach the bus of " + device.layout().folder().string() + ": " +
-                                 takeMessage(error));
+                                 c::takeMessage(error));
     }
     g_dbus_connection_set_exit_on_close(connection_.get(), FALSE);
     g_signal_connect_data(connection_.get(), "closed", G_CALLBACK(onClosed), g_strdup(device.layout().folder().c_str()),
@@ -55,11 +55,11 @@ DeviceSession::DeviceSession(const Device& device, const std::string& applicatio
 
 bool DeviceSession::isRunning(const std::string& id) const {
     GError* error = nullptr;
-    const VariantOwner answer(g_dbus_connection_call_sync(
+    const c::VariantOwner answer(g_dbus_connection_call_sync(
         connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
         g_variant_new("(s)", id.c_str()), nullptr, G_DBUS_CALL_FLAGS_NONE, settleTimeout, nullptr, &error));
     if (answer == nullptr) {
-        throw std::runtime_error("the bus does not say whether " + id + " runs: " + takeMessage(error));
+        throw std::runtime_error("the bus does not say whether " + id + " runs: " + c::takeMessage(error));
     }
     gboolean isOwned = FALSE;
     g_variant_get(answer.get(), "(b)", &isOwned);
@@ -68,7 +68,7 @@ bool DeviceSession::isRunning(const std::string& id) const {
 
 std::optional<pid_t> DeviceSession::processOf(const std::string& id) const {
     GError* error = nullptr;
-    const VariantOwner answer(g_dbus_connection_call_sync(
+    const c::VariantOwner answer(g_dbus_connection_call_sync(
         connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
         "GetConnectionUnixProcessID", g_variant_new("(s)", id.c_str()), G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE,
         settleTimeout, nullptr, &error));
@@ -85,13 +85,13 @@ std::vector<std::string> DeviceSession::settle(const std::string& id) const {
     const auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
                                                     G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS);
     GError* error = nullptr;
-    const ObjectOwner<TeskHostApplication> proxy(tesk_host_application_proxy_new_sync(
+    const c::ObjectOwner<TeskHostApplication> proxy(tesk_host_application_proxy_new_sync(
         connection_.get(), flags, id.c_str(), host_bus::applicationPath, nullptr, &error));
     char** launched = nullptr;
     if (proxy == nullptr || tesk_host_application_call_settle_sync(proxy.get(), G_DBUS_CALL_FLAGS_NONE, settleTimeout,
                                                                    &launched, nullptr, &error) == FALSE) {
         throw std::runtime_error(id + " does not answer, see " + device_.layout().log().string() + ": " +
-                                 takeMessage(error));
+                                 c::takeMessage(error));
     }
     std::vector<std::string> ids;
     for (char** entry = launched; *entry != nullptr; ++entry) {

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "c_owners.h"
 #include "device/device.h"
-#include "device/glib_owners.h"
 
 namespace deskwatch {
 
@@ -41,7 +41,7 @@ public:
 
 private:
     Device device_;
-    ObjectOwner<GDBusConnection> connection_;
+    c::ObjectOwner<GDBusConnection> connection_;
 };
 
 } // namespace deskwatch

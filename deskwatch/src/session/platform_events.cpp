@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "c_owners.h"
 #include "device/application_ids.h"
 #include "host_bus.h"
 #include "session/device_session.h"
@@ -16,15 +17,15 @@ constexpr char diagnosticPath[] = "/tesk/consumer/test";
 constexpr int eventTimeout = 20'000; // milliseconds
 
 void send(GDBusConnection* connection, app_event_type_e type) {
-    const ObjectOwner<TeskHostSystem> system(tesk_host_system_skeleton_new());
+    const c::ObjectOwner<TeskHostSystem> system(tesk_host_system_skeleton_new());
     GError* error = nullptr;
     if (g_dbus_interface_skeleton_export(G_DBUS_INTERFACE_SKELETON(system.get()), connection, host_bus::systemPath,
                                          &error) == FALSE) {
-        throw std::runtime_error("cannot announce the event: " + takeMessage(error));
+        throw std::runtime_error("cannot announce the event: " + c::takeMessage(error));
     }
     tesk_host_system_emit_event(system.get(), type);
     if (g_dbus_connection_flush_sync(connection, nullptr, &error) == FALSE) {
-        throw std::runtime_error("cannot announce the event: " + takeMessage(error));
+        throw std::runtime_error("cannot announce the event: " + c::takeMessage(error));
     }
 }
 
@@ -56,7 +57,7 @@ private:
         return G_SOURCE_REMOVE;
     }
 
-    std::unique_ptr<GMainLoop, decltype(&g_main_loop_unref)> loop_{g_main_loop_new(nullptr, FALSE), &g_main_loop_unref};
+    c::MainLoopOwner loop_{g_main_loop_new(nullptr, FALSE)};
     bool isThere_ = false;
 };
 
@@ -73,7 +74,7 @@ int callDiagnosticMethod(const Device& device, const std::string& method, std::o
     session.settle(ids::service);
     DiagnosticName::await(session.connection());
     GError* error = nullptr;
-    const VariantOwner answer(g_dbus_connection_call_sync(
+    const c::VariantOwner answer(g_dbus_connection_call_sync(
         session.connection(), diagnosticName, diagnosticPath, diagnosticName, method.c_str(),
         value ? g_variant_new("(i)", *value) : nullptr, G_VARIANT_TYPE("(i)"), G_DBUS_CALL_FLAGS_NO_AUTO_START,
         eventTimeout, nullptr, &error));
@@ -82,7 +83,7 @@ int callDiagnosticMethod(const Device& device, const std::string& method, std::o
         throw std::runtime_error(method + (value ? " takes no value" : " takes a value"));
     }
     if (answer == nullptr) {
-        throw std::runtime_error("the service does not answer " + method + ": " + takeMessage(error));
+        throw std::runtime_error("the service does not answer " + method + ": " + c::takeMessage(error));
     }
     session.settleService();
     int result = 0;

@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "c_owners.h"
 #include "device/application_ids.h"
 #include "session/device_session.h"
 #include "session/observer.h"
@@ -17,10 +18,10 @@ namespace {
 const std::string faultsFolder = std::string("/faults/") + ids::service + "/";
 
 void write(const std::string& path, GVariant* value) {
-    const ObjectOwner<DConfClient> store(dconf_client_new());
+    const c::ObjectOwner<DConfClient> store(dconf_client_new());
     GError* error = nullptr;
     if (dconf_client_write_sync(store.get(), path.c_str(), value, nullptr, nullptr, &error) == FALSE) {
-        throw std::runtime_error("cannot write " + path + ": " + takeMessage(error));
+        throw std::runtime_error("cannot write " + path + ": " + c::takeMessage(error));
     }
 }
 
@@ -56,13 +57,13 @@ void clearFaults(const Device& device) {
 
 std::vector<PlatformFault> readFaults(const Device& device) {
     const DeviceSession session(device, observerId);
-    const ObjectOwner<DConfClient> store(dconf_client_new());
+    const c::ObjectOwner<DConfClient> store(dconf_client_new());
     int count = 0;
     char** names = dconf_client_list(store.get(), faultsFolder.c_str(), &count);
     std::vector<PlatformFault> faults;
     for (int index = 0; index < count; ++index) {
         PlatformFault fault{names[index]};
-        const VariantOwner value(dconf_client_read(store.get(), (faultsFolder + fault.function).c_str()));
+        const c::VariantOwner value(dconf_client_read(store.get(), (faultsFolder + fault.function).c_str()));
         if (value != nullptr && g_variant_is_of_type(value.get(), G_VARIANT_TYPE("(ii)")) != FALSE) {
             g_variant_get(value.get(), "(ii)", &fault.code, &fault.nth);
             faults.push_back(fault);

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <stdexcept>
 
+#include "c_owners.h"
 #include "session/setting_value.h"
 
 namespace deskwatch {
@@ -22,7 +23,7 @@ std::string pathOf(const std::string& key) {
 /// What the callback of a watched key needs.
 struct Watching {
     std::function<bool(const std::string& key, const Value& value)> tell;
-    std::unique_ptr<GMainLoop, decltype(&g_main_loop_unref)> loop{g_main_loop_new(nullptr, FALSE), &g_main_loop_unref};
+    c::MainLoopOwner loop{g_main_loop_new(nullptr, FALSE)};
 };
 
 /// The news brings no text where a number was before and the other way round, so the value is read.
@@ -38,7 +39,7 @@ void onChanged(keynode_t* node, void* data) {
 
 Value readKey(const std::string& key) {
     const std::string path = pathOf(key);
-    const ObjectOwner<DConfClient> store(dconf_client_new());
+    const c::ObjectOwner<DConfClient> store(dconf_client_new());
     return readSetting(store.get(), path);
 }
 

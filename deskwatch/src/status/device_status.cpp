@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "TeskConsumerKeys.h"
+#include "c_owners.h"
 #include "device/application_ids.h"
 #include "explain/device_facts.h"
 #include "rules/TeskPolicyMerge.h"
@@ -62,7 +63,7 @@ void readLaunches(const DeviceSession& session, const std::string& application, 
     const auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
                                                     G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS);
     GError* error = nullptr;
-    const ObjectOwner<TeskDeskCompanion> proxy(tesk_desk_companion_proxy_new_sync(
+    const c::ObjectOwner<TeskDeskCompanion> proxy(tesk_desk_companion_proxy_new_sync(
         session.connection(), flags, application.c_str(), companion_bus::path, nullptr, &error));
     GVariant* answer = nullptr;
     if (proxy == nullptr ||
@@ -71,9 +72,9 @@ void readLaunches(const DeviceSession& session, const std::string& application, 
         g_clear_error(&error);
         return;
     }
-    const VariantOwner launches(answer);
+    const c::VariantOwner launches(answer);
     for (gsize index = 0; index < g_variant_n_children(launches.get()); ++index) {
-        const VariantOwner entry(g_variant_get_child_value(launches.get(), index));
+        const c::VariantOwner entry(g_variant_get_child_value(launches.get(), index));
         screens.push_back(readLaunch(application, entry.get()));
     }
 }
@@ -119,7 +120,7 @@ StoredAccount mergedPolicy(const std::vector<StoredAccount>& accounts) {
 
 DeviceStatus readStatus(const DeviceSession& session) {
     const auto& layout = session.device().layout();
-    const ObjectOwner<DConfClient> store(dconf_client_new());
+    const c::ObjectOwner<DConfClient> store(dconf_client_new());
     DeviceStatus status;
     status.folder = layout.folder().string();
     status.isServiceRunning = session.isRunning(ids::service);

@@ -7,11 +7,11 @@ namespace deskwatch {
 
 FollowedFile::FollowedFile(const std::filesystem::path& file, Listener listener)
     : file_(file), listener_(std::move(listener)) {
-    const ObjectOwner<GFile> place(g_file_new_for_path(file.c_str()));
+    const c::ObjectOwner<GFile> place(g_file_new_for_path(file.c_str()));
     GError* error = nullptr;
     monitor_.reset(g_file_monitor_file(place.get(), G_FILE_MONITOR_NONE, nullptr, &error));
     if (monitor_ == nullptr) {
-        throw std::runtime_error("cannot watch " + file.string() + ": " + takeMessage(error));
+        throw std::runtime_error("cannot watch " + file.string() + ": " + c::takeMessage(error));
     }
     g_file_monitor_set_rate_limit(monitor_.get(), 0);
     g_signal_connect(monitor_.get(), "changed", G_CALLBACK(onChanged), this);

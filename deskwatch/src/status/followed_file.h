@@ -5,7 +5,7 @@
 #include <fstream>
 #include <functional>
 
-#include "device/glib_owners.h"
+#include "c_owners.h"
 
 namespace deskwatch {
 
@@ -31,7 +31,7 @@ private:
     std::filesystem::path file_;
     Listener listener_;
     std::ifstream stream_;
-    ObjectOwner<GFileMonitor> monitor_;
+    c::ObjectOwner<GFileMonitor> monitor_;
 };
 
 } // namespace deskwatch

@@ -3,8 +3,9 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <memory>
 #include <stdexcept>
+
+#include "c_owners.h"
 
 namespace deskwatch {
 namespace {
@@ -15,16 +16,8 @@ constexpr int shownColumns = 24;
 /// The service writes within a fraction of a second.
 constexpr int busyMilliseconds = 5'000;
 
-struct DatabaseClose {
-    void operator()(sqlite3* database) const { sqlite3_close(database); }
-};
-
-struct StatementFinalize {
-    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-};
-
-using Database = std::unique_ptr<sqlite3, DatabaseClose>;
-using Statement = std::unique_ptr<sqlite3_stmt, StatementFinalize>;
+using Database = c::Owner<sqlite3, sqlite3_close>;
+using Statement = c::Owner<sqlite3_stmt, sqlite3_finalize>;
 
 [[noreturn]] void fail(const std::filesystem::path& file, const Database& database) {
     throw std::runtime_error("cannot read " + file.string() + ": " + sqlite3_errmsg(database.get()));

@@ -2,12 +2,11 @@
 
 #include <dconf.h>
 
-#include <memory>
 #include <stdexcept>
 #include <vector>
 
+#include "c_owners.h"
 #include "device/application_ids.h"
-#include "device/glib_owners.h"
 
 namespace deskwatch {
 namespace {
@@ -51,11 +50,11 @@ private:
     }
 
     void listenToFile(const std::filesystem::path& path) {
-        const ObjectOwner<GFile> file(g_file_new_for_path(path.c_str()));
+        const c::ObjectOwner<GFile> file(g_file_new_for_path(path.c_str()));
         GError* error = nullptr;
         monitors_.emplace_back(g_file_monitor(file.get(), G_FILE_MONITOR_NONE, nullptr, &error));
         if (monitors_.back() == nullptr) {
-            throw std::runtime_error("cannot watch " + path.string() + ": " + takeMessage(error));
+            throw std::runtime_error("cannot watch " + path.string() + ": " + c::takeMessage(error));
         }
         g_signal_connect_swapped(monitors_.back().get(), "changed", G_CALLBACK(onChanged), this);
     }
@@ -96,8 +95,8 @@ private:
 
     const DeviceSession& session_;
     const std::function<void(const DeviceStatus&)>& show_;
-    const ObjectOwner<DConfClient> settings_{dconf_client_new()};
-    std::vector<ObjectOwner<GFileMonitor>> monitors_;
+    const c::ObjectOwner<DConfClient> settings_{dconf_client_new()};
+    std::vector<c::ObjectOwner<GFileMonitor>> monitors_;
     bool isDatabaseHeard_ = false;
     bool isDue_ = false;
     guint timer_ = 0;

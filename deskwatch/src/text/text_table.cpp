@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "device/glib_owners.h"
+#include "c_owners.h"
 
 namespace deskwatch {
 namespace {
@@ -25,7 +25,7 @@ std::vector<std::size_t> columnWidths(const std::vector<std::vector<std::string>
 } // namespace
 
 std::string printable(const std::string& text) {
-    const MemoryOwner<char> valid(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())));
+    const c::MemoryOwner<char> valid(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())));
     std::string result;
     for (const char* at = valid.get(); *at != '\0';) {
         const char* next = g_utf8_next_char(at);
