@@ -3,8 +3,8 @@
 
 #include <filesystem>
 
-#include "c_text.h"
 #include "contract_environment.h"
+#include "platform_owners.h"
 
 namespace {
 

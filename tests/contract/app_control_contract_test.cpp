@@ -4,31 +4,28 @@
 #include <string>
 #include <vector>
 
-#include "c_text.h"
+#include "platform_owners.h"
 
 namespace {
 
 class AppControlContract : public testing::Test {
 protected:
-    AppControlContract() { app_control_create(&control_); }
-    ~AppControlContract() override { app_control_destroy(control_); }
-
-    app_control_h control() const { return control_; }
+    app_control_h control() const { return control_.get(); }
 
     std::string appId() const {
         char* id = nullptr;
-        app_control_get_app_id(control_, &id);
+        app_control_get_app_id(control(), &id);
         return taken(id);
     }
 
     std::string extraData(const char* key) const {
         char* value = nullptr;
-        app_control_get_extra_data(control_, key, &value);
+        app_control_get_extra_data(control(), key, &value);
         return taken(value);
     }
 
 private:
-    app_control_h control_ = nullptr;
+    const AppControlOwner control_ = newAppControl();
 };
 
 bool collectKey(app_control_h /*control*/, const char* key, void* keys) {

@@ -1,7 +1,7 @@
 #include <app_preference.h>
 #include <gtest/gtest.h>
 
-#include "c_text.h"
+#include "platform_owners.h"
 
 namespace {
 

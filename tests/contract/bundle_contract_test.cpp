@@ -1,7 +1,7 @@
 #include <bundle.h>
 #include <gtest/gtest.h>
 
-#include "bundle_owner.h"
+#include "platform_owners.h"
 
 namespace {
 
@@ -10,7 +10,7 @@ protected:
     bundle* content() const { return bundle_.get(); }
 
 private:
-    contract::BundleOwner bundle_{bundle_create()};
+    const BundleOwner bundle_{bundle_create()};
 };
 
 TEST_F(BundleContract, GivesBackWhatWasAdded) {

@@ -6,6 +6,8 @@
 
 #include <vector>
 
+#include "platform_owners.h"
+
 namespace {
 
 constexpr char client[] = "com.example.client";
@@ -40,21 +42,18 @@ const std::vector<Setting>& settings() {
 
 class DpmContract : public testing::Test {
 protected:
-    DpmContract() = default;
-    ~DpmContract() override { dpm_manager_destroy(handle_); }
+    device_policy_manager_h handle() const { return handle_.get(); }
 
-    device_policy_manager_h handle() const { return handle_; }
-
-    void registerClient() const { ASSERT_EQ(dpm_admin_register_client(handle_, client, user), DPM_ERROR_NONE); }
+    void registerClient() const { ASSERT_EQ(dpm_admin_register_client(handle(), client, user), DPM_ERROR_NONE); }
 
     int messaging(const char* sim) const {
         int allowed = -1;
-        EXPECT_EQ(dpm_restriction_get_messaging_state(handle_, sim, &allowed), DPM_ERROR_NONE);
+        EXPECT_EQ(dpm_restriction_get_messaging_state(handle(), sim, &allowed), DPM_ERROR_NONE);
         return allowed;
     }
 
 private:
-    device_policy_manager_h handle_ = dpm_manager_create();
+    const ManagerOwner handle_{dpm_manager_create()};
 };
 
 TEST_F(DpmContract, EverySettingHasItsValueAtFirst) {

@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 #include <message_port.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "bundle_owner.h"
 #include "contract_environment.h"
+#include "platform_owners.h"
 
 namespace {
 
@@ -38,10 +37,8 @@ void receiveAndClose(int portId, const char* sender, const char* remotePort, boo
     receive(portId, sender, remotePort, trusted, message, data);
 }
 
-contract::BundleOwner messageOf(const std::string& text) {
-    contract::BundleOwner message(bundle_create());
-    bundle_add_str(message.get(), "text", text.c_str());
-    return message;
+BundleOwner messageOf(const std::string& text) {
+    return bundleOf({{"text", text}});
 }
 
 int send(const std::string& text) {
@@ -133,7 +130,7 @@ TEST(MessagePortContract, SecondRegistrationKeepsTheIdAndTakesTheNewCallback) {
 
 TEST(MessagePortContract, NullArgumentsAreInvalid) {
     bool exists = false;
-    const contract::BundleOwner message = messageOf("hello");
+    const BundleOwner message = messageOf("hello");
     EXPECT_EQ(message_port_register_local_port(nullptr, receive, nullptr), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(message_port_register_local_port(port, nullptr, nullptr), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(message_port_unregister_local_port(0), MESSAGE_PORT_ERROR_INVALID_PARAMETER);

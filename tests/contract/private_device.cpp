@@ -78,28 +78,29 @@ PrivateDevice::~PrivateDevice() {
 
 void PrivateDevice::boot() {
     fs::remove(folder_ / "bus");
-    g_autoptr(GSubprocessLauncher) launcher = g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_STDOUT_PIPE);
-    g_subprocess_launcher_set_stderr_file_path(launcher, (folder_ / "log").c_str());
+    const c::ObjectOwner<GSubprocessLauncher> launcher(g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_STDOUT_PIPE));
+    g_subprocess_launcher_set_stderr_file_path(launcher.get(), (folder_ / "log").c_str());
     const std::string configuration = "--config-file=" + (folder_ / "bus.conf").string();
     const std::array<const char*, 6> command{"dbus-daemon", configuration.c_str(), "--nofork",
                                              "--nopidfile", "--print-address=1",   nullptr};
     g_autoptr(GError) error = nullptr;
-    daemon_ = g_subprocess_launcher_spawnv(launcher, command.data(), &error);
+    daemon_.reset(g_subprocess_launcher_spawnv(launcher.get(), command.data(), &error));
     if (daemon_ == nullptr) {
         throw std::runtime_error(std::string("cannot start dbus-daemon: ") + error->message);
     }
     // It prints its address when it listens.
     std::array<char, 1> first{};
-    if (g_input_stream_read(g_subprocess_get_stdout_pipe(daemon_), first.data(), first.size(), nullptr, &error) != 1) {
+    if (g_input_stream_read(g_subprocess_get_stdout_pipe(daemon_.get()), first.data(), first.size(), nullptr, &error) !=
+        1) {
         throw std::runtime_error("dbus-daemon ended: " + log());
     }
 }
 
 void PrivateDevice::shutDown() {
     if (daemon_ != nullptr) {
-        g_subprocess_force_exit(daemon_);
-        g_subprocess_wait(daemon_, nullptr, nullptr);
-        g_clear_object(&daemon_);
+        g_subprocess_force_exit(daemon_.get());
+        g_subprocess_wait(daemon_.get(), nullptr, nullptr);
+        daemon_.reset();
     }
 }
 

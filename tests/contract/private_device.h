@@ -1,12 +1,10 @@
 #ifndef TESTS_PRIVATE_DEVICE_H
 #define TESTS_PRIVATE_DEVICE_H
 
-#include <gio/gio.h>
-
 #include <filesystem>
-#include <map>
 #include <string>
-#include <vector>
+
+#include "c_owners.h"
 
 /// A device of one test: a temporary folder and a private bus daemon with a settings store. The test's own process gets
 /// the environment of an application of that device.
@@ -36,7 +34,7 @@ public:
 
 private:
     std::filesystem::path folder_;
-    GSubprocess* daemon_ = nullptr;
+    c::ObjectOwner<GSubprocess> daemon_;
 };
 
 #endif

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "c_text.h"
 #include "contract_environment.h"
+#include "platform_owners.h"
 
 namespace {
 

@@ -7,29 +7,22 @@
 
 #include "host_bus.h"
 #include "host_test.h"
+#include "platform_owners.h"
 
 namespace {
 
 int send(const char* id, const char* key, const char* value) {
-    bundle* message = bundle_create();
-    bundle_add_str(message, key, value);
-    const int result = message_port_send_message(id, "control", message);
-    bundle_free(message);
-    return result;
-}
-
-void announce(int type) {
-    g_autoptr(GDBusConnection) bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
-    g_autoptr(TeskHostSystem) system = tesk_host_system_skeleton_new();
-    g_dbus_interface_skeleton_export(G_DBUS_INTERFACE_SKELETON(system), bus, host_bus::systemPath, nullptr);
-    tesk_host_system_emit_event(system, type);
-    g_dbus_connection_flush_sync(bus, nullptr, nullptr);
+    return message_port_send_message(id, "control", bundleOf({{key, value}}).get());
 }
 
 void emitSignal(const char* path, const char* interface, const char* signal, GVariant* arguments) {
-    g_autoptr(GDBusConnection) bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
-    g_dbus_connection_emit_signal(bus, nullptr, path, interface, signal, arguments, nullptr);
-    g_dbus_connection_flush_sync(bus, nullptr, nullptr);
+    const c::ObjectOwner<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
+    g_dbus_connection_emit_signal(bus.get(), nullptr, path, interface, signal, arguments, nullptr);
+    g_dbus_connection_flush_sync(bus.get(), nullptr, nullptr);
+}
+
+void announce(int type) {
+    emitSignal(host_bus::systemPath, tesk_host_system_interface_info()->name, "Event", g_variant_new("(i)", type));
 }
 
 void announceText() {
@@ -101,11 +94,7 @@ TEST_F(Exchange, SystemEventOfAnotherFormIsPassedOver) {
 TEST_F(Exchange, KeyChangeOfThisProcessReachesTheOther) {
     const auto app = start({"serve"});
     ASSERT_TRUE(app->said("launch"));
-    bundle* message = bundle_create();
-    bundle_add_str(message, "do", "watch");
-    bundle_add_str(message, "key", "db/example/key");
-    message_port_send_message(appId, "control", message);
-    bundle_free(message);
+    message_port_send_message(appId, "control", bundleOf({{"do", "watch"}, {"key", "db/example/key"}}).get());
     ASSERT_TRUE(app->said("watching"));
 
     vconf_set_int("db/example/key", 7);

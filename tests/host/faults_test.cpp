@@ -6,8 +6,8 @@
 
 #include <functional>
 
-#include "c_text.h"
 #include "host_test.h"
+#include "platform_owners.h"
 
 namespace {
 
@@ -29,15 +29,11 @@ protected:
         EXPECT_EQ(service_app_main(1, arguments, &callbacks, &body), 0);
     }
 
-    Faults() {
-        manager_ = dpm_manager_create();
-        dpm_admin_register_client(manager_, "com.example.client", 0);
-    }
-    ~Faults() override { dpm_manager_destroy(manager_); }
+    Faults() { dpm_admin_register_client(manager(), "com.example.client", 0); }
 
-    device_policy_manager_h manager() const { return manager_; }
+    device_policy_manager_h manager() const { return manager_.get(); }
 
-    int setQuality() const { return dpm_password_set_quality(manager_, 128); }
+    int setQuality() const { return dpm_password_set_quality(manager(), 128); }
 
     static void set(const std::string& function, int code, int nth = 0) {
         write("/faults/" + std::string(deskId) + "/" + function, g_variant_new("(ii)", code, nth));
@@ -46,12 +42,12 @@ protected:
     static void clear() { write("/faults/" + std::string(deskId) + "/", nullptr); }
 
     static void write(const std::string& path, GVariant* value) {
-        g_autoptr(DConfClient) client = dconf_client_new();
-        ASSERT_TRUE(dconf_client_write_sync(client, path.c_str(), value, nullptr, nullptr, nullptr));
+        const c::ObjectOwner<DConfClient> client(dconf_client_new());
+        ASSERT_TRUE(dconf_client_write_sync(client.get(), path.c_str(), value, nullptr, nullptr, nullptr));
     }
 
 private:
-    device_policy_manager_h manager_ = nullptr;
+    const ManagerOwner manager_{dpm_manager_create()};
 };
 
 TEST_F(Faults, FunctionAnswersTheCodeAndDoesNothingUntilItIsCleared) {

@@ -8,9 +8,9 @@
 #include <map>
 #include <optional>
 
-#include "c_text.h"
 #include "host_bus.h"
 #include "host_test.h"
+#include "platform_owners.h"
 
 namespace {
 
@@ -36,15 +36,12 @@ void onReply(app_control_h request, app_control_h reply, app_control_result_e re
 
 // Sends a launch request and destroys it at once.
 int launch(const char* id, const std::map<std::string, std::string>& data, Answer* answer) {
-    app_control_h request = nullptr;
-    app_control_create(&request);
-    app_control_set_app_id(request, id);
+    const AppControlOwner request = newAppControl();
+    app_control_set_app_id(request.get(), id);
     for (const auto& [key, value] : data) {
-        app_control_add_extra_data(request, key.c_str(), value.c_str());
+        app_control_add_extra_data(request.get(), key.c_str(), value.c_str());
     }
-    const int result = app_control_send_launch_request(request, answer != nullptr ? onReply : nullptr, answer);
-    app_control_destroy(request);
-    return result;
+    return app_control_send_launch_request(request.get(), answer != nullptr ? onReply : nullptr, answer);
 }
 
 bool came(const Answer& answer) {
@@ -52,23 +49,20 @@ bool came(const Answer& answer) {
 }
 
 void tellApp(const char* id, const char* todo, const char* key = "") {
-    bundle* message = bundle_create();
-    bundle_add_str(message, "do", todo);
-    bundle_add_str(message, "key", key);
-    EXPECT_EQ(message_port_send_message(id, "control", message), MESSAGE_PORT_ERROR_NONE);
-    bundle_free(message);
+    const BundleOwner message = bundleOf({{"do", todo}, {"key", key}});
+    EXPECT_EQ(message_port_send_message(id, "control", message.get()), MESSAGE_PORT_ERROR_NONE);
 }
 
 // Asks an application, over a connection of its own, to settle. Returns the ids that it still waits for.
 std::vector<std::string> settle(const char* id) {
-    g_autoptr(TeskHostApplication) proxy = tesk_host_application_proxy_new_for_bus_sync(
-        G_BUS_TYPE_SESSION, G_DBUS_PROXY_FLAGS_NONE, id, host_bus::applicationPath, nullptr, nullptr);
-    g_auto(GStrv) ids = nullptr;
-    std::vector<std::string> result;
-    if (tesk_host_application_call_settle_sync(proxy, G_DBUS_CALL_FLAGS_NONE, -1, &ids, nullptr, nullptr)) {
-        result.assign(ids, ids + g_strv_length(ids));
+    const c::ObjectOwner<TeskHostApplication> proxy(tesk_host_application_proxy_new_for_bus_sync(
+        G_BUS_TYPE_SESSION, G_DBUS_PROXY_FLAGS_NONE, id, host_bus::applicationPath, nullptr, nullptr));
+    char** ids = nullptr;
+    if (!tesk_host_application_call_settle_sync(proxy.get(), G_DBUS_CALL_FLAGS_NONE, -1, &ids, nullptr, nullptr)) {
+        return {};
     }
-    return result;
+    const c::TextListOwner owner(ids);
+    return {ids, ids + g_strv_length(ids)};
 }
 
 class Launch : public HostTest {};

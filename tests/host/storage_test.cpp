@@ -8,8 +8,8 @@
 
 #include <fstream>
 
-#include "c_text.h"
 #include "host_test.h"
+#include "platform_owners.h"
 
 namespace fs = std::filesystem;
 
@@ -22,19 +22,18 @@ void write(const fs::path& path) {
 
 class Storage : public HostTest {
 protected:
-    Storage() { dpm_admin_register_client(handle_, "com.example.client", 0); }
-    ~Storage() override { dpm_manager_destroy(handle_); }
+    Storage() { dpm_admin_register_client(handle(), "com.example.client", 0); }
 
-    device_policy_manager_h handle() const { return handle_; }
+    device_policy_manager_h handle() const { return handle_.get(); }
     fs::path internal() { return device().folder() / "storage/internal"; }
     fs::path external() { return device().folder() / "storage/external"; }
 
     int wipe(unsigned storages) const {
-        return dpm_security_wipe_data(handle_, static_cast<dpm_security_wipe_type_e>(storages));
+        return dpm_security_wipe_data(handle(), static_cast<dpm_security_wipe_type_e>(storages));
     }
 
 private:
-    device_policy_manager_h handle_ = dpm_manager_create();
+    const ManagerOwner handle_{dpm_manager_create()};
 };
 
 constexpr unsigned internalStorage = DPM_SECURITY_WIPE_INTERNAL_STORAGE;

@@ -19,7 +19,7 @@
 #include <utility>
 #include <vector>
 
-#include "c_text.h"
+#include "platform_owners.h"
 
 namespace {
 
@@ -49,11 +49,9 @@ std::string callerOf(app_control_h control) {
 }
 
 void answer(app_control_h request) {
-    app_control_h reply = nullptr;
-    app_control_create(&reply);
-    app_control_add_extra_data(reply, "answer", "yes");
-    app_control_reply_to_launch_request(reply, request, APP_CONTROL_RESULT_SUCCEEDED);
-    app_control_destroy(reply);
+    const AppControlOwner reply = newAppControl();
+    app_control_add_extra_data(reply.get(), "answer", "yes");
+    app_control_reply_to_launch_request(reply.get(), request, APP_CONTROL_RESULT_SUCCEEDED);
 }
 
 void onAnswered(app_control_h /*request*/, app_control_h /*reply*/, app_control_result_e result, void* /*data*/) {
@@ -70,12 +68,10 @@ void waitForFile(const std::string& path) {
 
 // Launches another application that will keep the request.
 void launchAndWait(const std::string& target) {
-    app_control_h request = nullptr;
-    app_control_create(&request);
-    app_control_set_app_id(request, target.c_str());
-    app_control_add_extra_data(request, "do", "keep");
-    app_control_send_launch_request(request, onAnswered, nullptr);
-    app_control_destroy(request);
+    const AppControlOwner request = newAppControl();
+    app_control_set_app_id(request.get(), target.c_str());
+    app_control_add_extra_data(request.get(), "do", "keep");
+    app_control_send_launch_request(request.get(), onAnswered, nullptr);
 }
 
 void onKeyChanged(keynode_t* node, void* /*data*/) {
@@ -170,11 +166,8 @@ int serve(Application application) {
 // Sends each text to another application's port, and ends at once.
 int sendMessages(const Arguments& arguments) {
     for (std::size_t i = 1; i < arguments.size(); ++i) {
-        bundle* message = bundle_create();
-        bundle_add_str(message, "text", arguments[i].c_str());
-        const int result = message_port_send_message(arguments[0].c_str(), "control", message);
-        bundle_free(message);
-        if (result != 0) {
+        const BundleOwner message = bundleOf({{"text", arguments[i]}});
+        if (message_port_send_message(arguments[0].c_str(), "control", message.get()) != 0) {
             return EXIT_FAILURE;
         }
     }
@@ -183,13 +176,10 @@ int sendMessages(const Arguments& arguments) {
 
 // Launches another application, and ends at once.
 int launch(const Arguments& arguments) {
-    app_control_h request = nullptr;
-    app_control_create(&request);
-    app_control_set_app_id(request, arguments.at(0).c_str());
-    app_control_add_extra_data(request, "text", arguments.at(1).c_str());
-    const int result = app_control_send_launch_request(request, nullptr, nullptr);
-    app_control_destroy(request);
-    return result == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+    const AppControlOwner request = newAppControl();
+    app_control_set_app_id(request.get(), arguments.at(0).c_str());
+    app_control_add_extra_data(request.get(), "text", arguments.at(1).c_str());
+    return app_control_send_launch_request(request.get(), nullptr, nullptr) == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 int setKey(const Arguments& arguments) {
@@ -204,20 +194,18 @@ int printKey(const Arguments& arguments) {
 }
 
 int administer(const Arguments& arguments) {
-    device_policy_manager_h handle = dpm_manager_create();
-    dpm_admin_register_client(handle, "com.example.client", getuid());
-    const int result = dpm_password_set_quality(handle, std::stoi(arguments.at(0)));
-    dpm_manager_destroy(handle);
-    return result == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+    const ManagerOwner manager(dpm_manager_create());
+    dpm_admin_register_client(manager.get(), "com.example.client", getuid());
+    const bool isSet = dpm_password_set_quality(manager.get(), std::stoi(arguments.at(0))) == 0;
+    return isSet ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 // Prints the quality, and whether a setter is allowed.
 int printQuality(const Arguments& /*arguments*/) {
-    device_policy_manager_h handle = dpm_manager_create();
+    const ManagerOwner manager(dpm_manager_create());
     int quality = -1;
-    dpm_password_get_quality(handle, &quality);
-    std::cout << quality << " " << dpm_password_set_quality(handle, quality);
-    dpm_manager_destroy(handle);
+    dpm_password_get_quality(manager.get(), &quality);
+    std::cout << quality << " " << dpm_password_set_quality(manager.get(), quality);
     return EXIT_SUCCESS;
 }
 

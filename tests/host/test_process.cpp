@@ -34,13 +34,13 @@ void setTrue(GObject* process, GAsyncResult* result, gpointer flag) {
 
 TestProcess::TestProcess(const std::vector<std::string>& command, const std::string& applicationId)
     : folder_(newFolder()) {
-    g_autoptr(GSubprocessLauncher) launcher = g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_NONE);
-    g_subprocess_launcher_set_stdout_file_path(launcher, (folder_ / "output").c_str());
-    g_subprocess_launcher_set_stderr_file_path(launcher, (folder_ / "errors").c_str());
+    const c::ObjectOwner<GSubprocessLauncher> launcher(g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_NONE));
+    g_subprocess_launcher_set_stdout_file_path(launcher.get(), (folder_ / "output").c_str());
+    g_subprocess_launcher_set_stderr_file_path(launcher.get(), (folder_ / "errors").c_str());
     if (applicationId.empty()) {
-        g_subprocess_launcher_unsetenv(launcher, host_bus::appIdVariable);
+        g_subprocess_launcher_unsetenv(launcher.get(), host_bus::appIdVariable);
     } else {
-        g_subprocess_launcher_setenv(launcher, host_bus::appIdVariable, applicationId.c_str(), TRUE);
+        g_subprocess_launcher_setenv(launcher.get(), host_bus::appIdVariable, applicationId.c_str(), TRUE);
     }
     std::vector<const char*> arguments;
     arguments.reserve(command.size() + 1);
@@ -49,19 +49,18 @@ TestProcess::TestProcess(const std::vector<std::string>& command, const std::str
     }
     arguments.push_back(nullptr);
     g_autoptr(GError) error = nullptr;
-    process_ = g_subprocess_launcher_spawnv(launcher, arguments.data(), &error);
+    process_.reset(g_subprocess_launcher_spawnv(launcher.get(), arguments.data(), &error));
     if (process_ == nullptr) {
         throw std::runtime_error("cannot start " + command.at(0) + ": " + error->message);
     }
-    g_subprocess_wait_async(process_, nullptr, setTrue, &hasEnded_);
+    g_subprocess_wait_async(process_.get(), nullptr, setTrue, &hasEnded_);
 }
 
 TestProcess::~TestProcess() {
-    g_subprocess_force_exit(process_);
+    g_subprocess_force_exit(process_.get());
     while (!hasEnded_) {
         g_main_context_iteration(nullptr, TRUE);
     }
-    g_object_unref(process_);
     std::error_code ignored;
     std::filesystem::remove_all(folder_, ignored);
 }
@@ -75,11 +74,11 @@ bool TestProcess::said(const std::string& text) const {
 }
 
 void TestProcess::sendSignal(int signal) {
-    g_subprocess_send_signal(process_, signal);
+    g_subprocess_send_signal(process_.get(), signal);
 }
 
 int TestProcess::status() const {
-    return g_subprocess_get_if_exited(process_) ? g_subprocess_get_exit_status(process_) : -1;
+    return g_subprocess_get_if_exited(process_.get()) ? g_subprocess_get_exit_status(process_.get()) : -1;
 }
 
 std::string TestProcess::output() const {

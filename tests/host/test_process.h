@@ -1,11 +1,11 @@
 #ifndef TEST_PROCESS_H
 #define TEST_PROCESS_H
 
-#include <gio/gio.h>
-
 #include <filesystem>
 #include <string>
 #include <vector>
+
+#include "c_owners.h"
 
 /// A child process of a test, and what it writes.
 class TestProcess {
@@ -35,7 +35,7 @@ public:
 
 private:
     std::filesystem::path folder_;
-    GSubprocess* process_ = nullptr;
+    c::ObjectOwner<GSubprocess> process_;
     bool hasEnded_ = false;
 };
 

@@ -8,7 +8,6 @@
 #include <stdexcept>
 
 #include "messages.h"
-#include "platform_owners.h"
 
 namespace load_test {
 namespace {

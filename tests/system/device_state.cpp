@@ -9,15 +9,13 @@
 
 #include <stdexcept>
 #include <tuple>
-#include <type_traits>
 
 #include "c_owners.h"
 #include "device/application_ids.h"
+#include "platform_owners.h"
 
 namespace system_test {
 namespace {
-
-using Manager = c::Owner<std::remove_pointer_t<device_policy_manager_h>, dpm_manager_destroy>;
 
 auto fields(const Settings& s) {
     return std::make_tuple(s.quality, s.minLength, s.failedAttempts, s.complexCharacters, s.inactivity, s.expiration,
@@ -60,7 +58,7 @@ void PrintTo(const Settings& settings, std::ostream* output) {
 }
 
 Settings settings() {
-    const Manager manager(dpm_manager_create());
+    const ManagerOwner manager(dpm_manager_create());
     device_policy_manager_h handle = manager.get();
     Settings s;
     const bool areRead = dpm_password_get_quality(handle, &s.quality) == 0 &&
@@ -80,7 +78,7 @@ Settings settings() {
 }
 
 int tryToAdminister() {
-    const Manager manager(dpm_manager_create());
+    const ManagerOwner manager(dpm_manager_create());
     int quality = 0;
     EXPECT_EQ(dpm_password_get_quality(manager.get(), &quality), DPM_ERROR_NONE);
     return dpm_password_set_quality(manager.get(), quality);

@@ -9,7 +9,6 @@
 #include "file_bytes.h"
 #include "messages.h"
 #include "other_program.h"
-#include "platform_owners.h"
 #include "test_device.h"
 
 namespace system_test {

@@ -6,7 +6,6 @@
 
 #include "device_state.h"
 #include "messages.h"
-#include "platform_owners.h"
 #include "test_device.h"
 
 namespace system_test {

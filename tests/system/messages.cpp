@@ -1,5 +1,10 @@
 #include "messages.h"
 
+#include <message_port.h>
+
+#include "device/application_ids.h"
+#include "platform_owners.h"
+
 namespace system_test {
 
 namespace {
@@ -39,6 +44,10 @@ std::string accountInfo(const std::vector<PolicyAccount>& accounts) {
 
 std::string initResponse(const std::vector<PolicyAccount>& accounts) {
     return R"({"msgId":"email-init-res","seqId":3,"param":{"accountId":)" + entries(accounts, "id") + "}}";
+}
+
+int sendMessage(const std::vector<std::pair<std::string, std::string>>& entries) {
+    return message_port_send_message(deskwatch::ids::service, deskwatch::ids::policyPort, bundleOf(entries).get());
 }
 
 } // namespace system_test

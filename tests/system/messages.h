@@ -2,6 +2,7 @@
 #define TESTS_SYSTEM_MESSAGES_H
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "sample_policies.h"
@@ -34,6 +35,9 @@ std::string accountInfo(const std::vector<PolicyAccount>& accounts);
 
 /// The same list in the mail application's answer at its start.
 std::string initResponse(const std::vector<PolicyAccount>& accounts);
+
+/// Sends a message with these entries, in order, to the service's port. Returns the platform's code at once.
+int sendMessage(const std::vector<std::pair<std::string, std::string>>& entries);
 
 } // namespace system_test
 

@@ -7,7 +7,6 @@
 #include "device/process_handle.h"
 #include "device_state.h"
 #include "messages.h"
-#include "platform_owners.h"
 #include "service_process.h"
 #include "test_device.h"
 

@@ -8,6 +8,7 @@
 #include <iostream>
 
 #include "device/application_ids.h"
+#include "messages.h"
 #include "platform_owners.h"
 #include "programs.h"
 
@@ -64,7 +65,7 @@ std::filesystem::path TestDevice::database() const {
 }
 
 void TestDevice::launchService() const {
-    const AppControl request = newAppControl();
+    const AppControlOwner request = newAppControl();
     ASSERT_EQ(app_control_set_app_id(request.get(), ids::service), APP_CONTROL_ERROR_NONE);
     ASSERT_EQ(app_control_send_launch_request(request.get(), nullptr, nullptr), APP_CONTROL_ERROR_NONE);
     companions_.settle(ids::service);
