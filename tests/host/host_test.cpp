@@ -38,3 +38,9 @@ std::size_t occurrences(const std::string& text, const std::string& part) {
     }
     return count;
 }
+
+void emitSignal(const char* path, const char* interface, const char* signal, GVariant* arguments) {
+    const c::ObjectOwner<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
+    g_dbus_connection_emit_signal(bus.get(), nullptr, path, interface, signal, arguments, nullptr);
+    g_dbus_connection_flush_sync(bus.get(), nullptr, nullptr);
+}

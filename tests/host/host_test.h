@@ -42,4 +42,7 @@ private:
 /// How often a text occurs in another.
 std::size_t occurrences(const std::string& text, const std::string& part);
 
+/// Sends a signal to all on the bus, as any process of the device can. Consumes floating arguments.
+void emitSignal(const char* path, const char* interface, const char* signal, GVariant* arguments);
+
 #endif

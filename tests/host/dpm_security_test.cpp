@@ -1,9 +1,5 @@
-#include <app_common.h>
-#include <app_preference.h>
 #include <dpm/administration.h>
-#include <dpm/restriction.h>
 #include <dpm/security.h>
-#include <sys/stat.h>
 #include <vconf.h>
 
 #include <fstream>
@@ -20,9 +16,9 @@ void write(const fs::path& path) {
     std::ofstream(path) << "content";
 }
 
-class Storage : public HostTest {
+class DpmSecurity : public HostTest {
 protected:
-    Storage() { dpm_admin_register_client(handle(), "com.example.client", 0); }
+    DpmSecurity() { dpm_admin_register_client(handle(), "com.example.client", 0); }
 
     device_policy_manager_h handle() const { return handle_.get(); }
     fs::path internal() { return device().folder() / "storage/internal"; }
@@ -39,7 +35,7 @@ private:
 constexpr unsigned internalStorage = DPM_SECURITY_WIPE_INTERNAL_STORAGE;
 constexpr unsigned externalStorage = DPM_SECURITY_WIPE_EXTERNAL_STORAGE;
 
-TEST_F(Storage, WipeEmptiesTheFolderAndKeepsIt) {
+TEST_F(DpmSecurity, WipeEmptiesTheFolderAndKeepsIt) {
     write(internal() / "note");
     write(internal() / "photos/2024/one");
     write(internal() / ".hidden");
@@ -52,7 +48,7 @@ TEST_F(Storage, WipeEmptiesTheFolderAndKeepsIt) {
     EXPECT_TRUE(fs::exists(external() / "card"));
 }
 
-TEST_F(Storage, WipeOfBothEmptiesBoth) {
+TEST_F(DpmSecurity, WipeOfBothEmptiesBoth) {
     write(internal() / "note");
     write(external() / "card");
     EXPECT_EQ(wipe(internalStorage | externalStorage), DPM_ERROR_NONE);
@@ -60,7 +56,7 @@ TEST_F(Storage, WipeOfBothEmptiesBoth) {
     EXPECT_TRUE(fs::is_empty(external()));
 }
 
-TEST_F(Storage, WipeRemovesLinksAndFollowsNone) {
+TEST_F(DpmSecurity, WipeRemovesLinksAndFollowsNone) {
     write(device().folder() / "outside/kept");
     fs::create_directory_symlink(device().folder() / "outside", internal() / "link");
     fs::create_directories(internal() / "folder");
@@ -72,7 +68,7 @@ TEST_F(Storage, WipeRemovesLinksAndFollowsNone) {
     EXPECT_TRUE(fs::exists(device().folder() / "outside/kept"));
 }
 
-TEST_F(Storage, WipeRefusesAStorageThatIsALink) {
+TEST_F(DpmSecurity, WipeRefusesAStorageThatIsALink) {
     write(device().folder() / "outside/kept");
     fs::remove(internal());
     fs::create_directory_symlink(device().folder() / "outside", internal());
@@ -82,7 +78,7 @@ TEST_F(Storage, WipeRefusesAStorageThatIsALink) {
     EXPECT_TRUE(fs::exists(device().folder() / "outside/kept"));
 }
 
-TEST_F(Storage, WipeRefusesAStorageBelowALink) {
+TEST_F(DpmSecurity, WipeRefusesAStorageBelowALink) {
     write(device().folder() / "outside/internal/kept");
     fs::remove_all(device().folder() / "storage");
     fs::create_directory_symlink(device().folder() / "outside", device().folder() / "storage");
@@ -92,49 +88,25 @@ TEST_F(Storage, WipeRefusesAStorageBelowALink) {
     EXPECT_TRUE(fs::exists(device().folder() / "outside/internal/kept"));
 }
 
-TEST_F(Storage, StorageThatIsNotThereIsWipedAlready) {
+TEST_F(DpmSecurity, StorageThatIsNotThereIsWipedAlready) {
     fs::remove(external());
     EXPECT_EQ(wipe(externalStorage), DPM_ERROR_NONE);
 }
 
-TEST_F(Storage, NothingIsWipedWhileNobodyAdministers) {
+TEST_F(DpmSecurity, NothingIsWipedWhileNobodyAdministers) {
     write(internal() / "note");
     dpm_admin_deregister_client(handle(), "com.example.client", 0);
     EXPECT_EQ(wipe(internalStorage), DPM_ERROR_PERMISSION_DENIED);
     EXPECT_TRUE(fs::exists(internal() / "note"));
 }
 
-TEST_F(Storage, IsEncryptedWhenTheDevicesKeySaysSo) {
+TEST_F(DpmSecurity, IsEncryptedWhenTheDevicesKeySaysSo) {
     vconf_set_str("db/ode/crypto_state", "encrypted");
     int isEncrypted = 0;
     dpm_security_is_internal_storage_encrypted(handle(), &isEncrypted);
     EXPECT_EQ(isEncrypted, 1);
     dpm_security_is_external_storage_encrypted(handle(), &isEncrypted);
     EXPECT_EQ(isEncrypted, 0);
-}
-
-TEST_F(Storage, DataPathIsAFolderForTheOwnerAlone) {
-    const std::string path = taken(app_get_data_path());
-    EXPECT_EQ(path, device().folder().string() + "/apps/com.example.desk/data/");
-    struct stat status {};
-    ASSERT_EQ(stat(path.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777U, 0700U);
-}
-
-TEST_F(Storage, TextsThatAreNotUtf8AreRefused) {
-    EXPECT_EQ(vconf_set_str("db/example/key", "\xff"), -1);
-    EXPECT_EQ(vconf_set_str("db/example/\xff", "text"), -1);
-    EXPECT_EQ(preference_set_string("key", "\xff"), PREFERENCE_ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(preference_set_int("\xff", 1), PREFERENCE_ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(dpm_restriction_set_messaging_state(handle(), "\xff", 1), DPM_ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(dpm_admin_register_client(handle(), "\xff", 0), DPM_ERROR_INVALID_PARAMETER);
-}
-
-TEST_F(Storage, NamesThatWouldLeaveTheirFolderAreRefused) {
-    EXPECT_EQ(dpm_restriction_set_messaging_state(handle(), "a/b", 1), DPM_ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(dpm_admin_register_client(handle(), "a/b", 0), DPM_ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(preference_set_int("", 1), PREFERENCE_ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(preference_set_int("a//b", 1), PREFERENCE_ERROR_INVALID_PARAMETER);
 }
 
 } // namespace

@@ -4,15 +4,15 @@
 
 namespace {
 
-class LifeCycle : public HostTest {};
+class ServiceApp : public HostTest {};
 
-TEST_F(LifeCycle, ApplicationStartedByHandGetsOneEmptyLaunchAfterCreate) {
+TEST_F(ServiceApp, ApplicationStartedByHandGetsOneEmptyLaunchAfterCreate) {
     const auto app = start({"serve"});
     ASSERT_TRUE(app->said("launch by nobody: \n"));
     EXPECT_EQ(app->errors(), "create\nlaunch by nobody: \n");
 }
 
-TEST_F(LifeCycle, TerminationSignalEndsTheApplicationInOrder) {
+TEST_F(ServiceApp, TerminationSignalEndsTheApplicationInOrder) {
     const auto app = start({"serve"});
     ASSERT_TRUE(app->said("launch"));
     app->sendSignal(SIGTERM);
@@ -21,7 +21,7 @@ TEST_F(LifeCycle, TerminationSignalEndsTheApplicationInOrder) {
     EXPECT_EQ(app->status(), 0);
 }
 
-TEST_F(LifeCycle, InterruptEndsTheApplicationInOrder) {
+TEST_F(ServiceApp, InterruptEndsTheApplicationInOrder) {
     const auto app = start({"serve"});
     ASSERT_TRUE(app->said("launch"));
     app->sendSignal(SIGINT);
@@ -29,7 +29,7 @@ TEST_F(LifeCycle, InterruptEndsTheApplicationInOrder) {
     EXPECT_EQ(app->status(), 0);
 }
 
-TEST_F(LifeCycle, BrokenPipeDoesNotEndTheApplication) {
+TEST_F(ServiceApp, BrokenPipeDoesNotEndTheApplication) {
     const auto app = start({"serve"});
     ASSERT_TRUE(app->said("launch"));
     app->sendSignal(SIGPIPE);
@@ -37,7 +37,7 @@ TEST_F(LifeCycle, BrokenPipeDoesNotEndTheApplication) {
     EXPECT_TRUE(app->said("still here"));
 }
 
-TEST_F(LifeCycle, RefusedCreateEndsTheApplicationWithoutMainLoopAndTerminate) {
+TEST_F(ServiceApp, RefusedCreateEndsTheApplicationWithoutMainLoopAndTerminate) {
     const auto app = start({"refuse"});
     ASSERT_TRUE(app->ended());
     EXPECT_EQ(app->status(), 1);
@@ -47,13 +47,13 @@ TEST_F(LifeCycle, RefusedCreateEndsTheApplicationWithoutMainLoopAndTerminate) {
     EXPECT_EQ(occurrences(app->errors(), "main returned -"), 1U);
 }
 
-TEST_F(LifeCycle, ExitBeforeTheMainLoopEndsItTooAndRunsTerminate) {
+TEST_F(ServiceApp, ExitBeforeTheMainLoopEndsItTooAndRunsTerminate) {
     const auto app = start({"exit-in-create"});
     ASSERT_TRUE(app->ended());
     EXPECT_EQ(app->errors(), "create\nterminate\nmain returned 0\n");
 }
 
-TEST_F(LifeCycle, SecondInstanceIsRefusedBeforeCreate) {
+TEST_F(ServiceApp, SecondInstanceIsRefusedBeforeCreate) {
     const auto first = start({"serve"});
     ASSERT_TRUE(first->said("launch"));
     const auto second = start({"serve"});
@@ -63,7 +63,7 @@ TEST_F(LifeCycle, SecondInstanceIsRefusedBeforeCreate) {
     EXPECT_EQ(occurrences(second->errors(), "create"), 0U);
 }
 
-TEST_F(LifeCycle, ApplicationWithoutAnIdSaysSoAndDoesNotStart) {
+TEST_F(ServiceApp, ApplicationWithoutAnIdSaysSoAndDoesNotStart) {
     TestProcess app({TEST_APPLICATION, "serve"}, "");
     ASSERT_TRUE(app.ended());
     EXPECT_EQ(app.status(), 1);
@@ -71,14 +71,14 @@ TEST_F(LifeCycle, ApplicationWithoutAnIdSaysSoAndDoesNotStart) {
     EXPECT_EQ(occurrences(app.errors(), "create"), 0U);
 }
 
-TEST_F(LifeCycle, IdThatIsNoBusNameIsRefused) {
+TEST_F(ServiceApp, IdThatIsNotABusNameIsRefused) {
     TestProcess app({TEST_APPLICATION, "serve"}, "no bus name");
     ASSERT_TRUE(app.ended());
     EXPECT_EQ(app.status(), 1);
     EXPECT_GE(occurrences(app.errors(), "no well-formed bus name"), 1U);
 }
 
-TEST_F(LifeCycle, ApplicationWithoutABusSaysSoAndDoesNotStart) {
+TEST_F(ServiceApp, ApplicationWithoutABusSaysSoAndDoesNotStart) {
     device().shutDown();
     const auto app = start({"serve"});
     ASSERT_TRUE(app->ended());
@@ -86,7 +86,7 @@ TEST_F(LifeCycle, ApplicationWithoutABusSaysSoAndDoesNotStart) {
     EXPECT_GE(occurrences(app->errors(), "cannot connect to the device's bus"), 1U);
 }
 
-TEST_F(LifeCycle, LostBusEndsTheApplicationAsAFailure) {
+TEST_F(ServiceApp, LostBusEndsTheApplicationAsAFailure) {
     const auto app = start({"serve"});
     ASSERT_TRUE(app->said("launch"));
     device().shutDown();
@@ -96,7 +96,7 @@ TEST_F(LifeCycle, LostBusEndsTheApplicationAsAFailure) {
     EXPECT_EQ(occurrences(app->errors(), "terminate"), 0U);
 }
 
-TEST_F(LifeCycle, LostBusIsAFailureForTheOwnerOfASystemNameToo) {
+TEST_F(ServiceApp, LostBusIsAFailureForTheOwnerOfASystemNameToo) {
     const auto app = start({"serve-on-both-buses"});
     ASSERT_TRUE(app->said("launch"));
     device().shutDown();

@@ -65,7 +65,7 @@ std::vector<std::string> settle(const char* id) {
     return {ids, ids + g_strv_length(ids)};
 }
 
-class Launch : public HostTest {};
+class Launcher : public HostTest {};
 
 /// The device's processes get one processor, on which threads that race for the bus lose every time.
 class OneProcessor {
@@ -85,9 +85,9 @@ private:
     cpu_set_t all_{};
 };
 
-class LaunchOnOneProcessor : private OneProcessor, public HostTest {};
+class LauncherOnOneProcessor : private OneProcessor, public HostTest {};
 
-TEST_F(Launch, StartsTheApplicationAndReachesItAfterCreateOnce) {
+TEST_F(Launcher, StartsTheApplicationAndReachesItAfterCreateOnce) {
     EXPECT_EQ(launch(appId, {{"text", "hello"}}, nullptr), APP_CONTROL_ERROR_NONE);
     ASSERT_TRUE(logged("launch by com.example.desk: hello\n"));
     EXPECT_LT(device().log().find("create\n"), device().log().find("launch by"));
@@ -95,7 +95,7 @@ TEST_F(Launch, StartsTheApplicationAndReachesItAfterCreateOnce) {
     EXPECT_EQ(occurrences(device().log(), "launch by"), 1U);
 }
 
-TEST_F(Launch, ReachesARunningApplicationAgain) {
+TEST_F(Launcher, ReachesARunningApplicationAgain) {
     launch(appId, {{"text", "first"}}, nullptr);
     launch(appId, {{"text", "second"}}, nullptr);
     ASSERT_TRUE(logged("launch by com.example.desk: second\n"));
@@ -103,14 +103,14 @@ TEST_F(Launch, ReachesARunningApplicationAgain) {
     EXPECT_EQ(occurrences(device().log(), "create\n"), 1U);
 }
 
-TEST_F(Launch, UnknownApplicationIsNotFoundAtOnce) {
+TEST_F(Launcher, UnknownApplicationIsNotFoundAtOnce) {
     Answer answer;
     EXPECT_EQ(launch("com.example.nobody", {}, &answer), APP_CONTROL_ERROR_APP_NOT_FOUND);
     EXPECT_EQ(launch("no bus name", {}, &answer), APP_CONTROL_ERROR_APP_NOT_FOUND);
     EXPECT_FALSE(answer.result.has_value());
 }
 
-TEST_F(Launch, ReplyComesWithItsDataAndACopyOfTheRequest) {
+TEST_F(Launcher, ReplyComesWithItsDataAndACopyOfTheRequest) {
     Answer answer;
     launch(appId, {{"do", "answer"}, {"text", "hello"}}, &answer);
     ASSERT_TRUE(came(answer));
@@ -120,13 +120,13 @@ TEST_F(Launch, ReplyComesWithItsDataAndACopyOfTheRequest) {
     EXPECT_EQ(answer.target, appId);
 }
 
-TEST_F(Launch, RequestCanStillBeReadAfterItWasAnsweredInTheCallback) {
+TEST_F(Launcher, RequestCanStillBeReadAfterItWasAnsweredInTheCallback) {
     Answer answer;
     launch(appId, {{"do", "answer"}, {"text", "hello"}}, &answer);
     EXPECT_TRUE(logged("launch by com.example.desk: hello\n"));
 }
 
-TEST_F(Launch, ReplyMayComeLate) {
+TEST_F(Launcher, ReplyMayComeLate) {
     Answer answer;
     launch(appId, {{"do", "keep"}}, &answer);
     ASSERT_TRUE(logged("launch by com.example.desk"));
@@ -139,7 +139,7 @@ TEST_F(Launch, ReplyMayComeLate) {
     EXPECT_EQ(answer.answer, "yes");
 }
 
-TEST_F(Launch, RequestThatIsDroppedIsCancelled) {
+TEST_F(Launcher, RequestThatIsDroppedIsCancelled) {
     Answer answer;
     launch(appId, {{"do", "drop"}}, &answer);
     ASSERT_TRUE(came(answer));
@@ -147,36 +147,36 @@ TEST_F(Launch, RequestThatIsDroppedIsCancelled) {
     EXPECT_EQ(answer.answer, "(null)");
 }
 
-TEST_F(Launch, DroppedRequestWithoutReplyHarmsNobody) {
+TEST_F(Launcher, DroppedRequestWithoutReplyHarmsNobody) {
     launch(appId, {{"do", "drop"}}, nullptr);
     launch(appId, {{"text", "next"}}, nullptr);
     EXPECT_TRUE(logged("launch by com.example.desk: next\n"));
 }
 
-TEST_F(Launch, DeathOfTheApplicationCancelsTheRequest) {
+TEST_F(Launcher, DeathOfTheApplicationCancelsTheRequest) {
     Answer answer;
     launch(appId, {{"do", "crash"}}, &answer);
     ASSERT_TRUE(came(answer));
     EXPECT_EQ(answer.result, APP_CONTROL_RESULT_CANCELED);
 }
 
-TEST_F(Launch, ApplicationThatCannotStartFails) {
+TEST_F(Launcher, ApplicationThatCannotStartFails) {
     Answer answer;
     EXPECT_EQ(launch(brokenId, {}, &answer), APP_CONTROL_ERROR_NONE);
     ASSERT_TRUE(came(answer));
     EXPECT_EQ(answer.result, APP_CONTROL_RESULT_FAILED);
 }
 
-TEST_F(Launch, TextThatIsNotUtf8IsInvalid) {
+TEST_F(Launcher, TextThatIsNotUtf8IsInvalid) {
     EXPECT_EQ(launch(appId, {{"text", "\xff"}}, nullptr), APP_CONTROL_ERROR_INVALID_PARAMETER);
 }
 
-TEST_F(Launch, SenderMayEndAtOnceEvenWhenTheTargetMustBeStarted) {
+TEST_F(Launcher, SenderMayEndAtOnceEvenWhenTheTargetMustBeStarted) {
     EXPECT_EQ(run({"launch", appId, "by"})->status(), 0);
     EXPECT_TRUE(logged("launch by com.example.desk: by\n"));
 }
 
-TEST_F(Launch, RequestBehindTheOneThatEndsTheApplicationIsNotLost) {
+TEST_F(Launcher, RequestAfterTheOneThatEndsTheApplicationIsNotLost) {
     const auto file = device().folder() / "go on";
     launch(appId, {{"do", "exit-when"}, {"file", file.string()}}, nullptr);
     ASSERT_TRUE(logged("exit asked\n"));
@@ -189,7 +189,7 @@ TEST_F(Launch, RequestBehindTheOneThatEndsTheApplicationIsNotLost) {
     EXPECT_TRUE(logged("launch by com.example.desk: afterwards\n"));
 }
 
-TEST_F(Launch, ApplicationComesUpAgainAfterItsEnd) {
+TEST_F(Launcher, ApplicationComesUpAgainAfterItsEnd) {
     launch(appId, {{"do", "exit"}}, nullptr);
     ASSERT_TRUE(logged("main returned 0\n"));
     EXPECT_EQ(launch(appId, {{"text", "again"}}, nullptr), APP_CONTROL_ERROR_NONE);
@@ -197,7 +197,7 @@ TEST_F(Launch, ApplicationComesUpAgainAfterItsEnd) {
     EXPECT_EQ(occurrences(device().log(), "create\n"), 2U);
 }
 
-TEST_F(Launch, SettledApplicationHasHandledAllThatWasSentBefore) {
+TEST_F(Launcher, SettledApplicationHasHandledAllThatWasSentBefore) {
     for (int i = 0; i < 20; ++i) {
         launch(appId, {{"text", std::to_string(i)}}, nullptr);
     }
@@ -205,7 +205,7 @@ TEST_F(Launch, SettledApplicationHasHandledAllThatWasSentBefore) {
     EXPECT_EQ(occurrences(device().log(), "launch by"), 20U);
 }
 
-TEST_F(LaunchOnOneProcessor, SettledApplicationHasHeardOfEachKeyThatWasSetBefore) {
+TEST_F(LauncherOnOneProcessor, SettledApplicationHasHeardOfEachKeyThatWasSetBefore) {
     constexpr char key[] = "db/example/key";
     launch(appId, {}, nullptr);
     ASSERT_TRUE(logged("launch by com.example.desk"));
@@ -219,7 +219,7 @@ TEST_F(LaunchOnOneProcessor, SettledApplicationHasHeardOfEachKeyThatWasSetBefore
     }
 }
 
-TEST_F(Launch, SettledApplicationNamesThoseWhoseAnswerIsStillOut) {
+TEST_F(Launcher, SettledApplicationNamesThoseWhoseAnswerIsStillOut) {
     launch(appId, {{"do", "launch"}, {"target", keeperId}}, nullptr);
     ASSERT_TRUE(logged("launch by com.example.app"));
     EXPECT_EQ(settle(appId), std::vector<std::string>{keeperId});

@@ -1,0 +1,33 @@
+#include <service_app.h>
+#include <tesk-host-bus.h>
+
+#include "host_bus.h"
+#include "host_test.h"
+
+namespace {
+
+void announce(GVariant* arguments) {
+    emitSignal(host_bus::systemPath, tesk_host_system_interface_info()->name, "Event", arguments);
+}
+
+class AppEvent : public HostTest {};
+
+TEST_F(AppEvent, SystemEventReachesAHandlerThatWasAddedBeforeTheMainLoop) {
+    const auto app = start({"serve"});
+    ASSERT_TRUE(app->said("launch"));
+    announce(g_variant_new("(i)", APP_EVENT_LOW_BATTERY));
+    announce(g_variant_new("(i)", APP_EVENT_LOW_MEMORY));
+    ASSERT_TRUE(app->said("event low memory\n"));
+    EXPECT_EQ(occurrences(app->errors(), "event"), 1U);
+}
+
+TEST_F(AppEvent, SystemEventOfAnotherFormIsPassedOver) {
+    const auto app = start({"serve"});
+    ASSERT_TRUE(app->said("launch"));
+    announce(g_variant_new("(s)", "low memory"));
+    announce(g_variant_new("(i)", APP_EVENT_LOW_MEMORY));
+    ASSERT_TRUE(app->said("event low memory\n"));
+    EXPECT_EQ(occurrences(app->errors(), "CRITICAL"), 0U) << app->errors();
+}
+
+} // namespace
