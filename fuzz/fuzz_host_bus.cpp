@@ -45,10 +45,8 @@ void deliverToPort(const char* port, const char* sender, GVariant* pairs) {
     int messages = 0;
     host::PortTable ports;
     ports.set(portName, onMessage, &messages);
-    if (ports.find(port)) {
-        ports.deliver(port, sender, pairs);
-        require(messages == 1, "a message reaches its port once");
-    }
+    const bool isDelivered = ports.deliver(port, sender, pairs);
+    require(messages == (isDelivered ? 1 : 0), "a message reaches its port once");
 }
 
 /// Reads the extra data of a received request as an application would.

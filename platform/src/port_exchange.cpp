@@ -56,18 +56,23 @@ int PortExchange::open(const std::string& name, message_port_message_cb callback
     if (!g_dbus_is_name(nameOnBus.c_str())) {
         return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
     }
-    g_autoptr(GError) error = nullptr;
-    // The object comes before the name: whoever sees the name may send at once.
-    auto* skeleton = G_DBUS_INTERFACE_SKELETON(skeleton_.get());
-    if (ports_.isEmpty() &&
-        !g_dbus_interface_skeleton_export(skeleton, bus_.connection(), host_bus::applicationPath, &error)) {
-        throw HostError("cannot open the port " + name + ": " + error->message);
-    }
+    exportObject(); // before the name, since whoever sees the name may send at once
     if (!bus_.requestName(nameOnBus)) {
         report("cannot open the port " + name + ": another process of this application has it open");
         return MESSAGE_PORT_ERROR_RESOURCE_UNAVAILABLE;
     }
     return ports_.set(name, callback, userData);
+}
+
+void PortExchange::exportObject() {
+    auto* skeleton = G_DBUS_INTERFACE_SKELETON(skeleton_.get());
+    if (g_dbus_interface_skeleton_get_connection(skeleton) != nullptr) {
+        return;
+    }
+    g_autoptr(GError) error = nullptr;
+    if (!g_dbus_interface_skeleton_export(skeleton, bus_.connection(), host_bus::applicationPath, &error)) {
+        throw HostError(std::string("cannot receive messages: ") + error->message);
+    }
 }
 
 int PortExchange::close(int id) {
@@ -77,9 +82,6 @@ int PortExchange::close(int id) {
     }
     bus_.releaseName(busName(Environment::get().applicationId(), *name));
     ports_.remove(id);
-    if (ports_.isEmpty()) {
-        g_dbus_interface_skeleton_unexport(G_DBUS_INTERFACE_SKELETON(skeleton_.get()));
-    }
     return MESSAGE_PORT_ERROR_NONE;
 }
 
@@ -105,10 +107,16 @@ int PortExchange::send(const std::string& application, const std::string& port, 
 gboolean PortExchange::onSend(PlatformBusMessagePort* object, GDBusMethodInvocation* invocation, const char* port,
                               const char* sender, GVariant* message, gpointer self) {
     try {
-        static_cast<PortExchange*>(self)->ports_.deliver(port, sender, message);
-        platform_bus_message_port_complete_send(object, invocation);
-    } catch (const std::exception& error) {
-        g_dbus_method_invocation_return_dbus_error(invocation, "tesk.host.Error.PortNotFound", error.what());
+        if (static_cast<PortExchange*>(self)->ports_.deliver(port, sender, message)) {
+            platform_bus_message_port_complete_send(object, invocation);
+        } else {
+            g_dbus_method_invocation_return_dbus_error(invocation, "tesk.host.Error.PortNotFound",
+                                                       "the port is not open");
+        }
+    } catch (...) {
+        reportException("a message");
+        g_dbus_method_invocation_return_error_literal(invocation, G_DBUS_ERROR, G_DBUS_ERROR_FAILED,
+                                                      "the application failed to handle the message");
     }
     return TRUE;
 }

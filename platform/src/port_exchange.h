@@ -41,6 +41,9 @@ public:
 private:
     explicit PortExchange(Bus& bus);
 
+    /// Lets messages arrive, from the first call on.
+    void exportObject();
+
     static gboolean onSend(PlatformBusMessagePort* object, GDBusMethodInvocation* invocation, const char* port,
                            const char* sender, GVariant* message, gpointer self);
 

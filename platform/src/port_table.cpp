@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "bundle_handle.h"
-#include "guard.h"
 
 namespace host {
 
@@ -25,14 +24,15 @@ int PortTable::set(const std::string& name, message_port_message_cb callback, vo
     return id;
 }
 
-void PortTable::deliver(const std::string& name, const char* sender, GVariant* message) const {
+bool PortTable::deliver(const std::string& name, const char* sender, GVariant* message) const {
     const auto id = find(name);
     if (!id) {
-        throw HostError("the port " + name + " is not open");
+        return false;
     }
     const Port target = ports_.at(*id); // a copy, since the callback may close the port
     bundle content{StringMap(message)};
     target.callback(*id, sender, nullptr, false, &content, target.userData);
+    return true;
 }
 
 } // namespace host

@@ -14,8 +14,6 @@ namespace host {
 /// The ports that a process has open: their ids and names, and who gets the messages. Knows nothing of the bus.
 class PortTable {
 public:
-    bool isEmpty() const { return ports_.empty(); }
-
     /// The id of an open port, if it is open.
     std::optional<int> find(const std::string& name) const;
 
@@ -27,9 +25,9 @@ public:
 
     void remove(int id) { ports_.erase(id); }
 
-    /// Hands a message in its bus form, a(ss), to a port's callback, which may close the port. Throws HostError when no
-    /// port of that name is open.
-    void deliver(const std::string& name, const char* sender, GVariant* message) const;
+    /// Hands a message in its bus form, a(ss), to a port's callback, which may close the port. False when no port of
+    /// that name is open.
+    bool deliver(const std::string& name, const char* sender, GVariant* message) const;
 
 private:
     struct Port {

@@ -15,6 +15,7 @@
 #include <functional>
 #include <iostream>
 #include <map>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -97,6 +98,8 @@ void onMessage(int /*port*/, const char* sender, const char* /*remotePort*/, boo
     } else if (todo == "watch") {
         vconf_notify_key_changed(textOf(message, "key").c_str(), onKeyChanged, nullptr);
         say("watching");
+    } else if (todo == "throw") {
+        throw std::runtime_error("the application gave up");
     } else {
         say(std::string("message from ") + sender + ": " + textOf(message, "text"));
     }
