@@ -16,7 +16,7 @@ using host::HostError;
 
 namespace {
 
-// The data of an application is its own user's, whatever the umask.
+// The data of an application belongs to its user alone, whatever the umask.
 void makeFolder(const std::filesystem::path& folder) {
     if (std::filesystem::is_directory(folder)) {
         return;

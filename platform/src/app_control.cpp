@@ -14,7 +14,7 @@ using host::Launcher;
 
 namespace {
 
-// Runs a function's body with the control behind a handle, and answers a handle that is none.
+// Runs a function's body with the control that a handle stands for. A handle that stands for none is refused.
 template <class Body>
 int withControl(const char* function, app_control_h handle, Body&& body) {
     return guarded<int>(function, APP_CONTROL_ERROR_OUT_OF_MEMORY, [&]() -> int {

@@ -23,7 +23,7 @@ using PendingAnswer = c::Owner<GDBusMethodInvocation, cancelLaunch>;
 
 } // namespace host
 
-// What an application control handle points at: a request that was made here or received, or a reply.
+/// What an application control handle points at: a request that was made here or received, or a reply.
 struct app_control_s {
     std::optional<std::string> appId;
     host::StringMap extraData;
@@ -34,8 +34,8 @@ struct app_control_s {
 
 namespace host {
 
-/// All application controls that exist, whether the application or the platform made them. A handle that was released
-/// is not found here any more, so that a late use of it is an error and no crash.
+/// All application controls that exist, whether the application or the platform made them. A released handle is no
+/// longer found here, so that a late use of it is an error and not a crash.
 class AppControls {
 public:
     static AppControls& get();

@@ -37,8 +37,8 @@ void release(gpointer handler) {
     delete static_cast<app_event_handler*>(handler);
 }
 
-// The handlers that were not removed yet. They belong to their bus subscriptions, which release them when no call to
-// them is on its way any more.
+// The handlers that were not removed yet. They belong to their bus subscriptions, which release them once no call to
+// them is under way.
 std::unordered_map<app_event_handler_h, guint>& subscriptions() {
     static std::unordered_map<app_event_handler_h, guint> instance;
     return instance;

@@ -13,7 +13,7 @@ using host::SettingsStore;
 
 namespace {
 
-// Where a preference is kept; empty when the key is none.
+// Where a preference is kept; empty for an invalid key.
 std::string preferencePath(const char* key) {
     if (key == nullptr) {
         return {};

@@ -58,7 +58,7 @@ gboolean ApplicationObject::onLaunch(PlatformBusApplication* /*object*/, GDBusMe
     });
 }
 
-// Answered behind the news that the main loop has by then.
+// The answer follows the news that the main loop has by then.
 gboolean ApplicationObject::onSettle(PlatformBusApplication* /*object*/, GDBusMethodInvocation* invocation,
                                      gpointer /*self*/) {
     return guarded("a question whether all is settled", FALSE, [&] {

@@ -3,7 +3,7 @@
 
 #include "string_map.h"
 
-// What a bundle handle points at.
+/// What a bundle handle points at.
 struct _bundle_t {
     host::StringMap pairs;
 };

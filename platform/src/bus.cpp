@@ -129,7 +129,7 @@ void Bus::removeMatch(const std::string& rule) {
     release("RemoveMatch", g_variant_new("(s)", rule.c_str()), "()", "take back the signals of " + rule);
 }
 
-// What goes wrong here has nobody left to care for it.
+// Nobody is left to act on a failure here.
 void Bus::awaitStart(const std::string& name) noexcept {
     ask("StartServiceByName", g_variant_new("(su)", name.c_str(), 0), "(u)", G_MAXINT, nullptr);
 }

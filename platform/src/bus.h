@@ -9,13 +9,13 @@
 namespace host {
 
 /// The process's connection to the device's message bus, and what it asks the bus daemon. The daemon answers at once,
-/// whatever other applications are doing, so these questions cannot end in applications waiting for each other.
+/// whatever other applications are doing, so these questions cannot make applications wait for each other.
 ///
-/// An application is nothing without its bus: whenever the connection turns out to be lost, the process says so and
-/// ends with a failure status, whether the main loop hears of it first or a question to the daemon does.
+/// An application cannot work without its bus. When the connection is lost, the process says so and ends with a failure
+/// status, whether the main loop or a question to the daemon finds out first.
 class Bus {
 public:
-    /// The process's one connection, made on first use. Throws HostError when there is none to be had.
+    /// The process's one connection, made on first use. Throws HostError when the bus cannot be reached.
     static Bus& get();
 
     Bus(const Bus&) = delete;
@@ -31,19 +31,19 @@ public:
     void releaseName(const std::string& name);
     void releaseAllNames();
 
-    /// Whether a process owns the name now; false as well for what cannot be a name.
+    /// Whether a process owns the name now; also false for what cannot be a name.
     bool hasOwner(const std::string& name);
 
     /// Whether the daemon could start a process for the name.
     bool isActivatable(const std::string& name);
 
-    /// Asks for the signals that a match rule describes, once for each call, until it is taken back as often. Throws
-    /// HostError when it is no rule.
+    /// Subscribes to the signals that a match rule describes, until removeMatch() has been called as often. Throws
+    /// HostError when the rule is not valid.
     void addMatch(const std::string& rule);
     void removeMatch(const std::string& rule);
 
     /// Returns when the name's process, which the daemon was asked to start, owns the name or failed to. For a process
-    /// that is about to end: a lost connection counts for nothing any more.
+    /// that is about to end, to which a lost connection no longer matters.
     void awaitStart(const std::string& name) noexcept;
 
     /// Returns when everything that was sent is on its way, so that the process may end.
@@ -59,11 +59,11 @@ private:
     c::VariantOwner ask(const char* method, GVariant* arguments, const char* answerType, int timeout,
                         GError** error) const;
 
-    /// Asks the daemon for what has to be. Throws HostError, which says that it cannot do `what`.
+    /// Asks the daemon for what must succeed. Throws HostError, which says that it cannot do `what`.
     c::VariantOwner demand(const char* method, GVariant* arguments, const char* answerType,
                            const std::string& what) const;
 
-    /// Gives back what the daemon holds for this process; that it cannot do `what` is reported.
+    /// Gives back what the daemon holds for this process; a failure to do `what` is reported.
     void release(const char* method, GVariant* arguments, const char* answerType, const std::string& what) const;
 
     /// Ends the process when the error means that the connection is gone.

@@ -10,8 +10,8 @@
 
 namespace host {
 
-/// What signals and settings hold. Anyone on the device can send the one and write the other, and nothing but these
-/// functions looks at the type: each has a value of one type, and nothing for every other and for null.
+/// What signals and settings hold. Anyone on the device can send the one and write the other, so these functions check
+/// the type: each returns a value of one type, and nothing for any other type or for null.
 
 std::optional<int> intOf(GVariant* value);
 std::optional<std::string> textOf(GVariant* value);

@@ -52,7 +52,7 @@ int lowestShown() {
             return level.priority;
         }
     }
-    host::report(std::string("DLOG_LEVEL=") + wanted + " is no log level (V D I W E F S); showing I and higher");
+    host::report(std::string("DLOG_LEVEL=") + wanted + " is not a log level (V D I W E F S); showing I and higher");
     return DLOG_INFO;
 }
 

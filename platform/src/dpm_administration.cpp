@@ -8,7 +8,7 @@ using host::SettingsStore;
 
 namespace {
 
-// Where a client is kept; empty when the name or the user is none.
+// Where a client is kept; empty for an invalid name or user.
 std::string clientPath(const char* name, uid_t uid) {
     if (name == nullptr || *name == '\0' || uid == static_cast<uid_t>(-1)) {
         return {};

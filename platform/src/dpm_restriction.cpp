@@ -16,7 +16,7 @@ constexpr char popimapEmailState[] = "/dpm/restriction/popimap-email-state";
 constexpr char messagingState[] = "/dpm/restriction/messaging-state/";
 constexpr char everySim[] = "*";
 
-// Where a SIM's state is kept; empty when the id is none.
+// Where a SIM's state is kept; empty for an invalid id.
 std::string messagingPath(const char* simId) {
     if (simId == nullptr) {
         return {};

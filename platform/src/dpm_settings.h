@@ -5,7 +5,7 @@
 
 #include "dpm/device-policy-manager.h"
 
-// What a handle of the device policy manager points at. All state is the device's, so there is nothing to hold.
+/// What a handle of the device policy manager points at. All state is the device's, so there is nothing to hold.
 struct __device_policy_manager_s {};
 
 /// The device policy manager keeps its settings as integers below /dpm/ in the settings store, and its clients, with

@@ -7,12 +7,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Compares the folder's real place with where it has to be, so that a link on any level of the way shows.
+// Compares the folder's real path with the expected one, which reveals a link at any level.
 void requireInside(const fs::path& device, const fs::path& storage, const char* name) {
     const bool inPlace = fs::is_directory(fs::symlink_status(storage)) &&
                          fs::canonical(storage) == fs::canonical(device) / "storage" / name;
     if (!inPlace) {
-        throw HostError("refused to wipe " + storage.string() + ": it is no folder of the device " + device.string());
+        throw HostError("refused to wipe " + storage.string() + ": it is not a folder of the device " +
+                        device.string());
     }
 }
 
@@ -26,7 +27,7 @@ void emptyFolder(const fs::path& folder) {
         }
     }
     if (!failures.empty()) {
-        throw HostError("cannot wipe all of " + folder.string() + ": these are left: " + failures);
+        throw HostError("cannot wipe all of " + folder.string() + ": these remain: " + failures);
     }
 }
 

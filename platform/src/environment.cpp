@@ -30,11 +30,11 @@ Environment::Environment()
       device_(required(host_bus::deviceVariable, "the device's folder")) {
     if (!g_dbus_is_name(applicationId_.c_str()) || g_dbus_is_unique_name(applicationId_.c_str())) {
         throw HostError(std::string("the application's id ") + host_bus::appIdVariable + "=" + applicationId_ +
-                        " is no well-formed bus name (such as com.example.application)");
+                        " is not a well-formed bus name (such as com.example.application)");
     }
     if (!device_.is_absolute()) {
         throw HostError(std::string("the device's folder ") + host_bus::deviceVariable + "=" + device_.string() +
-                        " is no absolute path");
+                        " is not an absolute path");
     }
 }
 

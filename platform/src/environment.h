@@ -9,7 +9,7 @@ namespace host {
 /// What the process was told by whoever started it.
 class Environment {
 public:
-    /// The process's one environment, read on first use. Throws HostError when a variable is missing or no good.
+    /// The process's one environment, read on first use. Throws HostError when a variable is missing or not valid.
     static const Environment& get();
 
     /// The id that the process runs under as an application; a well-formed bus name.

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-// What a keynode handle points at: a key and the value that it has now.
+/// What a keynode handle points at: a key and the value that it has now.
 struct _keynode_t {
     std::string name;
     std::optional<int> number;

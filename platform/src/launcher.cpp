@@ -16,7 +16,7 @@ bool neverArrived(const GError* error) {
            g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_NAME_HAS_NO_OWNER);
 }
 
-// An application that took the request and went away cancelled it; anything else never got that far.
+// An application that took the request and then ended has cancelled it. Any other error means that none took it.
 app_control_result_e resultOf(const GError* error) {
     return g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_NO_REPLY) ? APP_CONTROL_RESULT_CANCELED
                                                                        : APP_CONTROL_RESULT_FAILED;
@@ -134,7 +134,7 @@ void Launcher::answered(Launch* launch, PlatformBusApplication* proxy, GAsyncRes
     GVariant* data = nullptr;
     platform_bus_application_call_launch_finish(proxy, &result, &data, outcome, &error);
     const c::VariantOwner owner(data);
-    // The request went to the process that owned the id a moment ago. If that one is gone without having got it, the
+    // The request went to the process that owned the id a moment ago. If that one ended without receiving it, the
     // bus daemon can start the next one.
     if (neverArrived(error) && !std::exchange(launch->isRepeated, true)) {
         dispatch(*launch);

@@ -27,7 +27,7 @@ public:
     /// Sends a request and returns at once. The callback may be null. Returns 0 or an app_control_error_e.
     int send(const app_control_s& request, app_control_reply_cb callback, void* userData);
 
-    /// The ids of the applications whose answer is still out, in the order of the requests.
+    /// The ids of the applications that have not answered yet, in the order of the requests.
     std::vector<std::string> outstanding() const;
 
 private:

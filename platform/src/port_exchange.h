@@ -19,7 +19,7 @@ class PortExchange {
 public:
     static PortExchange& get();
 
-    /// The bus name of a port. It may be none, when the application or the port cannot exist.
+    /// The bus name of a port; not a valid one when no such application or port can exist.
     static std::string busName(const std::string& application, const std::string& port);
 
     PortExchange(const PortExchange&) = delete;

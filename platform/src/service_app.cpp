@@ -94,8 +94,8 @@ void deliverFirstRequest(const Bus& bus, ApplicationObject& object) {
 }
 
 // The names go first: from then on the bus daemon starts the next process for a launch request, or answers that the
-// port is closed. What was sent before has arrived by the time the daemon confirms, and is handled still. So no request
-// falls between an application that ends and the next one.
+// port is closed. What was sent before has arrived by the time the daemon confirms, and is still handled. So no request
+// is lost between an application that ends and the next one.
 void leaveBus(Bus& bus) {
     bus.releaseAllNames();
     MainLoop::get().drain();

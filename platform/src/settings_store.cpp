@@ -10,7 +10,7 @@
 namespace host {
 namespace {
 
-// What dconf's own client listens to. It would take the news in a thread of its own and hand it to the main loop behind
+// What dconf's own client listens to. It would take the news in a thread of its own and hand it to the main loop after
 // what came over the bus later.
 constexpr char writerName[] = "ca.desrt.dconf";
 constexpr char writerInterface[] = "ca.desrt.dconf.Writer";
@@ -110,7 +110,7 @@ void SettingsStore::unwatch(const std::string& key) {
     bus_.removeMatch(newsOf(key));
 }
 
-// A writer that does not run, or not any more, has nothing to tell.
+// A writer that does not run has nothing to tell.
 void SettingsStore::awaitNews() {
     const c::VariantOwner answer(g_dbus_connection_call_sync(bus_.connection(), writerName, writerPath, writerInterface,
                                                              "Init", nullptr, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START,

@@ -16,14 +16,14 @@ namespace host {
 /// The device's settings, kept by dconf. A path is "/" and names joined by "/"; a folder's path ends in "/".
 ///
 /// A write returns when the store's one writer has it on disk, and a read sees it at once. News of a change, one's own
-/// included, comes later, through the main loop, in its place among what else comes over the bus.
+/// included, comes later through the main loop, in order with what else comes over the bus.
 class SettingsStore {
 public:
     /// Told the path that changed: a key, or a folder when everything below it may have changed.
     using Listener = std::function<void(const std::string& path)>;
     using Listeners = std::list<Listener>;
 
-    /// The process's one store. Throws HostError when there is no bus to reach it.
+    /// The process's one store. Throws HostError when the bus cannot be reached.
     static SettingsStore& get();
 
     SettingsStore(const SettingsStore&) = delete;
@@ -59,10 +59,11 @@ public:
     void unwatch(const std::string& key);
 
     /// Returns when the main loop has the news of every change that was made before, so that it tells the listeners
-    /// before it does what is added to it now. Waits for the store's writer, which answers a change before it tells it.
+    /// before it does what is added to it now. Waits for the store's writer, which answers a change before it announces
+    /// it.
     void awaitNews();
 
-    /// Adds one who hears of the changes to all watched keys, after those that were added before.
+    /// Adds a listener to the changes of all watched keys. Listeners are told in the order in which they were added.
     Listeners::iterator addListener(Listener listener) {
         return listeners_.insert(listeners_.end(), std::move(listener));
     }

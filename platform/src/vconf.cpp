@@ -1,5 +1,5 @@
-// The shared settings are dconf keys below /vconf/. Setting a key to the value that it has already is no change, and
-// calls no watch.
+// The shared settings are dconf keys below /vconf/. Setting a key to its present value is not a change, and calls
+// no watch.
 
 #include "vconf.h"
 

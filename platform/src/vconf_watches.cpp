@@ -69,7 +69,7 @@ VconfWatches::Watches::iterator VconfWatches::find(const std::string& key, vconf
                         [&](const auto& watch) { return watch->key == key && watch->callback == callback; });
 }
 
-// Goes over a copy, since a callback may add and end watches; one that ended meanwhile is not called any more.
+// Goes over a copy, since a callback may add and end watches; one that has ended is no longer called.
 void VconfWatches::notify(const std::string& changedPath) {
     for (const auto& watch : Watches(watches_)) {
         if (!watch->ended && isAffected(root + watch->key, changedPath)) {

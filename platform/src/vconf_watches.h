@@ -10,7 +10,7 @@
 
 namespace host {
 
-/// The path of a vconf key in the settings store; empty when the key is none.
+/// The path of a vconf key in the settings store; empty for an invalid key.
 std::string vconfPath(const char* key);
 
 /// The callbacks of this process that wait for keys to change.

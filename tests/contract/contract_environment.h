@@ -18,7 +18,7 @@ void setUp();
 /// Releases what setUp() made.
 void tearDown();
 
-/// Runs the main loop until the condition holds. False when it does not in good time.
+/// Runs the main loop until the condition holds. False when it does not in time.
 [[nodiscard]] bool runUntil(const std::function<bool()>& condition);
 
 /// Runs the main loop until all that was due when this was called has been handled.

@@ -20,7 +20,7 @@ struct Setting {
     const char* name;
     Setter set;
     Getter get;
-    int atFirst;
+    int byDefault;
 };
 
 const std::vector<Setting>& settings() {
@@ -56,11 +56,11 @@ private:
     const ManagerOwner handle_{dpm_manager_create()};
 };
 
-TEST_F(DpmContract, EverySettingHasItsValueAtFirst) {
+TEST_F(DpmContract, EverySettingStartsWithItsDefault) {
     for (const Setting& setting : settings()) {
         int value = -1;
         EXPECT_EQ(setting.get(handle(), &value), DPM_ERROR_NONE) << setting.name;
-        EXPECT_EQ(value, setting.atFirst) << setting.name;
+        EXPECT_EQ(value, setting.byDefault) << setting.name;
     }
     EXPECT_EQ(messaging("*"), 1);
 }

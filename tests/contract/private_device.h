@@ -10,7 +10,7 @@
 /// the environment of an application of that device.
 class PrivateDevice {
 public:
-    /// Makes the folder and sets the environment; boot() makes it live.
+    /// Makes the folder and sets the environment; boot() starts its bus.
     explicit PrivateDevice(const std::string& applicationId);
 
     PrivateDevice(const PrivateDevice&) = delete;

@@ -183,7 +183,7 @@ TEST(VconfContract, WatchCanEndTheNextOne) {
     EXPECT_TRUE(next.names.empty());
 }
 
-TEST(VconfContract, WatchThatIsNoneCannotEnd) {
+TEST(VconfContract, UnknownWatchCannotEnd) {
     EXPECT_EQ(vconf_ignore_key_changed(exampleKey, record), -1);
 }
 

@@ -21,7 +21,7 @@ TEST_F(AppEvent, SystemEventReachesAHandlerThatWasAddedBeforeTheMainLoop) {
     EXPECT_EQ(occurrences(app->errors(), "event"), 1U);
 }
 
-TEST_F(AppEvent, SystemEventOfAnotherFormIsPassedOver) {
+TEST_F(AppEvent, SystemEventOfAnotherFormIsIgnored) {
     const auto app = start({"serve"});
     ASSERT_TRUE(app->said("launch"));
     announce(g_variant_new("(s)", "low memory"));

@@ -89,7 +89,7 @@ TEST_F(Faults, FunctionThatAnswersAPointerAnswersNull) {
     });
 }
 
-TEST_F(Faults, FaultOfAnotherApplicationIsNoneOfOurs) {
+TEST_F(Faults, FaultOfAnotherApplicationHasNoEffectHere) {
     asApplication([&] {
         write("/faults/" + std::string(appId) + "/dpm_password_set_quality", g_variant_new("(ii)", refused, 0));
         set("vconf_set_int", refused);

@@ -219,7 +219,7 @@ TEST_F(LauncherOnOneProcessor, SettledApplicationHasHeardOfEachKeyThatWasSetBefo
     }
 }
 
-TEST_F(Launcher, SettledApplicationNamesThoseWhoseAnswerIsStillOut) {
+TEST_F(Launcher, SettledApplicationNamesThoseThatHaveNotAnswered) {
     launch(appId, {{"do", "launch"}, {"target", keeperId}}, nullptr);
     ASSERT_TRUE(logged("launch by com.example.app"));
     EXPECT_EQ(settle(appId), std::vector<std::string>{keeperId});

@@ -75,7 +75,7 @@ TEST_F(ServiceApp, IdThatIsNotABusNameIsRefused) {
     TestProcess app({TEST_APPLICATION, "serve"}, "no bus name");
     ASSERT_TRUE(app.ended());
     EXPECT_EQ(app.status(), 1);
-    EXPECT_GE(occurrences(app.errors(), "no well-formed bus name"), 1U);
+    EXPECT_GE(occurrences(app.errors(), "not a well-formed bus name"), 1U);
 }
 
 TEST_F(ServiceApp, ApplicationWithoutABusSaysSoAndDoesNotStart) {

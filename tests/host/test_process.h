@@ -16,13 +16,13 @@ public:
     TestProcess(const TestProcess&) = delete;
     TestProcess& operator=(const TestProcess&) = delete;
 
-    /// Kills it when it still runs.
+    /// Kills it if it still runs.
     ~TestProcess();
 
-    /// Waits for its end. False when it does not come in good time.
+    /// Waits for its end. False when it does not come in time.
     [[nodiscard]] bool ended();
 
-    /// Waits until it wrote a text to stderr. False when it does not in good time.
+    /// Waits until it wrote a text to stderr. False when it does not in time.
     [[nodiscard]] bool said(const std::string& text) const;
 
     void sendSignal(int signal);

@@ -42,7 +42,7 @@ TEST_F(VconfWatches, KeyChangeOfTheOtherProcessReachesThisOne) {
     EXPECT_EQ(value, 7);
 }
 
-TEST_F(VconfWatches, KeyThatIsSetToItsOwnValueIsNoNews) {
+TEST_F(VconfWatches, KeyThatIsSetToItsPresentValueMakesNoNews) {
     std::vector<int> numbers;
     vconf_notify_key_changed("db/example/key", recordNumber, &numbers);
     vconf_set_int("db/example/key", 1);
@@ -55,7 +55,7 @@ TEST_F(VconfWatches, KeyThatIsSetToItsOwnValueIsNoNews) {
     EXPECT_EQ(numbers, (std::vector<int>{1, 2}));
 }
 
-TEST_F(VconfWatches, NewsOfAnotherFormIsPassedOver) {
+TEST_F(VconfWatches, NewsOfAnotherFormIsIgnored) {
     std::vector<int> numbers;
     vconf_notify_key_changed("db/example/key", recordNumber, &numbers);
     const std::array<const char*, 2> changes{"", nullptr};

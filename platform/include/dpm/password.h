@@ -18,7 +18,7 @@ int dpm_password_get_quality(device_policy_manager_h handle, int* value);
 int dpm_password_set_minimum_length(device_policy_manager_h handle, int value);
 int dpm_password_get_minimum_length(device_policy_manager_h handle, int* value);
 
-/// Characters that are no letters.
+/// Characters that are not letters.
 int dpm_password_set_min_complex_chars(device_policy_manager_h handle, int value);
 int dpm_password_get_min_complex_chars(device_policy_manager_h handle, int* value);
 
