@@ -31,7 +31,7 @@ void makeFolder(const std::filesystem::path& folder) {
 } // namespace
 
 char* app_get_data_path(void) {
-    return guarded<char*>("app_get_data_path", nullptr, [] {
+    return guarded<char*>(__func__, nullptr, [] {
         const Environment& environment = Environment::get();
         const auto folder = environment.device() / "apps" / environment.applicationId() / "data";
         makeFolder(folder);
@@ -43,7 +43,7 @@ int app_get_id(char** id) {
     if (id == nullptr) {
         return -EINVAL;
     }
-    return guarded("app_get_id", -EINVAL, [&] {
+    return guarded(__func__, -EINVAL, [&] {
         *id = host::copyForCaller(Environment::get().applicationId());
         return 0;
     });

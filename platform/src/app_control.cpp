@@ -29,20 +29,20 @@ int app_control_create(app_control_h* app_control) {
     if (app_control == nullptr) {
         return APP_CONTROL_ERROR_INVALID_PARAMETER;
     }
-    return guarded<int>("app_control_create", APP_CONTROL_ERROR_OUT_OF_MEMORY, [&] {
+    return guarded<int>(__func__, APP_CONTROL_ERROR_OUT_OF_MEMORY, [&] {
         *app_control = AppControls::get().add(std::make_unique<app_control_s>());
         return APP_CONTROL_ERROR_NONE;
     });
 }
 
 int app_control_destroy(app_control_h app_control) {
-    return guarded<int>("app_control_destroy", APP_CONTROL_ERROR_INVALID_PARAMETER, [&] {
+    return guarded<int>(__func__, APP_CONTROL_ERROR_INVALID_PARAMETER, [&] {
         return AppControls::get().remove(app_control) ? APP_CONTROL_ERROR_NONE : APP_CONTROL_ERROR_INVALID_PARAMETER;
     });
 }
 
 int app_control_set_app_id(app_control_h app_control, const char* app_id) {
-    return withControl("app_control_set_app_id", app_control, [&](app_control_s& control) {
+    return withControl(__func__, app_control, [&](app_control_s& control) {
         if (app_id == nullptr) {
             return APP_CONTROL_ERROR_INVALID_PARAMETER;
         }
@@ -52,7 +52,7 @@ int app_control_set_app_id(app_control_h app_control, const char* app_id) {
 }
 
 int app_control_get_app_id(app_control_h app_control, char** app_id) {
-    return withControl("app_control_get_app_id", app_control, [&](app_control_s& control) {
+    return withControl(__func__, app_control, [&](app_control_s& control) {
         if (app_id == nullptr) {
             return APP_CONTROL_ERROR_INVALID_PARAMETER;
         }
@@ -62,7 +62,7 @@ int app_control_get_app_id(app_control_h app_control, char** app_id) {
 }
 
 int app_control_add_extra_data(app_control_h app_control, const char* key, const char* value) {
-    return withControl("app_control_add_extra_data", app_control, [&](app_control_s& control) {
+    return withControl(__func__, app_control, [&](app_control_s& control) {
         if (key == nullptr || value == nullptr) {
             return APP_CONTROL_ERROR_INVALID_PARAMETER;
         }
@@ -72,7 +72,7 @@ int app_control_add_extra_data(app_control_h app_control, const char* key, const
 }
 
 int app_control_get_extra_data(app_control_h app_control, const char* key, char** value) {
-    return withControl("app_control_get_extra_data", app_control, [&](app_control_s& control) {
+    return withControl(__func__, app_control, [&](app_control_s& control) {
         if (key == nullptr || value == nullptr) {
             return APP_CONTROL_ERROR_INVALID_PARAMETER;
         }
@@ -86,7 +86,7 @@ int app_control_get_extra_data(app_control_h app_control, const char* key, char*
 }
 
 int app_control_foreach_extra_data(app_control_h app_control, app_control_extra_data_cb callback, void* user_data) {
-    return withControl("app_control_foreach_extra_data", app_control, [&](app_control_s& control) {
+    return withControl(__func__, app_control, [&](app_control_s& control) {
         if (callback == nullptr) {
             return APP_CONTROL_ERROR_INVALID_PARAMETER;
         }
@@ -101,7 +101,7 @@ int app_control_foreach_extra_data(app_control_h app_control, app_control_extra_
 }
 
 int app_control_send_launch_request(app_control_h app_control, app_control_reply_cb callback, void* user_data) {
-    return guarded<int>("app_control_send_launch_request", APP_CONTROL_ERROR_LAUNCH_FAILED, [&]() -> int {
+    return guarded<int>(__func__, APP_CONTROL_ERROR_LAUNCH_FAILED, [&]() -> int {
         const app_control_s* control = AppControls::get().find(app_control);
         if (control == nullptr || !control->appId) {
             return APP_CONTROL_ERROR_INVALID_PARAMETER;
@@ -111,7 +111,7 @@ int app_control_send_launch_request(app_control_h app_control, app_control_reply
 }
 
 int app_control_get_caller(app_control_h app_control, char** id) {
-    return withControl("app_control_get_caller", app_control, [&](app_control_s& control) {
+    return withControl(__func__, app_control, [&](app_control_s& control) {
         if (id == nullptr) {
             return APP_CONTROL_ERROR_INVALID_PARAMETER;
         }
@@ -124,7 +124,7 @@ int app_control_get_caller(app_control_h app_control, char** id) {
 }
 
 int app_control_is_reply_requested(app_control_h app_control, bool* requested) {
-    return withControl("app_control_is_reply_requested", app_control, [&](app_control_s& control) {
+    return withControl(__func__, app_control, [&](app_control_s& control) {
         if (requested == nullptr) {
             return APP_CONTROL_ERROR_INVALID_PARAMETER;
         }
@@ -134,7 +134,7 @@ int app_control_is_reply_requested(app_control_h app_control, bool* requested) {
 }
 
 int app_control_reply_to_launch_request(app_control_h reply, app_control_h request, app_control_result_e result) {
-    return withControl("app_control_reply_to_launch_request", request, [&](app_control_s& received) {
+    return withControl(__func__, request, [&](app_control_s& received) {
         const app_control_s* answer = AppControls::get().find(reply);
         if (answer == nullptr || received.answer == nullptr || !answer->extraData.isUtf8()) {
             return APP_CONTROL_ERROR_INVALID_PARAMETER;

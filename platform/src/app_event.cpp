@@ -61,7 +61,7 @@ int service_app_add_event_handler(app_event_handler_h* handler, app_event_type_e
         event_type > APP_EVENT_SUSPENDED_STATE_CHANGED) {
         return -EINVAL;
     }
-    return guarded("service_app_add_event_handler", -EIO, [&] {
+    return guarded(__func__, -EIO, [&] {
         auto added = std::make_unique<app_event_handler>(app_event_handler{event_type, callback, user_data});
         app_event_handler_h addedHandle = added.get();
         subscribe(Bus::get(), std::move(added));
@@ -71,7 +71,7 @@ int service_app_add_event_handler(app_event_handler_h* handler, app_event_type_e
 }
 
 int service_app_remove_event_handler(app_event_handler_h event_handler) {
-    return guarded("service_app_remove_event_handler", -EIO, [&] {
+    return guarded(__func__, -EIO, [&] {
         const auto found = subscriptions().find(event_handler);
         if (found == subscriptions().end()) {
             return -EINVAL;

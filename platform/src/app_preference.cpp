@@ -56,38 +56,38 @@ int getPreference(const char* function, const char* key, const GVariantType* typ
 } // namespace
 
 int preference_set_int(const char* key, int value) {
-    return setPreference("preference_set_int", key, [&] { return g_variant_new_int32(value); });
+    return setPreference(__func__, key, [&] { return g_variant_new_int32(value); });
 }
 
 int preference_get_int(const char* key, int* value) {
     if (value == nullptr) {
         return PREFERENCE_ERROR_INVALID_PARAMETER;
     }
-    return getPreference("preference_get_int", key, G_VARIANT_TYPE_INT32,
+    return getPreference(__func__, key, G_VARIANT_TYPE_INT32,
                          [&](GVariant* stored) { *value = g_variant_get_int32(stored); });
 }
 
 int preference_set_boolean(const char* key, bool value) {
-    return setPreference("preference_set_boolean", key, [&] { return g_variant_new_boolean(value ? TRUE : FALSE); });
+    return setPreference(__func__, key, [&] { return g_variant_new_boolean(value ? TRUE : FALSE); });
 }
 
 int preference_get_boolean(const char* key, bool* value) {
     if (value == nullptr) {
         return PREFERENCE_ERROR_INVALID_PARAMETER;
     }
-    return getPreference("preference_get_boolean", key, G_VARIANT_TYPE_BOOLEAN,
+    return getPreference(__func__, key, G_VARIANT_TYPE_BOOLEAN,
                          [&](GVariant* stored) { *value = g_variant_get_boolean(stored) != FALSE; });
 }
 
 int preference_set_double(const char* key, double value) {
-    return setPreference("preference_set_double", key, [&] { return g_variant_new_double(value); });
+    return setPreference(__func__, key, [&] { return g_variant_new_double(value); });
 }
 
 int preference_get_double(const char* key, double* value) {
     if (value == nullptr) {
         return PREFERENCE_ERROR_INVALID_PARAMETER;
     }
-    return getPreference("preference_get_double", key, G_VARIANT_TYPE_DOUBLE,
+    return getPreference(__func__, key, G_VARIANT_TYPE_DOUBLE,
                          [&](GVariant* stored) { *value = g_variant_get_double(stored); });
 }
 
@@ -95,20 +95,20 @@ int preference_set_string(const char* key, const char* value) {
     if (value == nullptr || !host::isUtf8(value)) {
         return PREFERENCE_ERROR_INVALID_PARAMETER;
     }
-    return setPreference("preference_set_string", key, [&] { return g_variant_new_string(value); });
+    return setPreference(__func__, key, [&] { return g_variant_new_string(value); });
 }
 
 int preference_get_string(const char* key, char** value) {
     if (value == nullptr) {
         return PREFERENCE_ERROR_INVALID_PARAMETER;
     }
-    return getPreference("preference_get_string", key, G_VARIANT_TYPE_STRING, [&](GVariant* stored) {
+    return getPreference(__func__, key, G_VARIANT_TYPE_STRING, [&](GVariant* stored) {
         *value = host::copyForCaller(g_variant_get_string(stored, nullptr));
     });
 }
 
 int preference_is_existing(const char* key, bool* existing) {
-    return guarded<int>("preference_is_existing", PREFERENCE_ERROR_IO_ERROR, [&] {
+    return guarded<int>(__func__, PREFERENCE_ERROR_IO_ERROR, [&] {
         const std::string path = preferencePath(key);
         if (path.empty() || existing == nullptr) {
             return PREFERENCE_ERROR_INVALID_PARAMETER;

@@ -23,7 +23,7 @@ int bundle_add_str(bundle* b, const char* key, const char* str) {
     if (b == nullptr || key == nullptr || str == nullptr) {
         return BUNDLE_ERROR_INVALID_PARAMETER;
     }
-    return guarded<int>("bundle_add_str", BUNDLE_ERROR_OUT_OF_MEMORY, [&] {
+    return guarded<int>(__func__, BUNDLE_ERROR_OUT_OF_MEMORY, [&] {
         if (b->pairs.find(key) != nullptr) {
             return BUNDLE_ERROR_KEY_EXISTS;
         }
@@ -36,7 +36,7 @@ int bundle_get_str(bundle* b, const char* key, char** str) {
     if (b == nullptr || key == nullptr || str == nullptr) {
         return BUNDLE_ERROR_INVALID_PARAMETER;
     }
-    return guarded<int>("bundle_get_str", BUNDLE_ERROR_OUT_OF_MEMORY, [&] {
+    return guarded<int>(__func__, BUNDLE_ERROR_OUT_OF_MEMORY, [&] {
         *str = nullptr;
         std::string* value = b->pairs.find(key);
         if (value == nullptr) {

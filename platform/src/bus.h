@@ -8,6 +8,11 @@
 
 namespace host {
 
+/// For a proxy that only makes calls: it loads nothing, listens to nothing, and starts nobody when it is made.
+inline constexpr auto callsAlone =
+    static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES | G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS |
+                                 G_DBUS_PROXY_FLAGS_DO_NOT_AUTO_START_AT_CONSTRUCTION);
+
 /// The process's connection to the device's message bus, and what it asks the bus daemon. The daemon answers at once,
 /// whatever other applications are doing, so these questions cannot make applications wait for each other.
 ///

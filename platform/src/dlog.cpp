@@ -120,7 +120,7 @@ int __dlog_print(log_id_t log_id, int prio, const char* tag, const char* fmt, ..
         const int length = vasprintf(&text, fmt, arguments);
         va_end(arguments);
         const c::Owner<char, std::free> owner(length < 0 ? nullptr : text);
-        result = host::guarded("__dlog_print", -ENOMEM, [&] {
+        result = host::guarded(__func__, -ENOMEM, [&] {
             return owner != nullptr ? writeText(*level, tag != nullptr ? tag : "", owner.get()) : -ENOMEM;
         });
     }

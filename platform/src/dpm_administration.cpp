@@ -28,7 +28,7 @@ bool isRegistered(const std::string& path, uid_t uid) {
 } // namespace
 
 int dpm_admin_register_client(device_policy_manager_h handle, const char* name, uid_t uid) {
-    return guarded<int>("dpm_admin_register_client", DPM_ERROR_CONNECTION_REFUSED, [&] {
+    return guarded<int>(__func__, DPM_ERROR_CONNECTION_REFUSED, [&] {
         const std::string path = clientPath(name, uid);
         if (handle == nullptr || path.empty()) {
             return DPM_ERROR_INVALID_PARAMETER;
@@ -39,7 +39,7 @@ int dpm_admin_register_client(device_policy_manager_h handle, const char* name, 
 }
 
 int dpm_admin_deregister_client(device_policy_manager_h handle, const char* name, uid_t uid) {
-    return guarded<int>("dpm_admin_deregister_client", DPM_ERROR_CONNECTION_REFUSED, [&] {
+    return guarded<int>(__func__, DPM_ERROR_CONNECTION_REFUSED, [&] {
         const std::string path = clientPath(name, uid);
         if (handle == nullptr || path.empty()) {
             return DPM_ERROR_INVALID_PARAMETER;

@@ -3,75 +3,72 @@
 
 using host::dpm::get;
 using host::dpm::set;
+using host::dpm::Setting;
 
 namespace {
 
-constexpr int neverSet = 0;
-
-constexpr char quality[] = "/dpm/password/quality";
-constexpr char minimumLength[] = "/dpm/password/minimum-length";
-constexpr char minComplexChars[] = "/dpm/password/min-complex-chars";
-constexpr char maximumFailedAttemptsForWipe[] = "/dpm/password/maximum-failed-attempts-for-wipe";
-constexpr char expires[] = "/dpm/password/expires";
-constexpr char history[] = "/dpm/password/history";
-constexpr char maxInactivityTimeDeviceLock[] = "/dpm/password/max-inactivity-time-device-lock";
+constexpr Setting quality{"/dpm/password/quality", 0};
+constexpr Setting minimumLength{"/dpm/password/minimum-length", 0};
+constexpr Setting minComplexChars{"/dpm/password/min-complex-chars", 0};
+constexpr Setting maximumFailedAttemptsForWipe{"/dpm/password/maximum-failed-attempts-for-wipe", 0};
+constexpr Setting expires{"/dpm/password/expires", 0};
+constexpr Setting history{"/dpm/password/history", 0};
+constexpr Setting maxInactivityTimeDeviceLock{"/dpm/password/max-inactivity-time-device-lock", 0};
 
 } // namespace
 
 int dpm_password_set_quality(device_policy_manager_h handle, int value) {
-    return set("dpm_password_set_quality", handle, quality, value);
+    return set(__func__, handle, quality, value);
 }
 
 int dpm_password_get_quality(device_policy_manager_h handle, int* value) {
-    return get("dpm_password_get_quality", handle, quality, neverSet, value);
+    return get(__func__, handle, quality, value);
 }
 
 int dpm_password_set_minimum_length(device_policy_manager_h handle, int value) {
-    return set("dpm_password_set_minimum_length", handle, minimumLength, value);
+    return set(__func__, handle, minimumLength, value);
 }
 
 int dpm_password_get_minimum_length(device_policy_manager_h handle, int* value) {
-    return get("dpm_password_get_minimum_length", handle, minimumLength, neverSet, value);
+    return get(__func__, handle, minimumLength, value);
 }
 
 int dpm_password_set_min_complex_chars(device_policy_manager_h handle, int value) {
-    return set("dpm_password_set_min_complex_chars", handle, minComplexChars, value);
+    return set(__func__, handle, minComplexChars, value);
 }
 
 int dpm_password_get_min_complex_chars(device_policy_manager_h handle, int* value) {
-    return get("dpm_password_get_min_complex_chars", handle, minComplexChars, neverSet, value);
+    return get(__func__, handle, minComplexChars, value);
 }
 
 int dpm_password_set_maximum_failed_attempts_for_wipe(device_policy_manager_h handle, int value) {
-    return set("dpm_password_set_maximum_failed_attempts_for_wipe", handle, maximumFailedAttemptsForWipe, value);
+    return set(__func__, handle, maximumFailedAttemptsForWipe, value);
 }
 
 int dpm_password_get_maximum_failed_attempts_for_wipe(device_policy_manager_h handle, int* value) {
-    return get("dpm_password_get_maximum_failed_attempts_for_wipe", handle, maximumFailedAttemptsForWipe, neverSet,
-               value);
+    return get(__func__, handle, maximumFailedAttemptsForWipe, value);
 }
 
 int dpm_password_set_expires(device_policy_manager_h handle, int value) {
-    return set("dpm_password_set_expires", handle, expires, value);
+    return set(__func__, handle, expires, value);
 }
 
 int dpm_password_get_expires(device_policy_manager_h handle, int* value) {
-    return get("dpm_password_get_expires", handle, expires, neverSet, value);
+    return get(__func__, handle, expires, value);
 }
 
 int dpm_password_set_history(device_policy_manager_h handle, int value) {
-    return set("dpm_password_set_history", handle, history, value);
+    return set(__func__, handle, history, value);
 }
 
 int dpm_password_get_history(device_policy_manager_h handle, int* value) {
-    return get("dpm_password_get_history", handle, history, neverSet, value);
+    return get(__func__, handle, history, value);
 }
 
 int dpm_password_set_max_inactivity_time_device_lock(device_policy_manager_h handle, int value) {
-    return set("dpm_password_set_max_inactivity_time_device_lock", handle, maxInactivityTimeDeviceLock, value);
+    return set(__func__, handle, maxInactivityTimeDeviceLock, value);
 }
 
 int dpm_password_get_max_inactivity_time_device_lock(device_policy_manager_h handle, int* value) {
-    return get("dpm_password_get_max_inactivity_time_device_lock", handle, maxInactivityTimeDeviceLock, neverSet,
-               value);
+    return get(__func__, handle, maxInactivityTimeDeviceLock, value);
 }

@@ -7,12 +7,13 @@
 
 using host::guarded;
 using host::SettingsStore;
+using host::dpm::Setting;
 
 namespace {
 
 constexpr int allowed = 1;
-constexpr char wifiState[] = "/dpm/restriction/wifi-state";
-constexpr char popimapEmailState[] = "/dpm/restriction/popimap-email-state";
+constexpr Setting wifiState{"/dpm/restriction/wifi-state", allowed};
+constexpr Setting popimapEmailState{"/dpm/restriction/popimap-email-state", allowed};
 constexpr char messagingState[] = "/dpm/restriction/messaging-state/";
 constexpr char everySim[] = "*";
 
@@ -29,24 +30,23 @@ std::string messagingPath(const char* simId) {
 } // namespace
 
 int dpm_restriction_set_wifi_state(device_policy_manager_h handle, int allow) {
-    return host::dpm::set("dpm_restriction_set_wifi_state", handle, wifiState, host::dpm::truth(allow));
+    return host::dpm::set(__func__, handle, wifiState, host::dpm::truth(allow));
 }
 
 int dpm_restriction_get_wifi_state(device_policy_manager_h handle, int* is_allowed) {
-    return host::dpm::get("dpm_restriction_get_wifi_state", handle, wifiState, allowed, is_allowed);
+    return host::dpm::get(__func__, handle, wifiState, is_allowed);
 }
 
 int dpm_restriction_set_popimap_email_state(device_policy_manager_h handle, int allow) {
-    return host::dpm::set("dpm_restriction_set_popimap_email_state", handle, popimapEmailState,
-                          host::dpm::truth(allow));
+    return host::dpm::set(__func__, handle, popimapEmailState, host::dpm::truth(allow));
 }
 
 int dpm_restriction_get_popimap_email_state(device_policy_manager_h handle, int* is_allowed) {
-    return host::dpm::get("dpm_restriction_get_popimap_email_state", handle, popimapEmailState, allowed, is_allowed);
+    return host::dpm::get(__func__, handle, popimapEmailState, is_allowed);
 }
 
 int dpm_restriction_set_messaging_state(device_policy_manager_h handle, const char* sim_id, int allow) {
-    return guarded<int>("dpm_restriction_set_messaging_state", DPM_ERROR_CONNECTION_REFUSED, [&]() -> int {
+    return guarded<int>(__func__, DPM_ERROR_CONNECTION_REFUSED, [&]() -> int {
         const std::string path = messagingPath(sim_id);
         if (handle == nullptr || path.empty()) {
             return DPM_ERROR_INVALID_PARAMETER;
@@ -65,7 +65,7 @@ int dpm_restriction_set_messaging_state(device_policy_manager_h handle, const ch
 }
 
 int dpm_restriction_get_messaging_state(device_policy_manager_h handle, const char* sim_id, int* is_allowed) {
-    return guarded<int>("dpm_restriction_get_messaging_state", DPM_ERROR_CONNECTION_REFUSED, [&] {
+    return guarded<int>(__func__, DPM_ERROR_CONNECTION_REFUSED, [&] {
         const std::string path = messagingPath(sim_id);
         if (handle == nullptr || is_allowed == nullptr || path.empty()) {
             return DPM_ERROR_INVALID_PARAMETER;

@@ -13,8 +13,8 @@ using host::guarded;
 
 namespace {
 
-constexpr char internalDemand[] = "/dpm/security/internal-storage-encryption";
-constexpr char externalDemand[] = "/dpm/security/external-storage-encryption";
+constexpr host::dpm::Setting internalDemand{"/dpm/security/internal-storage-encryption", 0};
+constexpr host::dpm::Setting externalDemand{"/dpm/security/external-storage-encryption", 0};
 constexpr char internalState[] = "/vconf/db/ode/crypto_state";
 constexpr char externalState[] = "/vconf/db/ode/external_crypto_state";
 
@@ -31,21 +31,19 @@ int isEncrypted(const char* function, device_policy_manager_h handle, const char
 } // namespace
 
 int dpm_security_set_internal_storage_encryption(device_policy_manager_h handle, int encrypt) {
-    return host::dpm::set("dpm_security_set_internal_storage_encryption", handle, internalDemand,
-                          host::dpm::truth(encrypt));
+    return host::dpm::set(__func__, handle, internalDemand, host::dpm::truth(encrypt));
 }
 
 int dpm_security_is_internal_storage_encrypted(device_policy_manager_h handle, int* is_encrypted) {
-    return isEncrypted("dpm_security_is_internal_storage_encrypted", handle, internalState, is_encrypted);
+    return isEncrypted(__func__, handle, internalState, is_encrypted);
 }
 
 int dpm_security_set_external_storage_encryption(device_policy_manager_h handle, int encrypt) {
-    return host::dpm::set("dpm_security_set_external_storage_encryption", handle, externalDemand,
-                          host::dpm::truth(encrypt));
+    return host::dpm::set(__func__, handle, externalDemand, host::dpm::truth(encrypt));
 }
 
 int dpm_security_is_external_storage_encrypted(device_policy_manager_h handle, int* is_encrypted) {
-    return isEncrypted("dpm_security_is_external_storage_encrypted", handle, externalState, is_encrypted);
+    return isEncrypted(__func__, handle, externalState, is_encrypted);
 }
 
 int dpm_security_wipe_data(device_policy_manager_h handle, dpm_security_wipe_type_e type) {
@@ -55,7 +53,7 @@ int dpm_security_wipe_data(device_policy_manager_h handle, dpm_security_wipe_typ
     if (handle == nullptr || wanted == 0 || (wanted & ~(internal | external)) != 0) {
         return DPM_ERROR_INVALID_PARAMETER;
     }
-    return guarded<int>("dpm_security_wipe_data", DPM_ERROR_PERMISSION_DENIED, [&] {
+    return guarded<int>(__func__, DPM_ERROR_PERMISSION_DENIED, [&] {
         if (!host::dpm::isAdministered()) {
             return DPM_ERROR_PERMISSION_DENIED;
         }

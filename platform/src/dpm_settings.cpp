@@ -9,7 +9,7 @@ bool isAdministered() {
     return !SettingsStore::get().isEmptyFolder("/dpm/clients/");
 }
 
-int set(const char* function, device_policy_manager_h handle, const std::string& key, int value) {
+int set(const char* function, device_policy_manager_h handle, const Setting& setting, int value) {
     if (handle == nullptr) {
         return DPM_ERROR_INVALID_PARAMETER;
     }
@@ -17,17 +17,17 @@ int set(const char* function, device_policy_manager_h handle, const std::string&
         if (!isAdministered()) {
             return DPM_ERROR_PERMISSION_DENIED;
         }
-        SettingsStore::get().write(key, g_variant_new_int32(value));
+        SettingsStore::get().write(setting.path, g_variant_new_int32(value));
         return DPM_ERROR_NONE;
     });
 }
 
-int get(const char* function, device_policy_manager_h handle, const std::string& key, int missing, int* value) {
+int get(const char* function, device_policy_manager_h handle, const Setting& setting, int* value) {
     if (handle == nullptr || value == nullptr) {
         return DPM_ERROR_INVALID_PARAMETER;
     }
     return guarded<int>(function, DPM_ERROR_CONNECTION_REFUSED, [&] {
-        *value = SettingsStore::get().readInt(key).value_or(missing);
+        *value = SettingsStore::get().readInt(setting.path).value_or(setting.initial);
         return DPM_ERROR_NONE;
     });
 }

@@ -1,8 +1,6 @@
 #ifndef PLATFORM_DPM_SETTINGS_H
 #define PLATFORM_DPM_SETTINGS_H
 
-#include <string>
-
 #include "dpm/device-policy-manager.h"
 
 /// What a handle of the device policy manager points at. All state is the device's, so there is nothing to hold.
@@ -20,11 +18,17 @@ inline int truth(int value) {
     return value != 0 ? 1 : 0;
 }
 
-/// A setter: writes an integer, or answers the null handle or the missing client.
-int set(const char* function, device_policy_manager_h handle, const std::string& key, int value);
+/// Where the store keeps a setting, and its value until it is set.
+struct Setting {
+    const char* path;
+    int initial;
+};
 
-/// A getter: reads an integer, `missing` when it was never set, or answers the null argument.
-int get(const char* function, device_policy_manager_h handle, const std::string& key, int missing, int* value);
+/// A setter: writes an integer, or refuses a null handle or a device that nobody administers.
+int set(const char* function, device_policy_manager_h handle, const Setting& setting, int value);
+
+/// A getter: reads an integer, or refuses a null argument.
+int get(const char* function, device_policy_manager_h handle, const Setting& setting, int* value);
 
 } // namespace host::dpm
 

@@ -98,11 +98,8 @@ std::vector<std::string> Launcher::outstanding() const {
 
 void Launcher::dispatch(Launch& launch) {
     g_autoptr(GError) error = nullptr;
-    constexpr auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
-                                                        G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS |
-                                                        G_DBUS_PROXY_FLAGS_DO_NOT_AUTO_START_AT_CONSTRUCTION);
     const c::ObjectOwner<PlatformBusApplication> target(platform_bus_application_proxy_new_sync(
-        bus_.connection(), flags, launch.target().c_str(), host_bus::applicationPath, nullptr, &error));
+        bus_.connection(), callsAlone, launch.target().c_str(), host_bus::applicationPath, nullptr, &error));
     if (target == nullptr) {
         throw HostError("cannot speak to " + launch.target() + ": " + error->message);
     }

@@ -20,7 +20,7 @@ int message_port_register_local_port(const char* local_port, message_port_messag
     if (!isName(local_port) || callback == nullptr || !host::isUtf8(local_port)) {
         return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
     }
-    return guarded<int>("message_port_register_local_port", MESSAGE_PORT_ERROR_IO_ERROR,
+    return guarded<int>(__func__, MESSAGE_PORT_ERROR_IO_ERROR,
                         [&] { return PortExchange::get().open(local_port, callback, user_data); });
 }
 
@@ -28,7 +28,7 @@ int message_port_unregister_local_port(int local_port_id) {
     if (local_port_id <= 0) {
         return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
     }
-    return guarded<int>("message_port_unregister_local_port", MESSAGE_PORT_ERROR_IO_ERROR,
+    return guarded<int>(__func__, MESSAGE_PORT_ERROR_IO_ERROR,
                         [&] { return PortExchange::get().close(local_port_id); });
 }
 
@@ -36,7 +36,7 @@ int message_port_check_remote_port(const char* remote_app_id, const char* remote
     if (!isName(remote_app_id) || !isName(remote_port) || exist == nullptr) {
         return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
     }
-    return guarded<int>("message_port_check_remote_port", MESSAGE_PORT_ERROR_IO_ERROR, [&] {
+    return guarded<int>(__func__, MESSAGE_PORT_ERROR_IO_ERROR, [&] {
         *exist = PortExchange::get().isOpen(remote_app_id, remote_port);
         return MESSAGE_PORT_ERROR_NONE;
     });
@@ -46,6 +46,6 @@ int message_port_send_message(const char* remote_app_id, const char* remote_port
     if (!isName(remote_app_id) || !isName(remote_port) || message == nullptr) {
         return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
     }
-    return guarded<int>("message_port_send_message", MESSAGE_PORT_ERROR_IO_ERROR,
+    return guarded<int>(__func__, MESSAGE_PORT_ERROR_IO_ERROR,
                         [&] { return PortExchange::get().send(remote_app_id, remote_port, *message); });
 }

@@ -18,11 +18,8 @@ void onSent(GObject* proxy, GAsyncResult* outcome, gpointer /*data*/) {
 
 c::ObjectOwner<PlatformBusMessagePort> portObjectOf(const Bus& bus, const std::string& busName) {
     g_autoptr(GError) error = nullptr;
-    constexpr auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
-                                                        G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS |
-                                                        G_DBUS_PROXY_FLAGS_DO_NOT_AUTO_START_AT_CONSTRUCTION);
     c::ObjectOwner<PlatformBusMessagePort> object(platform_bus_message_port_proxy_new_sync(
-        bus.connection(), flags, busName.c_str(), host_bus::applicationPath, nullptr, &error));
+        bus.connection(), callsAlone, busName.c_str(), host_bus::applicationPath, nullptr, &error));
     if (object == nullptr) {
         throw HostError("cannot speak to " + busName + ": " + error->message);
     }

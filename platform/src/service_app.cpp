@@ -138,7 +138,7 @@ int service_app_main(int /*argc*/, char** argv, service_app_lifecycle_callback_s
     if (argv == nullptr || callback == nullptr || callback->create == nullptr) {
         return -EINVAL;
     }
-    return guarded("service_app_main", failed, [&] {
+    return guarded(__func__, failed, [&] {
         // A reader that went away is an error of the write, not the application's end.
         std::signal(SIGPIPE, SIG_IGN);
         return runApplication(*callback, user_data);
@@ -146,7 +146,7 @@ int service_app_main(int /*argc*/, char** argv, service_app_lifecycle_callback_s
 }
 
 void service_app_exit(void) {
-    guarded("service_app_exit", 0, [] {
+    guarded(__func__, 0, [] {
         MainLoop::get().end();
         return 0;
     });

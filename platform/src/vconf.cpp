@@ -25,7 +25,7 @@ std::string keyPath(const char* key) {
 } // namespace
 
 int vconf_get_int(const char* in_key, int* intval) {
-    return guarded("vconf_get_int", failure, [&] {
+    return guarded(__func__, failure, [&] {
         const std::string path = keyPath(in_key);
         const auto value = path.empty() || intval == nullptr ? std::nullopt : SettingsStore::get().readInt(path);
         if (!value) {
@@ -37,7 +37,7 @@ int vconf_get_int(const char* in_key, int* intval) {
 }
 
 int vconf_set_int(const char* in_key, const int intval) {
-    return guarded("vconf_set_int", failure, [&] {
+    return guarded(__func__, failure, [&] {
         const std::string path = keyPath(in_key);
         if (path.empty()) {
             return failure;
@@ -48,7 +48,7 @@ int vconf_set_int(const char* in_key, const int intval) {
 }
 
 char* vconf_get_str(const char* in_key) {
-    return guarded<char*>("vconf_get_str", nullptr, [&]() -> char* {
+    return guarded<char*>(__func__, nullptr, [&]() -> char* {
         const std::string path = keyPath(in_key);
         const auto value = path.empty() ? std::nullopt : SettingsStore::get().readText(path);
         return value ? host::copyForCaller(*value) : nullptr;
@@ -56,7 +56,7 @@ char* vconf_get_str(const char* in_key) {
 }
 
 int vconf_set_str(const char* in_key, const char* strval) {
-    return guarded("vconf_set_str", failure, [&] {
+    return guarded(__func__, failure, [&] {
         const std::string path = keyPath(in_key);
         if (path.empty() || strval == nullptr || !host::isUtf8(strval)) {
             return failure;
@@ -67,7 +67,7 @@ int vconf_set_str(const char* in_key, const char* strval) {
 }
 
 int vconf_notify_key_changed(const char* in_key, vconf_callback_fn cb, void* user_data) {
-    return guarded("vconf_notify_key_changed", failure, [&] {
+    return guarded(__func__, failure, [&] {
         if (cb == nullptr || keyPath(in_key).empty()) {
             return failure;
         }
@@ -77,7 +77,7 @@ int vconf_notify_key_changed(const char* in_key, vconf_callback_fn cb, void* use
 }
 
 int vconf_ignore_key_changed(const char* in_key, vconf_callback_fn cb) {
-    return guarded("vconf_ignore_key_changed", failure, [&] {
+    return guarded(__func__, failure, [&] {
         const bool valid = cb != nullptr && !keyPath(in_key).empty();
         return valid && VconfWatches::get().remove(in_key, cb) ? 0 : failure;
     });
