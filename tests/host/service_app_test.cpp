@@ -6,13 +6,7 @@ namespace {
 
 class ServiceApp : public HostTest {};
 
-TEST_F(ServiceApp, ApplicationStartedByHandGetsOneEmptyLaunchAfterCreate) {
-    const auto app = start({"serve"});
-    ASSERT_TRUE(app->said("launch by nobody: \n"));
-    EXPECT_EQ(app->errors(), "create\nlaunch by nobody: \n");
-}
-
-TEST_F(ServiceApp, TerminationSignalEndsTheApplicationInOrder) {
+TEST_F(ServiceApp, ApplicationStartedByHandIsLaunchedOnceAndEndsInOrderOnATerminationSignal) {
     const auto app = start({"serve"});
     ASSERT_TRUE(app->said("launch"));
     app->sendSignal(SIGTERM);

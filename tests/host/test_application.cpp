@@ -166,6 +166,12 @@ int serve(Application application) {
     return result == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
+int serveWith(bool Application::*behaviour) {
+    Application application;
+    application.*behaviour = true;
+    return serve(application);
+}
+
 // Sends each text to another application's port, and ends at once.
 int sendMessages(const Arguments& arguments) {
     for (std::size_t i = 1; i < arguments.size(); ++i) {
@@ -217,18 +223,9 @@ using Command = std::function<int(const Arguments&)>;
 const std::map<std::string, Command>& commands() {
     static const std::map<std::string, Command> all{
         {"serve", [](const Arguments&) { return serve({}); }},
-        {"refuse",
-         [](const Arguments&) {
-             return serve({true, false, false, nullptr});
-         }},
-        {"serve-on-both-buses",
-         [](const Arguments&) {
-             return serve({false, true, false, nullptr});
-         }},
-        {"exit-in-create",
-         [](const Arguments&) {
-             return serve({false, false, true, nullptr});
-         }},
+        {"refuse", [](const Arguments&) { return serveWith(&Application::refuses); }},
+        {"serve-on-both-buses", [](const Arguments&) { return serveWith(&Application::ownsSystemName); }},
+        {"exit-in-create", [](const Arguments&) { return serveWith(&Application::exitsInCreate); }},
         {"send", sendMessages},
         {"launch", launch},
         {"set-key", setKey},
