@@ -1,7 +1,8 @@
-#ifndef EXHAUSTIVE_FIELD_H
-#define EXHAUSTIVE_FIELD_H
+#ifndef EXHAUSTIVE_FIELDS_H
+#define EXHAUSTIVE_FIELDS_H
 
 #include <functional>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -10,13 +11,14 @@
 using Value = std::int32_t;
 using Values = std::vector<Value>;
 
-/// A number of the policy record, and what becomes of the values that the accounts have for it.
+// The ends of what a field can hold.
+constexpr Value smallest = std::numeric_limits<Value>::min();
+constexpr Value largest = std::numeric_limits<Value>::max();
+
+/// A number of the policy record, and what is known of it without a look at how it merges.
 struct Field {
     std::string name;
     Value TeskPolicyData::*place;
-
-    /// The merged value of the accounts' values, in list order.
-    std::function<Value(const Values&)> winner;
 
     /// Whether the first value is less strict than the second; null for a field that is not enforced.
     std::function<bool(Value, Value)> isWeaker;
@@ -38,8 +40,5 @@ void forEachList(const Values& values, std::size_t most, const std::function<voi
 
 /// An account list whose members differ in one field only.
 TeskPolicyDataList accountsWith(const Field& field, const Values& values);
-
-/// "3, 0, -1"
-std::string textOf(const Values& values);
 
 #endif
