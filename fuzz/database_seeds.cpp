@@ -2,13 +2,13 @@
 
 #include <sqlite3.h>
 
-#include <fstream>
-#include <iterator>
 #include <memory>
 
+#include "accounts.h"
+#include "database_file.h"
 #include "fuzz_target.h"
-#include "fuzzed_service.h"
-#include "sample_policies.h"
+#include "fuzzed_watch.h"
+#include "story.h"
 
 namespace {
 
@@ -36,23 +36,17 @@ const std::map<std::string, std::string>& changes() {
     return statements;
 }
 
-std::string contentsOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
 std::string databaseAfter(const std::string& statements) {
-    fuzz::FuzzedService service;
-    service.run([&] {
-        service.request("req_update_policy", samples::indication(1, samples::builtIn));
-        service.request("req_update_policy", samples::indication(2, samples::hardened));
-    });
+    const auto asLeft = harness::databaseWith({harness::agency(1), harness::bank(2)});
+    const fuzz::FuzzedWatch watch;
+    const auto path = watch.databasePath();
+    harness::writeDatabase(path, asLeft);
     sqlite3* opened = nullptr;
-    fuzz::require(sqlite3_open(service.databasePath().c_str(), &opened) == SQLITE_OK, "the database can be opened");
+    fuzz::require(sqlite3_open(path.c_str(), &opened) == SQLITE_OK, "the database can be opened");
     std::unique_ptr<sqlite3, decltype(&sqlite3_close)> database(opened, &sqlite3_close);
     fuzz::require(sqlite3_exec(opened, statements.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK, statements);
     database.reset();
-    return contentsOf(service.databasePath());
+    return harness::contentOf(path);
 }
 
 } // namespace

@@ -1,12 +1,11 @@
 // A database that the service finds in its folder: any bytes.
 
-#include <filesystem>
-#include <fstream>
-
 #include "TeskConsumerDbMgr.h"
 #include "TeskConsumerPolicyMgr.h"
+#include "database_file.h"
+#include "events.h"
 #include "fuzz_target.h"
-#include "fuzzed_service.h"
+#include "fuzzed_watch.h"
 #include "sample_policies.h"
 
 namespace {
@@ -42,17 +41,15 @@ void workOnAll() {
 } // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    fuzz::FuzzedService service;
-    const std::filesystem::path path(service.databasePath());
-    std::filesystem::create_directory(path.parent_path());
-    std::ofstream(path, std::ios::binary) << fuzz::textOf(data, size);
+    fuzz::FuzzedWatch watch;
+    harness::writeDatabase(watch.databasePath(), fuzz::textOf(data, size));
 
-    service.run([&] {
-        service.request("req_update_policy", samples::indication(2, samples::hardened));
-        service.request("req_delete_account", "2");
-        service.request("chk_password_policy", "");
+    watch.runOnce([&] {
+        harness::policyArrives(2, samples::hardened)(watch);
+        harness::accountIsRemoved("2")(watch);
+        harness::passwordCheckIsAskedFor()(watch);
     });
     workOnAll();
-    service.requireNothingLeaked();
+    watch.requireNothingLeaked();
     return 0;
 }

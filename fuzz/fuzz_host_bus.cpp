@@ -15,6 +15,7 @@
 #include "byte_reader.h"
 #include "c_owners.h"
 #include "fuzz_target.h"
+#include "glib_warnings.h"
 #include "port_exchange.h"
 #include "port_table.h"
 #include "settings_store.h"
@@ -146,7 +147,7 @@ void readNames(ByteReader& bytes) {
 } // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    fuzz::makeGlibWarningsFatal();
+    harness::makeGlibWarningsFatal();
     ByteReader bytes(data, size);
     static constexpr std::array readers{readBusMessage, readStoredValue, readNames};
     bytes.oneOf(readers)(bytes);

@@ -3,16 +3,16 @@
 #include <memory>
 
 #include "fuzz_target.h"
-#include "fuzzed_service.h"
+#include "fuzzed_watch.h"
 #include "msgs/TeskConsumerRespMsgFactory.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const fuzz::FuzzedService service;
+    const fuzz::FuzzedWatch watch;
     const std::unique_ptr<TeskConsumerResponsedMsg> message(
         TeskConsumerRespMsgFactory::createResponsedMsg(fuzz::textOf(data, size)));
     if (message) {
         message->process();
     }
-    service.requireNothingLeaked();
+    watch.requireNothingLeaked();
     return 0;
 }

@@ -1,11 +1,11 @@
-// A request as it arrives at the message port: the first line is its name, everything behind it the argument, which is
+// A request as it arrives at the message port: the first line is its name, everything after it the argument, which is
 // missing where there is no second line.
 
 #include <optional>
 
 #include "TeskConsumerIpcMgr.h"
 #include "fuzz_target.h"
-#include "fuzzed_service.h"
+#include "fuzzed_watch.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text = fuzz::textOf(data, size);
@@ -13,9 +13,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const auto argument =
         nameEnd != std::string::npos ? std::optional<std::string>(text.substr(nameEnd + 1)) : std::nullopt;
 
-    fuzz::FuzzedService service;
+    fuzz::FuzzedWatch watch;
     TeskConsumerIpcMgr::getInstance()->init();
-    service.request(text.substr(0, nameEnd), argument);
-    service.requireNothingLeaked();
+    watch.request(text.substr(0, nameEnd), argument);
+    watch.requireNothingLeaked();
     return 0;
 }

@@ -13,9 +13,6 @@ namespace fuzz {
 /// Ends the process with a message unless something holds that no input may change.
 void require(bool holds, const std::string& what);
 
-/// From now on what GLib holds for a programmer's error ends the process like any other crash.
-void makeGlibWarningsFatal();
-
 /// The bytes of an input as a text.
 inline std::string textOf(const std::uint8_t* data, std::size_t size) {
     return {reinterpret_cast<const char*>(data), size};

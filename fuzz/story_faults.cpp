@@ -61,33 +61,27 @@ constexpr std::array databaseFunctions{
 
 constexpr std::array systemFunctions{"rename", "getpwnam_r"};
 
-void choose(fuzz::ByteReader& bytes, fake::Faults& faults, const char* function, int code) {
+template <class Functions, class Codes>
+harness::Event oneFails(fuzz::ByteReader& bytes, const Functions& functions, const Codes& codes) {
     constexpr std::size_t farthestCall = 8;
+    const std::string function = bytes.oneOf(functions);
+    const int code = bytes.oneOf(codes);
     if (bytes.flag()) {
-        faults.always(function, code);
-    } else {
-        faults.atCall(function, static_cast<int>(bytes.below(farthestCall)) + 1, code);
+        return [=](harness::Watch& watch) { watch.platform.faults.always(function, code); };
     }
+    const int nth = static_cast<int>(bytes.below(farthestCall)) + 1;
+    return [=](harness::Watch& watch) { watch.platform.faults.atCall(function, nth, code); };
 }
 
 } // namespace
 
-void fuzz::chooseFault(ByteReader& bytes, fake::Faults& faults) {
+harness::Event fuzz::callFails(ByteReader& bytes) {
     switch (bytes.below(4)) {
-    case 0: {
-        const char* const function = bytes.oneOf(databaseFunctions);
-        choose(bytes, faults, function, bytes.oneOf(databaseCodes));
-        break;
-    }
-    case 1: {
-        const char* const function = bytes.oneOf(systemFunctions);
-        choose(bytes, faults, function, bytes.oneOf(systemCodes));
-        break;
-    }
-    default: {
-        const char* const function = bytes.oneOf(platformFunctions);
-        choose(bytes, faults, function, bytes.oneOf(platformCodes));
-        break;
-    }
+    case 0:
+        return oneFails(bytes, databaseFunctions, databaseCodes);
+    case 1:
+        return oneFails(bytes, systemFunctions, systemCodes);
+    default:
+        return oneFails(bytes, platformFunctions, platformCodes);
     }
 }

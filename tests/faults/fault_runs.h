@@ -4,14 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "story_run.h"
+#include "fault_check.h"
 
 /// Plays a story once without faults, then once with each call failing, each function failing always, and each two
 /// functions failing always.
 class FaultRuns {
 public:
     /// Only every `each`th of the runs is made.
-    FaultRuns(const Story& story, int each);
+    FaultRuns(const FaultStory& story, int each);
 
     void failEachCall();
     void failEachFunction();
@@ -30,14 +30,10 @@ public:
 private:
     void run(const std::vector<Fault>& faults);
 
-    /// The calls of a function in the run without faults, as in the journal.
-    std::vector<std::string> callsOf(const std::string& function) const;
-
-    const Story& story_;
+    const FaultStory& story_;
     std::string database_;
-    StoredRows rowsBefore_;
-    StoredRows rowsAfter_;
-    Outcome good_;
+    GoodRun good_;
+    std::vector<std::string> functions_; ///< those that the story calls
     const int each_;
     int count_ = 0;
     int made_ = 0;

@@ -1,54 +1,26 @@
 #include "outcome.h"
 
 #include <algorithm>
-#include <functional>
-#include <iterator>
+#include <array>
 #include <sstream>
 
 namespace {
 
-// The words that begin the lines of the text.
-namespace word {
-constexpr char call[] = "call";
-constexpr char step[] = "step";
-constexpr char warning[] = "warning";
-constexpr char launch[] = "launch";
-constexpr char leak[] = "leak";
-constexpr char count[] = "count";
-constexpr char device[] = "device";
-constexpr char running[] = "running";
-constexpr char administrator[] = "administrator";
-constexpr char nextRequest[] = "next";
-} // namespace word
+using Lines = Outcome::Lines;
 
-void addLine(std::string& text, const std::string& kind, std::string value) {
+/// The lists, each with the letter that begins its lines in the text.
+constexpr std::array<std::pair<char, Lines Outcome::*>, 5> lists{{{'c', &Outcome::calls},
+                                                                  {'s', &Outcome::steps},
+                                                                  {'w', &Outcome::warnings},
+                                                                  {'l', &Outcome::launches},
+                                                                  {'k', &Outcome::leaks}}};
+constexpr char countLetter = 'n';
+constexpr char administratorLetter = 'a';
+constexpr char requestLetter = 'r';
+
+std::string lineOf(char letter, std::string value) {
     std::replace(value.begin(), value.end(), '\n', ' ');
-    text.append(kind).append(" ").append(value).append("\n");
-}
-
-void addLines(std::string& text, const std::string& kind, const Outcome::Lines& values) {
-    for (const auto& value : values) {
-        addLine(text, kind, value);
-    }
-}
-
-void addNumbers(std::string& text, const std::string& kind, const std::map<std::string, int>& numbers) {
-    for (const auto& [name, number] : numbers) {
-        addLine(text, kind, std::to_string(number) + " " + name);
-    }
-}
-
-void readNumber(std::map<std::string, int>& numbers, const std::string& value) {
-    const auto blank = value.find(' ');
-    numbers[value.substr(blank + 1)] = std::stoi(value.substr(0, blank));
-}
-
-bool begins(const std::string& text, const std::string& beginning) {
-    return text.compare(0, beginning.size(), beginning) == 0;
-}
-
-std::string firstWord(const std::string& text) {
-    return text.substr(0, text.find(' '));
+    return letter + value + "\n";
 }
 
 } // namespace
@@ -56,26 +28,19 @@ std::string firstWord(const std::string& text) {
 std::map<std::string, std::string> Outcome::settings() const {
     std::map<std::string, std::string> last;
     for (const auto& line : calls) {
-        if (begins(line, "dpm_password_set_") || begins(line, "dpm_restriction_set_") ||
-            begins(line, "dpm_security_set_")) {
-            last[firstWord(line)] = line;
+        for (const char* beginning : {"dpm_password_set_", "dpm_restriction_set_", "dpm_security_set_"}) {
+            if (line.rfind(beginning, 0) == 0) {
+                last[line.substr(0, line.find(' '))] = line;
+            }
         }
     }
     return last;
 }
 
-Outcome::Lines Outcome::settingNames() const {
-    Lines names;
-    for (const auto& [name, line] : settings()) {
-        names.push_back(name);
-    }
-    return names;
-}
-
-Outcome::Lines Outcome::keys() const {
+Lines Outcome::keys() const {
     Lines keys;
     for (const std::string key : {"db/eas/device_encryption_applied", "db/eas/password_policy_applied"}) {
-        const auto isWrite = [&](const std::string& line) { return begins(line, "vconf_set_int " + key + " "); };
+        const auto isWrite = [&](const std::string& line) { return line.rfind("vconf_set_int " + key + " ", 0) == 0; };
         if (std::any_of(calls.begin(), calls.end(), isWrite)) {
             keys.push_back(key);
         }
@@ -85,37 +50,34 @@ Outcome::Lines Outcome::keys() const {
 
 std::string Outcome::toText() const {
     std::string text;
-    addLines(text, word::call, calls);
-    addLines(text, word::step, steps);
-    addLines(text, word::warning, warnings);
-    addLines(text, word::launch, launches);
-    addLines(text, word::leak, leaks);
-    addNumbers(text, word::count, counts);
-    addNumbers(text, word::device, device);
-    addLine(text, word::running, isRunning ? "1" : "0");
-    addLine(text, word::administrator, isAdministrator ? "1" : "0");
-    addLine(text, word::nextRequest, nextRequest);
-    return text;
+    for (const auto& [letter, list] : lists) {
+        for (const auto& value : this->*list) {
+            text += lineOf(letter, value);
+        }
+    }
+    for (const auto& [function, number] : counts) {
+        text += lineOf(countLetter, function + " " + std::to_string(number));
+    }
+    return text + (isAdministrator ? lineOf(administratorLetter, "") : "") + lineOf(requestLetter, nextRequest);
 }
 
 Outcome Outcome::fromText(const std::string& text) {
     Outcome outcome;
-    const std::map<std::string, std::function<void(const std::string&)>> readers{
-        {word::call, [&](const std::string& value) { outcome.calls.push_back(value); }},
-        {word::step, [&](const std::string& value) { outcome.steps.push_back(value); }},
-        {word::warning, [&](const std::string& value) { outcome.warnings.push_back(value); }},
-        {word::launch, [&](const std::string& value) { outcome.launches.push_back(value); }},
-        {word::leak, [&](const std::string& value) { outcome.leaks.push_back(value); }},
-        {word::count, [&](const std::string& value) { readNumber(outcome.counts, value); }},
-        {word::device, [&](const std::string& value) { readNumber(outcome.device, value); }},
-        {word::running, [&](const std::string& value) { outcome.isRunning = value == "1"; }},
-        {word::administrator, [&](const std::string& value) { outcome.isAdministrator = value == "1"; }},
-        {word::nextRequest, [&](const std::string& value) { outcome.nextRequest = value; }},
-    };
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
-        const auto kind = firstWord(line);
-        readers.at(kind)(line.substr(kind.size() + 1));
+        const char letter = line.front();
+        const auto value = line.substr(1);
+        if (letter == countLetter) {
+            const auto blank = value.rfind(' ');
+            outcome.counts[value.substr(0, blank)] = std::stoi(value.substr(blank));
+        } else if (letter == requestLetter) {
+            outcome.nextRequest = value;
+        } else if (letter == administratorLetter) {
+            outcome.isAdministrator = true;
+        } else {
+            const auto isOfLine = [&](const auto& list) { return list.first == letter; };
+            (outcome.*std::find_if(lists.begin(), lists.end(), isOfLine)->second).push_back(value);
+        }
     }
     return outcome;
 }

@@ -10,16 +10,12 @@
 struct Outcome {
     using Lines = fake::Journal::Lines;
 
-    /// Whether the service came as far as its main loop.
-    bool isRunning = false;
-
     Lines calls;
     Lines steps;    ///< the statement of each step of SQLite
     Lines warnings; ///< the log lines of WARN and above
     Lines launches; ///< the ids of the launched applications
     Lines leaks;
     std::map<std::string, int> counts; ///< how often each function was called
-    std::map<std::string, int> device; ///< the rules of the device
     bool isAdministrator = false;
 
     /// What was wrong with the good request that followed; empty when nothing was.
@@ -27,9 +23,6 @@ struct Outcome {
 
     /// The last call that set each rule of the device, by its function.
     std::map<std::string, std::string> settings() const;
-
-    /// The rules of the device that were set.
-    Lines settingNames() const;
 
     /// The keys that tell of the outcome and that were written.
     Lines keys() const;

@@ -17,14 +17,12 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "child_process.h"
 #include "writing_calls.h"
 
 namespace kill_points {
 
 namespace {
-
-/// The exit status of a child that may not be traced; no body ends with it.
-constexpr int untraceable = 254;
 
 void require(bool works, const char* what) {
     if (!works) {
@@ -47,16 +45,11 @@ void filterWritingCalls() {
     require(prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0, "filter system calls (seccomp)");
 }
 
-[[noreturn]] void runAsTracee(const Body& body) {
-    try {
-        require(ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0, "trace a process (ptrace)");
-        std::raise(SIGSTOP); // until the tracer is ready for what the filter sends it
-        filterWritingCalls();
-    } catch (const std::exception& error) {
-        std::cerr << error.what() << '\n';
-        _exit(untraceable);
-    }
-    endAfter(body);
+/// Has the parent trace this process.
+void becomeTraced() {
+    require(ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0, "trace a process (ptrace)");
+    std::raise(SIGSTOP); // until the tracer is ready for what the filter sends it
+    filterWritingCalls();
 }
 
 int waitFor(pid_t process, int* status) {
@@ -71,8 +64,8 @@ int waitFor(pid_t process, int* status) {
 /// Follows a child from its first stop to its end.
 class Tracer {
 public:
-    Tracer(pid_t child, std::string folder, const std::optional<Stop>& stop)
-        : child_(child), folder_(std::move(folder)), stop_(stop) {}
+    Tracer(pid_t child, std::string folder, const std::optional<KillPoint>& point)
+        : child_(child), folder_(std::move(folder)), point_(point) {}
 
     TracedRun follow() {
         begin();
@@ -122,9 +115,9 @@ private:
         if (step) {
             steps_.push_back(*step);
         }
-        if (!step || !stop_ || stop_->step + 1 != steps_.size()) {
+        if (!step || !point_ || point_->step + 1 != steps_.size()) {
             resume(thread, PTRACE_CONT);
-        } else if (stop_->moment == Stop::Moment::Before) {
+        } else if (point_->moment == KillPoint::Moment::Before) {
             kill(child_, SIGKILL); // a call that is killed here is skipped
         } else {
             resume(thread, PTRACE_SYSCALL);
@@ -145,25 +138,19 @@ private:
 
     pid_t child_;
     std::string folder_;
-    std::optional<Stop> stop_;
+    std::optional<KillPoint> point_;
     std::vector<std::string> steps_;
 };
 
 } // namespace
 
-TracedRun runTraced(const std::string& folder, const Body& body, const std::optional<Stop>& stop) {
-    std::cout << std::flush;
-    std::fflush(stdout);
-    const pid_t child = fork();
-    require(child != -1, "start a process");
-    if (child == 0) {
-        runAsTracee(body);
-    }
-    auto run = Tracer(child, folder, stop).follow();
-    if (run.status == untraceable) {
-        throw std::runtime_error("kill points: the child cannot be filtered; its own words are on the standard error");
-    }
-    return run;
+TracedRun runTraced(const std::string& folder, const std::function<void()>& body,
+                    const std::optional<KillPoint>& point) {
+    const pid_t child = harness::startChild([&] {
+        becomeTraced();
+        body();
+    });
+    return Tracer(child, folder, point).follow();
 }
 
 } // namespace kill_points

@@ -5,24 +5,23 @@
 
 #include <initializer_list>
 
-#include "fake_platform.h"
-#include "rules/TeskPolicyData.h"
+#include "accounts.h"
+#include "watch.h"
 
-/// A test of the service on the fake platform: an unlocked, unencrypted watch outside of Korea, on which nothing is
-/// stored. What GLib holds for a programmer's error ends the test, and so does a platform object that is not given
-/// back.
+using harness::fieldsOf;
+
+/// A test of the service on a watch of its own. A platform object that is not given back fails it.
 class UnitTest : public ::testing::Test {
 protected:
     using Lines = fake::Journal::Lines;
 
-    UnitTest();
     void TearDown() override;
 
     /// Stores accounts and lets the service administer the device, as an earlier run would have; then forgets it.
     void store(std::initializer_list<TeskPolicyData> accounts);
 
     /// The stored account; a new record when there is none.
-    static TeskPolicyData stored(int accountId);
+    static TeskPolicyData stored(int accountId) { return harness::storedAccount(accountId); }
 
     /// The number of stored accounts.
     static int storedAccounts();
@@ -30,7 +29,8 @@ protected:
     /// The log lines that say more than "Enter" and "Leave".
     Lines messages() const;
 
-    fake::FakePlatform platform;
+    harness::Watch watch;
+    fake::FakePlatform& platform = watch.platform;
     fake::Journal& journal = platform.journal;
 };
 
@@ -39,8 +39,5 @@ TeskPolicyData account(int accountId);
 
 /// A record that requires a password.
 TeskPolicyData passwordAccount(int accountId);
-
-/// All fields of a record, in order, as texts.
-std::vector<std::string> fieldsOf(const TeskPolicyData& data);
 
 #endif
