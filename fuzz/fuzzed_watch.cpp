@@ -6,10 +6,6 @@
 
 // The service asks for a name on the system bus at every start. GLib would look for that bus in a thread, which would
 // outlive the input.
-extern "C" guint __wrap_g_bus_own_name(GBusType bus, const gchar* name, GBusNameOwnerFlags flags,
-                                       GBusAcquiredCallback busAcquired, GBusNameAcquiredCallback nameAcquired,
-                                       GBusNameLostCallback nameLost, gpointer userData, GDestroyNotify release);
-
 extern "C" guint __wrap_g_bus_own_name(GBusType /*bus*/, const gchar* /*name*/, GBusNameOwnerFlags /*flags*/,
                                        GBusAcquiredCallback /*busAcquired*/, GBusNameAcquiredCallback /*nameAcquired*/,
                                        GBusNameLostCallback /*nameLost*/, gpointer /*userData*/,

@@ -2,41 +2,30 @@
 
 #include "fake_platform.h"
 
+using fake::answer;
 using fake::FakePlatform;
 
 namespace {
 
 template <typename Value, typename Argument>
 int set(const char* function, const char* key, const Argument& value) {
-    auto& platform = FakePlatform::current();
-    if (const auto fault = platform.call(function, key, value)) {
-        return *fault;
-    }
-    if (key == nullptr) {
-        return PREFERENCE_ERROR_INVALID_PARAMETER;
-    }
-    platform.preferences[key] = Value(value);
-    return PREFERENCE_ERROR_NONE;
+    return answer({function, key, value}, {key}, [&] { FakePlatform::current().preferences[key] = Value(value); });
 }
 
 template <typename Value>
 int get(const char* function, const char* key, Value* value) {
-    auto& platform = FakePlatform::current();
-    if (const auto fault = platform.call(function, key)) {
-        return *fault;
-    }
-    if (key == nullptr || value == nullptr) {
-        return PREFERENCE_ERROR_INVALID_PARAMETER;
-    }
-    const auto stored = platform.preferences.find(key);
-    if (stored == platform.preferences.end()) {
-        return PREFERENCE_ERROR_NO_KEY;
-    }
-    if (!std::holds_alternative<Value>(stored->second)) {
-        return PREFERENCE_ERROR_IO_ERROR;
-    }
-    *value = std::get<Value>(stored->second);
-    return PREFERENCE_ERROR_NONE;
+    return answer({function, key}, {key, value}, [&]() -> int {
+        const auto& preferences = FakePlatform::current().preferences;
+        const auto stored = preferences.find(key);
+        if (stored == preferences.end()) {
+            return PREFERENCE_ERROR_NO_KEY;
+        }
+        if (!std::holds_alternative<Value>(stored->second)) {
+            return PREFERENCE_ERROR_IO_ERROR;
+        }
+        *value = std::get<Value>(stored->second);
+        return PREFERENCE_ERROR_NONE;
+    });
 }
 
 } // namespace
@@ -61,11 +50,8 @@ int preference_get_double(const char* key, double* value) {
 }
 
 int preference_set_string(const char* key, const char* value) {
-    if (value == nullptr) {
-        const auto fault = FakePlatform::current().call("preference_set_string", key, value);
-        return fault.value_or(PREFERENCE_ERROR_INVALID_PARAMETER);
-    }
-    return set<std::string>("preference_set_string", key, value);
+    return answer({"preference_set_string", key, value}, {key, value},
+                  [&] { FakePlatform::current().preferences[key] = std::string(value); });
 }
 
 int preference_get_string(const char* key, char** value) {
@@ -78,13 +64,6 @@ int preference_get_string(const char* key, char** value) {
 }
 
 int preference_is_existing(const char* key, bool* existing) {
-    auto& platform = FakePlatform::current();
-    if (const auto fault = platform.call("preference_is_existing", key)) {
-        return *fault;
-    }
-    if (key == nullptr || existing == nullptr) {
-        return PREFERENCE_ERROR_INVALID_PARAMETER;
-    }
-    *existing = platform.preferences.count(key) != 0;
-    return PREFERENCE_ERROR_NONE;
+    return answer({"preference_is_existing", key}, {key, existing},
+                  [&] { *existing = FakePlatform::current().preferences.count(key) != 0; });
 }

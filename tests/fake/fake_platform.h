@@ -1,10 +1,12 @@
 #ifndef FAKE_PLATFORM_H
 #define FAKE_PLATFORM_H
 
+#include <initializer_list>
 #include <optional>
 #include <set>
 #include <sstream>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "device_policy.h"
@@ -89,6 +91,39 @@ private:
     std::string folder_;
     std::set<void*> handedOut_;
 };
+
+/// A call of one of the platform's functions: written down, and with the code with which it fails, if it does.
+struct Call {
+    template <typename... Arguments>
+    // NOLINTNEXTLINE(google-explicit-constructor,hicpp-explicit-conversions): reads as {"function", argument, ...}
+    Call(const std::string& function, const Arguments&... arguments)
+        : fault(FakePlatform::current().call(function, arguments...)) {}
+
+    std::optional<int> fault;
+};
+
+/// The code of an invalid argument, the same for all of the platform's functions that have codes.
+inline constexpr int invalidParameter = -22;
+
+/// Answers a call: with its fault, with `invalidParameter` when one of the pointers is null, or with the code that
+/// `act` returns, which is 0 when it returns nothing.
+template <typename Act>
+int answer(const Call& call, std::initializer_list<const void*> pointers, const Act& act) {
+    if (call.fault) {
+        return *call.fault;
+    }
+    for (const void* pointer : pointers) {
+        if (pointer == nullptr) {
+            return invalidParameter;
+        }
+    }
+    if constexpr (std::is_void_v<decltype(act())>) {
+        act();
+        return 0;
+    } else {
+        return act();
+    }
+}
 
 } // namespace fake
 

@@ -3,7 +3,6 @@
 #include <app_control.h>
 #include <app_preference.h>
 #include <dlog.h>
-#include <dpm/password.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -102,14 +101,6 @@ TEST_F(FakePlatformTest, FaultZeroClaimsSuccessAndDoesNothing) {
     EXPECT_EQ(handle, nullptr);
 }
 
-TEST_F(FakePlatformTest, UnsetKeyCannotBeRead) {
-    int value = 3;
-
-    EXPECT_EQ(vconf_get_int("db/a", &value), -1);
-    EXPECT_EQ(value, 3);
-    EXPECT_EQ(vconf_get_str("db/a"), nullptr);
-}
-
 TEST_F(FakePlatformTest, WatchFiresWhenTheTestDeliversTheChange) {
     int fired = 0;
     vconf_notify_key_changed(
@@ -119,17 +110,6 @@ TEST_F(FakePlatformTest, WatchFiresWhenTheTestDeliversTheChange) {
     EXPECT_EQ(fired, 0);
     platform.settings.deliverChanges();
     EXPECT_EQ(fired, 1);
-}
-
-TEST_F(FakePlatformTest, SettersAreRefusedWhileNobodyAdministersTheDevice) {
-    auto* handle = dpm_manager_create();
-
-    EXPECT_EQ(dpm_password_set_quality(handle, 33), DPM_ERROR_PERMISSION_DENIED);
-    platform.devicePolicy.registerService();
-    EXPECT_EQ(dpm_password_set_quality(handle, 33), 0);
-    EXPECT_EQ(platform.devicePolicy.setting("quality"), 33);
-    EXPECT_EQ(dpm_password_set_quality(nullptr, 33), DPM_ERROR_INVALID_PARAMETER);
-    dpm_manager_destroy(handle);
 }
 
 TEST_F(FakePlatformTest, LaunchIsRecordedWithItsExtraData) {

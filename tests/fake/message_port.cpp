@@ -5,7 +5,9 @@
 
 #include "fake_platform.h"
 
+using fake::answer;
 using fake::FakePlatform;
+using fake::invalidParameter;
 
 namespace fake {
 
@@ -63,15 +65,13 @@ bundle* bundle_create(void) {
 }
 
 int bundle_free(bundle* b) {
-    auto& platform = FakePlatform::current();
-    if (const auto fault = platform.call("bundle_free")) {
-        return *fault;
-    }
-    if (platform.ports.bundles.erase(b) == 0) {
-        return BUNDLE_ERROR_INVALID_PARAMETER;
-    }
-    delete b;
-    return BUNDLE_ERROR_NONE;
+    return answer({"bundle_free"}, {b}, [&] {
+        if (FakePlatform::current().ports.bundles.erase(b) == 0) {
+            return invalidParameter;
+        }
+        delete b;
+        return 0;
+    });
 }
 
 static const std::string* findEntry(const bundle& b, const std::string& key) {
@@ -81,87 +81,70 @@ static const std::string* findEntry(const bundle& b, const std::string& key) {
 }
 
 int bundle_add_str(bundle* b, const char* key, const char* str) {
-    auto& platform = FakePlatform::current();
-    if (const auto fault = platform.call("bundle_add_str", key, str)) {
-        return *fault;
-    }
-    if (b == nullptr || key == nullptr || str == nullptr) {
-        return BUNDLE_ERROR_INVALID_PARAMETER;
-    }
-    if (findEntry(*b, key) != nullptr) {
-        return BUNDLE_ERROR_KEY_EXISTS;
-    }
-    b->entries.emplace_back(key, str);
-    return BUNDLE_ERROR_NONE;
+    return answer({"bundle_add_str", key, str}, {b, key, str}, [&]() -> int {
+        if (findEntry(*b, key) != nullptr) {
+            return BUNDLE_ERROR_KEY_EXISTS;
+        }
+        b->entries.emplace_back(key, str);
+        return BUNDLE_ERROR_NONE;
+    });
 }
 
 int bundle_get_str(bundle* b, const char* key, char** str) {
-    auto& platform = FakePlatform::current();
-    if (const auto fault = platform.call("bundle_get_str", key)) {
-        return *fault;
-    }
-    if (b == nullptr || key == nullptr || str == nullptr) {
-        return BUNDLE_ERROR_INVALID_PARAMETER;
-    }
-    const auto* value = findEntry(*b, key);
-    *str = value == nullptr ? nullptr : const_cast<char*>(value->c_str());
-    return value == nullptr ? BUNDLE_ERROR_KEY_NOT_AVAILABLE : BUNDLE_ERROR_NONE;
+    return answer({"bundle_get_str", key}, {b, key, str}, [&]() -> int {
+        const auto* value = findEntry(*b, key);
+        *str = value == nullptr ? nullptr : const_cast<char*>(value->c_str());
+        return value == nullptr ? BUNDLE_ERROR_KEY_NOT_AVAILABLE : BUNDLE_ERROR_NONE;
+    });
 }
 
 int message_port_register_local_port(const char* local_port, message_port_message_cb callback, void* user_data) {
-    auto& platform = FakePlatform::current();
-    if (const auto fault = platform.call("message_port_register_local_port", local_port)) {
-        return *fault;
-    }
-    if (local_port == nullptr || callback == nullptr) {
-        return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
-    }
-    auto& ports = platform.ports.localPorts;
-    int id = ports.empty() ? 1 : ports.rbegin()->first + 1;
-    platform.ports.find(local_port, &id);
-    ports[id] = {local_port, callback, user_data};
-    return id;
+    return answer({"message_port_register_local_port", local_port}, {local_port}, [&] {
+        if (callback == nullptr) {
+            return invalidParameter;
+        }
+        auto& ports = FakePlatform::current().ports;
+        int id = ports.localPorts.empty() ? 1 : ports.localPorts.rbegin()->first + 1;
+        ports.find(local_port, &id);
+        ports.localPorts[id] = {local_port, callback, user_data};
+        return id;
+    });
 }
 
 int message_port_unregister_local_port(int local_port_id) {
+    return answer({"message_port_unregister_local_port", local_port_id}, {}, [&]() -> int {
+        if (local_port_id <= 0) {
+            return invalidParameter;
+        }
+        const bool wasOpen = FakePlatform::current().ports.localPorts.erase(local_port_id) != 0;
+        return wasOpen ? MESSAGE_PORT_ERROR_NONE : MESSAGE_PORT_ERROR_PORT_NOT_FOUND;
+    });
+}
+
+/// Whether an application has such a port open, which may be the service itself.
+static bool isOpen(const char* appId, const char* port) {
     auto& platform = FakePlatform::current();
-    if (const auto fault = platform.call("message_port_unregister_local_port", local_port_id)) {
-        return *fault;
-    }
-    if (local_port_id <= 0) {
-        return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
-    }
-    return platform.ports.localPorts.erase(local_port_id) != 0 ? MESSAGE_PORT_ERROR_NONE
-                                                               : MESSAGE_PORT_ERROR_PORT_NOT_FOUND;
+    return platform.appId == appId ? platform.ports.find(port) != nullptr
+                                   : platform.ports.remotePorts.count({appId, port}) != 0;
 }
 
 int message_port_check_remote_port(const char* remote_app_id, const char* remote_port, bool* exist) {
-    auto& platform = FakePlatform::current();
-    if (const auto fault = platform.call("message_port_check_remote_port", remote_app_id, remote_port)) {
-        return *fault;
-    }
-    if (remote_app_id == nullptr || remote_port == nullptr || exist == nullptr) {
-        return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
-    }
-    *exist = platform.appId == remote_app_id ? platform.ports.find(remote_port) != nullptr
-                                             : platform.ports.remotePorts.count({remote_app_id, remote_port}) != 0;
-    return MESSAGE_PORT_ERROR_NONE;
+    return answer({"message_port_check_remote_port", remote_app_id, remote_port}, {remote_app_id, remote_port, exist},
+                  [&] { *exist = isOpen(remote_app_id, remote_port); });
 }
 
 int message_port_send_message(const char* remote_app_id, const char* remote_port, bundle* message) {
-    auto& platform = FakePlatform::current();
-    if (const auto fault = platform.call("message_port_send_message", remote_app_id, remote_port)) {
-        return *fault;
-    }
-    if (remote_app_id == nullptr || remote_port == nullptr || message == nullptr) {
-        return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
-    }
-    auto& ports = platform.ports;
-    ports.sent.push_back({remote_app_id, remote_port, {message->entries.begin(), message->entries.end()}});
-    if (platform.appId == remote_app_id && ports.find(remote_port) != nullptr) {
-        ports.pending.push_back(ports.sent.back());
-        return MESSAGE_PORT_ERROR_NONE;
-    }
-    return ports.remotePorts.count({remote_app_id, remote_port}) != 0 ? MESSAGE_PORT_ERROR_NONE
-                                                                      : MESSAGE_PORT_ERROR_PORT_NOT_FOUND;
+    return answer(
+        {"message_port_send_message", remote_app_id, remote_port}, {remote_app_id, remote_port, message}, [&]() -> int {
+            auto& platform = FakePlatform::current();
+            auto& ports = platform.ports;
+            ports.sent.push_back({remote_app_id, remote_port, {message->entries.begin(), message->entries.end()}});
+            if (!isOpen(remote_app_id, remote_port)) {
+                return MESSAGE_PORT_ERROR_PORT_NOT_FOUND;
+            }
+            if (platform.appId == remote_app_id) {
+                ports.pending.push_back(ports.sent.back());
+            }
+            return MESSAGE_PORT_ERROR_NONE;
+        });
 }

@@ -5,7 +5,9 @@
 
 #include "fake_platform.h"
 
+using fake::answer;
 using fake::FakePlatform;
+using fake::invalidParameter;
 
 namespace fake {
 
@@ -33,15 +35,10 @@ char* app_get_data_path(void) {
 }
 
 int app_get_id(char** id) {
-    auto& platform = FakePlatform::current();
-    if (const auto fault = platform.call("app_get_id")) {
-        return *fault;
-    }
-    if (id == nullptr) {
-        return APP_CONTROL_ERROR_INVALID_PARAMETER;
-    }
-    *id = platform.handOut(platform.appId);
-    return 0;
+    return answer({"app_get_id"}, {id}, [&] {
+        auto& platform = FakePlatform::current();
+        *id = platform.handOut(platform.appId);
+    });
 }
 
 int service_app_main(int argc, char** argv, service_app_lifecycle_callback_s* callback, void* user_data) {
@@ -72,28 +69,25 @@ void service_app_exit(void) {
 
 int service_app_add_event_handler(app_event_handler_h* handler, app_event_type_e event_type, app_event_cb callback,
                                   void* user_data) {
-    auto& platform = FakePlatform::current();
-    if (const auto fault = platform.call("service_app_add_event_handler", static_cast<int>(event_type))) {
-        return *fault;
-    }
-    if (handler == nullptr || callback == nullptr) {
-        return APP_CONTROL_ERROR_INVALID_PARAMETER;
-    }
-    *handler = platform.service.handlers.emplace_back(new app_event_handler{event_type, callback, user_data});
-    return 0;
+    return answer({"service_app_add_event_handler", static_cast<int>(event_type)}, {handler}, [&] {
+        if (callback == nullptr) {
+            return invalidParameter;
+        }
+        auto& handlers = FakePlatform::current().service.handlers;
+        *handler = handlers.emplace_back(new app_event_handler{event_type, callback, user_data});
+        return 0;
+    });
 }
 
 int service_app_remove_event_handler(app_event_handler_h event_handler) {
-    auto& platform = FakePlatform::current();
-    if (const auto fault = platform.call("service_app_remove_event_handler")) {
-        return *fault;
-    }
-    auto& handlers = platform.service.handlers;
-    const auto found = std::find(handlers.begin(), handlers.end(), event_handler);
-    if (found == handlers.end()) {
-        return APP_CONTROL_ERROR_INVALID_PARAMETER;
-    }
-    delete *found;
-    handlers.erase(found);
-    return 0;
+    return answer({"service_app_remove_event_handler"}, {event_handler}, [&] {
+        auto& handlers = FakePlatform::current().service.handlers;
+        const auto found = std::find(handlers.begin(), handlers.end(), event_handler);
+        if (found == handlers.end()) {
+            return invalidParameter;
+        }
+        delete *found;
+        handlers.erase(found);
+        return 0;
+    });
 }

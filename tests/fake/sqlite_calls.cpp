@@ -14,14 +14,6 @@ int __real_sqlite3_step(sqlite3_stmt* statement);
 int __real_sqlite3_finalize(sqlite3_stmt* statement);
 int __real_sqlite3_close(sqlite3* database);
 
-int __wrap_sqlite3_open(const char* path, sqlite3** database);
-int __wrap_sqlite3_busy_handler(sqlite3* database, int (*handler)(void*, int), void* data);
-int __wrap_sqlite3_prepare_v2(sqlite3* database, const char* sql, int size, sqlite3_stmt** statement,
-                              const char** tail);
-int __wrap_sqlite3_step(sqlite3_stmt* statement);
-int __wrap_sqlite3_finalize(sqlite3_stmt* statement);
-int __wrap_sqlite3_close(sqlite3* database);
-
 int __wrap_sqlite3_open(const char* path, sqlite3** database) {
     const auto fault = FakePlatform::current().call("sqlite3_open");
     return fault ? *fault : __real_sqlite3_open(path, database);

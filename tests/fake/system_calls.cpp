@@ -53,13 +53,24 @@ void SystemCalls::passSeconds(guint seconds) {
 
 namespace {
 
+/// The code with which a call fails that is not written down, if it does. Without a platform every call works.
+std::optional<int> faultOf(const char* function) {
+    return FakePlatform::exists() ? FakePlatform::current().faults.onCall(function) : std::nullopt;
+}
+
 /// Whether a call of a function that reports through errno fails; the fault's code is then the error number.
 bool failsWithErrno(const char* function) {
-    const auto fault = FakePlatform::exists() ? FakePlatform::current().faults.onCall(function) : std::nullopt;
+    const auto fault = faultOf(function);
     if (fault) {
         errno = *fault;
     }
     return fault.has_value();
+}
+
+void takeBack(void* memory) {
+    if (FakePlatform::exists()) {
+        FakePlatform::current().takeBack(memory);
+    }
 }
 
 } // namespace
@@ -82,21 +93,6 @@ void __real_g_free(void* memory);
 void* realNew(size_t size, const std::nothrow_t& tag) __asm__("__real__Znw" FAKE_SIZE_MANGLED "RKSt9nothrow_t");
 void* realArrayNew(size_t size, const std::nothrow_t& tag) __asm__("__real__Zna" FAKE_SIZE_MANGLED "RKSt9nothrow_t");
 
-void __wrap_g_usleep(gulong microseconds);
-guint __wrap_g_timeout_add_seconds(guint interval, GSourceFunc function, gpointer data);
-gboolean __wrap_g_source_remove(guint tag);
-long __wrap_sysconf(int name);
-int __wrap_getpwnam_r(const char* name, passwd* entry, char* buffer, size_t size, passwd** result);
-FILE* __wrap_fopen(const char* path, const char* mode);
-int __wrap_fclose(FILE* file);
-int __wrap_rename(const char* from, const char* to);
-int __wrap_mkdir(const char* path, mode_t mode);
-int __wrap_chmod(const char* path, mode_t mode);
-int __wrap_unlink(const char* path);
-GDBusNodeInfo* __wrap_g_dbus_node_info_new_for_xml(const gchar* xml, GError** error);
-void* __wrap_malloc(size_t size);
-void __wrap_free(void* memory);
-void __wrap_g_free(void* memory);
 void* wrapNew(size_t size, const std::nothrow_t& tag) __asm__("__wrap__Znw" FAKE_SIZE_MANGLED "RKSt9nothrow_t");
 void* wrapArrayNew(size_t size, const std::nothrow_t& tag) __asm__("__wrap__Zna" FAKE_SIZE_MANGLED "RKSt9nothrow_t");
 
@@ -186,31 +182,24 @@ GDBusNodeInfo* __wrap_g_dbus_node_info_new_for_xml(const gchar* xml, GError** er
 }
 
 void* __wrap_malloc(size_t size) {
-    const bool fails = FakePlatform::exists() && FakePlatform::current().faults.onCall("malloc");
-    return fails ? nullptr : __real_malloc(size);
+    return faultOf("malloc") ? nullptr : __real_malloc(size);
 }
 
 void __wrap_free(void* memory) {
-    if (FakePlatform::exists()) {
-        FakePlatform::current().takeBack(memory);
-    }
+    takeBack(memory);
     __real_free(memory);
 }
 
 void __wrap_g_free(void* memory) {
-    if (FakePlatform::exists()) {
-        FakePlatform::current().takeBack(memory);
-    }
+    takeBack(memory);
     __real_g_free(memory);
 }
 
 void* wrapNew(size_t size, const std::nothrow_t& tag) {
-    const bool fails = FakePlatform::exists() && FakePlatform::current().faults.onCall("operator new");
-    return fails ? nullptr : realNew(size, tag);
+    return faultOf("operator new") ? nullptr : realNew(size, tag);
 }
 
 void* wrapArrayNew(size_t size, const std::nothrow_t& tag) {
-    const bool fails = FakePlatform::exists() && FakePlatform::current().faults.onCall("operator new[]");
-    return fails ? nullptr : realArrayNew(size, tag);
+    return faultOf("operator new[]") ? nullptr : realArrayNew(size, tag);
 }
 }
