@@ -1,13 +1,7 @@
 #include "database_seeds.h"
 
-#include <sqlite3.h>
-
-#include <memory>
-
 #include "accounts.h"
 #include "database_file.h"
-#include "fuzz_target.h"
-#include "fuzzed_watch.h"
 #include "story.h"
 
 namespace {
@@ -36,25 +30,16 @@ const std::map<std::string, std::string>& changes() {
     return statements;
 }
 
-std::string databaseAfter(const std::string& statements) {
-    const auto asLeft = harness::databaseWith({harness::agency(1), harness::bank(2)});
-    const fuzz::FuzzedWatch watch;
-    const auto path = watch.databasePath();
-    harness::writeDatabase(path, asLeft);
-    sqlite3* opened = nullptr;
-    fuzz::require(sqlite3_open(path.c_str(), &opened) == SQLITE_OK, "the database can be opened");
-    std::unique_ptr<sqlite3, decltype(&sqlite3_close)> database(opened, &sqlite3_close);
-    fuzz::require(sqlite3_exec(opened, statements.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK, statements);
-    database.reset();
-    return harness::contentOf(path);
-}
-
 } // namespace
 
 std::map<std::string, std::string> fuzz::databaseSeeds() {
+    const auto asLeft = harness::databaseWith({harness::agency(1), harness::bank(2)});
+    const harness::Watch watch;
     std::map<std::string, std::string> seeds;
     for (const auto& [name, statements] : changes()) {
-        seeds[name] = databaseAfter(statements);
+        harness::writeDatabase(watch.databasePath(), asLeft);
+        harness::changeDatabase(watch.databasePath(), statements);
+        seeds[name] = harness::contentOf(watch.databasePath());
     }
     return seeds;
 }

@@ -14,7 +14,7 @@ struct Unref {
     void operator()(GVariant* value) const { g_variant_unref(value); }
 };
 
-/// The first byte of an input tells what the bytes behind it are.
+/// The first byte of an input tells what the bytes after it are.
 constexpr char busMessage = 0;
 constexpr char storedValue = 1;
 constexpr char names = 2;
@@ -43,7 +43,7 @@ GVariant* pairsOf(const std::string& message) {
     return g_variant_builder_end(&builder);
 }
 
-/// A value as it is kept, behind the place of its type in the target's list.
+/// A value as it is kept, after the place of its type in the target's list.
 std::string settingOf(char typeIndex, GVariant* value) {
     const std::unique_ptr<GVariant, Unref> owner(g_variant_ref_sink(value));
     const std::string content(static_cast<const char*>(g_variant_get_data(value)), g_variant_get_size(value));

@@ -120,13 +120,6 @@ TEST_F(BrokenPlace, NoDataFolder) {
     expectNextStartServes();
 }
 
-TEST_F(BrokenPlace, FolderInPlaceOfTheDatabase) {
-    fs::create_directories(database);
-    play("sqlite3_open failed: [14]");
-    fs::remove(database);
-    expectNextStartServes();
-}
-
 TEST_F(BrokenPlace, FolderInPlaceOfTheNewDatabase) {
     const fs::path inTheWay = database.string() + ".new";
     fs::create_directories(inTheWay / "full");
@@ -201,27 +194,6 @@ TEST_F(BrokenPlaceWithRows, ReadOnlyDatabaseIsStillEnforced) {
     EXPECT_EQ(run.rows(), rowsBefore);
     fs::permissions(folder, fs::perms(0755));
     fs::permissions(database, fs::perms(0644));
-    expectNextStartServes();
-}
-
-TEST_F(BrokenPlaceWithRows, DatabaseOfAnotherKind) {
-    std::ofstream(database) << std::string(8192, 'x');
-    play("db failure: file is not a database");
-    fs::remove(database);
-    expectNextStartServes();
-}
-
-TEST_F(BrokenPlaceWithRows, EmptyDatabase) {
-    std::ofstream(database, std::ios::trunc).flush();
-    play("db failure: no such table: eas_policy_tbl");
-    fs::remove(database);
-    expectNextStartServes();
-}
-
-TEST_F(BrokenPlaceWithRows, DatabaseThatWasCutOff) {
-    fs::resize_file(database, fs::file_size(database) / 2);
-    play("db failure: database disk image is malformed");
-    fs::remove(database);
     expectNextStartServes();
 }
 

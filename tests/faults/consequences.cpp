@@ -12,7 +12,7 @@ constexpr unsigned deviceState = Settings | Keys | Rows;
 constexpr unsigned everything = deviceState | Launches;
 constexpr bool endsTheService = true;
 
-/// The first row whose call begins as the failing one counts. Lines behind the code are alternatives.
+/// The first row whose call begins as the failing one counts. Of several log lines, one is enough.
 constexpr std::array table{
     // A rule that the device refuses is logged, and the others are written.
     Consequence{"dpm_password_set_quality", Calls, "W *setPasswordQuality*[@]"},

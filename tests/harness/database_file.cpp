@@ -5,14 +5,12 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <memory>
 #include <stdexcept>
 
 namespace harness {
 
 namespace {
 
-using Database = std::unique_ptr<sqlite3, decltype(&sqlite3_close_v2)>;
 using RowReader = int (*)(void*, int, char**, char**);
 
 int addRow(void* rows, int columns, char** values, char** /*names*/) {
@@ -29,16 +27,30 @@ int appendText(void* text, int /*columns*/, char** values, char** /*names*/) {
     return 0;
 }
 
-void requireSound(bool holds, const std::string& reason) {
-    if (!holds) {
+void require(bool works, const std::string& reason) {
+    if (!works) {
         throw std::runtime_error("the database is not sound: " + reason);
     }
 }
 
-void execute(sqlite3* database, const char* sql, RowReader reader, void* result) {
-    const int code = sqlite3_exec(database, sql, reader, result, nullptr);
-    requireSound(code == SQLITE_OK, sqlite3_errmsg(database));
-}
+class Database {
+public:
+    explicit Database(const std::string& path) {
+        const int result = sqlite3_open_v2(path.c_str(), &database_, SQLITE_OPEN_READWRITE, nullptr);
+        require(result == SQLITE_OK, "it cannot be opened");
+    }
+    ~Database() { sqlite3_close_v2(database_); }
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    void execute(const std::string& sql, RowReader reader = nullptr, void* result = nullptr) const {
+        const int code = sqlite3_exec(database_, sql.c_str(), reader, result, nullptr);
+        require(code == SQLITE_OK, sqlite3_errmsg(database_));
+    }
+
+private:
+    sqlite3* database_ = nullptr;
+};
 
 } // namespace
 
@@ -47,15 +59,16 @@ StoredRows storedRows(const std::string& path) {
     if (!std::filesystem::exists(path)) {
         return rows;
     }
-    sqlite3* opened = nullptr;
-    const int result = sqlite3_open_v2(path.c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
-    const Database database(opened, &sqlite3_close_v2);
-    requireSound(result == SQLITE_OK, "cannot be opened");
+    const Database database(path);
     std::string verdict;
-    execute(opened, "PRAGMA integrity_check", appendText, &verdict);
-    requireSound(verdict == "ok", verdict);
-    execute(opened, "select * from eas_policy_tbl;", addRow, &rows);
+    database.execute("PRAGMA integrity_check", appendText, &verdict);
+    require(verdict == "ok", verdict);
+    database.execute("select * from eas_policy_tbl;", addRow, &rows);
     return rows;
+}
+
+void changeDatabase(const std::string& path, const std::string& statements) {
+    Database(path).execute(statements);
 }
 
 std::string contentOf(const std::string& path) {

@@ -12,6 +12,9 @@ using StoredRows = std::map<int, std::string>;
 /// Reads the service's database as another program would; empty when there is none. Throws when the file is not sound.
 StoredRows storedRows(const std::string& path);
 
+/// Has another program carry out statements on a database. Throws when it cannot.
+void changeDatabase(const std::string& path, const std::string& statements);
+
 /// The bytes of a file; empty when there is none.
 std::string contentOf(const std::string& path);
 
