@@ -1,5 +1,9 @@
 #include "fields.h"
 
+#include <map>
+
+#include "rules/TeskPolicyTable.h"
+
 namespace {
 
 bool demandsLess(Value one, Value other) {
@@ -23,53 +27,41 @@ bool limitsLess(Value one, Value other) {
     return one == 0 ? other != 0 : other != 0 && one > other;
 }
 
-Field demand(const std::string& name, Value TeskPolicyData::*place) {
-    return {name, place, demandsLess, {0, 1}, {-1, 2, largest}};
-}
+/// How strict a field's values are, and those that a sender has a reason to send.
+struct Meaning {
+    bool (*isWeaker)(Value, Value) = nullptr;
+    Values usual{0, 1};
+};
 
-Field permission(const std::string& name, Value TeskPolicyData::*place) {
-    return {name, place, allowsMore, {0, 1}, {-1, 2, largest}};
+/// The fields that are enforced, by their columns.
+const std::map<std::string, Meaning>& meanings() {
+    static const std::map<std::string, Meaning> all{
+        {"device_password_enabled", {demandsLess}},
+        {"allow_simple_password", {allowsMore}},
+        {"alphanumeric_device_password_required", {demandsLess}},
+        {"min_device_password_complex_characters", {isLess, {0, 1, 2, 3, 4}}},
+        {"min_device_password_length", {isLess, {0, 1, 3, 4, 5, 6, 7, 15, 16, 17}}},
+        {"max_device_password_failed_attempts", {limitsLess, {0, 1, 3, 4, 9, 10, 11, 16}}},
+        {"max_inactivity_time_device_lock", {limitsLess, {0, 1, 59, 60, 61, 900, 9999}}},
+        {"device_password_expiration", {limitsLess, {0, 1, 2, 89, 90, 91, 730}}},
+        {"device_password_history", {isLess, {0, 1, 2, 4, 5, 49, 50}}},
+        {"require_device_encryption", {demandsLess}},
+        {"allow_bluetooth", {isMore, {0, 1, 2}}},
+        {"allow_popimap_email", {allowsMore}},
+        {"allow_text_messaging", {allowsMore}},
+        {"allow_wifi", {allowsMore}},
+    };
+    return all;
 }
-
-Field limit(const std::string& name, Value TeskPolicyData::*place, const Values& usual) {
-    return {name, place, limitsLess, usual, {-1, -2, smallest, largest}};
-}
-
-Field minimum(const std::string& name, Value TeskPolicyData::*place, const Values& usual) {
-    return {name, place, isLess, usual, {-1, -2, smallest, largest}};
-}
-
-Field unmerged(const std::string& name, Value TeskPolicyData::*place) {
-    return {name, place, nullptr, {0, 1}, {-1, 2, smallest, largest}};
-}
-
-using Data = TeskPolicyData;
 
 std::vector<Field> makeFields() {
-    return {
-        unmerged("accountId", &Data::accountId),
-        demand("devicePasswordEnabled", &Data::devicePasswordEnabled),
-        permission("allowSimplePassword", &Data::allowSimplePassword),
-        demand("alphanumericDevicePasswordRequired", &Data::alphanumericDevicePasswordRequired),
-        minimum("minDevicePasswordComplexCharacters", &Data::minDevicePasswordComplexCharacters, {0, 1, 2, 3, 4}),
-        minimum("minDevicePasswordLength", &Data::minDevicePasswordLength, {0, 1, 3, 4, 5, 6, 7, 15, 16, 17}),
-        limit("maxDevicePasswordFailedAttempts", &Data::maxDevicePasswordFailedAttempts, {0, 1, 3, 4, 9, 10, 11, 16}),
-        limit("maxInactivityTimeDeviceLock", &Data::maxInactivityTimeDeviceLock, {0, 1, 59, 60, 61, 900, 9999}),
-        unmerged("passwordRecoveryEnabled", &Data::passwordRecoveryEnabled),
-        limit("devicePasswordExpiration", &Data::devicePasswordExpiration, {0, 1, 2, 89, 90, 91, 730}),
-        minimum("devicePasswordHistory", &Data::devicePasswordHistory, {0, 1, 2, 4, 5, 49, 50}),
-        demand("requireDeviceEncryption", &Data::requireDeviceEncryption),
-        unmerged("requireStorageCardEncryption", &Data::requireStorageCardEncryption),
-        {"allowBluetooth", &Data::allowBluetooth, isMore, {0, 1, 2}, {-1, 3, 4, smallest, largest}},
-        unmerged("allowBrowser", &Data::allowBrowser),
-        unmerged("allowCamera", &Data::allowCamera),
-        permission("allowPopimapEmail", &Data::allowPopimapEmail),
-        unmerged("allowDesktopSync", &Data::allowDesktopSync),
-        unmerged("allowInternetSharing", &Data::allowInternetSharing),
-        unmerged("allowStorageCard", &Data::allowStorageCard),
-        permission("allowTextMessaging", &Data::allowTextMessaging),
-        permission("allowWifi", &Data::allowWifi),
-    };
+    std::vector<Field> all;
+    for (const auto& number : TeskPolicyTable::numbers) {
+        const auto meaning = meanings().find(number.column);
+        const auto [isWeaker, usual] = meaning != meanings().end() ? meaning->second : Meaning();
+        all.push_back({number.column, number.field, isWeaker, usual, {-2, -1, 2, 3, smallest, largest}});
+    }
+    return all;
 }
 
 } // namespace

@@ -17,7 +17,7 @@ constexpr Value largest = std::numeric_limits<Value>::max();
 
 /// A number of the policy record, and what is known of it without a look at how it merges.
 struct Field {
-    std::string name;
+    std::string name; ///< that of its column
     Value TeskPolicyData::*place;
 
     /// Whether the first value is less strict than the second; null for a field that is not enforced.
@@ -32,7 +32,7 @@ struct Field {
     Values allValues() const;
 };
 
-/// All numbers of the record, in its order.
+/// All numbers of the record.
 const std::vector<Field>& fields();
 
 /// Calls back with each list of at most so many of the values.

@@ -5,7 +5,6 @@
 
 #include "fields.h"
 #include "rules/TeskPolicyMerge.h"
-#include "rules/TeskPolicyTable.h"
 
 namespace {
 
@@ -107,16 +106,16 @@ bool resultIsOneOfTheValues(const Field& field, const Values& values) {
 // The fields that do not keep a law, each group for its own reason.
 
 /// The smallest history wins on purpose, although a longer one is stricter.
-const Names history{"devicePasswordHistory"};
+const Names history{"device_password_history"};
 
 /// The first account whose value is not the start value decides for good. Flags have only one other value.
-const Names demands{"alphanumericDevicePasswordRequired", "devicePasswordEnabled", "requireDeviceEncryption"};
-const Names permissions{"allowPopimapEmail", "allowSimplePassword", "allowTextMessaging", "allowWifi"};
+const Names demands{"alphanumeric_device_password_required", "device_password_enabled", "require_device_encryption"};
+const Names permissions{"allow_popimap_email", "allow_simple_password", "allow_text_messaging", "allow_wifi"};
 
 /// The start value counts as one that no account has touched: a minimum below it, or a level above it, takes its place,
 /// and an account that has the start value itself makes the ones before it forgotten.
-const Names minima{"minDevicePasswordComplexCharacters", "minDevicePasswordLength"};
-const Names levels{"allowBluetooth"};
+const Names minima{"min_device_password_complex_characters", "min_device_password_length"};
+const Names levels{"allow_bluetooth"};
 
 Names together(const std::vector<Names>& groups) {
     Names all;
@@ -152,30 +151,6 @@ TEST(MergeLaws, MergedPolicyStandsForItsAccounts) {
 
 TEST(MergeLaws, ResultIsOneOfTheValues) {
     expectLaw(resultIsOneOfTheValues, {}, {});
-}
-
-TEST(MergeLaws, LawsAreTriedWithEveryNumberOfTheRecord) {
-    ASSERT_EQ(fields().size(), TeskPolicyTable::numbers.size());
-    for (std::size_t index = 0; index < fields().size(); ++index) {
-        EXPECT_EQ(fields()[index].place, TeskPolicyTable::numbers.at(index).field) << fields()[index].name;
-    }
-}
-
-TEST(MergeLaws, NoFieldTouchesTheOthersOrTheNames) {
-    const TeskPolicyData start;
-    for (const auto& changed : fields()) {
-        for (const Value value : changed.allValues()) {
-            auto accounts = accountsWith(changed, {value});
-            accounts.front()->accountName = "name";
-            accounts.front()->displayName = "display name";
-            auto result = TeskPolicyMerge::strongest(accounts);
-            result.*changed.place = start.*changed.place;
-            EXPECT_EQ(result.accountName + result.displayName, "");
-            for (const auto& field : fields()) {
-                EXPECT_EQ(result.*field.place, start.*field.place) << changed.name << " touches " << field.name;
-            }
-        }
-    }
 }
 
 /// Two accounts that have these values in two fields.

@@ -115,28 +115,36 @@ int dpm_admin_deregister_client(device_policy_manager_h handle, const char* name
     });
 }
 
-// The functions of the rules that are one number each.
-#define FAKE_SETTER(group, name)                                                                                       \
+// The functions of the rules that are one number each; their parameters are named as in the platform's headers.
+#define FAKE_SETTER(group, name, value)                                                                                \
     int dpm_##group##_set_##name(device_policy_manager_h handle, int value) {                                          \
         return set("dpm_" #group "_set_" #name, #name, handle, value);                                                 \
     }
-#define FAKE_RULE(group, name)                                                                                         \
-    FAKE_SETTER(group, name)                                                                                           \
+#define FAKE_GETTER(group, name, value)                                                                                \
     int dpm_##group##_get_##name(device_policy_manager_h handle, int* value) {                                         \
         return get("dpm_" #group "_get_" #name, #name, handle, value);                                                 \
     }
 
-FAKE_RULE(password, quality)
-FAKE_RULE(password, minimum_length)
-FAKE_RULE(password, min_complex_chars)
-FAKE_RULE(password, maximum_failed_attempts_for_wipe)
-FAKE_RULE(password, expires)
-FAKE_RULE(password, history)
-FAKE_RULE(password, max_inactivity_time_device_lock)
-FAKE_RULE(restriction, wifi_state)
-FAKE_RULE(restriction, popimap_email_state)
-FAKE_SETTER(security, internal_storage_encryption)
-FAKE_SETTER(security, external_storage_encryption)
+FAKE_SETTER(password, quality, value)
+FAKE_GETTER(password, quality, value)
+FAKE_SETTER(password, minimum_length, value)
+FAKE_GETTER(password, minimum_length, value)
+FAKE_SETTER(password, min_complex_chars, value)
+FAKE_GETTER(password, min_complex_chars, value)
+FAKE_SETTER(password, maximum_failed_attempts_for_wipe, value)
+FAKE_GETTER(password, maximum_failed_attempts_for_wipe, value)
+FAKE_SETTER(password, expires, value)
+FAKE_GETTER(password, expires, value)
+FAKE_SETTER(password, history, value)
+FAKE_GETTER(password, history, value)
+FAKE_SETTER(password, max_inactivity_time_device_lock, value)
+FAKE_GETTER(password, max_inactivity_time_device_lock, value)
+FAKE_SETTER(restriction, wifi_state, allow)
+FAKE_GETTER(restriction, wifi_state, is_allowed)
+FAKE_SETTER(restriction, popimap_email_state, allow)
+FAKE_GETTER(restriction, popimap_email_state, is_allowed)
+FAKE_SETTER(security, internal_storage_encryption, encrypt)
+FAKE_SETTER(security, external_storage_encryption, encrypt)
 
 int dpm_restriction_set_messaging_state(device_policy_manager_h handle, const char* sim_id, int allow) {
     return answer({"dpm_restriction_set_messaging_state", sim_id, allow}, {sim_id}, [&] {

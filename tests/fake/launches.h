@@ -34,9 +34,6 @@ public:
     /// The handles that were created and not destroyed.
     std::set<app_control_h> handles;
 
-    /// Applications that cannot be launched because they are not installed.
-    std::set<std::string> missingApps;
-
     /// Answers a sent request with the extra data "result", or with none.
     void answer(std::size_t index, const std::optional<std::string>& result);
 };

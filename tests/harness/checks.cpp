@@ -76,7 +76,7 @@ std::string flawAfterGoodRequest(Watch& watch) {
     if (stored.minDevicePasswordLength != 16 || stored.accountName != "alice@contoso.example") {
         return "not stored";
     }
-    if (const auto flaw = flawOfEnforcement(watch); !flaw.empty()) {
+    if (std::string flaw = flawOfEnforcement(watch); !flaw.empty()) {
         return flaw;
     }
     if (!isPublished(platform.settings)) {

@@ -76,10 +76,10 @@ std::string play(const fs::path& folder, const Story& story) {
 std::string flawAfterStart(Watch& watch, std::string& found) {
     found = currentState();
     // a start leaves the device alone while nothing is stored
-    if (const auto flaw = found.empty() ? "" : harness::flawOfEnforcement(watch); !flaw.empty()) {
+    if (std::string flaw = found.empty() ? "" : harness::flawOfEnforcement(watch); !flaw.empty()) {
         return flaw;
     }
-    if (const auto flaw = harness::flawAfterGoodRequest(watch); !flaw.empty()) {
+    if (std::string flaw = harness::flawAfterGoodRequest(watch); !flaw.empty()) {
         return flaw;
     }
     return currentState().rfind(found, 0) == 0 ? "" : "the good request changed other rows";
