@@ -1,23 +1,61 @@
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
-#include <fstream>
+#include <functional>
 #include <limits>
 
 #include "TeskConsumerDbMgr.h"
+#include "file_bytes.h"
 #include "other_program.h"
 #include "rules/TeskPolicyTable.h"
 #include "unit_test.h"
 
 namespace {
 
+namespace fs = std::filesystem;
+
+/// An operation, the statement that it prepares, and whether it logs its end.
+struct Operation {
+    const char* name;
+    std::function<int(TeskConsumerDbMgr&)> run;
+    std::string sql;
+    bool logsItsEnd;
+};
+
+constexpr char selectOne[] = "select * from eas_policy_tbl where account_id=?;";
+
+/// Every operation, on account 1.
+const std::vector<Operation>& operations() {
+    static TeskPolicyData data;
+    static TeskPolicyDataList list;
+    static int count = 0;
+    static const std::vector<Operation> all{
+        {"insertPolicy", [](auto& db) { return db.insertPolicy(account(1)); }, TeskPolicyTable::insertSql(), true},
+        {"updatePolicy", [](auto& db) { return db.updatePolicy(account(1)); }, TeskPolicyTable::updateSql(), true},
+        {"checkPolicyByAccountId", [](auto& db) { return db.checkPolicyByAccountId(1); }, selectOne, true},
+        {"getPolicyDataByAccountId", [](auto& db) { return db.getPolicyDataByAccountId(1, data); }, selectOne, true},
+        {"getPolicyDataList", [](auto& db) { return db.getPolicyDataList(list); }, "select * from eas_policy_tbl;",
+         false},
+        {"getAllEasAccountCount", [](auto& db) { return db.getAllEasAccountCount(&count); },
+         "select count(account_id) from eas_policy_tbl;", false},
+        {"deletePolicyByAccountId", [](auto& db) { return db.deletePolicyByAccountId(1); },
+         "delete from eas_policy_tbl where account_id=?;", true},
+    };
+    return all;
+}
+
+void expectEveryOperationFails(TeskConsumerDbMgr& db) {
+    for (const auto& operation : operations()) {
+        EXPECT_EQ(operation.run(db), TESK_DB_FAILURE) << operation.name;
+    }
+}
+
 class DbMgrTest : public UnitTest {
 protected:
-    std::string dbPath() const { return platform.dataPath + "dbspace/.tesk.db"; }
-
     static TeskPolicyData everyFieldDifferent(int accountId) {
         TeskPolicyData data;
         int value = accountId;
@@ -29,55 +67,35 @@ protected:
         return data;
     }
 
-    static void expectEveryOperationFails(TeskConsumerDbMgr& db) {
+    /// The stored account; the test fails when there is none.
+    static TeskPolicyData read(TeskConsumerDbMgr& db, int accountId) {
         TeskPolicyData data;
-        TeskPolicyDataList list;
-        int count = 7;
-        EXPECT_EQ(db.checkPolicyByAccountId(1), -1001);
-        EXPECT_EQ(db.insertPolicy(account(1)), -1001);
-        EXPECT_EQ(db.updatePolicy(account(1)), -1001);
-        EXPECT_EQ(db.deletePolicyByAccountId(1), -1001);
-        EXPECT_EQ(db.getPolicyDataByAccountId(1, data), -1001);
-        EXPECT_EQ(db.getPolicyDataList(list), -1001);
-        EXPECT_EQ(db.getAllEasAccountCount(&count), -1001);
-        EXPECT_EQ(count, 7);
+        EXPECT_EQ(db.getPolicyDataByAccountId(accountId, data), 0);
+        return data;
     }
 
-    static Lines filesIn(const std::string& folder) {
-        Lines names;
-        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-            names.push_back(entry.path().filename());
-        }
-        return names;
-    }
-
-    bool logged(const std::string& beginning) const {
+    bool logged(const std::string& text) const {
         const auto lines = journal.logs();
         return std::any_of(lines.begin(), lines.end(),
-                           [&](const std::string& line) { return line.compare(0, beginning.size(), beginning) == 0; });
+                           [&](const std::string& line) { return line.find(text) != std::string::npos; });
     }
+
+    const fs::path folder = platform.dataPath + "dbspace";
+    const fs::path file = folder / ".tesk.db";
 };
 
 TEST_F(DbMgrTest, FirstStartMakesFolderFileAndTable) {
     const TeskConsumerDbMgr db;
 
-    EXPECT_EQ(messages(),
-              (Lines{"I dbPath : " + dbPath(), "I dbDir : " + platform.dataPath + "dbspace", "I Let's create db!"}));
-    EXPECT_EQ(journal.logsOf("__openDb").front(), "I Enter");
-    EXPECT_EQ(journal.logsOf("__openDb").back(), "I Leave");
-    struct stat folder {};
-    ASSERT_EQ(stat((platform.dataPath + "dbspace").c_str(), &folder), 0);
-    EXPECT_EQ(folder.st_mode & 0777U, 0755U);
-    EXPECT_EQ(journal.calls({"sqlite3_prepare"}), Lines{"sqlite3_prepare_v2 " + TeskPolicyTable::createSql()});
-}
-
-TEST_F(DbMgrTest, TableIsStoredWithTheTextThatCreatesIt) {
-    const TeskConsumerDbMgr db;
-
+    EXPECT_EQ(messages(), (Lines{"I dbPath : " + file.string(), "I dbDir : " + folder.string(), "I Let's create db!"}));
+    EXPECT_EQ(fs::status(folder).permissions(), static_cast<fs::perms>(0755));
+    EXPECT_EQ(fs::status(file).permissions(), static_cast<fs::perms>(0600)) << "it is for the service alone";
     auto text = TeskPolicyTable::createSql();
     text.pop_back();
-    EXPECT_EQ(OtherProgram(dbPath()).firstRow("select sql from sqlite_master where name='eas_policy_tbl'"),
-              Lines{text});
+    EXPECT_EQ(OtherProgram(file).firstRow("select sql from sqlite_master where name='eas_policy_tbl'"), Lines{text});
+    const auto calls = journal.calls({"sqlite3_"});
+    EXPECT_EQ(Lines(calls.begin(), calls.begin() + 3),
+              (Lines{"sqlite3_open", "sqlite3_busy_handler", "sqlite3_prepare_v2 " + TeskPolicyTable::createSql()}));
 }
 
 TEST_F(DbMgrTest, SecondStartOpensTheFileAndCreatesNothing) {
@@ -86,161 +104,26 @@ TEST_F(DbMgrTest, SecondStartOpensTheFileAndCreatesNothing) {
 
     const TeskConsumerDbMgr second;
 
-    EXPECT_EQ(messages(), Lines{"I dbPath : " + dbPath()});
+    EXPECT_EQ(messages(), Lines{"I dbPath : " + file.string()});
     EXPECT_EQ(journal.calls({"sqlite3_prepare"}), Lines{});
 }
 
-TEST_F(DbMgrTest, ExistingFolderIsUsed) {
-    std::filesystem::create_directory(platform.dataPath + "dbspace");
-
-    TeskConsumerDbMgr db;
-
-    EXPECT_EQ(db.insertPolicy(account(1)), 0);
-}
-
-TEST_F(DbMgrTest, ExistingFileWithoutTableIsNotGivenOne) {
-    std::filesystem::create_directory(platform.dataPath + "dbspace");
-    OtherProgram(dbPath()).run("create table other (a)");
-    TeskConsumerDbMgr db;
-
-    EXPECT_EQ(db.insertPolicy(account(1)), -1001);
-    EXPECT_EQ(journal.warnings(), (Lines{"E sqlite3_prepare_v2 failed: no such table: eas_policy_tbl",
-                                         "E db failure: no such table: eas_policy_tbl"}));
-}
-
-TEST_F(DbMgrTest, FolderThatCannotBeMadeFailsEveryOperation) {
-    platform.dataPath += "missing/";
-    TeskConsumerDbMgr db;
-
-    EXPECT_EQ(journal.warnings(), (Lines{"E g_mkdir() failed!", "W db initialize fail!"}));
-    EXPECT_EQ(journal.calls({"sqlite3_open"}), Lines{});
-    expectEveryOperationFails(db);
-}
-
-TEST_F(DbMgrTest, FileThatCannotBeOpenedFailsEveryOperation) {
-    std::filesystem::create_directories(dbPath());
-    TeskConsumerDbMgr db;
-
-    EXPECT_EQ(journal.warnings(), (Lines{"E sqlite3_open failed: [14]", "W db initialize fail!"}));
-    EXPECT_EQ(journal.calls({"sqlite3_close"}), Lines{"sqlite3_close"}) << "what a failed opening hands out";
-    expectEveryOperationFails(db);
-}
-
-TEST_F(DbMgrTest, MissingBusyHandlerClosesTheDatabase) {
-    platform.faults.always("sqlite3_busy_handler", 21);
-    TeskConsumerDbMgr db;
-
-    EXPECT_EQ(journal.warnings(), (Lines{"E sqlite3_busy_handler failed: [21]", "W db initialize fail!"}));
-    EXPECT_EQ(journal.calls({"sqlite3_close"}), Lines{"sqlite3_close"});
-    EXPECT_FALSE(logged("I Let's create db!"));
-    expectEveryOperationFails(db);
-}
-
-TEST_F(DbMgrTest, OpeningIsTracedFromTheConstructorOn) {
-    const TeskConsumerDbMgr db;
+TEST_F(DbMgrTest, OpeningAndClosingAreTraced) {
+    { const TeskConsumerDbMgr db; }
 
     const auto lines = journal.logs();
     EXPECT_EQ(Lines(lines.begin(), lines.begin() + 3), (Lines{"I ", "I ", "I Enter"}));
     EXPECT_EQ(journal.logsOf("__init"), Lines{"I "});
-}
-
-TEST_F(DbMgrTest, OnlyAMissingBusyHandlerLeavesTheFailedOpeningTraced) {
-    platform.faults.always("sqlite3_open", 14);
-    { const TeskConsumerDbMgr db; }
-    EXPECT_FALSE(logged("I Leave"));
-
-    platform.faults.never("sqlite3_open");
-    platform.faults.always("sqlite3_busy_handler", 21);
-    const TeskConsumerDbMgr db;
-    EXPECT_TRUE(logged("I Leave"));
-}
-
-TEST_F(DbMgrTest, BusyHandlerIsThereBeforeTheTableIsMade) {
-    const TeskConsumerDbMgr db;
-
-    const auto calls = journal.calls({"sqlite3_"});
-    ASSERT_GE(calls.size(), 3U);
-    EXPECT_EQ(Lines(calls.begin(), calls.begin() + 3),
-              (Lines{"sqlite3_open", "sqlite3_busy_handler", "sqlite3_prepare_v2 " + TeskPolicyTable::createSql()}));
-}
-
-TEST_F(DbMgrTest, MissingBusyHandlerOfTheNamedFileClosesIt) {
-    platform.faults.atCall("sqlite3_busy_handler", 2, 21);
-    {
-        TeskConsumerDbMgr db;
-        EXPECT_EQ(journal.warnings(), (Lines{"E sqlite3_busy_handler failed: [21]", "W db initialize fail!"}));
-        expectEveryOperationFails(db);
+    EXPECT_EQ(journal.logsOf("__openDb").front(), "I Enter");
+    EXPECT_EQ(journal.logsOf("__openDb").back(), "I Leave");
+    EXPECT_EQ(journal.logsOf("~TeskConsumerDbMgr"), Lines{"I "});
+    for (const auto& line : journal.logLines()) {
+        EXPECT_EQ(line.tag, "TESK_CONSUMER");
+        EXPECT_EQ(line.file, "TeskConsumerDbMgr.cpp");
+        EXPECT_GT(line.line, 0);
     }
-    EXPECT_EQ(journal.calls({"sqlite3_close"}).size(), 2U) << "the new file and the named one, once each";
-}
-
-TEST_F(DbMgrTest, MissingDataPathFailsEveryOperation) {
-    platform.faults.always("app_get_data_path");
-    TeskConsumerDbMgr db;
-
-    EXPECT_EQ(journal.warnings(), (Lines{"E app_get_data_path failed", "W db initialize fail!"}));
-    expectEveryOperationFails(db);
-}
-
-TEST_F(DbMgrTest, FileThatCannotBeNamedFailsEveryOperation) {
-    platform.faults.atCall("rename", 1, EACCES);
-    TeskConsumerDbMgr db;
-
-    EXPECT_EQ(journal.warnings(),
-              (Lines{"E rename failed: [" + std::to_string(EACCES) + "]", "W db initialize fail!"}));
-    EXPECT_FALSE(std::filesystem::exists(dbPath()));
-    expectEveryOperationFails(db);
-}
-
-TEST_F(DbMgrTest, TableThatCannotBePreparedDoesNotFailTheOpening) {
-    platform.faults.atCall("sqlite3_prepare_v2", 1, SQLITE_ERROR);
-    const TeskConsumerDbMgr db;
-
-    EXPECT_TRUE(logged("E query prepare fail: [" + TeskPolicyTable::createSql() + "] - "));
-    EXPECT_FALSE(logged("W db initialize fail!"));
-    EXPECT_FALSE(std::filesystem::exists(dbPath())) << "a file without a table would never be given one";
-}
-
-TEST_F(DbMgrTest, TableThatCannotBeCreatedDoesNotFailTheOpening) {
-    platform.faults.atCall("sqlite3_step", 1, SQLITE_FULL);
-    const TeskConsumerDbMgr db;
-
-    EXPECT_TRUE(logged("W db create fail: [" + TeskPolicyTable::createSql() + "] - "));
-    EXPECT_FALSE(logged("W db initialize fail!"));
-}
-
-TEST_F(DbMgrTest, FileGetsItsNameOnlyWithItsTable) {
-    platform.faults.atCall("sqlite3_step", 1, SQLITE_FULL);
-    { const TeskConsumerDbMgr withoutTable; }
-
-    EXPECT_FALSE(std::filesystem::exists(dbPath()));
-    TeskConsumerDbMgr next;
-    EXPECT_EQ(next.insertPolicy(account(1)), 0);
-}
-
-TEST_F(DbMgrTest, WhatAKilledStartLeftIsCleared) {
-    std::filesystem::create_directory(platform.dataPath + "dbspace");
-    std::ofstream(dbPath() + ".new") << "half a database";
-    std::ofstream(dbPath() + ".new-journal") << "half a journal";
-
-    TeskConsumerDbMgr db;
-
-    EXPECT_EQ(db.insertPolicy(account(1)), 0);
-    EXPECT_EQ(filesIn(platform.dataPath + "dbspace"), Lines{".tesk.db"});
-}
-
-TEST_F(DbMgrTest, LinkInThePlaceOfTheNewFileIsNotFollowed) {
-    std::filesystem::create_directory(platform.dataPath + "dbspace");
-    const auto other = platform.dataPath + "other";
-    std::ofstream(other) << "of somebody else";
-    std::filesystem::create_symlink(other, dbPath() + ".new");
-
-    const TeskConsumerDbMgr db;
-
-    EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(dbPath())));
-    std::string text;
-    std::getline(std::ifstream(other), text);
-    EXPECT_EQ(text, "of somebody else");
+    EXPECT_EQ(journal.logLines().front().function, "TeskConsumerDbMgr");
+    EXPECT_EQ(journal.calls({"sqlite3_close"}), Lines(2, "sqlite3_close")) << "the new file and the named one";
 }
 
 TEST_F(DbMgrTest, NoStatisticsOfMemoryAreKept) {
@@ -250,57 +133,327 @@ TEST_F(DbMgrTest, NoStatisticsOfMemoryAreKept) {
     EXPECT_EQ(sqlite3_memory_used(), 0);
 }
 
-TEST_F(DbMgrTest, FileIsForTheServiceAlone) {
-    const TeskConsumerDbMgr db;
-
-    struct stat file {};
-    ASSERT_EQ(stat(dbPath().c_str(), &file), 0);
-    EXPECT_EQ(file.st_mode & 0777U, 0600U);
-}
-
-TEST_F(DbMgrTest, DestructorClosesTheDatabase) {
-    {
-        const TeskConsumerDbMgr db;
-        journal.clear();
-    }
-
-    EXPECT_EQ(journal.calls({"sqlite3_close"}), Lines{"sqlite3_close"});
-    EXPECT_EQ(journal.logsOf("~TeskConsumerDbMgr"), Lines{"I "});
-}
-
-TEST_F(DbMgrTest, DestructorOfAnUnopenedDatabaseClosesNothing) {
-    platform.faults.always("app_get_data_path");
-    { const TeskConsumerDbMgr db; }
-
-    EXPECT_EQ(journal.calls({"sqlite3_close"}), Lines{});
-}
-
 TEST_F(DbMgrTest, FailedCreationYieldsNoInstanceAndIsTriedAgain) {
     platform.faults.atCall("operator new", 1);
 
     EXPECT_EQ(TeskConsumerDbMgr::getInstance(), nullptr);
-    auto* instance = TeskConsumerDbMgr::getInstance();
+    auto* const instance = TeskConsumerDbMgr::getInstance();
     EXPECT_NE(instance, nullptr);
     EXPECT_EQ(TeskConsumerDbMgr::getInstance(), instance);
 }
 
-TEST_F(DbMgrTest, InsertedRecordIsReadBackFieldByField) {
-    TeskConsumerDbMgr db;
-    const auto written = everyFieldDifferent(100);
-    ASSERT_EQ(db.insertPolicy(written), 0);
+/// What keeps the database from being opened, what is logged of it, and how many connections are closed again.
+struct Obstacle {
+    const char* name;
+    std::function<void(fake::FakePlatform&)> set;
+    std::string error;
+    std::size_t closed;
+    bool logsItsEnd;
+};
 
-    TeskPolicyData read;
-    EXPECT_EQ(db.getPolicyDataByAccountId(100, read), 0);
-    EXPECT_EQ(fieldsOf(read), fieldsOf(written));
+/// Puts something into the place of the database.
+template <typename Put>
+auto inItsPlace(const Put& put) {
+    return [put](fake::FakePlatform& platform) {
+        fs::create_directory(platform.dataPath + "dbspace");
+        put(platform.dataPath + "dbspace/.tesk.db");
+    };
 }
 
-TEST_F(DbMgrTest, ColumnsHoldTheFieldsInOrder) {
+auto linkTo(const std::string& target) {
+    return inItsPlace([target](const fs::path& file) { fs::create_symlink(target, file); });
+}
+
+/// Puts a chain of so many links into the file's place, whose end is "store" in the data folder.
+void linkThrough(const std::string& dataPath, int links) {
+    const auto link = [&](int number) { return dataPath + "link" + std::to_string(number); };
+    fs::create_directory(dataPath + "dbspace");
+    fs::create_symlink("store", link(1));
+    for (int number = 2; number < links; ++number) {
+        fs::create_symlink(link(number - 1), link(number));
+    }
+    fs::create_symlink(link(links - 1), dataPath + "dbspace/.tesk.db");
+}
+
+const std::vector<Obstacle>& obstacles() {
+    static const std::string notOpened = "E sqlite3_open failed: [14]";
+    static const std::string noBusyHandler = "E sqlite3_busy_handler failed: [21]";
+    static const std::vector<Obstacle> all{
+        {"NoDataPath", [](auto& platform) { platform.faults.always("app_get_data_path"); },
+         "E app_get_data_path failed", 0, false},
+        {"NoFolder", [](auto& platform) { platform.dataPath += "missing/"; }, "E g_mkdir() failed!", 0, false},
+        {"DirectoryInItsPlace", inItsPlace([](const fs::path& file) { fs::create_directory(file); }), notOpened, 1,
+         false},
+        {"NoBusyHandler", [](auto& platform) { platform.faults.always("sqlite3_busy_handler", SQLITE_MISUSE); },
+         noBusyHandler, 1, true},
+        {"NoBusyHandlerOfTheNamedFile",
+         [](auto& platform) { platform.faults.atCall("sqlite3_busy_handler", 2, SQLITE_MISUSE); }, noBusyHandler, 2,
+         true},
+        {"FileThatCannotBeNamed", [](auto& platform) { platform.faults.atCall("rename", 1, EACCES); },
+         "E rename failed: [13]", 1, false},
+        {"LinkToWhereNothingCanBeMade", linkTo("/nowhere/at/all"), notOpened, 1, false},
+        {"LinkToItself", linkTo(".tesk.db"), notOpened, 0, false},
+        {"MoreLinksThanTheKernelFollows", [](auto& platform) { linkThrough(platform.dataPath, 41); }, notOpened, 0,
+         false},
+    };
+    return all;
+}
+
+class UnopenedDatabaseTest : public DbMgrTest, public ::testing::WithParamInterface<Obstacle> {};
+
+TEST_P(UnopenedDatabaseTest, FailsEveryOperation) {
+    GetParam().set(platform);
+    {
+        TeskConsumerDbMgr db;
+
+        EXPECT_EQ(journal.warnings(), (Lines{GetParam().error, "W db initialize fail!"}));
+        EXPECT_EQ(logged("I Leave"), GetParam().logsItsEnd);
+        expectEveryOperationFails(db);
+    }
+    EXPECT_EQ(journal.calls({"sqlite3_close"}).size(), GetParam().closed);
+    EXPECT_FALSE(fs::exists(platform.dataPath + "store")) << "nothing is made at the end of too many links";
+}
+
+INSTANTIATE_TEST_SUITE_P(, UnopenedDatabaseTest, ::testing::ValuesIn(obstacles()),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(DbMgrTest, FileGetsItsNameOnlyWithItsTable) {
+    const auto creation = "[" + TeskPolicyTable::createSql() + "] - ";
+    for (const auto& [function, error] :
+         {std::pair("sqlite3_prepare_v2", "E query prepare fail: "), std::pair("sqlite3_step", "W db create fail: ")}) {
+        platform.faults.atCall(function, 1, SQLITE_FULL);
+        const TeskConsumerDbMgr withoutTable;
+        EXPECT_TRUE(logged(error + creation));
+        EXPECT_FALSE(logged("db initialize fail!"));
+        EXPECT_FALSE(fs::exists(file)) << "a file without a table would never be given one";
+    }
+    TeskConsumerDbMgr next;
+    EXPECT_EQ(next.insertPolicy(account(1)), 0);
+}
+
+TEST_F(DbMgrTest, WhatAKilledStartLeftIsCleared) {
+    fs::create_directory(folder);
+    writeBytes(file.string() + ".new", "half a database");
+    writeBytes(file.string() + ".new-journal", "half a journal");
+
     TeskConsumerDbMgr db;
+
+    EXPECT_EQ(db.insertPolicy(account(1)), 0);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1) << "the database alone";
+}
+
+TEST_F(DbMgrTest, LinkInThePlaceOfTheNewFileIsNotFollowed) {
+    fs::create_directory(folder);
+    const auto other = platform.dataPath + "other";
+    writeBytes(other, "of somebody else");
+    fs::create_symlink(other, file.string() + ".new");
+
+    const TeskConsumerDbMgr db;
+
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(file)));
+    EXPECT_EQ(bytesOf(other), "of somebody else");
+}
+
+TEST_F(DbMgrTest, DanglingLinkIsFollowed) {
+    fs::create_directory(platform.dataPath + "elsewhere");
+    linkTo("../elsewhere/store")(platform);
+
+    TeskConsumerDbMgr db;
+
+    EXPECT_EQ(db.insertPolicy(account(1)), 0);
+    EXPECT_TRUE(fs::is_symlink(file));
+    EXPECT_TRUE(fs::is_regular_file(platform.dataPath + "elsewhere/store"));
+}
+
+TEST_F(DbMgrTest, AsManyLinksAreFollowedAsTheKernelFollows) {
+    linkThrough(platform.dataPath, 40);
+
+    TeskConsumerDbMgr db;
+
+    EXPECT_EQ(db.insertPolicy(account(1)), 0);
+    EXPECT_TRUE(fs::is_regular_file(platform.dataPath + "store"));
+}
+
+/// What another database leaves after a sudden end, to be played into it by whoever opens it next.
+struct LeftOver {
+    const char* suffix;
+    const char* change; ///< what makes the other database write it
+};
+
+class LeftOverTest : public DbMgrTest, public ::testing::WithParamInterface<LeftOver> {};
+
+TEST_P(LeftOverTest, IsNotPlayedIntoANewDatabase) {
+    fs::create_directory(folder);
+    const fs::path other = platform.dataPath + "other.db";
+    const fs::path leftOver = file.string() + GetParam().suffix;
+    OtherProgram program(other);
+    program.run("pragma cache_size=1; create table other (a);"
+                "with recursive n(i) as (select 1 union all select i+1 from n where i<100) "
+                "insert into other select randomblob(1000) from n");
+    program.run(GetParam().change);
+    fs::copy_file(other.string() + GetParam().suffix, leftOver);
+    { const TeskConsumerDbMgr first; }
+
+    TeskConsumerDbMgr next;
+
+    EXPECT_EQ(next.insertPolicy(account(1)), 0);
+    EXPECT_FALSE(fs::exists(leftOver));
+}
+
+INSTANTIATE_TEST_SUITE_P(, LeftOverTest,
+                         ::testing::Values(LeftOver{"-journal", "begin; pragma user_version=7;"
+                                                                "update other set a=randomblob(1000)"},
+                                           LeftOver{"-wal", "pragma journal_mode=wal; create table another (a)"}));
+
+/// A file that is no store of policies, and what is logged of it.
+struct Damage {
+    const char* name;
+    std::function<void(const fs::path& file)> inflict;
+    const char* complaint;
+};
+
+/// Puts a database into the file's place that another program has set up.
+auto databaseOf(const std::string& sql) {
+    return [sql](const fs::path& file) { OtherProgram(file).run(sql); };
+}
+
+const std::vector<Damage>& damages() {
+    static const auto bytes = [](const std::string& text) {
+        return [text](const fs::path& file) { writeBytes(file, text); };
+    };
+    static const std::vector<Damage> all{
+        {"EmptyFile", bytes(""), "no such table: eas_policy_tbl"},
+        {"NoDatabase", bytes(std::string(5000, 'x')), "file is not a database"},
+        {"OtherTable", databaseOf("create table other (a)"), "no such table: eas_policy_tbl"},
+        {"FewerColumns",
+         databaseOf("create table eas_policy_tbl (account_id integer primary key, device_password_enabled integer)"),
+         "no such column: allow_simple_password"},
+        {"ViewOfThatName",
+         databaseOf("create table accounts (account_id, device_password_enabled, allow_simple_password);"
+                    "create view eas_policy_tbl as select * from accounts"),
+         "cannot modify eas_policy_tbl because it is a view"},
+        {"CutFile",
+         [](const fs::path& file) {
+             databaseOf(TeskPolicyTable::createSql())(file);
+             fs::resize_file(file, 4096);
+         },
+         "database disk image is malformed"},
+    };
+    return all;
+}
+
+class DamagedFileTest : public DbMgrTest, public ::testing::WithParamInterface<Damage> {};
+
+TEST_P(DamagedFileTest, RefusesChangesAndStaysAsItIs) {
+    fs::create_directory(folder);
+    GetParam().inflict(file);
+    const auto before = bytesOf(file);
+    TeskConsumerDbMgr db;
+
+    EXPECT_NE(db.checkPolicyByAccountId(1), 0);
+    EXPECT_EQ(db.insertPolicy(account(1)), TESK_DB_FAILURE);
+    EXPECT_EQ(db.updatePolicy(account(1)), TESK_DB_FAILURE);
+
+    EXPECT_TRUE(logged(GetParam().complaint));
+    EXPECT_EQ(bytesOf(file), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(, DamagedFileTest, ::testing::ValuesIn(damages()),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(DbMgrTest, MissingColumnsReadAsZero) {
+    fs::create_directory(folder);
+    databaseOf("create table eas_policy_tbl (account_id integer primary key, device_password_enabled integer);"
+               "insert into eas_policy_tbl values (7, 1)")(file);
+    TeskConsumerDbMgr db;
+
+    const auto data = read(db, 7);
+
+    EXPECT_EQ(data.devicePasswordEnabled, 1);
+    EXPECT_EQ(data.minDevicePasswordLength, 0);
+    EXPECT_EQ(data.displayName, "");
+}
+
+TEST_F(DbMgrTest, ValuesOfOtherKindsReadAsNumbersAndTexts) {
+    TeskConsumerDbMgr db;
+    OtherProgram(file).run("insert into eas_policy_tbl (account_id, device_password_enabled,"
+                           " min_device_password_length, device_password_history, allow_wifi, account_name,"
+                           " display_name) values (7, 'yes', '6 or more', 3.9, x'31', null, 12)");
+
+    const auto data = read(db, 7);
+
+    EXPECT_EQ(data.devicePasswordEnabled, 0);
+    EXPECT_EQ(data.minDevicePasswordLength, 6);
+    EXPECT_EQ(data.devicePasswordHistory, 3);
+    EXPECT_EQ(data.allowWifi, 1);
+    EXPECT_EQ(data.accountName, "");
+    EXPECT_EQ(data.displayName, "12");
+}
+
+/// While it lives, the process may do no more than any user may, even when a superuser runs the test. It keeps its way
+/// into the data folder of the test.
+class AnyUser {
+public:
+    explicit AnyUser(const fs::path& dataFolder) {
+        if (geteuid() == 0) {
+            EXPECT_EQ(chown(dataFolder.parent_path().c_str(), nobody, nobody), 0);
+            EXPECT_EQ(chown(dataFolder.c_str(), nobody, nobody), 0);
+            EXPECT_EQ(seteuid(nobody), 0);
+        }
+    }
+    ~AnyUser() {
+        if (getuid() == 0) {
+            EXPECT_EQ(seteuid(0), 0);
+        }
+    }
+    AnyUser(const AnyUser&) = delete;
+    AnyUser& operator=(const AnyUser&) = delete;
+
+private:
+    static constexpr uid_t nobody = 65534;
+};
+
+/// A right that the service lacks, and what it logs of it.
+struct MissingRight {
+    const char* name;
+    const char* place; ///< below the data folder
+    unsigned mode;
+    const char* complaint;
+};
+
+class MissingRightTest : public DbMgrTest, public ::testing::WithParamInterface<MissingRight> {};
+
+TEST_P(MissingRightTest, RefusesChangesAndKeepsTheFile) {
+    { const TeskConsumerDbMgr first; }
+    const auto before = bytesOf(file);
+    const auto place = platform.dataPath + GetParam().place;
+    fs::permissions(place, static_cast<fs::perms>(GetParam().mode));
+    {
+        const AnyUser restrained(folder.parent_path());
+        TeskConsumerDbMgr db;
+        EXPECT_EQ(db.insertPolicy(account(1)), TESK_DB_FAILURE);
+    }
+    EXPECT_TRUE(logged(GetParam().complaint));
+    fs::permissions(place, fs::perms::owner_all);
+    EXPECT_EQ(bytesOf(file), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(, MissingRightTest,
+                         ::testing::Values(MissingRight{"ToWrite", "dbspace/.tesk.db", 0444,
+                                                        "attempt to write a readonly database"},
+                                           MissingRight{"ToRead", "dbspace/.tesk.db", 0, "sqlite3_open failed: [14]"},
+                                           MissingRight{"ToEnterTheFolder", "dbspace", 0, "sqlite3_open failed: [14]"}),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(DbMgrTest, InsertedRecordIsReadBackFieldByField) {
+    TeskConsumerDbMgr db;
+    const auto expected = fieldsOf(everyFieldDifferent(100));
     ASSERT_EQ(db.insertPolicy(everyFieldDifferent(100)), 0);
 
-    auto expected = fieldsOf(everyFieldDifferent(100));
-    expected.insert(expected.end(), 6, "NULL");
-    EXPECT_EQ(OtherProgram(dbPath()).firstRow("select * from eas_policy_tbl"), expected);
+    EXPECT_EQ(fieldsOf(read(db, 100)), expected);
+    auto columns = expected;
+    columns.insert(columns.end(), 6, "NULL");
+    EXPECT_EQ(OtherProgram(file).firstRow("select * from eas_policy_tbl"), columns);
 }
 
 TEST_F(DbMgrTest, ExtremeNumbersAndOddTextsSurvive) {
@@ -311,9 +464,7 @@ TEST_F(DbMgrTest, ExtremeNumbersAndOddTextsSurvive) {
     written.displayName = "";
     ASSERT_EQ(db.insertPolicy(written), 0);
 
-    TeskPolicyData read;
-    EXPECT_EQ(db.getPolicyDataByAccountId(written.accountId, read), 0);
-    EXPECT_EQ(fieldsOf(read), fieldsOf(written));
+    EXPECT_EQ(fieldsOf(read(db, written.accountId)), fieldsOf(written));
 }
 
 TEST_F(DbMgrTest, UpdateOverwritesEveryColumnOfItsRowOnly) {
@@ -323,19 +474,16 @@ TEST_F(DbMgrTest, UpdateOverwritesEveryColumnOfItsRowOnly) {
 
     EXPECT_EQ(db.updatePolicy(everyFieldDifferent(100)), 0);
 
-    TeskPolicyData changed;
-    TeskPolicyData other;
-    EXPECT_EQ(db.getPolicyDataByAccountId(100, changed), 0);
-    EXPECT_EQ(db.getPolicyDataByAccountId(1, other), 0);
-    EXPECT_EQ(fieldsOf(changed), fieldsOf(everyFieldDifferent(100)));
-    EXPECT_EQ(fieldsOf(other), fieldsOf(account(1)));
+    EXPECT_EQ(fieldsOf(read(db, 100)), fieldsOf(everyFieldDifferent(100)));
+    EXPECT_EQ(fieldsOf(read(db, 1)), fieldsOf(account(1)));
 }
 
-TEST_F(DbMgrTest, UpdateOfAnAbsentAccountSucceedsAndChangesNothing) {
+TEST_F(DbMgrTest, ChangesOfAnAbsentAccountSucceedAndChangeNothing) {
     TeskConsumerDbMgr db;
 
     EXPECT_EQ(db.updatePolicy(account(5)), 0);
-    EXPECT_EQ(db.checkPolicyByAccountId(5), -1002);
+    EXPECT_EQ(db.deletePolicyByAccountId(5), 0);
+    EXPECT_EQ(db.checkPolicyByAccountId(5), TESK_DB_NO_ROW);
 }
 
 TEST_F(DbMgrTest, SecondInsertOfAnAccountFails) {
@@ -343,22 +491,19 @@ TEST_F(DbMgrTest, SecondInsertOfAnAccountFails) {
     db.insertPolicy(account(5));
     journal.clear();
 
-    EXPECT_EQ(db.insertPolicy(account(5)), -1001);
+    EXPECT_EQ(db.insertPolicy(account(5)), TESK_DB_FAILURE);
     EXPECT_EQ(journal.warnings().front(), "E db failure: UNIQUE constraint failed: eas_policy_tbl.account_id");
 }
 
-TEST_F(DbMgrTest, DeletedAccountIsGone) {
+TEST_F(DbMgrTest, OnlyTheDeletedAccountIsGone) {
     TeskConsumerDbMgr db;
+    db.insertPolicy(account(1));
     db.insertPolicy(account(5));
 
     EXPECT_EQ(db.deletePolicyByAccountId(5), 0);
-    EXPECT_EQ(db.checkPolicyByAccountId(5), -1002);
-}
 
-TEST_F(DbMgrTest, DeleteOfAnAbsentAccountSucceeds) {
-    TeskConsumerDbMgr db;
-
-    EXPECT_EQ(db.deletePolicyByAccountId(5), 0);
+    EXPECT_EQ(db.checkPolicyByAccountId(5), TESK_DB_NO_ROW);
+    EXPECT_EQ(db.checkPolicyByAccountId(1), 0);
 }
 
 TEST_F(DbMgrTest, InvalidAccountsAreRefusedBeforeAnySql) {
@@ -366,9 +511,9 @@ TEST_F(DbMgrTest, InvalidAccountsAreRefusedBeforeAnySql) {
     TeskPolicyData untouched = everyFieldDifferent(100);
     journal.clear();
 
-    EXPECT_EQ(db.checkPolicyByAccountId(0), -2);
-    EXPECT_EQ(db.deletePolicyByAccountId(-5), -2);
-    EXPECT_EQ(db.getPolicyDataByAccountId(0, untouched), -2);
+    EXPECT_EQ(db.checkPolicyByAccountId(0), TESK_DB_INVALID_ACCOUNT);
+    EXPECT_EQ(db.deletePolicyByAccountId(-5), TESK_DB_INVALID_ACCOUNT);
+    EXPECT_EQ(db.getPolicyDataByAccountId(0, untouched), TESK_DB_INVALID_ACCOUNT);
     EXPECT_EQ(journal.calls({"sqlite3_"}), Lines{});
     EXPECT_EQ(journal.warnings(), Lines(3, "E accountId is invalid"));
     EXPECT_EQ(fieldsOf(untouched), fieldsOf(everyFieldDifferent(100)));
@@ -381,20 +526,12 @@ TEST_F(DbMgrTest, WritesTakeTheRecordAsItIs) {
     EXPECT_EQ(db.updatePolicy(account(-7)), 0);
 }
 
-TEST_F(DbMgrTest, StoredAccountIsFound) {
-    TeskConsumerDbMgr db;
-    db.insertPolicy(account(1));
-
-    EXPECT_EQ(db.checkPolicyByAccountId(1), 0);
-    EXPECT_EQ(db.checkPolicyByAccountId(2), -1002);
-}
-
 TEST_F(DbMgrTest, AbsentAccountLeavesTheRecordAlone) {
     TeskConsumerDbMgr db;
     TeskPolicyData untouched = everyFieldDifferent(100);
     journal.clear();
 
-    EXPECT_EQ(db.getPolicyDataByAccountId(5, untouched), -1002);
+    EXPECT_EQ(db.getPolicyDataByAccountId(5, untouched), TESK_DB_NO_ROW);
     EXPECT_EQ(fieldsOf(untouched), fieldsOf(everyFieldDifferent(100)));
     EXPECT_EQ(messages(), Lines{"W query result: 101"});
 }
@@ -432,28 +569,24 @@ TEST_F(DbMgrTest, EmptyTableHasNoListAndCountsZero) {
     int count = 7;
     journal.clear();
 
-    EXPECT_EQ(db.getPolicyDataList(list), -1002);
+    EXPECT_EQ(db.getPolicyDataList(list), TESK_DB_NO_ROW);
     EXPECT_EQ(list.size(), 1U);
     EXPECT_EQ(messages(), Lines{"W query result: 101"});
     EXPECT_EQ(db.getAllEasAccountCount(&count), 0);
     EXPECT_EQ(count, 0);
 }
 
-TEST_F(DbMgrTest, CountIsTheNumberOfRows) {
+TEST_F(DbMgrTest, CountIsTheNumberOfRowsAndWithoutAnAnswerLeftAlone) {
     TeskConsumerDbMgr db;
     db.insertPolicy(account(3));
     db.insertPolicy(account(9));
-
     int count = 0;
+
     EXPECT_EQ(db.getAllEasAccountCount(&count), 0);
     EXPECT_EQ(count, 2);
-}
 
-TEST_F(DbMgrTest, CountWithoutARowIsLeftAlone) {
-    TeskConsumerDbMgr db;
     platform.faults.atCall("sqlite3_step", 1, SQLITE_BUSY);
-
-    int count = 7;
+    count = 7;
     EXPECT_EQ(db.getAllEasAccountCount(&count), 0);
     EXPECT_EQ(count, 7);
 }
@@ -463,9 +596,9 @@ TEST_F(DbMgrTest, FailedStepsOfWritesAreDatabaseFailures) {
     platform.faults.always("sqlite3_step", SQLITE_FULL);
     journal.clear();
 
-    EXPECT_EQ(db.insertPolicy(account(1)), -1001);
-    EXPECT_EQ(db.updatePolicy(account(1)), -1001);
-    EXPECT_EQ(db.deletePolicyByAccountId(1), -1001);
+    EXPECT_EQ(db.insertPolicy(account(1)), TESK_DB_FAILURE);
+    EXPECT_EQ(db.updatePolicy(account(1)), TESK_DB_FAILURE);
+    EXPECT_EQ(db.deletePolicyByAccountId(1), TESK_DB_FAILURE);
     EXPECT_EQ(journal.warnings().size(), 3U);
     EXPECT_EQ(journal.warnings().front().substr(0, 14), "E db failure: ");
 }
@@ -474,13 +607,13 @@ TEST_F(DbMgrTest, FailedStepsOfReadsAreMissingRows) {
     TeskConsumerDbMgr db;
     db.insertPolicy(account(1));
     platform.faults.always("sqlite3_step", SQLITE_IOERR);
-    journal.clear();
-
     TeskPolicyData data;
     TeskPolicyDataList list;
-    EXPECT_EQ(db.checkPolicyByAccountId(1), -1002);
-    EXPECT_EQ(db.getPolicyDataByAccountId(1, data), -1002);
-    EXPECT_EQ(db.getPolicyDataList(list), -1002);
+    journal.clear();
+
+    EXPECT_EQ(db.checkPolicyByAccountId(1), TESK_DB_NO_ROW);
+    EXPECT_EQ(db.getPolicyDataByAccountId(1, data), TESK_DB_NO_ROW);
+    EXPECT_EQ(db.getPolicyDataList(list), TESK_DB_NO_ROW);
     EXPECT_EQ(journal.warnings(), Lines(2, "W query result: 10"));
 }
 
@@ -492,7 +625,7 @@ TEST_F(DbMgrTest, FailedPreparationIsLoggedTwiceByEachOperation) {
     expectEveryOperationFails(db);
 
     const auto lines = journal.warnings();
-    ASSERT_EQ(lines.size(), 14U);
+    ASSERT_EQ(lines.size(), 2 * operations().size());
     for (std::size_t i = 0; i < lines.size(); i += 2) {
         EXPECT_EQ(lines[i].rfind("E sqlite3_prepare_v2 failed: ", 0), 0U) << lines[i];
         EXPECT_EQ(lines[i + 1].rfind("E db failure: ", 0), 0U) << lines[i + 1];
@@ -501,69 +634,32 @@ TEST_F(DbMgrTest, FailedPreparationIsLoggedTwiceByEachOperation) {
 
 TEST_F(DbMgrTest, FailedFinalizeIsLogged) {
     TeskConsumerDbMgr db;
-    platform.faults.always("sqlite3_finalize", 5);
+    platform.faults.always("sqlite3_finalize", SQLITE_BUSY);
     journal.clear();
 
     EXPECT_EQ(db.insertPolicy(account(1)), 0);
     EXPECT_EQ(messages(), Lines{"W sqlite3_finalize failed: [5]"});
 }
 
-TEST_F(DbMgrTest, EachOperationPreparesItsExactText) {
+TEST_F(DbMgrTest, EachOperationPreparesItsExactTextAndIsTraced) {
     TeskConsumerDbMgr db;
-    TeskPolicyData data;
-    TeskPolicyDataList list;
-    int count = 0;
-    journal.clear();
-
-    db.checkPolicyByAccountId(1);
-    db.insertPolicy(account(1));
-    db.updatePolicy(account(1));
-    db.getPolicyDataByAccountId(1, data);
-    db.getPolicyDataList(list);
-    db.getAllEasAccountCount(&count);
-    db.deletePolicyByAccountId(1);
-
-    EXPECT_EQ(journal.calls({"sqlite3_"}),
-              (Lines{"sqlite3_prepare_v2 select * from eas_policy_tbl where account_id=?;",
-                     "sqlite3_prepare_v2 " + TeskPolicyTable::insertSql(),
-                     "sqlite3_prepare_v2 " + TeskPolicyTable::updateSql(),
-                     "sqlite3_prepare_v2 select * from eas_policy_tbl where account_id=?;",
-                     "sqlite3_prepare_v2 select * from eas_policy_tbl;",
-                     "sqlite3_prepare_v2 select count(account_id) from eas_policy_tbl;",
-                     "sqlite3_prepare_v2 delete from eas_policy_tbl where account_id=?;"}));
-}
-
-TEST_F(DbMgrTest, OperationsLogTheirBeginningAndMostTheirEnd) {
-    TeskConsumerDbMgr db;
-    TeskPolicyData data;
-    TeskPolicyDataList list;
-    int count = 0;
-    const Lines both{"I Enter", "I Leave"};
-
-    db.insertPolicy(account(1));
-    db.checkPolicyByAccountId(1);
-    db.updatePolicy(account(1));
-    db.getPolicyDataByAccountId(1, data);
-    db.getPolicyDataList(list);
-    db.getAllEasAccountCount(&count);
-    db.deletePolicyByAccountId(1);
-
-    for (const auto* name : {"insertPolicy", "checkPolicyByAccountId", "updatePolicy", "getPolicyDataByAccountId",
-                             "deletePolicyByAccountId"}) {
-        EXPECT_EQ(journal.logsOf(name), both) << name;
+    for (const auto& operation : operations()) {
+        journal.clear();
+        EXPECT_EQ(operation.run(db), 0) << operation.name;
+        EXPECT_EQ(journal.calls({"sqlite3_"}), Lines{"sqlite3_prepare_v2 " + operation.sql});
+        EXPECT_EQ(journal.logsOf(operation.name),
+                  operation.logsItsEnd ? (Lines{"I Enter", "I Leave"}) : Lines{"I Enter"});
     }
-    EXPECT_EQ(journal.logsOf("getPolicyDataList"), Lines{"I Enter"});
-    EXPECT_EQ(journal.logsOf("getAllEasAccountCount"), Lines{"I Enter"});
 }
 
 TEST_F(DbMgrTest, BusyDatabaseIsTriedSixTimesWithGrowingSleeps) {
     TeskConsumerDbMgr db;
     db.insertPolicy(account(1));
-    OtherProgram other(dbPath());
+    OtherProgram other(file);
     other.run("begin exclusive");
     journal.clear();
 
-    EXPECT_EQ(db.insertPolicy(account(2)), -1001);
+    EXPECT_EQ(db.insertPolicy(account(2)), TESK_DB_FAILURE);
 
     EXPECT_EQ(journal.calls({"g_usleep"}),
               (Lines{"g_usleep 100000", "g_usleep 200000", "g_usleep 300000", "g_usleep 400000", "g_usleep 500000"}));
@@ -575,31 +671,6 @@ TEST_F(DbMgrTest, BusyDatabaseIsTriedSixTimesWithGrowingSleeps) {
     EXPECT_EQ(journal.logsOf("__busyHandler").size(), 12U);
     other.run("rollback");
     EXPECT_EQ(db.insertPolicy(account(2)), 0);
-}
-
-TEST_F(DbMgrTest, AbsentNamesReadAsEmptyTexts) {
-    TeskConsumerDbMgr db;
-    db.insertPolicy(everyFieldDifferent(100));
-    OtherProgram(dbPath()).run("update eas_policy_tbl set account_name=null, display_name=null");
-
-    TeskPolicyData read;
-    EXPECT_EQ(db.getPolicyDataByAccountId(100, read), 0);
-    EXPECT_EQ(read.accountName, "");
-    EXPECT_EQ(read.displayName, "");
-}
-
-TEST_F(DbMgrTest, LogLinesCarryTagFileFunctionAndLine) {
-    TeskConsumerDbMgr db;
-    db.insertPolicy(account(1));
-
-    for (const auto& line : journal.logLines()) {
-        EXPECT_EQ(line.tag, "TESK_CONSUMER");
-        EXPECT_EQ(line.file, "TeskConsumerDbMgr.cpp");
-        EXPECT_NE(line.function, "");
-        EXPECT_GT(line.line, 0);
-    }
-    EXPECT_EQ(journal.logLines().front().function, "TeskConsumerDbMgr");
-    EXPECT_EQ(journal.logLines().front().text, "");
 }
 
 } // namespace
