@@ -2,24 +2,27 @@
 #define TESTS_SYSTEM_DEVICE_STATE_H
 
 #include <filesystem>
+#include <initializer_list>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace system_test {
 
-/// The settings of the device policy manager that policies reach, in the order in which a policy is applied.
+/// The settings of the device policy manager that policies reach, in the order in which a policy is applied. At first
+/// nothing is required and everything is allowed.
 struct Settings {
     int quality = 0;
     int minLength = 0;
-    int failedAttempts = 0;
+    int failedAttempts = 10;
     int complexCharacters = 0;
     int inactivity = 0;
     int expiration = 0;
     int history = 0;
-    int wifi = 0;
-    int messaging = 0;
-    int popImap = 0;
+    int wifi = 1;
+    int messaging = 1;
+    int popImap = 1;
     /// Whether the encryption of the internal storage is demanded.
     int encryption = 0;
 
@@ -32,7 +35,35 @@ void PrintTo(const Settings& settings, std::ostream* output);
 Settings settings();
 
 /// What it holds once nothing is required and everything is allowed.
-inline constexpr Settings releasedSettings{0, 0, 10, 0, 0, 0, 0, 1, 1, 1, 0};
+inline constexpr Settings releasedSettings;
+
+/// What it holds when these settings have other values.
+constexpr Settings with(Settings settings, std::initializer_list<std::pair<int Settings::*, int>> changes) {
+    for (const auto& [setting, value] : changes) {
+        settings.*setting = value;
+    }
+    return settings;
+}
+
+/// What it holds while the policy of that name is enforced.
+inline constexpr Settings hardenedSettings = with(releasedSettings, {{&Settings::quality, 128},
+                                                                     {&Settings::minLength, 4},
+                                                                     {&Settings::complexCharacters, 1},
+                                                                     {&Settings::inactivity, 900},
+                                                                     {&Settings::expiration, 365},
+                                                                     {&Settings::history, 4},
+                                                                     {&Settings::encryption, 1}});
+inline constexpr Settings strictestSettings = with(releasedSettings, {{&Settings::quality, 128},
+                                                                      {&Settings::minLength, 16},
+                                                                      {&Settings::failedAttempts, 4},
+                                                                      {&Settings::complexCharacters, 4},
+                                                                      {&Settings::inactivity, 60},
+                                                                      {&Settings::expiration, 1},
+                                                                      {&Settings::history, 50},
+                                                                      {&Settings::wifi, 0},
+                                                                      {&Settings::messaging, 0},
+                                                                      {&Settings::popImap, 0},
+                                                                      {&Settings::encryption, 1}});
 
 /// What a set-up device policy manager answers to a process that wants to change a setting to the value it has: a
 /// platform code, which tells whether a client is registered.

@@ -38,10 +38,6 @@ std::string policyUpdate(const std::vector<PolicyAccount>& accounts) {
     return R"({"msgId":"email-itpolicy-ind","seqId":1,"param":)" + entries(accounts, "accountId") + "}";
 }
 
-std::string accountInfo(const std::vector<PolicyAccount>& accounts) {
-    return R"({"msgId":"email-account-info","seqId":2,"accountId":)" + entries(accounts, "id") + "}";
-}
-
 std::string initResponse(const std::vector<PolicyAccount>& accounts) {
     return R"({"msgId":"email-init-res","seqId":3,"param":{"accountId":)" + entries(accounts, "id") + "}}";
 }

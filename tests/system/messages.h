@@ -30,10 +30,7 @@ PolicyAccount carol(const char* policySet);
 /// The text of a message that brings these accounts' policies.
 std::string policyUpdate(const std::vector<PolicyAccount>& accounts);
 
-/// The list of accounts, as the mail application answers it.
-std::string accountInfo(const std::vector<PolicyAccount>& accounts);
-
-/// The same list in the mail application's answer at its start.
+/// The list of accounts in the mail application's answer at its start.
 std::string initResponse(const std::vector<PolicyAccount>& accounts);
 
 /// Sends a message with these entries, in order, to the service's port. Returns the platform's code at once.

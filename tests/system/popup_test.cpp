@@ -19,23 +19,8 @@ protected:
         EXPECT_EQ(device_.companions().launches(ids::popup).size(), 1U);
     }
 
-    void expectNothingHappened() const {
-        EXPECT_FALSE(device_.companions().isRunning(ids::lockSettings));
-        EXPECT_FALSE(device_.companions().isRunning(ids::mail));
-        EXPECT_EQ(device_.log().count("[RELAY MSG]"), 0);
-        EXPECT_EQ(device_.log().count("__enforcePassword"), 0);
-    }
-
     const TestDevice device_;
 };
-
-TEST_F(Popup, OkOpensTheLockSettings) {
-    device_.companions().answer(ids::popup, "ok");
-
-    EXPECT_EQ(device_.companions().launches(ids::lockSettings),
-              std::vector({Launch{ids::service, false, {{"setting_state", "eas"}}}}));
-    EXPECT_FALSE(device_.companions().isRunning(ids::mail));
-}
 
 TEST_F(Popup, SyncOffTellsTheMailApplicationOnce) {
     device_.companions().settle(ids::mail);
@@ -55,19 +40,7 @@ TEST_F(Popup, SyncOffWithoutAMailApplicationIsLost) {
     EXPECT_TRUE(device_.isServiceRunning());
 }
 
-TEST_F(Popup, AnyOtherAnswerDoesNothing) {
-    device_.companions().answer(ids::popup, "later");
-
-    expectNothingHappened();
-}
-
-TEST_F(Popup, EmptyAnswerDoesNothing) {
-    device_.companions().answer(ids::popup, "");
-
-    expectNothingHappened();
-}
-
-TEST_F(Popup, PopupThatDiesDoesNothing) {
+TEST_F(Popup, PopupThatDiesDoesNothingAndComesBackWhenTheMailApplicationAsks) {
     const auto service = device_.servicePid();
     const auto popup = deskwatch::ProcessHandle::open(device_.companions().processOf(ids::popup));
     ASSERT_TRUE(popup);
@@ -76,34 +49,11 @@ TEST_F(Popup, PopupThatDiesDoesNothing) {
 
     device_.waitForLog("the launch of " + std::string(ids::popup) + " failed");
     device_.companions().settle(ids::service);
-    expectNothingHappened();
+    EXPECT_FALSE(device_.companions().isRunning(ids::lockSettings));
+    EXPECT_EQ(device_.log().count("[RELAY MSG]"), 0);
     EXPECT_EQ(device_.servicePid(), service);
-}
-
-TEST_F(Popup, PopupThatDiedComesBackWhenTheMailApplicationAsks) {
-    const auto popup = deskwatch::ProcessHandle::open(device_.companions().processOf(ids::popup));
-    ASSERT_TRUE(popup);
-    popup->signal(SIGKILL);
-    device_.waitForLog("the launch of " + std::string(ids::popup) + " failed");
-
     device_.send("chk_password_policy", "");
-
     EXPECT_EQ(device_.companions().launches(ids::popup).size(), 1U);
-}
-
-TEST_F(Popup, EncryptionIsNotAskedForBeforeTheLockIsSet) {
-    device_.send("chk_device_encryption_policy", "");
-
-    EXPECT_FALSE(device_.companions().isRunning(ids::encryptionPopup));
-}
-
-TEST_F(Popup, EncryptionIsAskedForOnceTheLockIsSet) {
-    setKey(keys::passwordApplied, 1);
-
-    device_.send("chk_device_encryption_policy", "");
-
-    EXPECT_EQ(device_.companions().launches(ids::encryptionPopup),
-              std::vector({Launch{ids::service, false, {{"type", "encrypt"}}}}));
 }
 
 } // namespace

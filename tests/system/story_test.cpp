@@ -17,7 +17,7 @@ protected:
         device_.launchService();
         device_.send("req_update_policy", policyUpdate({alice(hardenedPolicy), bob(limitsWithoutPasswordPolicy)}));
 
-        EXPECT_EQ(settings(), (Settings{128, 4, 8, 3, 900, 365, 4, 1, 1, 1, 1}));
+        EXPECT_EQ(settings(), bothEnforced_);
         EXPECT_EQ(enforcingAccount(), 1);
         EXPECT_EQ(key(keys::passwordApplied), 0);
         EXPECT_EQ(key(keys::encryptionApplied), 0);
@@ -59,7 +59,7 @@ protected:
         device_.launchService();
 
         EXPECT_EQ(device_.log().count("Hello World!"), 2);
-        EXPECT_EQ(settings(), (Settings{128, 4, 8, 3, 900, 365, 4, 1, 1, 1, 1}));
+        EXPECT_EQ(settings(), bothEnforced_);
         EXPECT_EQ(key(keys::passwordApplied), 1);
         EXPECT_EQ(key(keys::encryptionApplied), 1);
         EXPECT_EQ(device_.companions().launches(ids::popup).size(), 1U);
@@ -69,7 +69,7 @@ protected:
         device_.send("req_delete_account", "1");
 
         EXPECT_EQ(storedAccounts(device_.database()), std::vector<std::string>{"2"});
-        EXPECT_EQ(settings(), (Settings{0, 0, 8, 0, 900, 0, 0, 1, 1, 1, 0}));
+        EXPECT_EQ(settings(), limitsEnforced_);
         EXPECT_EQ(tryToAdminister(), DPM_ERROR_NONE);
     }
 
@@ -83,6 +83,10 @@ protected:
     }
 
     const TestDevice device_;
+    const Settings limitsEnforced_ =
+        with(releasedSettings, {{&Settings::failedAttempts, 8}, {&Settings::inactivity, 900}});
+    const Settings bothEnforced_ =
+        with(hardenedSettings, {{&Settings::failedAttempts, 8}, {&Settings::complexCharacters, 3}});
 };
 
 TEST_F(Story, WearerFromTheFirstPolicyToTheLastDeletion) {

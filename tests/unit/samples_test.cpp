@@ -1,113 +1,106 @@
-#include <json-glib/json-glib.h>
-
-#include <array>
+#include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <map>
 #include <set>
 
 #include "TeskConsumerIpcMgr.h"
+#include "file_bytes.h"
+#include "sample_policies.h"
 #include "unit_test.h"
 
 namespace {
 
-std::string contentsOf(const std::filesystem::path& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
+using Settings = std::map<std::string, int>;
 
-/// A sample as a mail application's developer finds it, and where its accounts are.
+/// A sample as a mail application's developer finds it, and what the device holds once it is sent, beside the settings
+/// of a device that is free.
 struct Sample {
     const char* file;
     int accounts;
-    const char* idMember;
-    const char* nameMember; ///< what becomes the display name
+    Settings settings;
 };
 
-const std::array<Sample, 7> accountSamples{{
-    {"exchange-default.json", 1, "accountId", "accountName"},
-    {"hardened.json", 1, "accountId", "accountName"},
-    {"open-source-server.json", 1, "accountId", "accountName"},
-    {"strictest.json", 1, "accountId", "accountName"},
-    {"three-accounts.json", 3, "accountId", "accountName"},
-    {"account-info.json", 1, "id", "displayName"},
-    {"init-response.json", 1, "id", "displayName"},
-}};
+const Settings hardened{{"quality", 128},
+                        {"minimum_length", 4},
+                        {"min_complex_chars", 1},
+                        {"expires", 365},
+                        {"history", 4},
+                        {"max_inactivity_time_device_lock", 900},
+                        {"internal_storage_encryption", 1}};
+const Settings limits{{"maximum_failed_attempts_for_wipe", 8}, {"max_inactivity_time_device_lock", 900}};
+
+Settings with(const Settings& changes, Settings settings) {
+    for (const auto& [name, value] : changes) {
+        settings[name] = value;
+    }
+    return settings;
+}
+
+const std::vector<Sample>& accountSamples() {
+    static const std::vector<Sample> all{
+        {"exchange-default.json", 1, {}},
+        {"hardened.json", 1, hardened},
+        {"account-info.json", 1, hardened},
+        {"init-response.json", 1, hardened},
+        {"open-source-server.json", 1, limits},
+        {"three-accounts.json", 3, with({{"min_complex_chars", 3}, {"maximum_failed_attempts_for_wipe", 8}}, hardened)},
+        {"strictest.json",
+         1,
+         {{"quality", 128},
+          {"minimum_length", 16},
+          {"maximum_failed_attempts_for_wipe", 4},
+          {"min_complex_chars", 4},
+          {"max_inactivity_time_device_lock", 60},
+          {"expires", 1},
+          {"history", 50},
+          {"wifi_state", 0},
+          {"messaging_state", 0},
+          {"popimap_email_state", 0},
+          {"internal_storage_encryption", 1}}},
+    };
+    return all;
+}
+
 constexpr char wipeSample[] = "remote-wipe.json";
 
+/// Messages on their way from the port to the device.
 class SamplesTest : public UnitTest {
 protected:
-    SamplesTest() {
-        platform.devicePolicy.registerService();
-        TeskConsumerIpcMgr::getInstance()->init();
+    SamplesTest() { TeskConsumerIpcMgr::getInstance()->init(); }
+
+    void send(const std::string& text) {
+        journal.clear();
+        platform.ports.deliver("req_update_policy", text);
     }
 
-    static std::filesystem::path pathOf(const std::string& file) { return std::filesystem::path(TESK_SAMPLES) / file; }
+    void sendSample(const std::string& file) { send(bytesOf(std::filesystem::path(TESK_SAMPLES) / file)); }
 
-    void send(const std::string& text) { platform.ports.deliver("req_update_policy", text); }
-
-    /// Compares a stored account with the entry that it came from.
-    static void expectStored(const Sample& sample, JsonObject* entry) {
-        const auto data = stored(static_cast<int>(json_object_get_int_member(entry, sample.idMember)));
-        EXPECT_EQ(data.accountName, json_object_get_string_member(entry, "accountName"));
-        EXPECT_EQ(data.displayName, json_object_get_string_member(entry, sample.nameMember));
-        auto* const set = json_object_get_object_member(entry, "policySet");
-        expectMembers(set, data);
-        EXPECT_EQ(data.alphanumericDevicePasswordRequired,
-                  json_object_get_int_member(set, "PasswordMode") == 64 ? 1 : 0);
-        EXPECT_EQ(data.requireStorageCardEncryption, 0);
-    }
-
-    static void expectMembers(JsonObject* set, const TeskPolicyData& data) {
-        for (const auto& [member, value] : std::initializer_list<std::pair<const char*, int>>{
-                 {"allowBluetoothMode", data.allowBluetooth},
-                 {"allowBrowser", data.allowBrowser},
-                 {"allowCamera", data.allowCamera},
-                 {"allowDesktopSync", data.allowDesktopSync},
-                 {"allowInternetSharing", data.allowInternetSharing},
-                 {"allowPOPIMAPEmail", data.allowPopimapEmail},
-                 {"allowSimplePassword", data.allowSimplePassword},
-                 {"allowStorageCard", data.allowStorageCard},
-                 {"allowTextMessaging", data.allowTextMessaging},
-                 {"allowWifi", data.allowWifi},
-                 {"devicePasswordEnabled", data.devicePasswordEnabled},
-                 {"devicePasswordExpiration", data.devicePasswordExpiration},
-                 {"devicePasswordHistory", data.devicePasswordHistory},
-                 {"maxDevicePasswordFailedAttempts", data.maxDevicePasswordFailedAttempts},
-                 {"maxInactivityTimeDeviceLock", data.maxInactivityTimeDeviceLock},
-                 {"minDevicePasswordComplexCharacters", data.minDevicePasswordComplexCharacters},
-                 {"minDevicePasswordLength", data.minDevicePasswordLength},
-                 {"passwordRecoveryEnabled", data.passwordRecoveryEnabled},
-                 {"requireDeviceEncryption", data.requireDeviceEncryption},
-             }) {
-            EXPECT_EQ(json_object_get_int_member_with_default(set, member, -1), value) << member;
-        }
-    }
-
-    /// The entries with a policy, wherever the kind of message keeps them.
-    static std::vector<JsonObject*> entriesOf(JsonObject* root) {
-        JsonArray* list = nullptr;
-        if (json_object_has_member(root, "accountId")) {
-            list = json_object_get_array_member(root, "accountId");
-        } else if (JSON_NODE_HOLDS_ARRAY(json_object_get_member(root, "param"))) {
-            list = json_object_get_array_member(root, "param");
-        } else {
-            list = json_object_get_array_member(json_object_get_object_member(root, "param"), "accountId");
-        }
-        std::vector<JsonObject*> entries;
-        for (guint i = 0; i < json_array_get_length(list); ++i) {
-            auto* const entry = json_array_get_object_element(list, i);
-            if (json_object_has_member(entry, "policySet")) {
-                entries.push_back(entry);
+    /// The settings of the device where they are not those of a free one.
+    Settings settings() const {
+        const Settings free{{"quality", 0},
+                            {"minimum_length", 0},
+                            {"maximum_failed_attempts_for_wipe", 10},
+                            {"min_complex_chars", 0},
+                            {"max_inactivity_time_device_lock", 0},
+                            {"expires", 0},
+                            {"history", 0},
+                            {"wifi_state", 1},
+                            {"messaging_state", 1},
+                            {"popimap_email_state", 1},
+                            {"internal_storage_encryption", 0}};
+        Settings others;
+        for (const auto& [name, value] : free) {
+            if (const int set = platform.devicePolicy.setting(name); set != value) {
+                others[name] = set;
             }
         }
-        return entries;
+        return others;
     }
 };
 
 TEST_F(SamplesTest, EverySampleIsTried) {
     std::set<std::string> tried{wipeSample};
-    for (const auto& sample : accountSamples) {
+    for (const auto& sample : accountSamples()) {
         tried.insert(sample.file);
     }
     std::set<std::string> samples;
@@ -121,35 +114,57 @@ TEST_F(SamplesTest, EverySampleIsTried) {
 
 class AccountSampleTest : public SamplesTest, public ::testing::WithParamInterface<Sample> {};
 
-TEST_P(AccountSampleTest, IsStoredMemberByMember) {
-    const auto text = contentsOf(pathOf(GetParam().file));
-    g_autoptr(JsonParser) parser = json_parser_new();
-    ASSERT_TRUE(json_parser_load_from_data(parser, text.c_str(), -1, nullptr));
-    const auto entries = entriesOf(json_node_get_object(json_parser_get_root(parser)));
-
-    send(text);
+TEST_P(AccountSampleTest, IsStoredAndEnforced) {
+    sendSample(GetParam().file);
 
     EXPECT_EQ(storedAccounts(), GetParam().accounts);
-    EXPECT_EQ(entries.size(), static_cast<std::size_t>(GetParam().accounts));
-    for (auto* entry : entries) {
-        expectStored(GetParam(), entry);
-    }
-    EXPECT_EQ(journal.deviceSettings().size(), 11U);
+    EXPECT_EQ(settings(), GetParam().settings);
+    EXPECT_EQ(journal.deviceSettings().size(), 11U) << "they are written once";
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, AccountSampleTest, ::testing::ValuesIn(accountSamples), [](const auto& sample) {
-    std::string name;
-    for (const char* at = sample.param.file; *at != '.'; ++at) {
-        name += *at == '-' ? '_' : *at;
-    }
+INSTANTIATE_TEST_SUITE_P(Files, AccountSampleTest, ::testing::ValuesIn(accountSamples()), [](const auto& sample) {
+    auto name = std::filesystem::path(sample.param.file).stem().string();
+    std::replace(name.begin(), name.end(), '-', '_');
     return name;
 });
 
 TEST_F(SamplesTest, WipeSampleWipesOnce) {
-    send(contentsOf(pathOf(wipeSample)));
+    platform.devicePolicy.registerService();
+
+    sendSample(wipeSample);
 
     EXPECT_EQ(platform.devicePolicy.wipes, std::vector<int>{1});
+    EXPECT_EQ(journal.deviceSettings(), Lines{});
     EXPECT_EQ(storedAccounts(), 0);
+}
+
+TEST_F(SamplesTest, RemovedAccountsGiveTheWatchBack) {
+    send(samples::indication(1, samples::builtIn));
+    send(samples::indication(2, samples::strictest));
+
+    platform.ports.deliver("req_delete_account", "2");
+    EXPECT_EQ(settings(), Settings{});
+    EXPECT_FALSE(platform.devicePolicy.clients.empty());
+
+    platform.ports.deliver("req_delete_account", "1");
+    EXPECT_TRUE(platform.devicePolicy.clients.empty());
+    EXPECT_EQ(storedAccounts(), 0);
+}
+
+TEST_F(SamplesTest, ManyAccountsOfLongNamesAreKeptWhole) {
+    constexpr int accounts = 20;
+    const std::string name(1000, 'n');
+    std::string entries;
+    for (int id = 1; id < accounts; ++id) {
+        entries += samples::entry(id, samples::builtIn) + ",";
+    }
+
+    send(samples::indicationOf("[" + entries + samples::entry(accounts, samples::hardened, name) + "]"));
+
+    EXPECT_EQ(storedAccounts(), accounts);
+    EXPECT_EQ(stored(accounts).accountName, name);
+    EXPECT_EQ(settings(), hardened) << "the last one takes part";
+    EXPECT_EQ(platform.launches.sent.back().extraData.at(1).second, name) << "in the popup";
 }
 
 } // namespace

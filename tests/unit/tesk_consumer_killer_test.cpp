@@ -19,36 +19,28 @@ protected:
     TeskConsumerKiller& killer = *TeskConsumerKiller::getInstance();
 };
 
-TEST_F(KillerTest, ConstructorLogsABareLineUnderItsName) {
-    EXPECT_EQ(journal.logsOf("TeskConsumerKiller"), Lines{"I "});
-}
+using KillerLifeTest = UnitTest;
 
-using KillerEndTest = UnitTest;
-
-TEST_F(KillerEndTest, DestructorLogsABareLineUnderItsName) {
+TEST_F(KillerLifeTest, ConstructorAndDestructorLogBareLinesUnderTheirNames) {
     { const TeskConsumerKiller killer; }
 
+    EXPECT_EQ(journal.logsOf("TeskConsumerKiller"), Lines{"I "});
     EXPECT_EQ(journal.logsOf("~TeskConsumerKiller"), Lines{"I "});
 }
 
 TEST_F(KillerTest, WatchesBothKeysInOrder) {
+    platform.faults.always("vconf_notify_key_changed");
+
     killer.init();
 
     EXPECT_EQ(journal.calls(), (Lines{std::string("vconf_notify_key_changed ") + passwordKey,
                                       std::string("vconf_notify_key_changed ") + encryptionKey}));
     EXPECT_EQ(journal.logsOf("init"), (Lines{"I Enter", "I Leave"}));
+    EXPECT_EQ(journal.warnings(), Lines{}) << "a refusal is not logged";
 }
 
-TEST_F(KillerTest, RefusedWatchesAreNotLogged) {
-    platform.faults.always("vconf_notify_key_changed");
-
-    killer.init();
-
-    EXPECT_EQ(journal.warnings(), Lines{});
-}
-
-TEST_F(KillerTest, EndsTheServiceTenSecondsAfterTheTrigger) {
-    setApplied(1, 1);
+TEST_F(KillerTest, EndsTheServiceOnceTenSecondsAfterTheTrigger) {
+    setApplied(-1, 7); // any value but zero means done
 
     killer.tryStartKillTimer();
 
@@ -56,102 +48,67 @@ TEST_F(KillerTest, EndsTheServiceTenSecondsAfterTheTrigger) {
     EXPECT_EQ(journal.calls({"g_timeout"}), Lines{"g_timeout_add_seconds 10"});
     platform.system.passSeconds(9);
     EXPECT_FALSE(exited());
-    platform.system.passSeconds(1);
-    EXPECT_TRUE(exited());
+    platform.system.passSeconds(91);
+    EXPECT_EQ(journal.calls({"service_app_exit"}), Lines{"service_app_exit"});
     EXPECT_EQ(journal.logsOf("operator()"), Lines{"I "});
+    EXPECT_EQ(platform.system.timers(), 0U);
 }
 
 TEST_F(KillerTest, SecondTriggerStartsTheTenSecondsAgain) {
     setApplied(1, 1);
     killer.tryStartKillTimer();
     platform.system.passSeconds(9);
-
-    killer.tryStartKillTimer();
-
-    platform.system.passSeconds(9);
-    EXPECT_FALSE(exited());
-    EXPECT_EQ(platform.system.timers(), 1U);
-    platform.system.passSeconds(1);
-    EXPECT_TRUE(exited());
-}
-
-TEST_F(KillerTest, OldTimerGoesBeforeTheNewOneComes) {
-    setApplied(1, 1);
-    killer.tryStartKillTimer();
     journal.clear();
 
     killer.tryStartKillTimer();
 
     EXPECT_EQ(journal.calls({"g_"}), (Lines{"g_source_remove", "g_timeout_add_seconds 10"}));
+    platform.system.passSeconds(9);
+    EXPECT_FALSE(exited());
+    platform.system.passSeconds(1);
+    EXPECT_TRUE(exited());
 }
 
-TEST_F(KillerTest, TimerFiresOnce) {
-    setApplied(1, 1);
-    killer.tryStartKillTimer();
-
-    platform.system.passSeconds(100);
-
-    EXPECT_EQ(journal.calls({"service_app_exit"}), Lines{"service_app_exit"});
-    EXPECT_EQ(platform.system.timers(), 0U);
-}
-
-TEST_F(KillerTest, TriggerBehindAFiredTimerRemovesNothing) {
+TEST_F(KillerTest, TriggerAfterTheTimerHasFiredRemovesNothing) {
     setApplied(1, 1);
     killer.tryStartKillTimer();
     platform.system.passSeconds(10);
     journal.clear();
 
     killer.tryStartKillTimer();
-    platform.settings.setKeyAsDevice(passwordKey, 0);
+    setApplied(0, 1);
     platform.system.passSeconds(10);
     killer.tryStartKillTimer();
 
     EXPECT_EQ(journal.calls({"g_source_remove"}), Lines{});
 }
 
-TEST_F(KillerTest, StoppedTimerIsRemovedOnce) {
-    setApplied(1, 1);
-    killer.tryStartKillTimer();
-    setApplied(0, 1);
-    journal.clear();
+/// The values of the two keys, and the warnings of what is not done yet.
+struct Outstanding {
+    int password;
+    int encryption;
+    fake::Journal::Lines warnings;
+};
 
-    killer.tryStartKillTimer();
-    killer.tryStartKillTimer();
+TEST_F(KillerTest, WhatIsOutstandingIsLoggedAndStopsTheTimer) {
+    constexpr char password[] = "W Password is not crated yet.";
+    constexpr char encryption[] = "W Encryption is not completed yet.";
+    for (auto& row :
+         {Outstanding{0, 1, {password}}, Outstanding{1, 0, {encryption}}, Outstanding{0, 0, {password, encryption}}}) {
+        setApplied(1, 1);
+        killer.tryStartKillTimer();
+        setApplied(row.password, row.encryption);
+        journal.clear();
 
-    EXPECT_EQ(journal.calls({"g_source_remove"}), Lines{"g_source_remove"});
-}
-
-TEST_F(KillerTest, MissingPasswordStopsTheTimer) {
-    setApplied(1, 1);
-    killer.tryStartKillTimer();
-    setApplied(0, 1);
-    journal.clear();
-
-    killer.tryStartKillTimer();
-
-    EXPECT_EQ(journal.warnings(),
-              (Lines{"W Password is not crated yet.", "W consumer can be killed: [false]", "W STOP killer!"}));
+        killer.tryStartKillTimer();
+        auto expected = row.warnings;
+        expected.insert(expected.end(), {"W consumer can be killed: [false]", "W STOP killer!"});
+        EXPECT_EQ(journal.warnings(), expected);
+        killer.tryStartKillTimer();
+        EXPECT_EQ(journal.calls({"g_source_remove"}), Lines{"g_source_remove"}) << "once";
+    }
     platform.system.passSeconds(100);
     EXPECT_FALSE(exited());
-}
-
-TEST_F(KillerTest, MissingEncryptionStopsTheTimer) {
-    setApplied(1, 0);
-
-    killer.tryStartKillTimer();
-
-    EXPECT_EQ(journal.warnings(),
-              (Lines{"W Encryption is not completed yet.", "W consumer can be killed: [false]", "W STOP killer!"}));
-    EXPECT_EQ(platform.system.timers(), 0U);
-}
-
-TEST_F(KillerTest, BothMissingAreBothLogged) {
-    setApplied(0, 0);
-
-    killer.tryStartKillTimer();
-
-    EXPECT_EQ(journal.warnings(), (Lines{"W Password is not crated yet.", "W Encryption is not completed yet.",
-                                         "W consumer can be killed: [false]", "W STOP killer!"}));
 }
 
 TEST_F(KillerTest, UnsetKeysKeepTheServiceAlive) {
@@ -159,14 +116,6 @@ TEST_F(KillerTest, UnsetKeysKeepTheServiceAlive) {
 
     EXPECT_EQ(journal.warnings().size(), 4U);
     EXPECT_EQ(platform.system.timers(), 0U);
-}
-
-TEST_F(KillerTest, AnyValueButZeroMeansDone) {
-    setApplied(-1, 7);
-
-    killer.tryStartKillTimer();
-
-    EXPECT_EQ(platform.system.timers(), 1U);
 }
 
 TEST_F(KillerTest, ChangedKeyIsATrigger) {

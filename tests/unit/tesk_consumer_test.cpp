@@ -1,3 +1,6 @@
+#include <message_port.h>
+#include <sqlite3.h>
+
 #include <algorithm>
 #include <array>
 #include <functional>
@@ -71,22 +74,6 @@ TEST_F(ConsumerTest, ListensToThreeSystemEvents) {
     EXPECT_EQ(journal.logsOf("init"), (Lines{"I Enter", "I Leave"}));
 }
 
-TEST_F(ConsumerTest, RefusedEventHandlersAreNotLogged) {
-    platform.faults.always("service_app_add_event_handler", -22);
-    TeskConsumer consumer;
-    consumer.init();
-
-    EXPECT_EQ(journal.warnings(), Lines{});
-}
-
-TEST_F(ConsumerTest, StartPassesTheFrameworksResultOn) {
-    platform.faults.always("service_app_main", -77);
-
-    EXPECT_EQ(run(), -77);
-    EXPECT_EQ(journal.calls().back(), "service_app_main 1 tesk-agent");
-    EXPECT_EQ(journal.logsOf("start"), (Lines{"I Enter", "I Leave"}));
-}
-
 TEST_F(ConsumerTest, BringsEverythingUpInOrder) {
     EXPECT_EQ(run(), 0);
 
@@ -95,6 +82,8 @@ TEST_F(ConsumerTest, BringsEverythingUpInOrder) {
                      "preference_set_int pref/tesk-agent/pwd_enforce_account_id 0", "app_get_data_path",
                      "message_port_register_local_port eas-itpolicy-port",
                      "vconf_notify_key_changed db/setting/lock_type", "message_port_unregister_local_port 1"}));
+    EXPECT_EQ(journal.calls({"dpm_"}), Lines{}) << "no account asks for anything";
+    EXPECT_EQ(journal.logsOf("start"), (Lines{"I Enter", "I Leave"}));
     EXPECT_EQ(journal.logsOf("appCreated"), (Lines{"I Enter", "I Leave"}));
     EXPECT_EQ(journal.logsOf("appTerminated"), (Lines{"I Enter", "I Leave"}));
 }
@@ -109,87 +98,64 @@ TEST_F(ConsumerTest, DiagnosticInterfaceIsAskedForFirst) {
     EXPECT_LT(ownerId, std::find(lines.begin(), lines.end(), keyWatches[0]));
 }
 
-TEST_F(ConsumerTest, StartWithoutAccountsAppliesNothing) {
-    run();
-
-    EXPECT_EQ(journal.calls({"dpm_"}), Lines{});
-    EXPECT_EQ(journal.logsOf("applyPolicy"), Lines{});
-}
-
 TEST_F(ConsumerTest, StartWithAccountsAppliesTheirPolicyOnce) {
-    store({account(1)});
+    store({passwordAccount(1)});
 
-    run([&] { EXPECT_EQ(journal.deviceSettings().size(), 11U); });
+    EXPECT_EQ(run([&] { EXPECT_EQ(journal.deviceSettings().size(), 11U); }), 0);
 
     EXPECT_EQ(journal.logsOf("applyPolicy"), Lines{"I Enter"});
     EXPECT_EQ(bringUp().at(5), "vconf_notify_key_changed db/setting/lock_type");
-}
-
-TEST_F(ConsumerTest, StoredPolicyThatNeedsAStrongerLockIsLogged) {
-    store({passwordAccount(1)});
-
-    EXPECT_EQ(run(), 0);
-
     const auto warnings = journal.warnings();
     EXPECT_EQ(std::count(warnings.begin(), warnings.end(), "W Password policy requires stronger password."), 1);
 }
 
-TEST_F(ConsumerTest, MissingDatabaseManagerEndsTheStart) {
-    // The first object is the application, the second the idle terminator.
-    platform.faults.atCall("operator new", 3);
+/// What ends a start before the main loop, and what is logged of it.
+struct Obstacle {
+    const char* name;
+    const char* function;
+    int call;
+    int code;
+    fake::Journal::Lines errors;
+};
+
+class EndedStartTest : public ConsumerTest, public ::testing::WithParamInterface<Obstacle> {};
+
+TEST_P(EndedStartTest, IsLoggedAndTracedToItsEnd) {
+    const auto& obstacle = GetParam();
+    platform.faults.atCall(obstacle.function, obstacle.call, obstacle.code);
 
     EXPECT_EQ(run([] { FAIL() << "the main loop runs"; }), platform.service.refusal);
 
-    EXPECT_EQ(journal.warnings(), Lines{"E TeskConsumerDbMgr::getInstance() failed"});
-    EXPECT_EQ(journal.calls({"message_port", "vconf_notify_key_changed db/setting"}), Lines{});
+    EXPECT_EQ(journal.warnings(), obstacle.errors);
+    EXPECT_EQ(journal.calls({"vconf_notify_key_changed db/setting", "dpm_"}), Lines{});
+    EXPECT_EQ(journal.logsOf("appCreated").back(), "I Leave");
+    EXPECT_EQ(journal.logsOf("start").back(), "I Leave");
     EXPECT_EQ(journal.logsOf("appTerminated"), Lines{});
 }
 
-TEST_F(ConsumerTest, MissingPortManagerEndsTheStart) {
-    platform.faults.atCall("operator new", 4);
-
-    EXPECT_EQ(run([] { FAIL() << "the main loop runs"; }), platform.service.refusal);
-
-    EXPECT_EQ(journal.warnings(), Lines{"E TeskConsumerIpcMgr::getInstance() failed"});
-    EXPECT_EQ(journal.calls({"message_port", "vconf_notify_key_changed db/setting"}), Lines{});
-}
-
-TEST_F(ConsumerTest, RefusedPortEndsTheStart) {
-    store({passwordAccount(1)});
-    platform.faults.always("message_port_register_local_port", -13);
-
-    EXPECT_EQ(run([] { FAIL() << "the main loop runs"; }), platform.service.refusal);
-
-    EXPECT_EQ(journal.warnings(), (Lines{"E Failed message port register. (-13)", "E ipcMgr->init() failed"}));
-    EXPECT_EQ(journal.calls({"vconf_notify_key_changed db/setting", "dpm_"}), Lines{});
-}
-
-TEST_F(ConsumerTest, UnopenedDatabaseDoesNotEndTheStart) {
-    platform.dataPath += "missing/";
-
-    EXPECT_EQ(run(), 0);
-    EXPECT_EQ(journal.calls({"dpm_"}), Lines{});
-}
+// The first object is the application, the second the idle terminator.
+INSTANTIATE_TEST_SUITE_P(
+    , EndedStartTest,
+    ::testing::Values(
+        Obstacle{"NoDatabaseManager", "operator new", 3, -1, {"E TeskConsumerDbMgr::getInstance() failed"}},
+        Obstacle{"NoPortManager", "operator new", 4, -1, {"E TeskConsumerIpcMgr::getInstance() failed"}},
+        Obstacle{"RefusedPort",
+                 "message_port_register_local_port",
+                 1,
+                 MESSAGE_PORT_ERROR_IO_ERROR,
+                 {"E Failed message port register. (-5)", "E ipcMgr->init() failed"}}),
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(ConsumerTest, FailedCountCountsAsNoAccount) {
     store({passwordAccount(1)});
-    platform.faults.always("sqlite3_prepare_v2", 1);
+    platform.faults.always("sqlite3_prepare_v2", SQLITE_ERROR);
 
     EXPECT_EQ(run(), 0);
     EXPECT_EQ(journal.logsOf("applyPolicy"), Lines{});
 }
 
-TEST_F(ConsumerTest, RefusedStartIsTracedToItsEnd) {
-    platform.faults.always("message_port_register_local_port", -13);
-
-    run();
-
-    EXPECT_EQ(journal.logsOf("appCreated"), (Lines{"I Enter", "I Leave"}));
-    EXPECT_EQ(journal.logsOf("start"), (Lines{"I Enter", "I Leave"}));
-}
-
 TEST_F(ConsumerTest, PortThatCannotBeClosedIsLogged) {
-    platform.faults.always("message_port_unregister_local_port", -5);
+    platform.faults.always("message_port_unregister_local_port", MESSAGE_PORT_ERROR_IO_ERROR);
 
     EXPECT_EQ(run(), 0);
     EXPECT_EQ(journal.warnings(), (Lines{"E Failed message port unregister. (-5)", "W ipcMgr->init() failed"}));

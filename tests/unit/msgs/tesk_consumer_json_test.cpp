@@ -38,14 +38,14 @@ TEST(JsonNesting, BracketsInATextDoNotCount) {
     EXPECT_FALSE(isTooDeep(R"("/'")" + repeated("[]", limit + 1)));
 }
 
-TEST(JsonNesting, BracketsBehindATextCount) {
+TEST(JsonNesting, BracketsAfterATextCount) {
     for (const auto* text : {R"("")", R"("\\")", R"("\"")", R"("\n")"}) {
         EXPECT_TRUE(isTooDeep(text + repeated("[", limit + 1))) << text;
         EXPECT_FALSE(isTooDeep(text + repeated("[]", limit + 1))) << text;
     }
 }
 
-TEST(JsonNesting, EveryBracketCountsBehindACommentOrASingleQuote) {
+TEST(JsonNesting, EveryBracketCountsAfterACommentOrASingleQuote) {
     for (const auto* beginning : {"/", "'", "/* \" */", "'\"'"}) {
         EXPECT_FALSE(isTooDeep(beginning + repeated("[]", limit))) << beginning;
         EXPECT_TRUE(isTooDeep(beginning + repeated("[]", limit + 1))) << beginning;

@@ -1,3 +1,4 @@
+#include "platform_values.h"
 #include "rules/TeskPasswordDecision.h"
 #include "unit_test.h"
 
@@ -5,7 +6,7 @@ namespace {
 
 using Verdict = TeskPasswordVerdict;
 
-/// What the device enforces or what is required of it: quality, length, complex characters.
+/// What the device enforces or what is required of it.
 TeskPasswordRules rules(int quality, int minLength = 0, int complexCharacters = 0) {
     TeskPasswordRules made;
     made.quality = quality;
@@ -14,116 +15,102 @@ TeskPasswordRules rules(int quality, int minLength = 0, int complexCharacters = 
     return made;
 }
 
-void expectRules(const TeskPasswordRules& actual, int quality, int minLength, int complexCharacters) {
-    EXPECT_EQ(actual.quality, quality);
-    EXPECT_EQ(actual.minLength, minLength);
-    EXPECT_EQ(actual.complexCharacters, complexCharacters);
+void expectRules(const TeskPasswordRules& actual, const TeskPasswordRules& expected) {
+    EXPECT_EQ(actual.quality, expected.quality);
+    EXPECT_EQ(actual.minLength, expected.minLength);
+    EXPECT_EQ(actual.complexCharacters, expected.complexCharacters);
 }
 
 TEST(PasswordDecision, TypeIsTheQualityWithoutItsLowFourBits) {
-    EXPECT_EQ(TeskPasswordDecision::typeOf(0), 0);
-    EXPECT_EQ(TeskPasswordDecision::typeOf(16), 16);
-    EXPECT_EQ(TeskPasswordDecision::typeOf(33), 32);
-    EXPECT_EQ(TeskPasswordDecision::typeOf(129), 128);
-    EXPECT_EQ(TeskPasswordDecision::typeOf(47), 32);
+    for (const auto& [quality, type] : {std::pair(0, 0), {16, 16}, {33, 32}, {129, 128}, {47, 32}}) {
+        EXPECT_EQ(TeskPasswordDecision::typeOf(quality), type) << quality;
+    }
 }
 
-TEST(RequiredPassword, IsNothingWithoutAPasswordRule) {
+TEST(PasswordDecision, OldStyleQualitiesMigrateAndOthersStay) {
+    for (const auto& [quality, migrated] : {std::pair(16, 33), {17, 33}, {32, 32}, {129, 129}, {0, 0}}) {
+        EXPECT_EQ(TeskPasswordDecision::migrated(quality), migrated) << quality;
+    }
+}
+
+TEST(RequiredPassword, IsNumericOrAlphanumericAndAsLongAsPolicyAndCountryWant) {
     auto data = account(1);
-    data.alphanumericDevicePasswordRequired = 1;
-    data.minDevicePasswordLength = 8;
-    data.minDevicePasswordComplexCharacters = 3;
-
-    expectRules(TeskPasswordDecision::required(data, 4), 0, 0, 0);
-}
-
-TEST(RequiredPassword, IsNumericUnlessAlphanumericIsRequired) {
-    auto data = passwordAccount(1);
-    expectRules(TeskPasswordDecision::required(data, 4), 33, 4, 0);
-
-    data.allowSimplePassword = 0;
-    expectRules(TeskPasswordDecision::required(data, 4), 32, 4, 0);
-}
-
-TEST(RequiredPassword, IsAlphanumericWithItsComplexCharacters) {
-    auto data = passwordAccount(1);
-    data.alphanumericDevicePasswordRequired = 1;
-    data.minDevicePasswordComplexCharacters = 3;
-    expectRules(TeskPasswordDecision::required(data, 4), 129, 4, 3);
-
-    data.allowSimplePassword = 0;
-    expectRules(TeskPasswordDecision::required(data, 4), 128, 4, 3);
-}
-
-TEST(RequiredPassword, ComplexCharactersNeedAnAlphanumericPassword) {
-    auto data = passwordAccount(1);
-    data.minDevicePasswordComplexCharacters = 3;
-
-    EXPECT_EQ(TeskPasswordDecision::required(data, 4).complexCharacters, 0);
-}
-
-TEST(RequiredPassword, LengthIsTheLargerOfCountryAndPolicy) {
-    auto data = passwordAccount(1);
     data.minDevicePasswordLength = 5;
+    data.minDevicePasswordComplexCharacters = 3;
+    expectRules(TeskPasswordDecision::required(data, 6), rules(quality::none, 0, 0));
 
-    EXPECT_EQ(TeskPasswordDecision::required(data, 4).minLength, 5);
-    EXPECT_EQ(TeskPasswordDecision::required(data, 6).minLength, 6);
+    data.devicePasswordEnabled = 1;
+    expectRules(TeskPasswordDecision::required(data, 4), rules(quality::numericOrSimple, 5, 0));
+    expectRules(TeskPasswordDecision::required(data, 6), rules(quality::numericOrSimple, 6, 0));
+
+    data.allowSimplePassword = 0;
+    expectRules(TeskPasswordDecision::required(data, 4), rules(quality::numeric, 5, 0));
+
+    data.alphanumericDevicePasswordRequired = 1;
+    expectRules(TeskPasswordDecision::required(data, 4), rules(quality::alphanumeric, 5, 3));
+
+    data.allowSimplePassword = 1;
+    expectRules(TeskPasswordDecision::required(data, 4), rules(quality::alphanumericOrSimple, 5, 3));
+
+    data.devicePasswordEnabled = 0;
+    expectRules(TeskPasswordDecision::required(data, 4), rules(quality::none, 0, 0));
 }
 
-TEST(PasswordComparison, WeakerTypeIsTooWeak) {
-    EXPECT_EQ(TeskPasswordDecision::compareRules(rules(0), rules(33), true), Verdict::QualityTooWeak);
-    EXPECT_EQ(TeskPasswordDecision::compareRules(rules(33), rules(128), false), Verdict::QualityTooWeak);
+/// What the device enforces, what is required of it, and what comes of it.
+struct Comparison {
+    const char* name;
+    TeskPasswordRules current;
+    TeskPasswordRules required;
+    bool allowsSimple;
+    Verdict verdict;
+};
+
+class PasswordComparisonTest : public ::testing::TestWithParam<Comparison> {};
+
+TEST_P(PasswordComparisonTest, FindsTheFirstReason) {
+    const auto& row = GetParam();
+
+    EXPECT_EQ(TeskPasswordDecision::compareRules(row.current, row.required, row.allowsSimple), row.verdict);
 }
 
-TEST(PasswordComparison, StrongerTypeIsAcceptedAndTheLengthStillCounts) {
-    EXPECT_EQ(TeskPasswordDecision::compareRules(rules(128, 4), rules(33, 4), true), Verdict::Satisfied);
-    EXPECT_EQ(TeskPasswordDecision::compareRules(rules(128, 3), rules(33, 4), true), Verdict::TooShort);
-}
+constexpr bool simple = true;
+constexpr bool notSimple = false;
 
-TEST(PasswordComparison, SimplePasswordIsRefusedOnlyWhereTypesAreEqual) {
-    EXPECT_EQ(TeskPasswordDecision::compareRules(rules(33), rules(32), false), Verdict::SimplePasswordAllowed);
-    EXPECT_EQ(TeskPasswordDecision::compareRules(rules(129), rules(128), false), Verdict::SimplePasswordAllowed);
-    EXPECT_EQ(TeskPasswordDecision::compareRules(rules(129), rules(32), false), Verdict::Satisfied);
-    EXPECT_EQ(TeskPasswordDecision::compareRules(rules(32), rules(32), false), Verdict::Satisfied);
-    EXPECT_EQ(TeskPasswordDecision::compareRules(rules(33), rules(33), true), Verdict::Satisfied);
-}
-
-TEST(PasswordComparison, SimplePasswordCountsEvenWhereNoPasswordIsRequired) {
-    EXPECT_EQ(TeskPasswordDecision::compareRules(rules(1), rules(0), false), Verdict::SimplePasswordAllowed);
-}
-
-TEST(PasswordComparison, ShorterPasswordIsTooShort) {
-    EXPECT_EQ(TeskPasswordDecision::compareRules(rules(33, 3), rules(33, 4), true), Verdict::TooShort);
-    EXPECT_EQ(TeskPasswordDecision::compareRules(rules(33, 4), rules(33, 4), true), Verdict::Satisfied);
-}
-
-TEST(PasswordComparison, ComplexCharactersCountOnlyWhereBothAreAlphanumeric) {
-    EXPECT_EQ(TeskPasswordDecision::compareRules(rules(128, 4, 1), rules(128, 4, 2), false),
-              Verdict::TooFewComplexCharacters);
-    EXPECT_EQ(TeskPasswordDecision::compareRules(rules(128, 4, 2), rules(128, 4, 2), false), Verdict::Satisfied);
-    EXPECT_EQ(TeskPasswordDecision::compareRules(rules(256, 4, 1), rules(128, 4, 2), false), Verdict::Satisfied);
-}
-
-TEST(PasswordComparison, ReasonsAreFoundInTheirOrder) {
-    EXPECT_EQ(TeskPasswordDecision::compareRules(rules(33, 3, 0), rules(128, 4, 2), false), Verdict::QualityTooWeak);
-    EXPECT_EQ(TeskPasswordDecision::compareRules(rules(129, 3, 0), rules(128, 4, 2), false),
-              Verdict::SimplePasswordAllowed);
-    EXPECT_EQ(TeskPasswordDecision::compareRules(rules(128, 3, 0), rules(128, 4, 2), false), Verdict::TooShort);
-}
+INSTANTIATE_TEST_SUITE_P(
+    , PasswordComparisonTest,
+    ::testing::Values(
+        Comparison{"NoPassword", rules(0), rules(33), simple, Verdict::QualityTooWeak},
+        Comparison{"WeakerTypeBeforeAllElse", rules(33, 3, 0), rules(128, 4, 2), notSimple, Verdict::QualityTooWeak},
+        Comparison{"StrongerType", rules(128, 4), rules(33, 4), simple, Verdict::Satisfied},
+        Comparison{"StrongerTypeThatIsShort", rules(128, 3), rules(33, 4), simple, Verdict::TooShort},
+        Comparison{"EqualRules", rules(33, 4), rules(33, 4), simple, Verdict::Satisfied},
+        Comparison{"ShorterPassword", rules(33, 3), rules(33, 4), simple, Verdict::TooShort},
+        Comparison{"SimplePin", rules(33), rules(32), notSimple, Verdict::SimplePasswordAllowed},
+        Comparison{"SimplePasswordBeforeItsLength", rules(129, 3, 0), rules(128, 4, 2), notSimple,
+                   Verdict::SimplePasswordAllowed},
+        Comparison{"SimplePasswordOfAStrongerType", rules(129), rules(32), notSimple, Verdict::Satisfied},
+        Comparison{"NoSimplePassword", rules(32), rules(32), notSimple, Verdict::Satisfied},
+        Comparison{"SimplePasswordWhereNoneIsRequired", rules(1), rules(0), notSimple, Verdict::SimplePasswordAllowed},
+        Comparison{"FewComplexCharacters", rules(128, 4, 1), rules(128, 4, 2), notSimple,
+                   Verdict::TooFewComplexCharacters},
+        Comparison{"LengthBeforeComplexCharacters", rules(128, 3, 0), rules(128, 4, 2), notSimple, Verdict::TooShort},
+        Comparison{"EnoughComplexCharacters", rules(128, 4, 2), rules(128, 4, 2), notSimple, Verdict::Satisfied},
+        Comparison{"FewComplexCharactersOfAStrongerType", rules(256, 4, 1), rules(128, 4, 2), notSimple,
+                   Verdict::Satisfied}),
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST(LockComparison, AnyRequiredPasswordNeedsALock) {
-    EXPECT_EQ(TeskPasswordDecision::compareLock(0, 0), Verdict::Satisfied);
-    EXPECT_EQ(TeskPasswordDecision::compareLock(31, 0), Verdict::Satisfied);
-    EXPECT_EQ(TeskPasswordDecision::compareLock(32, 0), Verdict::NoLock);
-    EXPECT_EQ(TeskPasswordDecision::compareLock(129, 0), Verdict::NoLock);
+    EXPECT_EQ(TeskPasswordDecision::compareLock(0, lock::none), Verdict::Satisfied);
+    EXPECT_EQ(TeskPasswordDecision::compareLock(31, lock::none), Verdict::Satisfied);
+    EXPECT_EQ(TeskPasswordDecision::compareLock(32, lock::none), Verdict::NoLock);
+    EXPECT_EQ(TeskPasswordDecision::compareLock(129, lock::none), Verdict::NoLock);
 }
 
 TEST(LockComparison, PinIsEnoughForNumericQualityOnly) {
-    EXPECT_EQ(TeskPasswordDecision::compareLock(33, 1), Verdict::Satisfied);
-    EXPECT_EQ(TeskPasswordDecision::compareLock(63, 1), Verdict::Satisfied);
-    EXPECT_EQ(TeskPasswordDecision::compareLock(64, 1), Verdict::PinInsteadOfPassword);
-    EXPECT_EQ(TeskPasswordDecision::compareLock(128, 1), Verdict::PinInsteadOfPassword);
-    EXPECT_EQ(TeskPasswordDecision::compareLock(128, 2), Verdict::Satisfied);
+    EXPECT_EQ(TeskPasswordDecision::compareLock(33, lock::pin), Verdict::Satisfied);
+    EXPECT_EQ(TeskPasswordDecision::compareLock(63, lock::pin), Verdict::Satisfied);
+    EXPECT_EQ(TeskPasswordDecision::compareLock(64, lock::pin), Verdict::PinInsteadOfPassword);
+    EXPECT_EQ(TeskPasswordDecision::compareLock(128, lock::password), Verdict::Satisfied);
 }
 
 } // namespace
