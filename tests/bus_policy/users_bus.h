@@ -31,7 +31,7 @@ public:
 
 private:
     TemporaryFolder folder_;
-    system_test::BusDaemon daemon_;
+    BusDaemon daemon_;
 };
 
 } // namespace policy_test

@@ -127,36 +127,24 @@ void Companions::answer(const std::string& id, const std::string& result) const 
 }
 
 bool Companions::isRunning(const std::string& id) const {
-    const auto answer = call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
-                             g_variant_new("(s)", id.c_str()));
+    const auto answer = askBus("NameHasOwner", id);
     gboolean isOwned = FALSE;
     g_variant_get(answer.get(), "(b)", &isOwned);
     return isOwned != FALSE;
 }
 
 pid_t Companions::processOf(const std::string& id) const {
-    const auto answer = call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                             "GetConnectionUnixProcessID", g_variant_new("(s)", id.c_str()));
+    const auto answer = askBus("GetConnectionUnixProcessID", id);
     guint32 pid = 0;
     g_variant_get(answer.get(), "(u)", &pid);
     return static_cast<pid_t>(pid);
 }
 
-void Companions::announce(int event) const {
+c::VariantOwner Companions::askBus(const char* method, const std::string& id) const {
     GError* error = nullptr;
-    const GDBusInterfaceInfo* interface = tesk_host_system_interface_info();
-    const bool isDone =
-        g_dbus_connection_emit_signal(connection(), nullptr, host_bus::systemPath, interface->name,
-                                      interface->signals[0]->name, g_variant_new("(i)", event), &error) != FALSE;
-    require(isDone, "cannot announce an event", error);
-    settle(ids::service);
-}
-
-c::VariantOwner Companions::call(const char* owner, const char* path, const char* interface, const char* method,
-                                 GVariant* arguments) const {
-    GError* error = nullptr;
-    c::VariantOwner answer(g_dbus_connection_call_sync(connection(), owner, path, interface, method, arguments, nullptr,
-                                                       G_DBUS_CALL_FLAGS_NONE, companionTimeout, nullptr, &error));
+    c::VariantOwner answer(g_dbus_connection_call_sync(
+        connection(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method,
+        g_variant_new("(s)", id.c_str()), nullptr, G_DBUS_CALL_FLAGS_NONE, companionTimeout, nullptr, &error));
     require(answer != nullptr, method, error);
     return answer;
 }

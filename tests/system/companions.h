@@ -64,15 +64,11 @@ public:
     /// The process behind an application; an error of the test when it does not run.
     pid_t processOf(const std::string& id) const;
 
-    /// Announces an event of the device, one of app_event_type_e, and waits until the service has handled it.
-    void announce(int event) const;
-
-    /// Calls any method on the bus. Throws std::runtime_error with the answer when it fails.
-    c::VariantOwner call(const char* owner, const char* path, const char* interface, const char* method,
-                         GVariant* arguments) const;
-
 private:
     GDBusConnection* connection() const;
+
+    /// Asks the bus something about an application.
+    c::VariantOwner askBus(const char* method, const std::string& id) const;
 
     std::string busAddress_;
     mutable c::ObjectOwner<GDBusConnection> connection_;

@@ -4,14 +4,14 @@
 #include <dpm/password.h>
 #include <dpm/restriction.h>
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 #include <vconf.h>
 
-#include <stdexcept>
+#include <memory>
 #include <tuple>
 
 #include "c_owners.h"
 #include "device/application_ids.h"
+#include "other_program.h"
 #include "platform_owners.h"
 
 namespace system_test {
@@ -22,29 +22,11 @@ auto fields(const Settings& s) {
                            s.history, s.wifi, s.messaging, s.popImap, s.encryption);
 }
 
-using Database = c::Owner<sqlite3, sqlite3_close>;
-using Statement = c::Owner<sqlite3_stmt, sqlite3_finalize>;
-
 /// A number that another process keeps in the watch's store.
 std::optional<int> storedNumber(const std::string& path) {
     const c::ObjectOwner<DConfClient> client(dconf_client_new());
     const c::VariantOwner value(dconf_client_read(client.get(), path.c_str()));
     return value != nullptr ? std::optional<int>(g_variant_get_int32(value.get())) : std::nullopt;
-}
-
-Database openForReading(const std::filesystem::path& path) {
-    sqlite3* opened = nullptr;
-    const int result = sqlite3_open_v2(path.c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
-    Database database(opened);
-    if (result != SQLITE_OK) {
-        throw std::runtime_error("cannot read " + path.string() + ": " + sqlite3_errmsg(opened));
-    }
-    return database;
-}
-
-std::string columnText(sqlite3_stmt* row, int column) {
-    const unsigned char* text = sqlite3_column_text(row, column);
-    return text != nullptr ? reinterpret_cast<const char*>(text) : "NULL";
 }
 
 } // namespace
@@ -102,21 +84,7 @@ std::optional<int> enforcingAccount() {
 }
 
 std::vector<Row> storedRows(const std::filesystem::path& database) {
-    const Database opened = openForReading(database);
-    sqlite3_stmt* prepared = nullptr;
-    const int result =
-        sqlite3_prepare_v2(opened.get(), "select * from eas_policy_tbl order by account_id", -1, &prepared, nullptr);
-    const Statement statement(prepared);
-    EXPECT_EQ(result, SQLITE_OK) << sqlite3_errmsg(opened.get());
-    std::vector<Row> rows;
-    while (sqlite3_step(statement.get()) == SQLITE_ROW) {
-        constexpr int policyColumns = 24; // behind them are columns that nobody fills
-        Row& row = rows.emplace_back();
-        for (int column = 0; column < policyColumns; ++column) {
-            row.push_back(columnText(statement.get(), column));
-        }
-    }
-    return rows;
+    return OtherProgram(database).rows("select * from eas_policy_tbl order by account_id");
 }
 
 std::vector<std::string> storedAccounts(const std::filesystem::path& database) {

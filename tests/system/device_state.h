@@ -53,17 +53,6 @@ inline constexpr Settings hardenedSettings = with(releasedSettings, {{&Settings:
                                                                      {&Settings::expiration, 365},
                                                                      {&Settings::history, 4},
                                                                      {&Settings::encryption, 1}});
-inline constexpr Settings strictestSettings = with(releasedSettings, {{&Settings::quality, 128},
-                                                                      {&Settings::minLength, 16},
-                                                                      {&Settings::failedAttempts, 4},
-                                                                      {&Settings::complexCharacters, 4},
-                                                                      {&Settings::inactivity, 60},
-                                                                      {&Settings::expiration, 1},
-                                                                      {&Settings::history, 50},
-                                                                      {&Settings::wifi, 0},
-                                                                      {&Settings::messaging, 0},
-                                                                      {&Settings::popImap, 0},
-                                                                      {&Settings::encryption, 1}});
 
 /// What a set-up device policy manager answers to a process that wants to change a setting to the value it has: a
 /// platform code, which tells whether a client is registered.
@@ -91,7 +80,7 @@ inline constexpr char country[] = "db/rgn/country_iso";
 /// A stored account: its columns, in order, as texts.
 using Row = std::vector<std::string>;
 
-/// The stored accounts in the order of their ids. The file is read and never changed.
+/// The stored accounts in the order of their ids.
 std::vector<Row> storedRows(const std::filesystem::path& database);
 
 /// Their ids alone.

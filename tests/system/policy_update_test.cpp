@@ -45,15 +45,6 @@ TEST(PolicyUpdate, HardenedPolicyAsksForALockAndOffersEncryption) {
               std::vector({Launch{ids::service, false, {{"__OPERATION__", "__ENABLE_ENCRYPTION_MENU__"}}}}));
 }
 
-TEST(PolicyUpdate, StrictestPolicyForbidsAndLimitsEverything) {
-    const TestDevice device;
-    device.launchService();
-
-    device.send("req_update_policy", policyUpdate({alice(strictestPolicy)}));
-
-    EXPECT_EQ(settings(), strictestSettings);
-}
-
 TEST(PolicyUpdate, RegionAndEncryptionOfTheWatchCount) {
     const TestDevice device({deskwatch::Lock::None, true, "KR", false});
     device.launchService();

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "bus_daemon.h"
 #include "device/application_ids.h"
 #include "device_state.h"
 #include "messages.h"
@@ -10,36 +9,35 @@
 namespace system_test {
 namespace {
 
-deskwatch::Environment environmentWith(const TestDevice& device, const BusDaemon& systemBus) {
+deskwatch::Environment environmentWith(const TestDevice& device, const std::string& systemBus) {
     auto environment = device.booted().appEnvironment(ids::service);
-    environment["DBUS_SYSTEM_BUS_ADDRESS"] = systemBus.address();
+    environment["DBUS_SYSTEM_BUS_ADDRESS"] = systemBus;
     return environment;
 }
 
 TEST(SystemBus, ServiceOutlivesItAndGoesOnEnforcing) {
-    const BusDaemon systemBus("--session"); // not the device's own bus, as on a device
+    const c::ObjectOwner<GTestDBus> systemBus(g_test_dbus_new(G_TEST_DBUS_NONE));
+    g_test_dbus_up(systemBus.get()); // not the device's own bus, as on a device
     const TestDevice device;
-    const ServiceProcess service(device, environmentWith(device, systemBus));
+    const ServiceProcess service(device, environmentWith(device, g_test_dbus_get_bus_address(systemBus.get())));
     device.waitForLog("TestDbus.cpp: __onNameAcquired");
 
-    systemBus.goAway();
+    g_test_dbus_stop(systemBus.get());
     device.waitForLog("TestDbus.cpp: __onNameLost");
     device.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
 
-    EXPECT_EQ(storedRows(device.database()).size(), 1U);
+    EXPECT_EQ(settings(), hardenedSettings);
     EXPECT_EQ(device.servicePid(), service.pid());
 }
 
 TEST(SystemBus, ServiceWorksWithoutOne) {
     const TestDevice device;
-    auto environment = device.booted().appEnvironment(ids::service);
-    environment["DBUS_SYSTEM_BUS_ADDRESS"] = "unix:path=" + (device.layout().folder() / "nowhere").string();
-    const ServiceProcess service(device, environment);
+    const ServiceProcess service(device, environmentWith(device, "unix:path=/nowhere"));
     device.waitForLog("TestDbus.cpp: __onNameLost");
 
     device.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
 
-    EXPECT_EQ(storedRows(device.database()).size(), 1U);
+    EXPECT_EQ(settings(), hardenedSettings);
     EXPECT_EQ(device.servicePid(), service.pid());
 }
 

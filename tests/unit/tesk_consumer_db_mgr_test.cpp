@@ -1,6 +1,4 @@
 #include <sqlite3.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -92,7 +90,8 @@ TEST_F(DbMgrTest, FirstStartMakesFolderFileAndTable) {
     EXPECT_EQ(fs::status(file).permissions(), static_cast<fs::perms>(0600)) << "it is for the service alone";
     auto text = TeskPolicyTable::createSql();
     text.pop_back();
-    EXPECT_EQ(OtherProgram(file).firstRow("select sql from sqlite_master where name='eas_policy_tbl'"), Lines{text});
+    EXPECT_EQ(OtherProgram(file).rows("select sql from sqlite_master where name='eas_policy_tbl'"),
+              std::vector<Lines>{{text}});
     const auto calls = journal.calls({"sqlite3_"});
     EXPECT_EQ(Lines(calls.begin(), calls.begin() + 3),
               (Lines{"sqlite3_open", "sqlite3_busy_handler", "sqlite3_prepare_v2 " + TeskPolicyTable::createSql()}));
@@ -390,61 +389,6 @@ TEST_F(DbMgrTest, ValuesOfOtherKindsReadAsNumbersAndTexts) {
     EXPECT_EQ(data.displayName, "12");
 }
 
-/// While it lives, the process may do no more than any user may, even when a superuser runs the test. It keeps its way
-/// into the data folder of the test.
-class AnyUser {
-public:
-    explicit AnyUser(const fs::path& dataFolder) {
-        if (geteuid() == 0) {
-            EXPECT_EQ(chown(dataFolder.parent_path().c_str(), nobody, nobody), 0);
-            EXPECT_EQ(chown(dataFolder.c_str(), nobody, nobody), 0);
-            EXPECT_EQ(seteuid(nobody), 0);
-        }
-    }
-    ~AnyUser() {
-        if (getuid() == 0) {
-            EXPECT_EQ(seteuid(0), 0);
-        }
-    }
-    AnyUser(const AnyUser&) = delete;
-    AnyUser& operator=(const AnyUser&) = delete;
-
-private:
-    static constexpr uid_t nobody = 65534;
-};
-
-/// A right that the service lacks, and what it logs of it.
-struct MissingRight {
-    const char* name;
-    const char* place; ///< below the data folder
-    unsigned mode;
-    const char* complaint;
-};
-
-class MissingRightTest : public DbMgrTest, public ::testing::WithParamInterface<MissingRight> {};
-
-TEST_P(MissingRightTest, RefusesChangesAndKeepsTheFile) {
-    { const TeskConsumerDbMgr first; }
-    const auto before = bytesOf(file);
-    const auto place = platform.dataPath + GetParam().place;
-    fs::permissions(place, static_cast<fs::perms>(GetParam().mode));
-    {
-        const AnyUser restrained(folder.parent_path());
-        TeskConsumerDbMgr db;
-        EXPECT_EQ(db.insertPolicy(account(1)), TESK_DB_FAILURE);
-    }
-    EXPECT_TRUE(logged(GetParam().complaint));
-    fs::permissions(place, fs::perms::owner_all);
-    EXPECT_EQ(bytesOf(file), before);
-}
-
-INSTANTIATE_TEST_SUITE_P(, MissingRightTest,
-                         ::testing::Values(MissingRight{"ToWrite", "dbspace/.tesk.db", 0444,
-                                                        "attempt to write a readonly database"},
-                                           MissingRight{"ToRead", "dbspace/.tesk.db", 0, "sqlite3_open failed: [14]"},
-                                           MissingRight{"ToEnterTheFolder", "dbspace", 0, "sqlite3_open failed: [14]"}),
-                         [](const auto& row) { return std::string(row.param.name); });
-
 TEST_F(DbMgrTest, InsertedRecordIsReadBackFieldByField) {
     TeskConsumerDbMgr db;
     const auto expected = fieldsOf(everyFieldDifferent(100));
@@ -453,7 +397,7 @@ TEST_F(DbMgrTest, InsertedRecordIsReadBackFieldByField) {
     EXPECT_EQ(fieldsOf(read(db, 100)), expected);
     auto columns = expected;
     columns.insert(columns.end(), 6, "NULL");
-    EXPECT_EQ(OtherProgram(file).firstRow("select * from eas_policy_tbl"), columns);
+    EXPECT_EQ(OtherProgram(file).rows("select * from eas_policy_tbl"), std::vector<Lines>{columns});
 }
 
 TEST_F(DbMgrTest, ExtremeNumbersAndOddTextsSurvive) {

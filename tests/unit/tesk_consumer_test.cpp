@@ -229,13 +229,4 @@ TEST_F(ConsumerTest, SatisfiedServiceEndsItselfTenSecondsAfterThePolicy) {
     });
 }
 
-TEST_F(ConsumerTest, OutstandingPolicyKeepsTheServiceAlive) {
-    run([&] {
-        platform.ports.deliver("req_update_policy", samples::indication(1, samples::hardened));
-        platform.settings.deliverChanges();
-        platform.system.passSeconds(1000);
-        EXPECT_FALSE(platform.service.exited);
-    });
-}
-
 } // namespace

@@ -237,6 +237,7 @@ TEST_F(TestDbusTest, PingAnswersAndChangesNothing) {
     EXPECT_EQ(call("ping"), 0);
 
     EXPECT_EQ(journal.logs(), (Lines{"I Enter", "I TestDbus methodName: [ping]", "W Pong. I'm alive!"}));
+    EXPECT_EQ(call("format"), -1) << "a method that is not there";
 }
 
 TEST_F(TestDbusTest, RemoveAccountDeletesTheTestAccount) {

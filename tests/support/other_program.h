@@ -19,20 +19,20 @@ public:
         EXPECT_EQ(sqlite3_exec(database_, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sql;
     }
 
-    /// The values of the first row; "NULL" for a value that is absent.
-    std::vector<std::string> firstRow(const std::string& sql) {
-        std::vector<std::string> row;
-        sqlite3_exec(
-            database_, sql.c_str(),
-            [](void* values, int count, char** texts, char**) {
-                for (int i = 0; i < count; ++i) {
-                    static_cast<std::vector<std::string>*>(values)->emplace_back(texts[i] != nullptr ? texts[i]
-                                                                                                     : "NULL");
-                }
-                return 1;
-            },
-            &row, nullptr);
-        return row;
+    using Row = std::vector<std::string>;
+
+    /// The values of all rows; "NULL" for a value that is absent.
+    std::vector<Row> rows(const std::string& sql) {
+        std::vector<Row> rows;
+        const auto addRow = [](void* all, int count, char** texts, char** /*names*/) {
+            auto& row = static_cast<std::vector<Row>*>(all)->emplace_back();
+            for (int i = 0; i < count; ++i) {
+                row.emplace_back(texts[i] != nullptr ? texts[i] : "NULL");
+            }
+            return 0;
+        };
+        EXPECT_EQ(sqlite3_exec(database_, sql.c_str(), addRow, &rows, nullptr), SQLITE_OK) << sql;
+        return rows;
     }
 
 private:

@@ -1,12 +1,12 @@
-#ifndef TESTS_SYSTEM_BUS_DAEMON_H
-#define TESTS_SYSTEM_BUS_DAEMON_H
+#ifndef POLICY_BUS_DAEMON_H
+#define POLICY_BUS_DAEMON_H
 
 #include <string>
 
 #include "c_owners.h"
 #include "device/environment.h"
 
-namespace system_test {
+namespace policy_test {
 
 /// A bus of the test's own, beside the watch's, which goes with this object.
 class BusDaemon {
@@ -27,6 +27,6 @@ private:
     std::string address_;
 };
 
-} // namespace system_test
+} // namespace policy_test
 
 #endif

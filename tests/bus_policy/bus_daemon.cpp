@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-namespace system_test {
+namespace policy_test {
 namespace {
 
 c::ObjectOwner<GSubprocess> start(const std::string& configuration, const deskwatch::Environment& variables) {
@@ -38,4 +38,4 @@ void BusDaemon::goAway() const {
     g_subprocess_wait(daemon_.get(), nullptr, nullptr);
 }
 
-} // namespace system_test
+} // namespace policy_test
