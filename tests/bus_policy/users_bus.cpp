@@ -52,23 +52,24 @@ std::string configuration(const fs::path& folder, const fs::path& policy) {
            (policy.empty() ? "" : "<include>" + policy.string() + "</include>") + "</busconfig>\n";
 }
 
-std::string option(const fs::path& folder, const fs::path& policy) {
-    fs::permissions(folder, static_cast<fs::perms>(0711)); // others must reach the socket
-    write(folder / "bus.conf", configuration(folder, policy));
-    write(folder / "passwd", "root:x:0:0::/:/bin/sh\nowner:x:5001:5001::/:/bin/sh\nnobody:x:65534:65534::/:/bin/sh\n");
-    write(folder / "group", "root:x:0:\nowner:x:5001:\nnogroup:x:65534:\n");
-    return "--config-file=" + (folder / "bus.conf").string();
-}
-
 deskwatch::Environment usersIn(const fs::path& folder) {
-    return {{"LD_PRELOAD", "libnss_wrapper.so"},
-            {"NSS_WRAPPER_PASSWD", (folder / "passwd").string()},
-            {"NSS_WRAPPER_GROUP", (folder / "group").string()}};
+    auto variables = deskwatch::inheritedEnvironment();
+    variables["LD_PRELOAD"] = "libnss_wrapper.so";
+    variables["NSS_WRAPPER_PASSWD"] = (folder / "passwd").string();
+    variables["NSS_WRAPPER_GROUP"] = (folder / "group").string();
+    return variables;
 }
 
 } // namespace
 
-UsersBus::UsersBus(const fs::path& policy) : daemon_(option(folder_.path(), policy), usersIn(folder_.path())) {}
+UsersBus::UsersBus(const fs::path& policy) {
+    const auto& folder = folder_.path();
+    fs::permissions(folder, static_cast<fs::perms>(0711)); // others must reach the socket
+    write(folder / "bus.conf", configuration(folder, policy));
+    write(folder / "passwd", "root:x:0:0::/:/bin/sh\nowner:x:5001:5001::/:/bin/sh\nnobody:x:65534:65534::/:/bin/sh\n");
+    write(folder / "group", "root:x:0:\nowner:x:5001:\nnogroup:x:65534:\n");
+    daemon_.start({folder / "bus.conf", folder / "log", usersIn(folder)});
+}
 
 Connection UsersBus::connect(User user) const {
     const Disguise disguise(user);

@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <string>
 
-#include "bus_daemon.h"
 #include "c_owners.h"
+#include "device/bus_process.h"
 #include "temporary_folder.h"
 
 namespace policy_test {
@@ -23,15 +23,18 @@ class UsersBus {
 public:
     /// Starts it with that bus policy on top, or with none when the path is empty.
     explicit UsersBus(const std::filesystem::path& policy);
+    ~UsersBus() { daemon_.stop(); }
+    UsersBus(const UsersBus&) = delete;
+    UsersBus& operator=(const UsersBus&) = delete;
 
-    const std::string& address() const { return daemon_.address(); }
+    std::string address() const { return "unix:path=" + (folder_.path() / "bus").string(); }
 
     /// Connects as that user, who is told to the bus by the kernel. Throws std::runtime_error when refused.
     Connection connect(User user) const;
 
 private:
     TemporaryFolder folder_;
-    BusDaemon daemon_;
+    deskwatch::BusProcess daemon_{folder_.path() / "bus.process"};
 };
 
 } // namespace policy_test

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "device/application_ids.h"
+#include "device/bus_process.h"
 #include "device_state.h"
 #include "messages.h"
 #include "service_process.h"
@@ -16,13 +17,12 @@ deskwatch::Environment environmentWith(const TestDevice& device, const std::stri
 }
 
 TEST(SystemBus, ServiceOutlivesItAndGoesOnEnforcing) {
-    const c::ObjectOwner<GTestDBus> systemBus(g_test_dbus_new(G_TEST_DBUS_NONE));
-    g_test_dbus_up(systemBus.get()); // not the device's own bus, as on a device
+    const TestDevice other; // its bus is the system bus here: not the device's own, as on a device
     const TestDevice device;
-    const ServiceProcess service(device, environmentWith(device, g_test_dbus_get_bus_address(systemBus.get())));
+    const ServiceProcess service(device, environmentWith(device, other.booted().busAddress()));
     device.waitForLog("TestDbus.cpp: __onNameAcquired");
 
-    g_test_dbus_stop(systemBus.get());
+    deskwatch::BusProcess(other.layout().busRecord()).stop();
     device.waitForLog("TestDbus.cpp: __onNameLost");
     device.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
 
