@@ -2,23 +2,19 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <memory>
 
 #include "messages.h"
+#include "rules/TeskPolicyMerge.h"
+#include "rules/TeskPolicySettings.h"
 
 namespace load_test {
 namespace {
 
-constexpr int simplePin = 33;
-constexpr int shortest = 4; // the country's
+constexpr int countryMinLength = 4;
 
 std::string nameOf(int id, int number) {
     return "user" + std::to_string(id) + "-" + std::to_string(number) + "@load.example";
-}
-
-/// The smaller limit; 0 is none.
-int stricter(int limit, int other) {
-    return limit == 0 || other == 0 ? std::max(limit, other) : std::min(limit, other);
 }
 
 } // namespace
@@ -66,23 +62,21 @@ Accounts storedAccounts(const std::filesystem::path& database) {
 }
 
 system_test::Settings settingsOf(const Accounts& accounts) {
-    if (accounts.empty()) {
-        return system_test::releasedSettings;
-    }
-    Demands all;
+    TeskPolicyDataList records;
     for (const auto& [id, demands] : accounts) {
-        all.number = stricter(all.number, demands.number);
-        all.length = std::max(all.length, demands.length);
-        all.inactivity = stricter(all.inactivity, demands.inactivity);
-        all.wifi = all.wifi && demands.wifi;
+        auto& record = *records.emplace_back(std::make_shared<TeskPolicyData>());
+        record.devicePasswordEnabled = 1;
+        record.devicePasswordExpiration = demands.number;
+        record.minDevicePasswordLength = demands.length;
+        record.maxInactivityTimeDeviceLock = demands.inactivity;
+        record.allowWifi = demands.wifi ? 1 : 0;
     }
-    system_test::Settings settings = system_test::releasedSettings;
-    settings.quality = simplePin;
-    settings.minLength = std::max(shortest, all.length);
-    settings.expiration = all.number;
-    settings.inactivity = all.inactivity;
-    settings.wifi = all.wifi ? 1 : 0;
-    return settings;
+    const auto ruled = TeskPolicySettings::of(TeskPolicyMerge::strongest(records), countryMinLength);
+    return system_test::with(system_test::releasedSettings, {{&system_test::Settings::quality, ruled.quality},
+                                                             {&system_test::Settings::minLength, ruled.minLength},
+                                                             {&system_test::Settings::expiration, ruled.expiration},
+                                                             {&system_test::Settings::inactivity, ruled.inactivity},
+                                                             {&system_test::Settings::wifi, ruled.wifi}});
 }
 
 } // namespace load_test

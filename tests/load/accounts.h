@@ -41,7 +41,7 @@ std::string updateOf(int id, const Demands& demands);
 /// test.
 Accounts storedAccounts(const std::filesystem::path& database);
 
-/// The rules that the device must hold while these accounts are stored.
+/// The rules that the device must hold while these accounts are stored, by the service's own rules.
 system_test::Settings settingsOf(const Accounts& accounts);
 
 } // namespace load_test

@@ -26,7 +26,7 @@ public:
     /// answered otherwise. The log is empty then.
     void settleAndCheck();
 
-    /// Checks, behind a new start of a service that ended in the middle of what was sent, that one of the states is
+    /// Checks, after a new start of a service that ended in the middle of what was sent, that one of the states is
     /// stored that the requests went through and that its rules are enforced. What is stored is what holds from now on.
     void checkAfterRestart();
 

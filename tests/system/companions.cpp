@@ -59,10 +59,6 @@ void PrintTo(const Launch& launch, std::ostream* output) {
             << testing::PrintToString(launch.extraData);
 }
 
-void PrintTo(const Message& message, std::ostream* output) {
-    *output << "from " << message.sender << ", " << testing::PrintToString(message.entries);
-}
-
 void Companions::settle(const std::string& id) const {
     GError* error = nullptr;
     const c::ObjectOwner<TeskHostApplication> proxy(tesk_host_application_proxy_new_sync(
@@ -95,26 +91,6 @@ std::vector<Launch> Companions::launches(const std::string& id) const {
         launches.push_back({caller, waits != FALSE, entriesOf(pairs)});
     }
     return launches;
-}
-
-std::vector<Message> Companions::messages() const {
-    settle(ids::mail);
-    GError* error = nullptr;
-    GVariant* answer = nullptr;
-    const bool isDone =
-        tesk_desk_companion_call_messages_sync(companionOf(connection(), ids::mail).get(), G_DBUS_CALL_FLAGS_NONE,
-                                               companionTimeout, &answer, nullptr, &error) != FALSE;
-    require(isDone, "the mail application does not tell its messages", error);
-    const c::VariantOwner list(answer);
-    std::vector<Message> messages;
-    GVariantIter iterator;
-    g_variant_iter_init(&iterator, list.get());
-    const char* sender = nullptr;
-    GVariantIter* pairs = nullptr;
-    while (g_variant_iter_next(&iterator, "(&sa(ss))", &sender, &pairs) != FALSE) {
-        messages.push_back({sender, entriesOf(pairs)});
-    }
-    return messages;
 }
 
 void Companions::answer(const std::string& id, const std::string& result) const {

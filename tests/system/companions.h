@@ -28,16 +28,7 @@ struct Launch {
     }
 };
 
-/// A message that arrived at an application's port.
-struct Message {
-    std::string sender;
-    Entries entries;
-
-    bool operator==(const Message& other) const { return sender == other.sender && entries == other.entries; }
-};
-
 void PrintTo(const Launch& launch, std::ostream* output);
-void PrintTo(const Message& message, std::ostream* output);
 
 /// The applications of a watch as seen from the bus, on the connection that the platform's functions use here: what was
 /// sent before is ahead of what is asked for now.
@@ -53,15 +44,12 @@ public:
     /// among them. An application that does not run is started, and was launched with nothing.
     std::vector<Launch> launches(const std::string& id) const;
 
-    /// What arrived at the mail application's port, in order.
-    std::vector<Message> messages() const;
-
     /// Answers the oldest launch request that waits, and waits until the service has got the answer.
     void answer(const std::string& id, const std::string& result) const;
 
     bool isRunning(const std::string& id) const;
 
-    /// The process behind an application; an error of the test when it does not run.
+    /// The process of an application; an error of the test when it does not run.
     pid_t processOf(const std::string& id) const;
 
 private:

@@ -74,7 +74,6 @@ inline constexpr char encryptionApplied[] = "db/eas/device_encryption_applied";
 inline constexpr char inputFinished[] = "db/eas/is_pwd_input_finished";
 inline constexpr char lockType[] = "db/setting/lock_type";
 inline constexpr char cryptoState[] = "db/ode/crypto_state";
-inline constexpr char country[] = "db/rgn/country_iso";
 } // namespace keys
 
 /// A stored account: its columns, in order, as texts.

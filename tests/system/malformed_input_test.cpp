@@ -68,16 +68,5 @@ TEST(OddInput, LongNameOfOddCharactersReachesThePopupWhole) {
     EXPECT_TRUE(device.companions().launches(ids::popup).at(0).extraData.at("ACCOUNT_NAME") == name);
 }
 
-TEST(OddInput, TextThatIsNotUtf8IsRefusedAtTheSender) {
-    const TestDevice device;
-    device.launchService();
-
-    const int result = sendMessage(update("{\"msgId\":\"\xff\xfe\"}"));
-
-    EXPECT_EQ(result, MESSAGE_PORT_ERROR_INVALID_PARAMETER);
-    device.companions().settle(ids::service);
-    EXPECT_EQ(device.log().count("getWorker"), 0) << "nothing arrived";
-}
-
 } // namespace
 } // namespace system_test

@@ -7,21 +7,6 @@
 namespace system_test {
 namespace {
 
-TEST(PolicyUpdate, PolicyWithoutPasswordEnforcesNothing) {
-    const TestDevice device;
-    device.launchService();
-
-    device.send("req_update_policy", policyUpdate({alice(defaultPolicy)}));
-
-    EXPECT_EQ(settings(), releasedSettings);
-    EXPECT_EQ(key(keys::passwordApplied), 1);
-    EXPECT_EQ(key(keys::encryptionApplied), 1);
-    EXPECT_EQ(key(keys::inputFinished), 0);
-    EXPECT_EQ(enforcingAccount(), 0);
-    EXPECT_FALSE(device.companions().isRunning(ids::popup));
-    EXPECT_FALSE(device.companions().isRunning(ids::encryptionSettings));
-}
-
 TEST(PolicyUpdate, HardenedPolicyAsksForALockAndOffersEncryption) {
     const TestDevice device;
     device.launchService();
@@ -55,18 +40,6 @@ TEST(PolicyUpdate, RegionAndEncryptionOfTheWatchCount) {
     EXPECT_EQ(settings().encryption, 0);
     EXPECT_EQ(key(keys::encryptionApplied), 1);
     EXPECT_FALSE(device.companions().isRunning(ids::encryptionSettings));
-}
-
-TEST(PolicyUpdate, LockThatIsStrongEnoughIsAcceptedOnceTheDeviceKnowsTheRules) {
-    const TestDevice device({deskwatch::Lock::Password, {}, {}, {}});
-    device.launchService();
-    device.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
-    ASSERT_EQ(key(keys::passwordApplied), 0) << "the device did not know the rules before";
-
-    device.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
-
-    EXPECT_EQ(key(keys::passwordApplied), 1);
-    EXPECT_EQ(device.companions().launches(ids::popup).size(), 1U);
 }
 
 } // namespace

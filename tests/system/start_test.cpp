@@ -34,14 +34,6 @@ TEST(Start, WithAccountsEnforcesThemAgain) {
     EXPECT_EQ(device.log().count("Password policy requires stronger password."), 2);
 }
 
-TEST(Start, RequestBeforeItFindsNoPort) {
-    const TestDevice device;
-
-    EXPECT_EQ(sendMessage({{"req", "chk_password_policy"}, {"msg", ""}}), MESSAGE_PORT_ERROR_PORT_NOT_FOUND);
-
-    EXPECT_FALSE(device.isServiceRunning());
-}
-
 TEST(Start, SecondInstanceIsRefused) {
     const TestDevice device;
     device.launchService();

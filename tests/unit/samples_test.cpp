@@ -164,6 +164,7 @@ TEST_F(SamplesTest, ManyAccountsOfLongNamesAreKeptWhole) {
     EXPECT_EQ(storedAccounts(), accounts);
     EXPECT_EQ(stored(accounts).accountName, name);
     EXPECT_EQ(settings(), hardened) << "the last one takes part";
+    ASSERT_FALSE(platform.launches.sent.empty());
     EXPECT_EQ(platform.launches.sent.back().extraData.at(1).second, name) << "in the popup";
 }
 

@@ -191,7 +191,6 @@ const std::vector<Obstacle>& obstacles() {
         {"FileThatCannotBeNamed", [](auto& platform) { platform.faults.atCall("rename", 1, EACCES); },
          "E rename failed: [13]", 1, false},
         {"LinkToWhereNothingCanBeMade", linkTo("/nowhere/at/all"), notOpened, 1, false},
-        {"LinkToItself", linkTo(".tesk.db"), notOpened, 0, false},
         {"MoreLinksThanTheKernelFollows", [](auto& platform) { linkThrough(platform.dataPath, 41); }, notOpened, 0,
          false},
     };
@@ -323,7 +322,6 @@ const std::vector<Damage>& damages() {
     static const std::vector<Damage> all{
         {"EmptyFile", bytes(""), "no such table: eas_policy_tbl"},
         {"NoDatabase", bytes(std::string(5000, 'x')), "file is not a database"},
-        {"OtherTable", databaseOf("create table other (a)"), "no such table: eas_policy_tbl"},
         {"FewerColumns",
          databaseOf("create table eas_policy_tbl (account_id integer primary key, device_password_enabled integer)"),
          "no such column: allow_simple_password"},
@@ -359,19 +357,6 @@ TEST_P(DamagedFileTest, RefusesChangesAndStaysAsItIs) {
 
 INSTANTIATE_TEST_SUITE_P(, DamagedFileTest, ::testing::ValuesIn(damages()),
                          [](const auto& row) { return std::string(row.param.name); });
-
-TEST_F(DbMgrTest, MissingColumnsReadAsZero) {
-    fs::create_directory(folder);
-    databaseOf("create table eas_policy_tbl (account_id integer primary key, device_password_enabled integer);"
-               "insert into eas_policy_tbl values (7, 1)")(file);
-    TeskConsumerDbMgr db;
-
-    const auto data = read(db, 7);
-
-    EXPECT_EQ(data.devicePasswordEnabled, 1);
-    EXPECT_EQ(data.minDevicePasswordLength, 0);
-    EXPECT_EQ(data.displayName, "");
-}
 
 TEST_F(DbMgrTest, ValuesOfOtherKindsReadAsNumbersAndTexts) {
     TeskConsumerDbMgr db;

@@ -12,7 +12,6 @@
 #include "TeskConsumerKiller.h"
 #include "TeskConsumerLockMgr.h"
 #include "TeskConsumerPolicyMgr.h"
-#include "sample_policies.h"
 #include "unit_test.h"
 
 namespace {
@@ -216,17 +215,6 @@ TEST_F(ConsumerTest, DeinitEndsTheApplication) {
 
     EXPECT_EQ(journal.calls(), Lines{"service_app_exit"});
     EXPECT_EQ(journal.logsOf("deinit"), (Lines{"I Enter", "I Leave"}));
-}
-
-TEST_F(ConsumerTest, SatisfiedServiceEndsItselfTenSecondsAfterThePolicy) {
-    run([&] {
-        platform.ports.deliver("req_update_policy", samples::indication(1, samples::builtIn));
-        platform.settings.deliverChanges();
-        platform.system.passSeconds(9);
-        EXPECT_FALSE(platform.service.exited);
-        platform.system.passSeconds(1);
-        EXPECT_TRUE(platform.service.exited);
-    });
 }
 
 } // namespace

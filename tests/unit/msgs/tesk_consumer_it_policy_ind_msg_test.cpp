@@ -46,14 +46,6 @@ TEST_F(ItPolicyIndMsgTest, PolicyManagerComesUpBeforeTheFirstAccount) {
     EXPECT_EQ(std::count(all.begin(), creation, "I Enter"), 1) << "the message's own";
 }
 
-TEST_F(ItPolicyIndMsgTest, LaterOfTwoEntriesOfAnAccountIsStoredLast) {
-    run(samples::entry(1, samples::builtIn) + "," + samples::entry(1, samples::strictest));
-
-    EXPECT_EQ(storedAccounts(), 1);
-    EXPECT_EQ(stored(1).minDevicePasswordLength, 16);
-    EXPECT_EQ(journal.logsOf("addAccount").size(), 4U);
-}
-
 TEST_F(ItPolicyIndMsgTest, EntriesWithoutPolicySetAreSkippedSilently) {
     run(R"(1,null,"x",[],{},{"accountId":1,"accountName":"a"},{"accountId":2,"policySet":7},)"
         R"({"accountId":4,"policySet":null},{"accountId":5,"policySet":[]},)" +
@@ -77,12 +69,6 @@ TEST_F(ItPolicyIndMsgTest, EntriesWithoutAValidAccountIdAreNotStored) {
     EXPECT_EQ(storedAccounts(), 0);
     EXPECT_EQ(journal.logs(DLOG_ERROR), Lines(3, "E accountId is invalid"));
     EXPECT_EQ(applications(), 1U);
-}
-
-TEST_F(ItPolicyIndMsgTest, AccountIdIsCutTo32Bits) {
-    run(R"({"accountId":4294967301,"accountName":"a","policySet":{}})");
-
-    EXPECT_EQ(stored(5).accountName, "a");
 }
 
 TEST_F(ItPolicyIndMsgTest, TextsThatAreNoIndicationAreLoggedAndStillApplyOnce) {
@@ -126,12 +112,6 @@ TEST_F(ItPolicyIndMsgTest, DemandForAStrongerLockIsOneWarning) {
     const auto warnings = journal.warnings();
     EXPECT_EQ(std::count(warnings.begin(), warnings.end(), "W Password policy requires stronger password."), 1);
     EXPECT_EQ(warnings.back(), "W Password policy requires stronger password.");
-}
-
-TEST_F(ItPolicyIndMsgTest, EmptyListAppliesOnce) {
-    EXPECT_EQ(run(""), 0);
-
-    EXPECT_EQ(applications(), 1U);
 }
 
 } // namespace

@@ -94,16 +94,6 @@ TEST_F(RespMsgFactoryTest, MissingMemoryYieldsNothing) {
     expectNothing(R"({"msgId":"eas-remote-wipe"})", {"I Enter", "I Leave"});
 }
 
-TEST_F(RespMsgFactoryTest, TextIsReadDownTo1024Levels) {
-    const auto nested = [](std::size_t levels) {
-        return R"({"msgId":"eas-remote-wipe","more":)" + std::string(levels - 1, '[') + std::string(levels - 1, ']') +
-               "}";
-    };
-
-    EXPECT_NE(create(nested(1024)), nullptr);
-    expectNothing(nested(1025), noJson);
-}
-
 TEST_F(RespMsgFactoryTest, DeepNestingDoesNotEndTheProcess) {
     for (const auto* beginning : {"", R"({"msgId":"email-itpolicy-ind","param":)", "{'\"':", "/* \" */",
                                   R"({"a":"\"","b":)", "// \"\n", "{'a\\'':"}) {

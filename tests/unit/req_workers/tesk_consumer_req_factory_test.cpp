@@ -23,12 +23,6 @@ TEST_F(ReqFactoryTest, EachRequestHasItsWorker) {
     EXPECT_EQ(journal.warnings(), Lines{});
 }
 
-TEST_F(ReqFactoryTest, EachCallMakesANewWorker) {
-    const auto first = TeskConsumerReqFactory::getWorker("chk_password_policy");
-    EXPECT_NE(first, TeskConsumerReqFactory::getWorker("chk_password_policy"));
-    EXPECT_EQ(first.use_count(), 1);
-}
-
 TEST_F(ReqFactoryTest, NamesAreMatchedExactly) {
     for (const auto* name : {"Req_update_policy", "req_update_policy ", " req_update_policy", "req_update", ""}) {
         journal.clear();
