@@ -51,14 +51,6 @@ TEST_F(AccountMgrTest, RefusedRegistrationDoesNotStopTheAddition) {
     EXPECT_EQ(journal.warnings(), Lines{"W Failed to register policy admin : -13"});
 }
 
-TEST_F(AccountMgrTest, AccountZeroMatchesNoRow) {
-    EXPECT_EQ(add(account(0)), 0);
-
-    EXPECT_EQ(storedAccounts(), 0);
-    EXPECT_EQ(registrations(), Lines{});
-    EXPECT_EQ(journal.warnings(), Lines{"E accountId is invalid"});
-}
-
 TEST_F(AccountMgrTest, FailedWritesAreLoggedAndReturned) {
     constexpr int insertAfterSearchAndCount = 3;
     constexpr int updateAfterSearch = 2;

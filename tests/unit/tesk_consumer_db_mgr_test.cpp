@@ -108,7 +108,7 @@ TEST_F(DbMgrTest, SecondStartOpensTheFileAndCreatesNothing) {
 }
 
 TEST_F(DbMgrTest, OpeningAndClosingAreTraced) {
-    { const TeskConsumerDbMgr db; }
+    { TeskConsumerDbMgr().insertPolicy(account(1)); }
 
     const auto lines = journal.logs();
     EXPECT_EQ(Lines(lines.begin(), lines.begin() + 3), (Lines{"I ", "I ", "I Enter"}));
@@ -460,6 +460,7 @@ TEST_F(DbMgrTest, AbsentAccountLeavesTheRecordAlone) {
     TeskPolicyData untouched = everyFieldDifferent(100);
     journal.clear();
 
+    EXPECT_EQ(TESK_DB_NO_ROW, -1002) << "the other codes are seen in the log";
     EXPECT_EQ(db.getPolicyDataByAccountId(5, untouched), TESK_DB_NO_ROW);
     EXPECT_EQ(fieldsOf(untouched), fieldsOf(everyFieldDifferent(100)));
     EXPECT_EQ(messages(), Lines{"W query result: 101"});

@@ -73,15 +73,6 @@ TEST_F(LockMgrTest, NewLockIsNotedBeforeTheRequiredEncryptionIsAskedFor) {
                      encryptionLaunch, mailLaunch}));
 }
 
-TEST_F(LockMgrTest, LockThatIsSetDuringTheTutorialStillReturnsToMail) {
-    requireEncryption();
-    platform.settings.setKeyAsDevice("memory/private/com.velmor.hearth/tutorial_is_in_progress", 1);
-
-    changeLock(lock::pin);
-
-    EXPECT_EQ(effects(), noted);
-}
-
 TEST_F(LockMgrTest, NewLockOnAnEncryptedDeviceAsksForNothing) {
     requireEncryption();
     platform.settings.setKeyAsDevice("db/ode/crypto_state", "encrypted");

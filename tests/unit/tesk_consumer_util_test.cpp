@@ -109,6 +109,7 @@ protected:
 TEST_P(LaunchTest, SendsItsItemsAndReleasesTheRequest) {
     EXPECT_EQ(GetParam().run(), 0);
 
+    EXPECT_EQ(launchWarnings(), Lines{});
     EXPECT_EQ(journal.calls({"app_control_send"}), Lines{"app_control_send_launch_request " + GetParam().request});
     ASSERT_EQ(platform.launches.sent.size(), 1U);
     EXPECT_EQ(platform.launches.sent[0].wantsReply(), GetParam().wantsReply);
