@@ -31,13 +31,13 @@ TEST_F(DpmAdapterTest, ClientIsTheServiceOfTheOwnerOfTheMoment) {
 }
 
 /// An operation and the call that it makes, to the letter.
-struct Operation {
+struct DpmCall {
     std::string call;
     std::function<int(Adapter&)> run;
 };
 
-const std::vector<Operation>& operations() {
-    static const std::vector<Operation> all{
+const std::vector<DpmCall>& dpmCalls() {
+    static const std::vector<DpmCall> all{
         {"dpm_admin_register_client com.velmor.tesk-agent 5001", [](auto& dpm) { return dpm.registerClient(); }},
         {"dpm_admin_deregister_client com.velmor.tesk-agent 5001", [](auto& dpm) { return dpm.deregisterClient(); }},
         {"dpm_password_set_quality 33", [](auto& dpm) { return dpm.setPasswordQuality(33); }},
@@ -99,7 +99,7 @@ std::string functionOf(const std::string& call) {
 
 TEST_F(DpmAdapterTest, EachOperationPassesItsValueOnAndItsErrorBack) {
     int error = -100;
-    for (const auto& operation : operations()) {
+    for (const auto& operation : dpmCalls()) {
         platform.devicePolicy.registerService();
         journal.clear();
         EXPECT_EQ(operation.run(adapter), 0);

@@ -4,13 +4,14 @@
 
 namespace {
 
-constexpr char lockType[] = "db/setting/lock_type";
-constexpr char applied[] = "db/eas/password_policy_applied";
 constexpr char mailLaunch[] = "app_control_send_launch_request com.velmor.quillon.consumer";
 constexpr char encryptionLaunch[] = "app_control_send_launch_request com.velmor.dialset.encryption type=encrypt";
 
 class LockMgrTest : public UnitTest {
 protected:
+    static constexpr char lockType[] = "db/setting/lock_type";
+    static constexpr char applied[] = "db/eas/password_policy_applied";
+
     LockMgrTest() {
         manager.init();
         setApplied(0);

@@ -9,9 +9,9 @@
 
 namespace {
 
-constexpr char cryptoState[] = "db/ode/crypto_state";
-constexpr char country[] = "db/rgn/country_iso";
-constexpr char lockType[] = "db/setting/lock_type";
+constexpr char cryptoStateKey[] = "db/ode/crypto_state";
+constexpr char countryKey[] = "db/rgn/country_iso";
+constexpr char lockTypeKey[] = "db/setting/lock_type";
 
 class PolicyMgrTest : public UnitTest {
 protected:
@@ -181,7 +181,7 @@ TEST_F(PolicyMgrTest, EncryptionIsRequiredOfAnUnencryptedDeviceOnly) {
     EXPECT_FALSE(manager.isDeviceEncrypted());
     EXPECT_EQ(journal.logsOf("__getOdeEnforceFlag"), Lines{"I Enter"});
 
-    platform.settings.setKeyAsDevice(cryptoState, "encrypted");
+    platform.settings.setKeyAsDevice(cryptoStateKey, "encrypted");
     journal.clear();
     EXPECT_EQ(manager.getIsRequiredDeviceEncryption(&required), 0);
     EXPECT_FALSE(required);
@@ -191,11 +191,11 @@ TEST_F(PolicyMgrTest, EncryptionIsRequiredOfAnUnencryptedDeviceOnly) {
 
 TEST_F(PolicyMgrTest, MinimumLengthFollowsTheCountry) {
     int length = 0;
-    platform.settings.setKeyAsDevice(country, "KR");
+    platform.settings.setKeyAsDevice(countryKey, "KR");
     EXPECT_EQ(manager.getCountryMinPasswordLength(&length), 0);
     EXPECT_EQ(length, 6);
 
-    platform.settings.unset(country);
+    platform.settings.unset(countryKey);
     EXPECT_EQ(manager.getCountryMinPasswordLength(&length), 0);
     EXPECT_EQ(length, 4) << "of a country that cannot be read";
 }
@@ -210,7 +210,7 @@ struct Decision {
     const char* reason;
 };
 
-TeskPasswordRules rules(int quality, int minLength, int complexCharacters = 0) {
+TeskPasswordRules currentRules(int quality, int minLength, int complexCharacters = 0) {
     TeskPasswordRules made;
     made.quality = quality;
     made.minLength = minLength;
@@ -219,22 +219,22 @@ TeskPasswordRules rules(int quality, int minLength, int complexCharacters = 0) {
 }
 
 const std::vector<Decision>& decisions() {
-    static const auto simplePin = rules(quality::numericOrSimple, 4);
+    static const auto simplePin = currentRules(quality::numericOrSimple, 4);
     static const std::vector<Decision> all{
         {"NoPasswordRule", account(1), {}, lock::none, "GB", nullptr},
         {"SatisfiedRule", passwordAccount(1), simplePin, lock::pin, "GB", nullptr},
         {"WeakerQuality", passwordAccount(1), {}, lock::pin, "GB", "E enforce password by password quality"},
         {"ForbiddenSimplePassword", accountWithoutSimplePasswords(), simplePin, lock::pin, "GB",
          "E enforce password by simple password policy"},
-        {"MigratedQuality", accountWithoutSimplePasswords(), rules(quality::oldStyle, 5), lock::pin, "GB",
+        {"MigratedQuality", accountWithoutSimplePasswords(), currentRules(quality::oldStyle, 5), lock::pin, "GB",
          "E enforce password by simple password policy"},
         {"KoreanMinimum", passwordAccount(1), simplePin, lock::pin, "KR", "E enforce password by password length"},
-        {"TooFewComplexCharacters", alphanumericAccount(3), rules(quality::alphanumeric, 4, 2), lock::password, "GB",
-         "E enforce password by min complex charater"},
+        {"TooFewComplexCharacters", alphanumericAccount(3), currentRules(quality::alphanumeric, 4, 2), lock::password,
+         "GB", "E enforce password by min complex charater"},
         {"MissingLock", passwordAccount(1), simplePin, lock::none, "GB",
          "E enforce password. quality : 33, lock type : PIN"},
-        {"PinInsteadOfPassword", alphanumericAccount(0), rules(quality::alphanumericOrSimple, 4), lock::pin, "GB",
-         "E enforce password. quality : 129, lock type : Password"},
+        {"PinInsteadOfPassword", alphanumericAccount(0), currentRules(quality::alphanumericOrSimple, 4), lock::pin,
+         "GB", "E enforce password. quality : 129, lock type : Password"},
     };
     return all;
 }
@@ -244,8 +244,8 @@ class PolicyMgrDecisionTest : public PolicyMgrTest, public ::testing::WithParamI
 TEST_P(PolicyMgrDecisionTest, DemandsAPasswordForItsReasonAlone) {
     store({GetParam().policy});
     setCurrent(GetParam().current);
-    platform.settings.setKeyAsDevice(lockType, GetParam().lock);
-    platform.settings.setKeyAsDevice(country, GetParam().country);
+    platform.settings.setKeyAsDevice(lockTypeKey, GetParam().lock);
+    platform.settings.setKeyAsDevice(countryKey, GetParam().country);
     const bool demands = GetParam().reason != nullptr;
 
     EXPECT_EQ(manager.applyPolicy(), demands ? TESK_POLICY_PASSWORD_REQUIRED : 0);
@@ -258,8 +258,8 @@ INSTANTIATE_TEST_SUITE_P(, PolicyMgrDecisionTest, ::testing::ValuesIn(decisions(
 
 TEST_F(PolicyMgrTest, UnreadableLockTypeCountsAsNoLock) {
     store({passwordAccount(1)});
-    setCurrent(rules(quality::numericOrSimple, 4));
-    platform.settings.unset(lockType);
+    setCurrent(currentRules(quality::numericOrSimple, 4));
+    platform.settings.unset(lockTypeKey);
 
     EXPECT_EQ(manager.applyPolicy(), TESK_POLICY_PASSWORD_REQUIRED);
     EXPECT_EQ(reasons(), Lines{"E enforce password. quality : 33, lock type : PIN"});
@@ -285,7 +285,7 @@ TEST_F(PolicyMgrTest, ComparedValuesAreLoggedInOrder) {
     auto data = alphanumericAccount(2);
     data.minDevicePasswordLength = 7;
     store({data});
-    setCurrent(rules(quality::numericOrSimple, 5, 1));
+    setCurrent(currentRules(quality::numericOrSimple, 5, 1));
 
     manager.applyPolicy();
 
@@ -301,8 +301,8 @@ constexpr char afterMigration[] = "W After MDM -> DPM migration - current Type: 
 
 TEST_F(PolicyMgrTest, OldQualityBecomesNumericWithSimplePasswords) {
     store({passwordAccount(1)});
-    setCurrent(rules(quality::oldStyle, 5));
-    platform.settings.setKeyAsDevice(lockType, lock::pin);
+    setCurrent(currentRules(quality::oldStyle, 5));
+    platform.settings.setKeyAsDevice(lockTypeKey, lock::pin);
 
     EXPECT_EQ(manager.applyPolicy(), 0);
 
@@ -315,8 +315,8 @@ TEST_F(PolicyMgrTest, OldQualityBecomesNumericWithSimplePasswords) {
 
 TEST_F(PolicyMgrTest, RefusedWritesOfAMigrationAreLoggedAndForgiven) {
     store({passwordAccount(1)});
-    setCurrent(rules(quality::oldStyle, 5));
-    platform.settings.setKeyAsDevice(lockType, lock::pin);
+    setCurrent(currentRules(quality::oldStyle, 5));
+    platform.settings.setKeyAsDevice(lockTypeKey, lock::pin);
     platform.faults.atCall("dpm_password_set_quality", 1, DPM_ERROR_PERMISSION_DENIED);
     platform.faults.atCall("dpm_password_set_minimum_length", 1, DPM_ERROR_CONNECTION_REFUSED);
 
@@ -395,7 +395,7 @@ TEST_F(ApplyPolicyTest, DecisionsAreMadeBeforeAnythingIsWritten) {
 
 TEST_F(ApplyPolicyTest, MinimumLengthIsAtLeastTheCountrys) {
     store({passwordAccount(1)});
-    platform.settings.setKeyAsDevice(country, "KR");
+    platform.settings.setKeyAsDevice(countryKey, "KR");
 
     manager.applyPolicy();
 
@@ -404,7 +404,7 @@ TEST_F(ApplyPolicyTest, MinimumLengthIsAtLeastTheCountrys) {
 
 TEST_F(ApplyPolicyTest, DeviceThatIsEncryptedIsNotAskedAgain) {
     store({encryptingAccount()});
-    platform.settings.setKeyAsDevice(cryptoState, "encrypted");
+    platform.settings.setKeyAsDevice(cryptoStateKey, "encrypted");
 
     EXPECT_EQ(manager.applyPolicy(), 0);
     EXPECT_EQ(journal.calls({"dpm_security"}), Lines{});
@@ -414,7 +414,7 @@ TEST_F(ApplyPolicyTest, DeviceThatIsEncryptedIsNotAskedAgain) {
 
 TEST_F(ApplyPolicyTest, EncryptionThatIsNotRequiredIsSwitchedOffEvenOnAnEncryptedDevice) {
     store({account(1)});
-    platform.settings.setKeyAsDevice(cryptoState, "encrypted");
+    platform.settings.setKeyAsDevice(cryptoStateKey, "encrypted");
 
     manager.applyPolicy();
 

@@ -109,7 +109,7 @@ TEST_F(ConsumerTest, StartWithAccountsAppliesTheirPolicyOnce) {
 }
 
 /// What ends a start before the main loop, and what is logged of it.
-struct Obstacle {
+struct StartObstacle {
     const char* name;
     const char* function;
     int call;
@@ -117,7 +117,7 @@ struct Obstacle {
     fake::Journal::Lines errors;
 };
 
-class EndedStartTest : public ConsumerTest, public ::testing::WithParamInterface<Obstacle> {};
+class EndedStartTest : public ConsumerTest, public ::testing::WithParamInterface<StartObstacle> {};
 
 TEST_P(EndedStartTest, IsLoggedAndTracedToItsEnd) {
     const auto& obstacle = GetParam();
@@ -136,13 +136,13 @@ TEST_P(EndedStartTest, IsLoggedAndTracedToItsEnd) {
 INSTANTIATE_TEST_SUITE_P(
     , EndedStartTest,
     ::testing::Values(
-        Obstacle{"NoDatabaseManager", "operator new", 3, -1, {"E TeskConsumerDbMgr::getInstance() failed"}},
-        Obstacle{"NoPortManager", "operator new", 4, -1, {"E TeskConsumerIpcMgr::getInstance() failed"}},
-        Obstacle{"RefusedPort",
-                 "message_port_register_local_port",
-                 1,
-                 MESSAGE_PORT_ERROR_IO_ERROR,
-                 {"E Failed message port register. (-5)", "E ipcMgr->init() failed"}}),
+        StartObstacle{"NoDatabaseManager", "operator new", 3, -1, {"E TeskConsumerDbMgr::getInstance() failed"}},
+        StartObstacle{"NoPortManager", "operator new", 4, -1, {"E TeskConsumerIpcMgr::getInstance() failed"}},
+        StartObstacle{"RefusedPort",
+                      "message_port_register_local_port",
+                      1,
+                      MESSAGE_PORT_ERROR_IO_ERROR,
+                      {"E Failed message port register. (-5)", "E ipcMgr->init() failed"}}),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(ConsumerTest, FailedCountCountsAsNoAccount) {

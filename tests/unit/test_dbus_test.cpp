@@ -18,6 +18,8 @@
 
 namespace {
 
+using Data = TeskPolicyData;
+
 class PolicyDataJsonTest : public UnitTest {
 protected:
     /// The text that a record becomes.
@@ -47,7 +49,6 @@ TEST_F(PolicyDataJsonTest, DefaultRecordBecomesAWholeIndication) {
 }
 
 TEST_F(PolicyDataJsonTest, EachMemberIsThatOfItsOwnField) {
-    using Data = TeskPolicyData;
     const std::vector<std::pair<std::string, std::int32_t Data::*>> allowed{
         {"allowSimplePassword", &Data::allowSimplePassword},
         {"passwordRecoveryEnabled", &Data::passwordRecoveryEnabled},
@@ -261,7 +262,6 @@ struct Setter {
 };
 
 TEST_F(TestDbusTest, EachSetterSendsItsFieldOfADefaultRecord) {
-    using Data = TeskPolicyData;
     constexpr bool withPassword = true;
     constexpr bool plain = false;
     startService();

@@ -12,11 +12,11 @@
 
 namespace {
 
-constexpr char enforcingKey[] = "pref/tesk-agent/pwd_enforce_account_id";
-constexpr char appliedKey[] = "db/eas/password_policy_applied";
-
 class WorkerTest : public UnitTest {
 protected:
+    static constexpr char enforcingKey[] = "pref/tesk-agent/pwd_enforce_account_id";
+    static constexpr char appliedKey[] = "db/eas/password_policy_applied";
+
     WorkerTest() { platform.preferences[enforcingKey] = 12; }
 
     int enforcingAccount() const { return std::get<int>(platform.preferences.at(enforcingKey)); }
