@@ -346,6 +346,10 @@ TEST_F(ApplyPolicyTest, NoAccountLeavesTheDeviceFree) {
 }
 
 TEST_F(ApplyPolicyTest, EnforcedPolicyReachesTheDeviceInOrder) {
+    const std::string popupLaunch =
+        "app_control_send_launch_request com.velmor.tesk-popup OPERATION=SET_PRIVACY_LOCK "
+        "ACCOUNT_NAME=alice@contoso.example password_min_length=8 password_max_length=16 allow_simple=0 "
+        "password_required=1";
     auto data = alphanumericAccount(3);
     data.accountId = 7;
     data.accountName = "alice@contoso.example";
@@ -374,10 +378,7 @@ TEST_F(ApplyPolicyTest, EnforcedPolicyReachesTheDeviceInOrder) {
                "dpm_security_set_internal_storage_encryption 1", "vconf_set_int db/eas/device_encryption_applied 0",
                "app_control_send_launch_request com.velmor.dialset.service __OPERATION__=__ENABLE_ENCRYPTION_MENU__",
                "vconf_set_int db/eas/password_policy_applied 0",
-               "preference_set_int pref/tesk-agent/pwd_enforce_account_id 7",
-               "app_control_send_launch_request com.velmor.tesk-popup OPERATION=SET_PRIVACY_LOCK "
-               "ACCOUNT_NAME=alice@contoso.example password_min_length=8 password_max_length=16 allow_simple=0 "
-               "password_required=1"}));
+               "preference_set_int pref/tesk-agent/pwd_enforce_account_id 7", popupLaunch}));
 }
 
 TEST_F(ApplyPolicyTest, DecisionsAreMadeBeforeAnythingIsWritten) {

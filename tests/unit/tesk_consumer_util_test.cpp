@@ -172,6 +172,10 @@ TEST_F(LaunchPopupTest, AccountAndPolicyAreReadOnTheWay) {
     store({passwordAccount(4)});
     platform.preferences[enforcingKey] = 4;
 
+    const std::string request =
+        "app_control_send_launch_request com.velmor.tesk-popup OPERATION=SET_PRIVACY_LOCK ACCOUNT_NAME= "
+        "password_min_length=4 password_max_length=16 allow_simple=1 password_required=0";
+
     TeskConsumerUtil::launchPopup();
 
     EXPECT_EQ(
@@ -183,9 +187,7 @@ TEST_F(LaunchPopupTest, AccountAndPolicyAreReadOnTheWay) {
                "app_control_add_extra_data ACCOUNT_NAME ", "dpm_manager_create",
                "sqlite3_prepare_v2 select * from eas_policy_tbl;", "vconf_get_str db/rgn/country_iso",
                "app_control_add_extra_data password_min_length 4", "app_control_add_extra_data password_max_length 16",
-               "app_control_add_extra_data allow_simple 1", "app_control_add_extra_data password_required 0",
-               "app_control_send_launch_request com.velmor.tesk-popup OPERATION=SET_PRIVACY_LOCK ACCOUNT_NAME= "
-               "password_min_length=4 password_max_length=16 allow_simple=1 password_required=0",
+               "app_control_add_extra_data allow_simple 1", "app_control_add_extra_data password_required 0", request,
                "app_control_destroy"}));
 }
 
