@@ -93,7 +93,7 @@ struct Outstanding {
 TEST_F(KillerTest, WhatIsOutstandingIsLoggedAndStopsTheTimer) {
     constexpr char password[] = "W Password is not crated yet.";
     constexpr char encryption[] = "W Encryption is not completed yet.";
-    for (auto& row :
+    for (const auto& row :
          {Outstanding{0, 1, {password}}, Outstanding{1, 0, {encryption}}, Outstanding{0, 0, {password, encryption}}}) {
         setApplied(1, 1);
         killer.tryStartKillTimer();
