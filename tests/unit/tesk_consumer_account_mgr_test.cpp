@@ -41,6 +41,7 @@ TEST_F(AccountMgrTest, LaterAccountsAndUpdatesNeedNoRegistration) {
     EXPECT_EQ(storedAccounts(), 2);
     EXPECT_EQ(stored(1).devicePasswordEnabled, 1);
     EXPECT_EQ(registrations(), Lines{});
+    EXPECT_EQ(journal.warnings(), Lines{});
 }
 
 TEST_F(AccountMgrTest, RefusedRegistrationDoesNotStopTheAddition) {
