@@ -12,14 +12,14 @@ constexpr char accountName[] = "test@tesk.example";
 constexpr int sequenceId = 999;
 constexpr int alphanumericMode = 64;
 
-struct JsonOwner {
+struct JsonRelease {
     void operator()(JsonObject* object) const { json_object_unref(object); }
     void operator()(JsonNode* node) const { json_node_free(node); }
     void operator()(JsonGenerator* generator) const { g_object_unref(generator); }
     void operator()(gchar* text) const { g_free(text); }
 };
 template <class Object>
-using Owned = std::unique_ptr<Object, JsonOwner>;
+using JsonOwned = std::unique_ptr<Object, JsonRelease>;
 
 using Data = TeskPolicyData;
 
@@ -74,7 +74,7 @@ JsonObject* newPolicySet(const TeskPolicyData& record) {
 }
 
 /// A new message with one account.
-Owned<JsonObject> newIndication(const TeskPolicyData& record) {
+JsonOwned<JsonObject> newIndication(const TeskPolicyData& record) {
     JsonObject* const account = json_object_new();
     json_object_set_int_member(account, "accountId", TeskConsumerTestIndication::accountId);
     json_object_set_string_member(account, "accountName", accountName);
@@ -83,7 +83,7 @@ Owned<JsonObject> newIndication(const TeskPolicyData& record) {
     JsonArray* const accounts = json_array_new();
     json_array_add_object_element(accounts, account);
 
-    Owned<JsonObject> envelope(json_object_new());
+    JsonOwned<JsonObject> envelope(json_object_new());
     json_object_set_string_member(envelope.get(), "msgId", "email-itpolicy-ind");
     json_object_set_int_member(envelope.get(), "seqId", sequenceId);
     json_object_set_array_member(envelope.get(), "param", accounts);
@@ -93,13 +93,13 @@ Owned<JsonObject> newIndication(const TeskPolicyData& record) {
 } // namespace
 
 std::string TeskConsumerTestIndication::textOf(const TeskPolicyData& record) {
-    const Owned<JsonObject> envelope = newIndication(record);
-    const Owned<JsonNode> root(json_node_new(JSON_NODE_OBJECT));
+    const JsonOwned<JsonObject> envelope = newIndication(record);
+    const JsonOwned<JsonNode> root(json_node_new(JSON_NODE_OBJECT));
     json_node_set_object(root.get(), envelope.get());
 
-    const Owned<JsonGenerator> generator(json_generator_new());
+    const JsonOwned<JsonGenerator> generator(json_generator_new());
     json_generator_set_root(generator.get(), root.get());
     g_object_set(generator.get(), "pretty", FALSE, nullptr);
-    const Owned<gchar> text(json_generator_to_data(generator.get(), nullptr));
+    const JsonOwned<gchar> text(json_generator_to_data(generator.get(), nullptr));
     return text ? text.get() : "";
 }
