@@ -40,7 +40,7 @@ TEST_F(Commands, StatusOfAFreshWatchStartsNothing) {
     EXPECT_FALSE(watch["serviceRunning"]);
     EXPECT_TRUE(watch["accounts"].empty());
     EXPECT_TRUE(watch["launches"].empty());
-    EXPECT_EQ(BusClient(device().busAddress()).ownedNames(), std::vector<std::string>{"ca.desrt.dconf"});
+    EXPECT_EQ(BusClient(device().busAddress()).daemon().ownedNames(), std::vector<std::string>{"ca.desrt.dconf"});
 }
 
 TEST_F(Commands, DeletedAccountIsGone) {
@@ -144,7 +144,7 @@ TEST_F(Commands, NewestWatchIsMeantUnlessAnotherIsNamed) {
 TEST_F(Commands, OffLeavesNoProcess) {
     boot();
     run({"mail", "policy", sample("hardened.json")});
-    const auto processes = BusClient(device().busAddress()).applicationProcesses();
+    const auto processes = BusClient(device().busAddress()).daemon().applicationProcesses();
     ASSERT_GE(processes.size(), 4U) << "settings service, service, popup, settings";
 
     run({"off"});
@@ -157,7 +157,7 @@ TEST_F(Commands, OffLeavesNoProcess) {
 TEST_F(Commands, ApplicationsEndWhenTheBusIsKilled) {
     boot();
     run({"mail", "policy", sample("hardened.json")});
-    const auto processes = BusClient(device().busAddress()).applicationProcesses();
+    const auto processes = BusClient(device().busAddress()).daemon().applicationProcesses();
 
     BusProcess(device().layout().busRecord()).running().value().signal(SIGKILL);
 

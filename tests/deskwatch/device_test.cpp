@@ -128,7 +128,7 @@ TEST(Device, OffLeavesNoProcess) {
     const Device watch(folder.path());
     watch.boot(someApplications());
     const auto bus = busOf(watch);
-    const auto applications = BusClient(watch.busAddress()).applicationProcesses();
+    const auto applications = BusClient(watch.busAddress()).daemon().applicationProcesses();
     ASSERT_EQ(applications.size(), 1U) << "the settings service runs";
 
     EXPECT_TRUE(watch.off());

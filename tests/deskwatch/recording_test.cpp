@@ -105,13 +105,8 @@ TEST_F(Recordings, EndOfTheServiceIsReplayed) {
     boot();
     const RunningRecord recording(file);
     run({"mail", "policy", sample("hardened.json")});
-    const auto pid = BusClient(device().busAddress())
-                         .call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                                "GetConnectionUnixProcessID"},
-                               g_variant_new("(s)", "com.velmor.tesk-agent"), timeout);
-    guint32 number = 0;
-    g_variant_get(pid.get(), "(u)", &number);
-    const auto service = ProcessHandle::open(static_cast<pid_t>(number));
+    const auto pid = BusClient(device().busAddress()).daemon().processOf("com.velmor.tesk-agent");
+    const auto service = ProcessHandle::open(pid.value());
     service->signal(SIGTERM);
     ASSERT_TRUE(service->waitForEnd(timeout));
     run({"mail", "delete", "2"});

@@ -54,7 +54,7 @@ bool send(TeskDeskCompanion* popup, PopupAnswer answer, GError** error) {
 
 void answerPopup(const Device& device, PopupAnswer answer) {
     const DeviceSession session(device, ids::popup);
-    if (!session.isRunning(ids::popup)) {
+    if (!session.daemon().isOwned(ids::popup)) {
         throw Refusal("no popup is open (deskwatch status shows what is)");
     }
     session.settle(ids::popup);

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <iostream>
 #include <memory>
 
@@ -19,11 +18,6 @@ struct ListedDevice {
     bool isNewest = false;
 };
 
-bool runsService(const Device& device) {
-    const auto names = BusClient(device.busAddress()).ownedNames();
-    return std::find(names.begin(), names.end(), ids::service) != names.end();
-}
-
 /// A watch that cannot be asked any more is listed, too: `off` and `boot` clean it up.
 ListedDevice look(const std::filesystem::path& folder) {
     ListedDevice listed{folder.string(), "ended suddenly"};
@@ -32,7 +26,7 @@ ListedDevice look(const std::filesystem::path& folder) {
         if (!std::filesystem::exists(device.layout().busConfiguration())) {
             listed.state = "gone";
         } else if (device.isBooted()) {
-            listed.isServiceRunning = runsService(device);
+            listed.isServiceRunning = BusClient(device.busAddress()).daemon().isOwned(ids::service);
             listed.state = "booted";
         }
     } catch (const std::runtime_error&) {

@@ -3,10 +3,9 @@
 
 #include <chrono>
 #include <string>
-#include <vector>
 
 #include "c_owners.h"
-#include "device/process_handle.h"
+#include "device/bus_daemon.h"
 
 namespace deskwatch {
 
@@ -28,11 +27,8 @@ public:
     /// taken. Throws std::runtime_error with the reason when the call fails or is not answered in time.
     c::VariantOwner call(const Method& method, GVariant* arguments, std::chrono::milliseconds atMost) const;
 
-    /// The well-known names on the bus that some process owns now, the bus's own name left out.
-    std::vector<std::string> ownedNames() const;
-
-    /// The processes behind those names, this one left out.
-    std::vector<ProcessHandle> applicationProcesses() const;
+    /// Answers who is on the bus. It must not outlive this object.
+    BusDaemon daemon() const { return BusDaemon(connection_.get()); }
 
 private:
     c::ObjectOwner<GDBusConnection> connection_;

@@ -33,7 +33,7 @@ FileDescriptor lockBoot(const DeviceLayout& layout) {
 /// The applications of a device whose bus runs. A bus that does not answer any more has none that could be known.
 std::vector<ProcessHandle> applicationsOf(const DeviceLayout& layout) {
     try {
-        return BusClient(layout.busAddress()).applicationProcesses();
+        return BusClient(layout.busAddress()).daemon().applicationProcesses();
     } catch (const std::runtime_error&) {
         return {};
     }

@@ -9,8 +9,6 @@
 namespace deskwatch {
 namespace {
 
-constexpr std::chrono::seconds ownerTimeout{10};
-
 std::string textOf(const char* text) {
     return text != nullptr ? text : "";
 }
@@ -67,17 +65,12 @@ bool isUserNumber(const std::string& key) {
 
 } // namespace
 
-BusTrace::BusTrace(const BusClient& bus, Sink sink) : sink_(std::move(sink)) {
-    for (const auto& name : bus.ownedNames()) {
-        if (!isKnownApplication(name)) {
-            continue;
+BusTrace::BusTrace(const BusDaemon& daemon, Sink sink) : sink_(std::move(sink)) {
+    for (const auto& name : daemon.ownedNames()) {
+        const auto owner = isKnownApplication(name) ? daemon.ownerOf(name) : std::nullopt;
+        if (owner) {
+            owners_[*owner] = name;
         }
-        const auto answer =
-            bus.call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetNameOwner"},
-                     g_variant_new("(s)", name.c_str()), ownerTimeout);
-        const char* owner = nullptr;
-        g_variant_get(answer.get(), "(&s)", &owner);
-        owners_[owner] = name;
     }
 }
 

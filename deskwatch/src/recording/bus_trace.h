@@ -10,7 +10,7 @@
 #include <string>
 #include <utility>
 
-#include "device/bus_client.h"
+#include "device/bus_daemon.h"
 
 namespace deskwatch {
 
@@ -33,7 +33,7 @@ public:
     using Sink = std::function<void(const TraceEvent& event)>;
 
     /// Learns who is on the bus now. The sink gets the events.
-    BusTrace(const BusClient& bus, Sink sink);
+    BusTrace(const BusDaemon& daemon, Sink sink);
 
     /// Takes the next message of the bus.
     void take(GDBusMessage* message);

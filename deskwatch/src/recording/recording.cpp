@@ -8,6 +8,7 @@
 
 #include "TeskConsumerKeys.h"
 #include "device/application_ids.h"
+#include "device/bus_client.h"
 #include "device/file_descriptor.h"
 #include "recording/bus_monitor.h"
 #include "session/observer.h"
@@ -89,7 +90,7 @@ void record(const Device& device, const std::filesystem::path& file) {
         }
     };
     const BusMonitor monitor(device.busAddress());
-    BusTrace trace(BusClient(device.busAddress()), write);
+    BusTrace trace(BusClient(device.busAddress()).daemon(), write);
     write(head);
     bool isOver = false;
     while (!isOver) {

@@ -9,6 +9,7 @@
 
 #include "c_owners.h"
 #include "device/application_ids.h"
+#include "device/bus_client.h"
 #include "host_bus.h"
 #include "recording/bus_monitor.h"
 #include "session/companion_bus.h"
@@ -66,7 +67,7 @@ class Surroundings {
 public:
     explicit Surroundings(const Device& device)
         : bus_(device.busAddress()), monitor_(device.busAddress()),
-          trace_(bus_, [this](const TraceEvent& event) { note(event); }) {}
+          trace_(bus_.daemon(), [this](const TraceEvent& event) { note(event); }) {}
 
     void launch(const std::string& caller, const TraceEvent& extraData) const {
         bus_.call({ids::service, host_bus::applicationPath, "tesk.host.Application", "Launch"},
@@ -93,11 +94,11 @@ public:
 
     /// Returns when the service has handled everything, with its effects since the last time.
     std::vector<TraceEvent> effects() {
-        if (isRunning(ids::service)) {
+        if (bus_.daemon().isOwned(ids::service)) {
             settle(ids::service);
         }
         for (const auto* application : ids::companions) {
-            if (isRunning(application)) {
+            if (bus_.daemon().isOwned(application)) {
                 settle(application);
             }
         }
@@ -142,33 +143,20 @@ private:
         bus_.call({application, host_bus::applicationPath, "tesk.host.Application", "Settle"}, nullptr, replayTimeout);
     }
 
-    bool isRunning(const std::string& application) const {
-        const auto names = bus_.ownedNames();
-        return std::find(names.begin(), names.end(), application) != names.end();
-    }
-
     /// The service ends when it has nothing to do for a while; here it is told to.
     void endService() const {
-        if (!isRunning(ids::service)) {
-            return;
-        }
-        const auto answer = bus_.call(
-            {"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetConnectionUnixProcessID"},
-            g_variant_new("(s)", ids::service), replayTimeout);
-        guint32 pid = 0;
-        g_variant_get(answer.get(), "(u)", &pid);
-        const auto process = ProcessHandle::open(static_cast<pid_t>(pid));
+        const auto pid = bus_.daemon().processOf(ids::service);
+        const auto process = pid ? ProcessHandle::open(*pid) : std::nullopt;
         if (process) {
             process->signal(SIGTERM);
             process->waitForEnd(replayTimeout);
         }
     }
 
-    /// Reads what the bus has said up to a question of our own, which passes behind everything else.
+    /// Reads what the bus has said up to a question of our own, which passes after everything else.
     void readUpToNow() {
         const std::string marker = "tesk.desk.marker" + std::to_string(++markers_);
-        bus_.call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner"},
-                  g_variant_new("(s)", marker.c_str()), replayTimeout);
+        bus_.daemon().isOwned(marker);
         while (const auto message = monitor_.next(replayTimeout)) {
             GVariant* body = g_dbus_message_get_body(message.get());
             const char* member = g_dbus_message_get_member(message.get());

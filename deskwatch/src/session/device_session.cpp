@@ -53,34 +53,6 @@ DeviceSession::DeviceSession(const Device& device, const std::string& applicatio
                           release, GConnectFlags{});
 }
 
-bool DeviceSession::isRunning(const std::string& id) const {
-    GError* error = nullptr;
-    const c::VariantOwner answer(g_dbus_connection_call_sync(
-        connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
-        g_variant_new("(s)", id.c_str()), nullptr, G_DBUS_CALL_FLAGS_NONE, settleTimeout, nullptr, &error));
-    if (answer == nullptr) {
-        throw std::runtime_error("the bus does not say whether " + id + " runs: " + c::takeMessage(error));
-    }
-    gboolean isOwned = FALSE;
-    g_variant_get(answer.get(), "(b)", &isOwned);
-    return isOwned != FALSE;
-}
-
-std::optional<pid_t> DeviceSession::processOf(const std::string& id) const {
-    GError* error = nullptr;
-    const c::VariantOwner answer(g_dbus_connection_call_sync(
-        connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-        "GetConnectionUnixProcessID", g_variant_new("(s)", id.c_str()), G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE,
-        settleTimeout, nullptr, &error));
-    if (answer == nullptr) {
-        g_clear_error(&error); // nobody has that name
-        return std::nullopt;
-    }
-    guint32 process = 0;
-    g_variant_get(answer.get(), "(u)", &process);
-    return static_cast<pid_t>(process);
-}
-
 std::vector<std::string> DeviceSession::settle(const std::string& id) const {
     const auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
                                                     G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS);
@@ -102,7 +74,7 @@ std::vector<std::string> DeviceSession::settle(const std::string& id) const {
 }
 
 void DeviceSession::settleService() const {
-    if (!isRunning(ids::service)) {
+    if (!daemon().isOwned(ids::service)) {
         return;
     }
     for (const auto& id : settle(ids::service)) {

@@ -1,13 +1,11 @@
 #ifndef DESKWATCH_DEVICE_SESSION_H
 #define DESKWATCH_DEVICE_SESSION_H
 
-#include <sys/types.h>
-
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "c_owners.h"
+#include "device/bus_daemon.h"
 #include "device/device.h"
 
 namespace deskwatch {
@@ -21,11 +19,8 @@ public:
 
     const Device& device() const { return device_; }
 
-    /// Whether an application runs now.
-    bool isRunning(const std::string& id) const;
-
-    /// The process of an application; none when it does not run.
-    std::optional<pid_t> processOf(const std::string& id) const;
+    /// Answers which applications run. It must not outlive this object.
+    BusDaemon daemon() const { return BusDaemon(connection_.get()); }
 
     /// Waits until an application, started when it does not run, has handled all that was sent to it, by this process
     /// before or by the bus ahead of this. Returns the applications whose answer to its launch requests is still out.

@@ -2,7 +2,6 @@
 
 #include <stdexcept>
 
-#include "c_owners.h"
 #include "device/application_ids.h"
 #include "host_bus.h"
 #include "session/device_session.h"
@@ -14,7 +13,7 @@ namespace {
 
 constexpr char diagnosticName[] = "tesk.consumer.test";
 constexpr char diagnosticPath[] = "/tesk/consumer/test";
-constexpr int eventTimeout = 20'000; // milliseconds
+constexpr std::chrono::milliseconds eventTimeout{20'000};
 
 void send(GDBusConnection* connection, app_event_type_e type) {
     const c::ObjectOwner<TeskHostSystem> system(tesk_host_system_skeleton_new());
@@ -29,38 +28,6 @@ void send(GDBusConnection* connection, app_event_type_e type) {
     }
 }
 
-/// Waits until the service's name for diagnosis is there: it asks for it when it starts, and the answer comes later.
-class DiagnosticName {
-public:
-    static void await(GDBusConnection* connection) {
-        DiagnosticName name;
-        const guint watcher = g_bus_watch_name_on_connection(connection, diagnosticName, G_BUS_NAME_WATCHER_FLAGS_NONE,
-                                                             onAppeared, nullptr, &name, nullptr);
-        const guint timer = g_timeout_add(eventTimeout, onLate, &name);
-        g_main_loop_run(name.loop_.get());
-        g_bus_unwatch_name(watcher);
-        if (!name.isThere_) {
-            throw std::runtime_error(std::string("the service does not own ") + diagnosticName);
-        }
-        g_source_remove(timer);
-    }
-
-private:
-    static void onAppeared(GDBusConnection* /*connection*/, const char* /*name*/, const char* /*owner*/,
-                           gpointer self) {
-        static_cast<DiagnosticName*>(self)->isThere_ = true;
-        g_main_loop_quit(static_cast<DiagnosticName*>(self)->loop_.get());
-    }
-
-    static gboolean onLate(gpointer self) {
-        g_main_loop_quit(static_cast<DiagnosticName*>(self)->loop_.get());
-        return G_SOURCE_REMOVE;
-    }
-
-    c::MainLoopOwner loop_{g_main_loop_new(nullptr, FALSE)};
-    bool isThere_ = false;
-};
-
 } // namespace
 
 void announceEvent(const Device& device, app_event_type_e type) {
@@ -72,12 +39,15 @@ void announceEvent(const Device& device, app_event_type_e type) {
 int callDiagnosticMethod(const Device& device, const std::string& method, std::optional<int> value) {
     const DeviceSession session(device, observerId);
     session.settle(ids::service);
-    DiagnosticName::await(session.connection());
+    // the service asks for that name when it starts, and gets it later
+    if (!session.daemon().awaitOwner(diagnosticName, eventTimeout)) {
+        throw std::runtime_error(std::string("the service does not own the bus name ") + diagnosticName);
+    }
     GError* error = nullptr;
     const c::VariantOwner answer(g_dbus_connection_call_sync(
         session.connection(), diagnosticName, diagnosticPath, diagnosticName, method.c_str(),
         value ? g_variant_new("(i)", *value) : nullptr, G_VARIANT_TYPE("(i)"), G_DBUS_CALL_FLAGS_NO_AUTO_START,
-        eventTimeout, nullptr, &error));
+        static_cast<int>(eventTimeout.count()), nullptr, &error));
     if (g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS) != FALSE) {
         g_clear_error(&error);
         throw std::runtime_error(method + (value ? " takes no value" : " takes a value"));

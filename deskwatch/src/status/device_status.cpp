@@ -89,7 +89,7 @@ std::string endOf(const std::filesystem::path& file) {
 }
 
 std::optional<IdleExit> readIdleExit(const DeviceSession& session) {
-    const auto process = session.processOf(ids::service);
+    const auto process = session.daemon().processOf(ids::service);
     const auto log = session.device().layout().log();
     std::error_code error;
     const auto changed = std::filesystem::last_write_time(log, error);
@@ -123,7 +123,7 @@ DeviceStatus readStatus(const DeviceSession& session) {
     const c::ObjectOwner<DConfClient> store(dconf_client_new());
     DeviceStatus status;
     status.folder = layout.folder().string();
-    status.isServiceRunning = session.isRunning(ids::service);
+    status.isServiceRunning = session.daemon().isOwned(ids::service);
     status.accounts = readStoredAccounts(layout.applicationData(ids::service) / "dbspace" / ".tesk.db");
     status.mergedPolicy = mergedPolicy(status.accounts);
     status.idleExit = readIdleExit(session);
@@ -132,7 +132,7 @@ DeviceStatus readStatus(const DeviceSession& session) {
     status.enforcingAccount = {enforcingAccountKey, readSetting(store.get(), std::string("/apps/") + ids::service +
                                                                                  "/" + enforcingAccountKey)};
     for (const auto* application : ids::companions) {
-        if (session.isRunning(application)) {
+        if (session.daemon().isOwned(application)) {
             readLaunches(session, application, status.screens);
         }
     }
