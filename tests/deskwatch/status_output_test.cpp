@@ -18,7 +18,7 @@ DeviceStatus fullStatus() {
     status.isServiceRunning = true;
     status.accounts = {{{"account_id", 1}, {"account_name", std::string("alice")}},
                        {{"account_id", 2}, {"account_name", std::string("bob")}}};
-    status.settings = {{"quality", 128}};
+    status.settings[0] = 128;
     status.keys = {{"db/a", std::string("text")}, {"db/b", {}}};
     status.enforcingAccount.value = 2;
     status.screens = {{"com.example.popup", "com.example.agent", true, {{"OPERATION", "X"}}}};
@@ -31,7 +31,17 @@ TEST(StatusOutput, TablesShowEachAccountInAColumn) {
                                           "  account_id    1      2\n"
                                           "  account_name  alice  bob\n"
                                           "\nSettings of the device policy manager\n"
-                                          "  quality  128\n"
+                                          "  quality                           128\n"
+                                          "  minimum_length                    -\n"
+                                          "  maximum_failed_attempts_for_wipe  -\n"
+                                          "  min_complex_chars                 -\n"
+                                          "  max_inactivity_time_device_lock   -\n"
+                                          "  expires                           -\n"
+                                          "  history                           -\n"
+                                          "  wifi_state                        -\n"
+                                          "  messaging_state                   -\n"
+                                          "  popimap_email_state               -\n"
+                                          "  internal_storage_encryption       -\n"
                                           "\nKeys\n"
                                           "  db/a       text\n"
                                           "  db/b       -\n"
@@ -54,7 +64,11 @@ TEST(StatusOutput, JsonHoldsTheSame) {
     EXPECT_EQ(json, nlohmann::json::parse(R"({
         "watch": "/tmp/watch", "serviceRunning": true, "idleExit": null, "mergedPolicy": null,
         "accounts": [{"account_id": 1, "account_name": "alice"}, {"account_id": 2, "account_name": "bob"}],
-        "settings": {"quality": 128}, "keys": {"db/a": "text", "db/b": null}, "enforcingAccount": 2,
+        "settings": {"quality": 128, "minimum_length": null, "maximum_failed_attempts_for_wipe": null,
+            "min_complex_chars": null, "max_inactivity_time_device_lock": null, "expires": null, "history": null,
+            "wifi_state": null, "messaging_state": null, "popimap_email_state": null,
+            "internal_storage_encryption": null},
+        "keys": {"db/a": "text", "db/b": null}, "enforcingAccount": 2,
         "launches": [{"application": "com.example.popup", "caller": "com.example.agent", "waiting": true,
                       "extraData": {"OPERATION": "X"}}]})"));
 }

@@ -31,8 +31,7 @@ std::optional<Type> read(const std::vector<NamedValue>& values, const std::strin
 DeviceFacts deviceFacts(const DeviceStatus& status) {
     DeviceFacts facts;
     facts.accounts = policyRecords(status.accounts);
-    std::transform(deviceSettings.begin(), deviceSettings.end(), facts.settings.begin(),
-                   [&](const DeviceSetting& setting) { return read<int>(status.settings, setting.name); });
+    facts.settings = status.settings;
     facts.lockType = read<int>(status.keys, TeskConsumerKeys::lockType).value_or(0);
     facts.country = read<std::string>(status.keys, TeskConsumerKeys::countryIso);
     facts.cryptoState = read<std::string>(status.keys, TeskConsumerKeys::cryptoState);

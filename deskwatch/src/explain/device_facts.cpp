@@ -28,16 +28,6 @@ std::shared_ptr<TeskPolicyData> policyRecord(const StoredAccount& account) {
 
 } // namespace
 
-SettingValues writtenValues(const TeskPolicySettings& settings, bool isEncrypted) {
-    SettingValues values;
-    std::transform(deviceSettings.begin(), deviceSettings.end(), values.begin(),
-                   [&](const DeviceSetting& setting) { return std::optional(setting.wanted(settings)); });
-    if (!settings.needsEncryptionWrite(isEncrypted)) {
-        values[encryptionSetting].reset();
-    }
-    return values;
-}
-
 TeskPolicyDataList policyRecords(const std::vector<StoredAccount>& accounts) {
     TeskPolicyDataList records;
     std::transform(accounts.begin(), accounts.end(), std::back_inserter(records), policyRecord);

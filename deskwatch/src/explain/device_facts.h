@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "explain/device_settings.h"
 #include "rules/TeskPolicyData.h"
+#include "session/device_settings.h"
 #include "session/value.h"
 
 namespace deskwatch {
@@ -16,7 +16,7 @@ struct DeviceFacts {
     /// By account number.
     TeskPolicyDataList accounts;
     /// What the device policy manager holds.
-    SettingValues settings;
+    SettingValues settings{};
     /// 0 none, 1 PIN, more: stronger.
     int lockType = 0;
     std::optional<std::string> country;

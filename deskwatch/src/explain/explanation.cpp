@@ -7,39 +7,19 @@
 namespace deskwatch {
 namespace {
 
-/// Which device setting a merged field decides.
-struct Decision {
-    std::int32_t TeskPolicyData::*field;
-    const char* setting;
-};
-
-constexpr std::array<Decision, 13> decisions{{
-    {&TeskPolicyData::devicePasswordEnabled, "quality"},
-    {&TeskPolicyData::allowSimplePassword, "quality"},
-    {&TeskPolicyData::alphanumericDevicePasswordRequired, "quality"},
-    {&TeskPolicyData::minDevicePasswordComplexCharacters, "min_complex_chars"},
-    {&TeskPolicyData::minDevicePasswordLength, "minimum_length"},
-    {&TeskPolicyData::maxDevicePasswordFailedAttempts, "maximum_failed_attempts_for_wipe"},
-    {&TeskPolicyData::maxInactivityTimeDeviceLock, "max_inactivity_time_device_lock"},
-    {&TeskPolicyData::devicePasswordExpiration, "expires"},
-    {&TeskPolicyData::devicePasswordHistory, "history"},
-    {&TeskPolicyData::requireDeviceEncryption, "internal_storage_encryption"},
-    {&TeskPolicyData::allowPopimapEmail, "popimap_email_state"},
-    {&TeskPolicyData::allowTextMessaging, "messaging_state"},
-    {&TeskPolicyData::allowWifi, "wifi_state"},
-}};
-
-std::optional<std::size_t> settingOf(std::int32_t TeskPolicyData::*field) {
-    const auto* const decision = std::find_if(decisions.begin(), decisions.end(),
-                                              [field](const Decision& candidate) { return candidate.field == field; });
-    if (decision == decisions.end()) {
-        return std::nullopt;
-    }
-    const std::string name = decision->setting;
+std::optional<std::size_t> settingOf(DeviceSetting::Field field) {
     const auto* const setting =
         std::find_if(deviceSettings.begin(), deviceSettings.end(),
-                     [&name](const DeviceSetting& candidate) { return candidate.name == name; });
-    return static_cast<std::size_t>(setting - deviceSettings.begin());
+                     [field](const DeviceSetting& candidate) { return candidate.isDecidedBy(field); });
+    return setting != deviceSettings.end() ? std::optional<std::size_t>(setting - deviceSettings.begin())
+                                           : std::nullopt;
+}
+
+SettingValues writtenValues(const TeskPolicySettings& settings, bool isEncrypted) {
+    SettingValues values;
+    std::transform(deviceSettings.begin(), deviceSettings.end(), values.begin(),
+                   [&](const DeviceSetting& setting) { return setting.written(settings, isEncrypted); });
+    return values;
 }
 
 /// Merges one field, account by account, and notes whose value it had in the end.

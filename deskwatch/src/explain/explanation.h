@@ -48,9 +48,9 @@ struct Explanation {
     std::vector<std::pair<int, std::string>> accounts;
     std::vector<FieldExplanation> fields;
     /// What the service writes for these accounts; nothing when there is none.
-    SettingValues written;
+    SettingValues written{};
     /// What the device policy manager holds now.
-    SettingValues now;
+    SettingValues now{};
     std::vector<PasswordScore> scores;
     /// The account that the password is enforced for; 0 for none.
     int enforcingAccount = 0;

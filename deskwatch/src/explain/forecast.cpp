@@ -8,6 +8,9 @@
 namespace deskwatch {
 namespace {
 
+constexpr std::size_t qualitySetting = 0;
+constexpr std::size_t minLengthSetting = 1;
+constexpr std::size_t complexCharactersSetting = 3;
 constexpr char nameOfNoAccount[] = "EAS";
 
 std::string reasonText(TeskPasswordVerdict verdict) {
@@ -119,10 +122,12 @@ private:
         if (device_.accounts.empty()) {
             return; // the device policy manager refuses a service that administers nothing
         }
-        const auto written =
-            writtenValues(TeskPolicySettings::of(merged, device_.countryMinLength()), device_.isEncrypted());
-        std::transform(written.begin(), written.end(), device_.settings.begin(), device_.settings.begin(),
-                       [](const auto& value, const auto& before) { return value ? value : before; });
+        const auto settings = TeskPolicySettings::of(merged, device_.countryMinLength());
+        std::transform(deviceSettings.begin(), deviceSettings.end(), device_.settings.begin(), device_.settings.begin(),
+                       [&](const DeviceSetting& setting, const auto& before) {
+                           const auto value = setting.written(settings, device_.isEncrypted());
+                           return value ? value : before;
+                       });
     }
 
     void openPopup(const std::string& source, const std::string& reason) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "session/device_session.h"
+#include "session/device_settings.h"
 #include "session/value.h"
 #include "status/idle_exit.h"
 
@@ -32,7 +33,7 @@ struct DeviceStatus {
     /// when there is no account.
     StoredAccount mergedPolicy;
     /// What the device policy manager holds.
-    std::vector<NamedValue> settings;
+    SettingValues settings{};
     /// The keys of the settings store that policies are about.
     std::vector<NamedValue> keys;
     /// The account that the password is enforced for, as the service noted it.

@@ -17,6 +17,14 @@ Json asObject(const std::vector<NamedValue>& values) {
     return object;
 }
 
+std::vector<NamedValue> named(const SettingValues& values) {
+    std::vector<NamedValue> list;
+    for (std::size_t setting = 0; setting < deviceSettings.size(); ++setting) {
+        list.push_back({deviceSettings[setting].name, values[setting] ? Value(*values[setting]) : Value()});
+    }
+    return list;
+}
+
 /// The value that an earlier status had under that name, where it was another one.
 std::string markOf(const NamedValue& now, const std::vector<NamedValue>& earlier) {
     const auto before =
@@ -108,7 +116,7 @@ Json statusObject(const DeviceStatus& status) {
         object["accounts"].push_back(asObject(account));
     }
     object["mergedPolicy"] = status.mergedPolicy.empty() ? Json(nullptr) : asObject(status.mergedPolicy);
-    object["settings"] = asObject(status.settings);
+    object["settings"] = asObject(named(status.settings));
     object["keys"] = asObject(status.keys);
     object["enforcingAccount"] = valueJson(status.enforcingAccount.value);
     object["launches"] = Json::array();
@@ -123,8 +131,9 @@ Json statusObject(const DeviceStatus& status) {
 std::string statusTables(const DeviceStatus& status, const DeviceStatus* earlier) {
     const DeviceStatus& before = earlier != nullptr ? *earlier : status;
     return "Watch " + status.folder + ", " + serviceText(status) + "\n\nStored accounts\n" + accountTable(status) +
-           "\nSettings of the device policy manager\n" + namedValues(status.settings, before.settings) + "\nKeys\n" +
-           namedValues(keysOf(status), keysOf(before)) + "\nLaunch requests\n" + screenTable(status.screens);
+           "\nSettings of the device policy manager\n" + namedValues(named(status.settings), named(before.settings)) +
+           "\nKeys\n" + namedValues(keysOf(status), keysOf(before)) + "\nLaunch requests\n" +
+           screenTable(status.screens);
 }
 
 std::string statusJson(const DeviceStatus& status) {
