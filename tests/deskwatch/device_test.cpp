@@ -3,6 +3,7 @@
 #include <dconf.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 #include <fstream>
 #include <iterator>
@@ -149,7 +150,7 @@ TEST(Device, OffOfAWatchThatIsOffSaysSo) {
 
 TEST(Device, OffOfAFolderThatIsNoWatchIsRefused) {
     const TemporaryFolder folder;
-    EXPECT_EQ(failureOf([&] { Device(folder.path()).off(); }), folder.path().string() + " is no watch");
+    EXPECT_EQ(failureOf([&] { Device(folder.path()).off(); }), folder.path().string() + " is not a watch folder");
 }
 
 TEST(Device, KilledBusIsCleanedUpByTheNextBoot) {
@@ -298,6 +299,21 @@ TEST(Device, TwoBootsAtOnceMakeOneWatch) {
     const auto refused = folder.path().string() + " is booted already";
     EXPECT_EQ(failures[0] + failures[1], refused);
     EXPECT_TRUE(watch.off());
+}
+
+TEST(Device, ApplicationsAreReadAsTheyWereGiven) {
+    const TemporaryFolder folder;
+    const std::vector<Application> given{{ids::service, {"/bin/echo", "a=b", "it's", R"(\e "c" $d)"}},
+                                         {ids::popup, {"/bin/true"}}};
+    const BootedDevice watch(folder.path(), given);
+
+    auto read = readApplications(watch->layout());
+
+    std::sort(read.begin(), read.end(), [](const auto& one, const auto& other) { return one.id < other.id; });
+    ASSERT_EQ(read.size(), given.size());
+    EXPECT_EQ(read[0].id, given[0].id);
+    EXPECT_EQ(read[0].command, given[0].command);
+    EXPECT_EQ(read[1].command, given[1].command);
 }
 
 } // namespace

@@ -23,7 +23,10 @@ public:
     /// The next line that the condition holds for; the others before it are dropped.
     std::string awaitLine(const std::function<bool(const std::string& line)>& condition);
 
-    /// Waits for its end, with what it writes until then left unread; returns its exit status.
+    void signal(int number) const { g_subprocess_send_signal(process_.get(), number); }
+
+    /// Waits for its end, with what it writes until then left unread; returns its exit status, -1 when
+    /// a signal ended it.
     int waitForEnd();
 
 private:

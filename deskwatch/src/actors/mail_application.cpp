@@ -8,7 +8,6 @@
 
 #include "c_owners.h"
 #include "device/application_ids.h"
-#include "session/device_session.h"
 
 namespace deskwatch {
 namespace {
@@ -37,7 +36,10 @@ void send(const Request& request) {
 } // namespace
 
 void sendAsMailApplication(const Device& device, const std::vector<Request>& requests) {
-    const DeviceSession session(device, ids::mail);
+    sendAsMailApplication(DeviceSession(device, ids::mail), requests);
+}
+
+void sendAsMailApplication(const DeviceSession& session, const std::vector<Request>& requests) {
     launchService();
     const auto firstLaunched = session.settle(ids::service); // its port is open now
     std::set<std::string> launched(firstLaunched.begin(), firstLaunched.end());

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "device/device.h"
+#include "session/device_session.h"
 
 namespace deskwatch {
 
@@ -18,6 +18,9 @@ struct Request {
 /// them and the applications that it launched have got their launch requests. Throws std::runtime_error when the watch
 /// is not booted, or the service does not come up or ends meanwhile.
 void sendAsMailApplication(const Device& device, const std::vector<Request>& requests);
+
+/// The same for a process that is on the watch as its mail application already.
+void sendAsMailApplication(const DeviceSession& session, const std::vector<Request>& requests);
 
 } // namespace deskwatch
 

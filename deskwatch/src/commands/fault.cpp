@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "commands.h"
+#include "session/observer.h"
 #include "session/platform_faults.h"
 #include "text/text_table.h"
 #include "text/value_output.h"
@@ -34,13 +35,13 @@ std::string asJson(const std::vector<PlatformFault>& faults) {
 }
 
 void changeFaults(const CommonOptions& common, const FaultOptions& options) {
-    const Device device = chosenDevice(common);
+    const DeviceSession session(chosenDevice(common), observerId);
     if (options.isCleared) {
-        clearFaults(device);
+        clearFaults(session);
     } else if (!options.fault.function.empty()) {
-        setFault(device, options.fault);
+        setFault(session, options.fault);
     } else {
-        const auto faults = readFaults(device);
+        const auto faults = readFaults();
         std::cout << (options.isJson ? asJson(faults) : asTable(faults));
     }
 }

@@ -1,9 +1,9 @@
-#include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
 
 #include "commands.h"
+#include "device/temporary_device.h"
 #include "recording/recording.h"
 #include "recording/replay.h"
 
@@ -15,35 +15,13 @@ struct ReplayOptions {
     std::string service;
 };
 
-/// A new folder for a watch, which goes with this object.
-class FreshFolder {
-public:
-    FreshFolder() : path_((std::filesystem::temp_directory_path() / "deskwatch-XXXXXX").string()) {
-        if (mkdtemp(path_.data()) == nullptr) {
-            throw std::runtime_error("cannot make a folder for the watch");
-        }
-    }
-    ~FreshFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    FreshFolder(const FreshFolder&) = delete;
-    FreshFolder& operator=(const FreshFolder&) = delete;
-
-    std::filesystem::path device() const { return std::filesystem::path(path_) / "watch"; }
-
-private:
-    std::string path_;
-};
-
 void replayOnFreshDevice(const ReplayOptions& options) {
     const auto recording = readRecording(options.file);
     const auto self = std::filesystem::read_symlink("/proc/self/exe");
     const auto service =
         options.service.empty() ? self.parent_path() / "tesk-agent" : std::filesystem::absolute(options.service);
-    const FreshFolder folder;
-    const BootedDevice device(folder.device(), standardApplications(service, {self.string(), "companion"}),
-                              recording.device);
+    const TemporaryDevice device;
+    device->boot(standardApplications(service, {self.string(), "companion"}), recording.device);
     const auto outcome = replay(*device, recording);
     if (outcome.difference) {
         throw std::runtime_error(std::to_string(outcome.equal) + " effects are equal, then " + options.file + ", " +

@@ -42,8 +42,9 @@ FileDescriptor openLog(const std::filesystem::path& log) {
     return descriptor;
 }
 
-/// Runs in the new process before it becomes the daemon. The daemon writes down itself who it is, so that it is known
-/// even when the process that boots the device is killed at this moment. Only calls that are safe after a fork.
+/// Runs in the new process before it becomes the daemon, in a session of its own with all that it starts. The daemon
+/// writes down itself who it is, so that it is known even when the process that boots the device is killed at this
+/// moment. Only calls that are safe after a fork.
 void introduceDaemon(gpointer recordPath) {
     setsid();
     char stat[1024];

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <fstream>
@@ -39,12 +40,23 @@ std::vector<ProcessHandle> applicationsOf(const DeviceLayout& layout) {
     }
 }
 
-void waitForApplications(const std::vector<ProcessHandle>& applications) {
-    for (const auto& application : applications) {
-        if (!application.waitForEnd(applicationTimeout)) {
-            throw std::runtime_error("process " + std::to_string(application.pid()) +
-                                     " goes on although its bus has gone");
+void waitFor(const std::vector<ProcessHandle>& processes) {
+    for (const auto& process : processes) {
+        if (!process.waitForEnd(applicationTimeout)) {
+            throw std::runtime_error("process " + std::to_string(process.pid()) +
+                                     " still runs although its bus has ended");
         }
+    }
+}
+
+/// A program that was still coming up may wait for its bus for ever. Everything that the daemon started is in its
+/// session.
+void endLatecomers(pid_t session) {
+    for (auto left = ProcessHandle::ofSession(session); !left.empty(); left = ProcessHandle::ofSession(session)) {
+        for (const auto& process : left) {
+            process.signal(SIGTERM);
+        }
+        waitFor(left);
     }
 }
 
@@ -57,18 +69,30 @@ void writeBootedMark(const DeviceLayout& layout) {
 }
 
 bool endBus(const DeviceLayout& layout, const BusProcess& bus) {
-    const bool wasRunning = bus.running().has_value();
-    const auto applications = wasRunning ? applicationsOf(layout) : std::vector<ProcessHandle>{};
+    const auto daemon = bus.running();
+    const auto applications = daemon ? applicationsOf(layout) : std::vector<ProcessHandle>{};
     std::filesystem::remove(layout.bootedMark());
     bus.stop();
     std::filesystem::remove(layout.socket());
-    waitForApplications(applications);
-    return wasRunning;
+    waitFor(applications); // they end when their bus does
+    if (daemon) {
+        endLatecomers(daemon->pid());
+    }
+    return daemon.has_value();
 }
 
 } // namespace
 
 void Device::boot(const std::vector<Application>& applications, const DeviceState& state) const {
+    const bool isFresh = !std::filesystem::exists(layout_.settingsDatabase());
+    start(applications, [&] { writeFirstSettings(BusClient(busAddress()), state, isFresh); });
+}
+
+void Device::resume(const std::vector<Application>& applications) const {
+    start(applications, [] {});
+}
+
+void Device::start(const std::vector<Application>& applications, const std::function<void()>& whenBusRuns) const {
     layout_.makeFolders();
     const auto lock = lockBoot(layout_);
     const BusProcess bus(layout_.busRecord());
@@ -76,11 +100,10 @@ void Device::boot(const std::vector<Application>& applications, const DeviceStat
         throw std::runtime_error(layout_.folder().string() + " is booted already");
     }
     endBus(layout_, bus); // what a sudden end left behind
-    const bool fresh = !std::filesystem::exists(layout_.settingsDatabase());
     writeDeviceFiles(layout_, applications);
     bus.start({layout_.busConfiguration(), layout_.log(), layout_.commonEnvironment()});
     try {
-        writeFirstSettings(BusClient(busAddress()), state, fresh);
+        whenBusRuns();
         writeBootedMark(layout_);
     } catch (...) {
         endBus(layout_, bus);
@@ -92,9 +115,16 @@ bool Device::isBooted() const {
     return std::filesystem::exists(layout_.bootedMark()) && BusProcess(layout_.busRecord()).running().has_value();
 }
 
+void Device::requireBooted() const {
+    if (!isBooted()) {
+        const std::string folder = layout_.folder().string();
+        throw std::runtime_error(folder + " is not booted; boot it with: deskwatch boot " + folder);
+    }
+}
+
 bool Device::off() const {
     if (!std::filesystem::exists(layout_.busConfiguration())) {
-        throw std::runtime_error(layout_.folder().string() + " is no watch");
+        throw std::runtime_error(layout_.folder().string() + " is not a watch folder");
     }
     const auto lock = lockBoot(layout_);
     return endBus(layout_, BusProcess(layout_.busRecord()));

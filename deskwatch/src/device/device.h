@@ -2,6 +2,7 @@
 #define DESKWATCH_DEVICE_H
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -32,8 +33,15 @@ public:
     /// booted already or when a step fails; then nothing of it runs.
     void boot(const std::vector<Application>& applications, const DeviceState& state = {}) const;
 
+    /// Boots the watch like `boot`, but leaves all settings as they are in its folder, the keys under memory/ and the
+    /// faults included: for a copy of a watch that runs.
+    void resume(const std::vector<Application>& applications) const;
+
     /// Whether the watch has been booted to the end and its bus runs.
     bool isBooted() const;
+
+    /// Throws std::runtime_error with what would boot it when the watch is not booted.
+    void requireBooted() const;
 
     /// Switches the watch off: ends its bus, waits for that and for the applications, which end when their bus goes.
     /// Cleans up after a sudden end. False when it was off already. Throws std::runtime_error when a process does not
@@ -47,6 +55,8 @@ public:
     Environment appEnvironment(const std::string& id) const;
 
 private:
+    void start(const std::vector<Application>& applications, const std::function<void()>& whenBusRuns) const;
+
     DeviceLayout layout_;
 };
 

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "c_owners.h"
@@ -120,7 +121,35 @@ void writeSettingsService(const DeviceLayout& layout) {
     write(layout.settingsProfile(), "user-db:user\n");
 }
 
+/// The program and its arguments out of an Exec line that execLine made.
+std::vector<std::string> commandOf(const DeviceLayout& layout, const std::string& id, const std::string& exec) {
+    int count = 0;
+    char** words = nullptr;
+    GError* error = nullptr;
+    if (g_shell_parse_argv(exec.c_str(), &count, &words, &error) == FALSE) {
+        throw std::runtime_error("cannot read how " + id + " is started: " + c::takeMessage(error));
+    }
+    const std::unique_ptr<char*, decltype(&g_strfreev)> owner(words, &g_strfreev);
+    const auto first = std::min<int>(count, 1 + static_cast<int>(layout.applicationEnvironment(id).size()));
+    return {words + first, words + count};
+}
+
 } // namespace
+
+std::vector<Application> readApplications(const DeviceLayout& layout) {
+    std::vector<Application> applications;
+    for (const auto& entry : fs::directory_iterator(layout.services())) {
+        const std::string id = entry.path().stem().string();
+        if (id == settingsService) {
+            continue;
+        }
+        const KeyFileOwner file(g_key_file_new());
+        g_key_file_load_from_file(file.get(), entry.path().c_str(), G_KEY_FILE_NONE, nullptr);
+        const c::MemoryOwner<char> exec(g_key_file_get_string(file.get(), "D-BUS Service", "Exec", nullptr));
+        applications.push_back({id, commandOf(layout, id, exec != nullptr ? exec.get() : "")});
+    }
+    return applications;
+}
 
 void writeDeviceFiles(const DeviceLayout& layout, const std::vector<Application>& applications) {
     fs::remove_all(layout.services());

@@ -20,6 +20,10 @@ struct Application {
 /// or the machine has no settings service.
 void writeDeviceFiles(const DeviceLayout& layout, const std::vector<Application>& applications);
 
+/// The applications that the last boot was given, read from the activation files. Throws std::runtime_error when one
+/// cannot be read.
+std::vector<Application> readApplications(const DeviceLayout& layout);
+
 } // namespace deskwatch
 
 #endif

@@ -10,6 +10,8 @@ extern "C" {
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -66,6 +68,18 @@ std::optional<ProcessHandle> ProcessHandle::open(const ProcessIdentity& identity
         return std::nullopt;
     }
     return handle;
+}
+
+std::vector<ProcessHandle> ProcessHandle::ofSession(pid_t session) {
+    std::vector<ProcessHandle> processes;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+        const auto pid = static_cast<pid_t>(std::atoi(entry.path().filename().c_str()));
+        auto process = pid > 0 && getsid(pid) == session ? open(pid) : std::nullopt;
+        if (process) {
+            processes.push_back(std::move(*process));
+        }
+    }
+    return processes;
 }
 
 void ProcessHandle::signal(int number) const {

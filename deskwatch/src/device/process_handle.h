@@ -6,6 +6,7 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "device/file_descriptor.h"
 
@@ -38,6 +39,9 @@ public:
 
     /// Waits for the end of the process. False when it still runs after that time.
     bool waitForEnd(std::chrono::milliseconds atMost) const;
+
+    /// The processes of a session, those that have ended left out.
+    static std::vector<ProcessHandle> ofSession(pid_t session);
 
 private:
     ProcessHandle(pid_t pid, FileDescriptor descriptor) : pid_(pid), descriptor_(std::move(descriptor)) {}

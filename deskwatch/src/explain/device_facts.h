@@ -17,12 +17,8 @@ struct DeviceFacts {
     TeskPolicyDataList accounts;
     /// What the device policy manager holds.
     SettingValues settings{};
-    /// 0 none, 1 PIN, more: stronger.
-    int lockType = 0;
     std::optional<std::string> country;
     std::optional<std::string> cryptoState;
-    bool isTutorialShown = false;
-    bool isServiceRunning = true;
 
     int countryMinLength() const { return TeskPolicySettings::countryMinLength(country ? country->c_str() : nullptr); }
     bool isEncrypted() const { return TeskPolicySettings::isEncrypted(cryptoState ? cryptoState->c_str() : nullptr); }

@@ -17,10 +17,7 @@ namespace {
 constexpr int settleTimeout = 120'000;
 
 void becomeApplication(const Device& device, const std::string& id) {
-    if (!device.isBooted()) {
-        const std::string folder = device.layout().folder().string();
-        throw std::runtime_error(folder + " is not booted (deskwatch boot " + folder + ")");
-    }
+    device.requireBooted();
     for (const auto& [name, value] : device.appEnvironment(id)) {
         setenv(name.c_str(), value.c_str(), 1);
     }

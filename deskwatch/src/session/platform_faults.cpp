@@ -7,10 +7,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "c_owners.h"
 #include "device/application_ids.h"
-#include "session/device_session.h"
-#include "session/observer.h"
 
 namespace deskwatch {
 namespace {
@@ -39,8 +36,7 @@ bool isPlatformFunction(const std::string& name) {
 
 } // namespace
 
-void setFault(const Device& device, const PlatformFault& fault) {
-    const DeviceSession session(device, observerId);
+void setFault(const DeviceSession& session, const PlatformFault& fault) {
     if (!isPlatformFunction(fault.function)) {
         throw std::runtime_error("the platform has no function " + fault.function +
                                  "; one is named as in its headers, such as dpm_password_set_quality");
@@ -49,14 +45,12 @@ void setFault(const Device& device, const PlatformFault& fault) {
     session.settleService();
 }
 
-void clearFaults(const Device& device) {
-    const DeviceSession session(device, observerId);
+void clearFaults(const DeviceSession& session) {
     write(faultsFolder, nullptr);
     session.settleService();
 }
 
-std::vector<PlatformFault> readFaults(const Device& device) {
-    const DeviceSession session(device, observerId);
+std::vector<PlatformFault> readFaults() {
     const c::ObjectOwner<DConfClient> store(dconf_client_new());
     int count = 0;
     char** names = dconf_client_list(store.get(), faultsFolder.c_str(), &count);

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "device/device.h"
+#include "session/device_session.h"
 
 namespace deskwatch {
 
@@ -17,17 +17,17 @@ struct PlatformFault {
     int nth = 0;
 };
 
-// Each throws std::runtime_error when the watch is not booted. A boot clears all faults.
+// The faults of the watch that this process is on (see DeviceSession). A boot clears them.
 
 /// Has a function fail. Returns when the service, if it runs, knows of it. Throws std::runtime_error when the platform
 /// has no such function.
-void setFault(const Device& device, const PlatformFault& fault);
+void setFault(const DeviceSession& session, const PlatformFault& fault);
 
 /// Has no function fail any more.
-void clearFaults(const Device& device);
+void clearFaults(const DeviceSession& session);
 
 /// The functions that fail, by name.
-std::vector<PlatformFault> readFaults(const Device& device);
+std::vector<PlatformFault> readFaults();
 
 } // namespace deskwatch
 

@@ -14,6 +14,8 @@ using Value = std::variant<std::monostate, int, std::string>;
 struct NamedValue {
     std::string name;
     Value value;
+
+    bool operator==(const NamedValue& other) const { return name == other.name && value == other.value; }
 };
 
 /// A stored account: its columns in the order of the table.

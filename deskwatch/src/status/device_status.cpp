@@ -124,7 +124,7 @@ DeviceStatus readStatus(const DeviceSession& session) {
     DeviceStatus status;
     status.folder = layout.folder().string();
     status.isServiceRunning = session.daemon().isOwned(ids::service);
-    status.accounts = readStoredAccounts(layout.applicationData(ids::service) / "dbspace" / ".tesk.db");
+    status.accounts = readStoredAccounts(policyDatabase(layout));
     status.mergedPolicy = mergedPolicy(status.accounts);
     status.idleExit = readIdleExit(session);
     status.settings = readDevicePolicy(store.get());

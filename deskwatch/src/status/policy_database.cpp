@@ -3,9 +3,10 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <memory>
 #include <stdexcept>
 
-#include "c_owners.h"
+#include "device/application_ids.h"
 
 namespace deskwatch {
 namespace {
@@ -16,16 +17,24 @@ constexpr int shownColumns = 24;
 /// The service writes within a fraction of a second.
 constexpr int busyMilliseconds = 5'000;
 
-using Database = c::Owner<sqlite3, sqlite3_close>;
-using Statement = c::Owner<sqlite3_stmt, sqlite3_finalize>;
+struct DatabaseClose {
+    void operator()(sqlite3* database) const { sqlite3_close(database); }
+};
+
+struct StatementFinalize {
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+};
+
+using Database = std::unique_ptr<sqlite3, DatabaseClose>;
+using Statement = std::unique_ptr<sqlite3_stmt, StatementFinalize>;
 
 [[noreturn]] void fail(const std::filesystem::path& file, const Database& database) {
     throw std::runtime_error("cannot read " + file.string() + ": " + sqlite3_errmsg(database.get()));
 }
 
-Database openDatabase(const std::filesystem::path& file) {
+Database openDatabase(const std::filesystem::path& file, int flags) {
     sqlite3* opened = nullptr;
-    const int result = sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
+    const int result = sqlite3_open_v2(file.c_str(), &opened, flags, nullptr);
     Database database(opened);
     if (result != SQLITE_OK) {
         fail(file, database);
@@ -57,11 +66,30 @@ StoredAccount readAccount(sqlite3_stmt* row) {
 
 } // namespace
 
+std::filesystem::path policyDatabase(const DeviceLayout& layout) {
+    return layout.applicationData(ids::service) / "dbspace" / ".tesk.db";
+}
+
+void copyStoredAccounts(const std::filesystem::path& file, const std::filesystem::path& copy) {
+    if (!std::filesystem::exists(file)) {
+        return;
+    }
+    std::filesystem::create_directories(copy.parent_path());
+    const Database from = openDatabase(file, SQLITE_OPEN_READONLY);
+    const Database to = openDatabase(copy, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+    sqlite3_backup* backup = sqlite3_backup_init(to.get(), "main", from.get(), "main");
+    const int step = backup != nullptr ? sqlite3_backup_step(backup, -1) : sqlite3_errcode(to.get());
+    sqlite3_backup_finish(backup);
+    if (step != SQLITE_DONE) {
+        throw std::runtime_error("cannot copy " + file.string() + ": " + sqlite3_errstr(step));
+    }
+}
+
 std::vector<StoredAccount> readStoredAccounts(const std::filesystem::path& file) {
     if (!std::filesystem::exists(file)) {
         return {};
     }
-    const Database database = openDatabase(file);
+    const Database database = openDatabase(file, SQLITE_OPEN_READONLY);
     sqlite3_stmt* prepared = nullptr;
     if (sqlite3_prepare_v2(database.get(), "select * from eas_policy_tbl order by account_id", -1, &prepared,
                            nullptr) != SQLITE_OK) {

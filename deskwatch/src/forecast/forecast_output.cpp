@@ -1,6 +1,6 @@
 #include <nlohmann/json.hpp>
 
-#include "explain/forecast.h"
+#include "forecast/forecast.h"
 #include "rules/TeskPolicyTable.h"
 #include "text/text_table.h"
 #include "text/value_output.h"
@@ -23,8 +23,8 @@ std::string changeTable(Rows rows) {
 std::string mergedTable(const Forecast& forecast) {
     Rows rows;
     for (const auto& number : TeskPolicyTable::numbers) {
-        const int before = forecast.mergedBefore.*number.field;
-        const int after = forecast.mergedAfter.*number.field;
+        const int before = forecast.before.merged.*number.field;
+        const int after = forecast.after.merged.*number.field;
         if (before != after) {
             rows.push_back({number.column, std::to_string(before), std::to_string(after)});
         }
@@ -35,8 +35,8 @@ std::string mergedTable(const Forecast& forecast) {
 std::string settingTable(const Forecast& forecast) {
     Rows rows;
     for (std::size_t setting = 0; setting < deviceSettings.size(); ++setting) {
-        const auto& before = forecast.settingsBefore[setting];
-        const auto& after = forecast.settingsAfter[setting];
+        const auto& before = forecast.before.settings[setting];
+        const auto& after = forecast.after.settings[setting];
         if (before != after) {
             rows.push_back({deviceSettings[setting].name, numberText(before), numberText(after)});
         }
@@ -52,12 +52,29 @@ std::string accountTable(const Forecast& forecast) {
     return rows.empty() ? "  no change\n" : textTable(rows);
 }
 
-std::string screenTable(const Forecast& forecast) {
+std::string keyTable(const Forecast& forecast) {
     Rows rows;
-    for (const auto& screen : forecast.screens) {
-        rows.push_back({screen.application, screen.reason, "(" + screen.source + ")"});
+    for (std::size_t key = 0; key < forecast.before.keys.size(); ++key) {
+        const auto& [name, before] = forecast.before.keys[key];
+        const auto& after = forecast.after.keys[key].value;
+        if (before != after) {
+            rows.push_back({name, valueText(before), valueText(after)});
+        }
     }
-    return rows.empty() ? "  none\n" : textTable(rows);
+    return changeTable(std::move(rows));
+}
+
+std::string screenList(const Forecast& forecast) {
+    std::string text;
+    for (const auto& screen : forecast.screens) {
+        text += textTable({{screen.launch.application, screen.reason, "(" + screen.source + ")"}});
+        Rows rows;
+        for (const auto& [key, value] : screen.launch.extraData) {
+            rows.push_back({"  " + key, value});
+        }
+        text += textTable(rows);
+    }
+    return text.empty() ? "  none\n" : text;
 }
 
 std::string remarkLines(const Forecast& forecast) {
@@ -72,8 +89,8 @@ Json mergedJson(const Forecast& forecast) {
     Json merged = Json::object();
     for (const auto& row : TeskPolicyTable::numbers) {
         if (row.rule != TeskMergeRule::NotMerged) {
-            merged[row.column] = {{"before", forecast.mergedBefore.*row.field},
-                                  {"after", forecast.mergedAfter.*row.field}};
+            merged[row.column] = {{"before", forecast.before.merged.*row.field},
+                                  {"after", forecast.after.merged.*row.field}};
         }
     }
     return merged;
@@ -82,18 +99,38 @@ Json mergedJson(const Forecast& forecast) {
 Json settingsJson(const Forecast& forecast) {
     Json settings = Json::object();
     for (std::size_t setting = 0; setting < deviceSettings.size(); ++setting) {
-        settings[deviceSettings[setting].name] = {{"before", numberJson(forecast.settingsBefore[setting])},
-                                                  {"after", numberJson(forecast.settingsAfter[setting])}};
+        settings[deviceSettings[setting].name] = {{"before", numberJson(forecast.before.settings[setting])},
+                                                  {"after", numberJson(forecast.after.settings[setting])}};
     }
     return settings;
+}
+
+Json keysJson(const Forecast& forecast) {
+    Json keys = Json::object();
+    for (std::size_t key = 0; key < forecast.before.keys.size(); ++key) {
+        keys[forecast.before.keys[key].name] = {{"before", valueJson(forecast.before.keys[key].value)},
+                                                {"after", valueJson(forecast.after.keys[key].value)}};
+    }
+    return keys;
+}
+
+Json screenJson(const ScreenForecast& screen) {
+    Json extraData = Json::object();
+    for (const auto& [key, value] : screen.launch.extraData) {
+        extraData[key] = value;
+    }
+    return {{"application", screen.launch.application},
+            {"source", screen.source},
+            {"reason", screen.reason},
+            {"extraData", extraData}};
 }
 
 } // namespace
 
 std::string forecastText(const Forecast& forecast) {
     return "Accounts that would be stored\n" + accountTable(forecast) + "\nMerged policy\n" + mergedTable(forecast) +
-           "\nSettings of the device policy manager\n" + settingTable(forecast) + "\nScreens that would open\n" +
-           screenTable(forecast) + remarkLines(forecast);
+           "\nSettings of the device policy manager\n" + settingTable(forecast) + "\nKeys\n" + keyTable(forecast) +
+           "\nScreens that would open\n" + screenList(forecast) + remarkLines(forecast);
 }
 
 std::string forecastJson(const Forecast& forecast) {
@@ -103,13 +140,13 @@ std::string forecastJson(const Forecast& forecast) {
     }
     object["merged"] = mergedJson(forecast);
     object["settings"] = settingsJson(forecast);
+    object["keys"] = keysJson(forecast);
     object["screens"] = Json::array();
     for (const auto& screen : forecast.screens) {
-        object["screens"].push_back(
-            {{"application", screen.application}, {"source", screen.source}, {"reason", screen.reason}});
+        object["screens"].push_back(screenJson(screen));
     }
     object["remarks"] = forecast.remarks;
-    return object.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    return jsonText(object, 2) + "\n";
 }
 
 } // namespace deskwatch
