@@ -1,12 +1,16 @@
 #include <dconf.h>
+#include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 
+#include <array>
 #include <csignal>
 #include <iterator>
 #include <map>
 
 #include "commands_fixture.h"
 #include "device/application_ids.h"
+#include "device/file_descriptor.h"
 #include "running_program.h"
 
 namespace deskwatch {
@@ -20,6 +24,16 @@ constexpr char pinPolicy[] = R"({"msgId": "email-itpolicy-ind", "seqId": 1, "par
 std::string contents(const std::filesystem::path& file) {
     std::ifstream stream(file);
     return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// The number that a program writes to a pipe with a name.
+int awaitNumber(const std::filesystem::path& pipe) {
+    const FileDescriptor descriptor(open(pipe.c_str(), O_RDWR | O_CLOEXEC));
+    pollfd entry{descriptor.get(), POLLIN, 0};
+    std::array<char, 32> text{};
+    const auto most = std::chrono::milliseconds(timeout).count();
+    const bool isThere = poll(&entry, 1, static_cast<int>(most)) == 1 && read(entry.fd, text.data(), text.size()) > 0;
+    return isThere ? std::atoi(text.data()) : 0;
 }
 
 /// All that lies in a folder, with the time of its last change.
@@ -86,7 +100,7 @@ TEST_F(Whatif, ComesTrue) {
     }
     ASSERT_EQ(foreseen["accounts"].size(), happened["accounts"].size());
     ASSERT_EQ(foreseen["screens"].size(), happened["launches"].size());
-    EXPECT_EQ(foreseen["screens"][0]["extraData"], happened["launches"][0]["extraData"]);
+    EXPECT_EQ(foreseen["screens"].at(0)["extraData"], happened["launches"][0]["extraData"]);
 }
 
 TEST_F(Whatif, TouchesNothing) {
@@ -136,7 +150,7 @@ TEST_F(Whatif, ServiceThatRunsEnforcesWhenTheMessageComes) {
     EXPECT_TRUE(unknown["screens"].empty());
     EXPECT_EQ(unknown["settings"]["quality"], Json::parse(R"({"before": 0, "after": 0})"));
     EXPECT_EQ(known["settings"]["quality"], Json::parse(R"({"before": 0, "after": 128})"));
-    EXPECT_EQ(known["screens"][0]["reason"],
+    EXPECT_EQ(known["screens"].at(0)["reason"],
               "asks for a lock for bob@bank.example: a stronger kind of password is required");
     EXPECT_TRUE(known["accounts"].empty()) << "stored as it is already";
 }
@@ -153,7 +167,7 @@ TEST_F(Whatif, FaultOfTheWatchIsMet) {
 
         EXPECT_EQ(foreseen["settings"]["quality"]["after"], 0);
         EXPECT_EQ(foreseen["settings"]["minimum_length"]["after"], 4);
-        EXPECT_EQ(foreseen["remarks"][0], sample("hardened.json") + ": [EAS] Failed setPasswordQuality(128). [-13]");
+        EXPECT_EQ(foreseen["remarks"].at(0), sample("hardened.json") + ": [EAS] Failed setPasswordQuality(128). [-13]");
     }
 }
 
@@ -167,7 +181,7 @@ TEST_F(Whatif, QualityOfAnOldDeviceIsMigrated) {
 
     EXPECT_EQ(foreseen["settings"]["quality"], Json::parse(R"({"before": 16, "after": 33})"));
     EXPECT_TRUE(foreseen["screens"].empty()) << foreseen["screens"];
-    EXPECT_NE(foreseen["remarks"][0].get<std::string>().find("migration"), std::string::npos);
+    EXPECT_NE(foreseen["remarks"].at(0).get<std::string>().find("migration"), std::string::npos);
 }
 
 TEST_F(Whatif, StoredAccountIsReplaced) {
@@ -183,7 +197,7 @@ TEST_F(Whatif, EveryKindOfMessageIsTaken) {
         {sample("account-info.json"), sample("init-response.json"), write("odd.json", R"({"msgId":"odd"})").string()});
     EXPECT_FALSE(foreseen["accounts"].empty());
     EXPECT_EQ(foreseen["screens"].back()["source"], sample("init-response.json"));
-    EXPECT_NE(foreseen["remarks"][0].get<std::string>().find("odd.json: this is not request msgId: odd"),
+    EXPECT_NE(foreseen["remarks"].at(0).get<std::string>().find("odd.json: this is not request msgId: odd"),
               std::string::npos);
 }
 
@@ -202,8 +216,8 @@ TEST_F(Whatif, TutorialKeepsThePopupClosed) {
     boot({"--tutorial"});
     const auto foreseen = whatif({sample("hardened.json")});
     ASSERT_EQ(foreseen["screens"].size(), 1U);
-    EXPECT_EQ(foreseen["screens"][0]["application"], ids::encryptionSettings);
-    EXPECT_NE(foreseen["remarks"][0].get<std::string>().find("tutorial"), std::string::npos);
+    EXPECT_EQ(foreseen["screens"].at(0)["application"], ids::encryptionSettings);
+    EXPECT_NE(foreseen["remarks"].at(0).get<std::string>().find("tutorial"), std::string::npos);
 }
 
 TEST_F(Whatif, FileThatIsNotJsonIsRefused) {
@@ -223,19 +237,20 @@ TEST_F(Whatif, ServiceThatDoesNotComeUpIsReported) {
 
 TEST_F(Whatif, SignalLeavesNoProcessAndNoFolder) {
     const auto announcement = temporary().parent_path() / (temporary().filename().string() + ".up");
-    const auto service = write("service", "#!/bin/sh\necho $$ >" + announcement.string() + "\nexec sleep 1000\n");
-    std::filesystem::permissions(service, std::filesystem::perms::owner_all);
-    boot({"--service", service.string()});
+    const auto script = write("service", "#!/bin/sh\necho $$ >" + announcement.string() + "\nexec sleep 1000\n");
+    std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+    boot({"--service", script.string()});
     for (const int number : {SIGINT, SIGTERM}) {
         ASSERT_EQ(mkfifo(announcement.c_str(), 0600), 0);
         RunningProgram program({"whatif", sample("hardened.json")});
-        const auto pid = static_cast<pid_t>(std::stoi(contents(announcement))); // waits until it is written
+        const pid_t service = awaitNumber(announcement);
         std::filesystem::remove(announcement);
+        ASSERT_GT(service, 0) << "the copy does not start it";
 
         program.signal(number);
 
         EXPECT_EQ(program.waitForEnd(), -1) << "ended by the signal";
-        EXPECT_FALSE(ProcessHandle::open(pid)) << "the service still comes up";
+        EXPECT_FALSE(ProcessHandle::open(service)) << "the service still comes up";
         EXPECT_TRUE(std::filesystem::is_empty(temporary()));
     }
 }
