@@ -34,8 +34,8 @@ int reportUsage(const CLI::App& program, const CLI::ParseError& error) {
     }
     const std::string outer = commandName(program);
     const std::string& word = unknown.front();
-    std::cerr << "deskwatch: " << (outer.empty() ? "" : outer + ": ") << "there is no "
-              << (word.rfind('-', 0) == 0 ? "option " : "command ") << word
+    std::cerr << "deskwatch: " << (outer.empty() ? "" : outer + ": ") << word
+              << (word.rfind('-', 0) == 0 ? " is not an option" : " is not a command")
               << "\nRun with --help for more information.\n";
     return usage;
 }

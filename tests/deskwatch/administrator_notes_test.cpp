@@ -40,7 +40,7 @@ TEST(AdministratorNotes, LimitsWithoutAPasswordAreNamed) {
     auto withPassword = limited;
     withPassword.accountId = 3;
     withPassword.devicePasswordEnabled = 1;
-    EXPECT_EQ(concerned({account(1), limited, withPassword}, "take part in the merge"), Ids{2});
+    EXPECT_EQ(concerned({account(1), limited, withPassword}, "are merged all the same"), Ids{2});
 }
 
 TEST(AdministratorNotes, LongerHistoryThatLosesIsNamed) {
@@ -48,8 +48,8 @@ TEST(AdministratorNotes, LongerHistoryThatLosesIsNamed) {
     shorter.devicePasswordHistory = 4;
     auto longer = account(2);
     longer.devicePasswordHistory = 24;
-    EXPECT_EQ(concerned({shorter, longer, account(3)}, "histories"), Ids{2});
-    EXPECT_EQ(concerned({longer, account(3)}, "histories"), Ids{});
+    EXPECT_EQ(concerned({shorter, longer, account(3)}, "smallest password history"), Ids{2});
+    EXPECT_EQ(concerned({longer, account(3)}, "smallest password history"), Ids{});
 }
 
 TEST(AdministratorNotes, AttemptsWithoutALimitAreNamedWhileNobodyLimitsThem) {
@@ -95,7 +95,7 @@ TEST(AdministratorNotes, WhatIsStoredAndNotEnforcedIsNamed) {
 TEST(AdministratorNotes, EncryptionLeavesTheStorageCardOut) {
     auto encrypting = account(1);
     encrypting.requireDeviceEncryption = 1;
-    EXPECT_EQ(concerned({encrypting, account(2)}, "storage card cannot"), Ids{1});
+    EXPECT_EQ(concerned({encrypting, account(2)}, "storage card encryption cannot"), Ids{1});
 }
 
 } // namespace

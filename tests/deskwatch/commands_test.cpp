@@ -74,7 +74,7 @@ TEST_F(Commands, FileThatIsNoJsonIsRefusedAndNothingOfTheOthersIsSent) {
     const auto outcome = deskwatchProgram({"mail", "policy", sample("hardened.json"), file.string()});
 
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.errors.find("deskwatch: mail policy: " + file.string() + ":2:13: this is no JSON"), 0U)
+    EXPECT_EQ(outcome.errors.find("deskwatch: mail policy: " + file.string() + ":2:13: not valid JSON"), 0U)
         << outcome.errors;
     EXPECT_FALSE(status()["serviceRunning"]);
 }
@@ -165,20 +165,20 @@ TEST_F(Commands, ApplicationsEndWhenTheBusIsKilled) {
         EXPECT_TRUE(process.waitForEnd(timeout)) << process.pid();
     }
     EXPECT_EQ(deskwatchProgram({"status"}).status, 1);
-    EXPECT_EQ(run({"off"}), device().layout().folder().string() + " was off already\n");
+    EXPECT_EQ(run({"off"}), device().layout().folder().string() + " was already off\n");
 }
 
 TEST_F(Commands, StatusWithoutAnyWatchSaysHowToBootOne) {
     const auto outcome = deskwatchProgram({"status"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.errors, "deskwatch: status: no watch is booted (deskwatch boot)\n");
+    EXPECT_EQ(outcome.errors, "deskwatch: status: no watch is booted; boot one with: deskwatch boot\n");
 }
 
 TEST_F(Commands, SecondBootIsRefused) {
     boot();
     const auto outcome = deskwatchProgram({"boot", device().layout().folder().string()});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.errors, "deskwatch: boot: " + device().layout().folder().string() + " is booted already\n");
+    EXPECT_EQ(outcome.errors, "deskwatch: boot: " + device().layout().folder().string() + " is already booted\n");
 }
 
 TEST_F(Commands, WrongArgumentsAreToldApartFromFailures) {
@@ -195,13 +195,13 @@ TEST_F(Commands, WrongArgumentIsNamedWithWhatThereIs) {
 TEST_F(Commands, WordThatIsNoCommandIsNamed) {
     const auto outer = deskwatchProgram({"statu", "--json"});
     EXPECT_EQ(outer.status, 2);
-    EXPECT_EQ(outer.errors.find("deskwatch: there is no command statu\n"), 0U) << outer.errors;
+    EXPECT_EQ(outer.errors.find("deskwatch: statu is not a command\n"), 0U) << outer.errors;
     const auto inner = deskwatchProgram({"mail", "polcy", "file"});
     EXPECT_EQ(inner.status, 2);
-    EXPECT_EQ(inner.errors.find("deskwatch: mail: there is no command polcy\n"), 0U) << inner.errors;
+    EXPECT_EQ(inner.errors.find("deskwatch: mail: polcy is not a command\n"), 0U) << inner.errors;
     const auto option = deskwatchProgram({"--statu"});
     EXPECT_EQ(option.status, 2);
-    EXPECT_EQ(option.errors.find("deskwatch: there is no option --statu\n"), 0U) << option.errors;
+    EXPECT_EQ(option.errors.find("deskwatch: --statu is not an option\n"), 0U) << option.errors;
 }
 
 } // namespace

@@ -120,7 +120,7 @@ TEST(Device, SecondBootOfABootedWatchIsRefused) {
 
     const auto failure = failureOf([&] { Device(folder.path()).boot(someApplications()); });
 
-    EXPECT_EQ(failure, folder.path().string() + " is booted already");
+    EXPECT_EQ(failure, folder.path().string() + " is already booted");
     EXPECT_EQ(busOf(*watch).pid(), bus.pid());
 }
 
@@ -262,7 +262,7 @@ TEST(Device, MissingProgramOfAnApplicationIsNamed) {
     const TemporaryFolder folder;
     const Device watch(folder.path());
     EXPECT_EQ(failureOf([&] { watch.boot(standardApplications("/nowhere/agent", {"/bin/true"})); }),
-              "no program for com.velmor.tesk-agent: /nowhere/agent");
+              "cannot run the program of com.velmor.tesk-agent: /nowhere/agent");
     EXPECT_FALSE(watch.isBooted());
 }
 
@@ -284,7 +284,7 @@ TEST(Device, BusThatDoesNotComeUpLeavesNothingBehindAndTellsWhy) {
 
     const auto failure = failureOf([&] { watch.boot(someApplications()); });
 
-    EXPECT_EQ(failure, "dbus-daemon did not come up: no room for a bus");
+    EXPECT_EQ(failure, "dbus-daemon did not start: no room for a bus");
     EXPECT_FALSE(watch.isBooted());
     EXPECT_FALSE(std::filesystem::exists(watch.layout().busRecord()));
 }
@@ -296,7 +296,7 @@ TEST(Device, TwoBootsAtOnceMakeOneWatch) {
     std::thread other([&] { failures[0] = failureOf([&] { watch.boot(someApplications()); }); });
     failures[1] = failureOf([&] { watch.boot(someApplications()); });
     other.join();
-    const auto refused = folder.path().string() + " is booted already";
+    const auto refused = folder.path().string() + " is already booted";
     EXPECT_EQ(failures[0] + failures[1], refused);
     EXPECT_TRUE(watch.off());
 }

@@ -27,7 +27,7 @@ protected:
 
     std::vector<std::string> commands() const { return commandsIn(program_, ""); }
 
-    /// What the completion proposes behind these words.
+    /// What the completion proposes after these words.
     std::string proposed(const std::string& words) const {
         const auto script = write("completion.bash", run({"docs", "--completion"}));
         const auto file = write("ask.bash", "source " + script.string() + "\nCOMP_WORDS=(" + words +

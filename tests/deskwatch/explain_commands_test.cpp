@@ -16,7 +16,7 @@ TEST_F(Commands, ExplainNamesWinnerLosersAndWhatBecameOfIt) {
         }
     }
     EXPECT_EQ(attempts, Json::parse(R"({"field": "max_device_password_failed_attempts",
-        "rule": "the smallest value but 0, which is no limit", "accounts": [
+        "rule": "the smallest value other than 0, which means no limit", "accounts": [
             {"account": 1, "value": 0, "standing": "loses"}, {"account": 2, "value": 10, "standing": "loses"},
             {"account": 3, "value": 8, "standing": "wins"}],
         "winner": 3, "losers": [1, 2], "merged": 8,

@@ -10,7 +10,7 @@ TEST_F(FaultCommands, FunctionFailsForTheServiceAloneUntilItIsCleared) {
     run({"fault", "dpm_password_set_quality", "-13"});
     run({"mail", "policy", sample("hardened.json")});
     EXPECT_EQ(status()["settings"]["quality"], 0);
-    EXPECT_EQ(status()["settings"]["minimum_length"], 4) << "what comes behind it is applied";
+    EXPECT_EQ(status()["settings"]["minimum_length"], 4) << "the later settings are applied";
     EXPECT_NE(run({"log", "--level", "W"}).find("-13"), std::string::npos) << "the service tells the code";
 
     run({"fault", "--clear"});

@@ -37,7 +37,7 @@ TEST_F(KeyCommands, TextThatIsNoKeyIsRefused) {
         arguments.insert(arguments.begin(), "key");
         const auto outcome = deskwatchProgram(arguments);
         EXPECT_EQ(outcome.status, 1);
-        EXPECT_NE(outcome.errors.find("is no key: one begins with db/"), std::string::npos) << outcome.errors;
+        EXPECT_NE(outcome.errors.find("is not a key: a key begins with db/"), std::string::npos) << outcome.errors;
     }
 }
 

@@ -27,7 +27,7 @@ TEST_F(MailCommands, MessageOfAnotherKindIsRefusedAndNothingIsSent) {
 
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.errors, "deskwatch: mail accounts: " + sample("init-response.json") +
-                                  ": this is a message of the kind email-init-res, not email-account-info\n");
+                                  ": a message of the kind email-init-res; this command takes email-account-info\n");
     EXPECT_FALSE(status()["serviceRunning"]);
 }
 
@@ -36,7 +36,7 @@ TEST_F(MailCommands, RawFilesAreOfferedWhereTheyCanBeSent) {
     const auto policy = deskwatchProgram({"mail", "policy", file});
     const auto accounts = deskwatchProgram({"mail", "accounts", file});
     EXPECT_NE(policy.errors.find("--raw"), std::string::npos) << policy.errors;
-    EXPECT_NE(accounts.errors.find("no JSON"), std::string::npos) << accounts.errors;
+    EXPECT_NE(accounts.errors.find("not valid JSON"), std::string::npos) << accounts.errors;
     EXPECT_EQ(accounts.errors.find("--raw"), std::string::npos) << accounts.errors;
 }
 

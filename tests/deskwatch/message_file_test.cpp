@@ -41,7 +41,7 @@ TEST_F(MessageFile, JsonIsReadAsItStands) {
 
 TEST_F(MessageFile, WrongCharacterIsRefusedWithItsLineAndColumn) {
     const auto text = refusal("{\n  \"a\": 1,\n  \"b\": x\n}\n", Check::Json);
-    EXPECT_EQ(text.find(place("3:8") + "this is no JSON"), 0U) << text;
+    EXPECT_EQ(text.find(place("3:8") + "not valid JSON"), 0U) << text;
 }
 
 TEST_F(MessageFile, WrongCharacterInTheFirstLineHasItsColumn) {
@@ -67,7 +67,7 @@ TEST_F(MessageFile, TextThatIsNotUtf8IsNoJson) {
 }
 
 TEST_F(MessageFile, NumberBeyondAllBoundsIsRefused) {
-    EXPECT_NE(refusal("{\"a\":1e999}", Check::Json).find("no JSON"), std::string::npos);
+    EXPECT_NE(refusal("{\"a\":1e999}", Check::Json).find("not valid JSON"), std::string::npos);
 }
 
 TEST_F(MessageFile, UncheckedTextIsReadAsItStands) {

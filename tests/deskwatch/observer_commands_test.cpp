@@ -48,8 +48,8 @@ TEST_F(ObserverCommands, UnknownDiagnosticMethodIsNamed) {
 
 TEST_F(ObserverCommands, DiagnosticMethodSaysWhetherItTakesAValue) {
     boot();
-    EXPECT_EQ(deskwatchProgram({"bus", "allowWifi"}).errors, "deskwatch: bus: allowWifi takes a value\n");
-    EXPECT_EQ(deskwatchProgram({"bus", "ping", "1"}).errors, "deskwatch: bus: ping takes no value\n");
+    EXPECT_EQ(deskwatchProgram({"bus", "allowWifi"}).errors, "deskwatch: bus: allowWifi needs a value\n");
+    EXPECT_EQ(deskwatchProgram({"bus", "ping", "1"}).errors, "deskwatch: bus: ping does not take a value\n");
 }
 
 TEST_F(ObserverCommands, LogShowsTheWantedLevels) {

@@ -63,17 +63,18 @@ TEST_F(ProvisioningDocument, ListHasNoValue) {
 }
 
 TEST_F(ProvisioningDocument, WhatIsNoXmlIsRefusedWithItsLine) {
-    EXPECT_EQ(refusal("<EASProvisionDoc>\n<AllowWifi>1</EASProvisionDoc>").find(":2: this is no XML: "), 0U);
-    EXPECT_NE(refusal("").find("this is no XML"), std::string::npos);
-    EXPECT_NE(refusal("{}").find(":1: this is no XML"), std::string::npos);
+    EXPECT_EQ(refusal("<EASProvisionDoc>\n<AllowWifi>1</EASProvisionDoc>").find(":2: not valid XML: "), 0U);
+    EXPECT_NE(refusal("").find("not valid XML"), std::string::npos);
+    EXPECT_NE(refusal("{}").find(":1: not valid XML"), std::string::npos);
 }
 
 TEST_F(ProvisioningDocument, XmlWithoutTheDocumentIsRefused) {
-    EXPECT_EQ(refusal("<Provision/>"), ":1: this XML holds no EASProvisionDoc");
+    EXPECT_EQ(refusal("<Provision/>"), ":1: this XML does not contain an EASProvisionDoc");
 }
 
 TEST_F(ProvisioningDocument, SecondDocumentIsRefused) {
-    EXPECT_EQ(refusal("<P>\n<EASProvisionDoc/>\n<EASProvisionDoc/></P>"), ":3: this is a second EASProvisionDoc");
+    EXPECT_EQ(refusal("<P>\n<EASProvisionDoc/>\n<EASProvisionDoc/></P>"),
+              ":3: a second EASProvisionDoc; there must be one");
 }
 
 TEST_F(ProvisioningDocument, DocumentTypeIsRefusedBeforeAnyEntityIsRead) {
@@ -81,7 +82,7 @@ TEST_F(ProvisioningDocument, DocumentTypeIsRefusedBeforeAnyEntityIsRead) {
     std::ofstream(secret) << "1";
     const auto text = refusal("<?xml version='1.0'?>\n<!DOCTYPE d [<!ENTITY e SYSTEM '" + secret.string() +
                               "'>]>\n<EASProvisionDoc><AllowWifi>&e;</AllowWifi></EASProvisionDoc>");
-    EXPECT_EQ(text.find(":2: a document type"), 0U) << text;
+    EXPECT_EQ(text.find(":2: a provisioning document must not have a document type"), 0U) << text;
 }
 
 TEST_F(ProvisioningDocument, EntitiesThatGrowAreRefused) {
@@ -93,11 +94,14 @@ TEST_F(ProvisioningDocument, EntitiesThatGrowAreRefused) {
         }
         text += "'>";
     }
-    EXPECT_EQ(refusal(text + "]><EASProvisionDoc><X>&a11;</X></EASProvisionDoc>").find(":1: a document type"), 0U);
+    EXPECT_EQ(refusal(text + "]><EASProvisionDoc><X>&a11;</X></EASProvisionDoc>")
+                  .find(":1: a provisioning document must not have a document type"),
+              0U);
 }
 
 TEST_F(ProvisioningDocument, FileBeyondAllMeasureIsRefused) {
-    EXPECT_EQ(refusal(std::string(1'000'001, ' ')), " is too large for a provisioning document");
+    EXPECT_EQ(refusal(std::string(1'000'001, ' ')),
+              " is too large for a provisioning document, which has at most 1000000 bytes");
 }
 
 TEST_F(ProvisioningDocument, DeepNestingIsRefused) {
@@ -105,7 +109,7 @@ TEST_F(ProvisioningDocument, DeepNestingIsRefused) {
     for (int level = 0; level < 100'000; ++level) {
         text += "<a>";
     }
-    EXPECT_NE(refusal(text).find("this is no XML"), std::string::npos);
+    EXPECT_NE(refusal(text).find("not valid XML"), std::string::npos);
 }
 
 TEST_F(ProvisioningDocument, MissingFileIsNamed) {

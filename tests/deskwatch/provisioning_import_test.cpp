@@ -103,7 +103,7 @@ TEST(ProvisioningImport, FateOfEachElementIsTold) {
     EXPECT_EQ(elements[2].member, "");
     EXPECT_EQ(elements[3].support, Support::Unknown);
     EXPECT_EQ(elements[3].remark, "");
-    EXPECT_EQ(elements[4].remark, "no element of a provisioning document");
+    EXPECT_EQ(elements[4].remark, "not an element of a provisioning document");
 }
 
 TEST(ProvisioningImport, ValuesOutsideTheirBoundsAreRefusedAtBothEnds) {
@@ -127,15 +127,15 @@ TEST(ProvisioningImport, ValuesOutsideTheirBoundsAreRefusedAtBothEnds) {
 
 TEST(ProvisioningImport, EveryIllegalValueIsNamedWithItsLine) {
     EXPECT_EQ(refusal({{"AllowWifi", "yes"}, {"AllowCamera", "1"}, {"MinDevicePasswordLength", "40"}}),
-              "p.xml:1: AllowWifi is \"yes\"; it can be 0 or 1\n"
-              "p.xml:3: MinDevicePasswordLength is \"40\"; it can be a number from 1 to 16");
+              "p.xml:1: AllowWifi is \"yes\"; it must be 0 or 1\n"
+              "p.xml:3: MinDevicePasswordLength is \"40\"; it must be a number from 1 to 16");
     EXPECT_NE(refusal({{"MaxInactivityTimeDeviceLock", "99999999999"}}), "");
     EXPECT_NE(refusal({{"AllowWifi", "0x1"}}), "");
 }
 
 TEST(ProvisioningImport, ElementThatIsGivenTwiceIsRefused) {
     EXPECT_EQ(refusal({{"AllowWifi", "1"}, {"AllowWifi", "1"}}),
-              "p.xml:2: AllowWifi is given a second time, first in line 1");
+              "p.xml:2: AllowWifi is a duplicate of the one in line 1");
 }
 
 TEST(ProvisioningImport, IllegalDocumentLeavesNoMessage) {
@@ -148,7 +148,7 @@ TEST(ProvisioningImport, IllegalDocumentLeavesNoMessage) {
 
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.output, "");
-    EXPECT_EQ(outcome.errors, "deskwatch: import: " + file.string() + ":2: AllowWifi is \"2\"; it can be 0 or 1\n");
+    EXPECT_EQ(outcome.errors, "deskwatch: import: " + file.string() + ":2: AllowWifi is \"2\"; it must be 0 or 1\n");
     EXPECT_FALSE(std::filesystem::exists(output));
 }
 
@@ -167,7 +167,7 @@ TEST(ProvisioningImport, MessageGoesToAFileAndTheReportToStandardError) {
     ASSERT_EQ(report["elements"].size(), 7U);
     EXPECT_EQ(report["elements"][5], Json::parse(R"({"line": 16, "element": "AllowBluetooth", "value": "1",
         "watch": "stored, not enforced", "member": "allowBluetoothMode", "carried": true,
-        "remark": "hands-free only (1) and allowed (2) arrive alike"})"));
+        "remark": "hands-free only (1) and allowed (2) are sent as the same value"})"));
     EXPECT_EQ(report["elements"][6]["watch"], "unknown to the watch");
 }
 

@@ -122,14 +122,14 @@ TEST_F(Recordings, WatchWithAccountsIsNotRecorded) {
     run({"mail", "policy", sample("hardened.json")});
     const auto outcome = deskwatchProgram({"record", (device().layout().folder() / "late.jsonl").string()});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_NE(outcome.errors.find("stored accounts already"), std::string::npos) << outcome.errors;
+    EXPECT_NE(outcome.errors.find("already has stored accounts"), std::string::npos) << outcome.errors;
 }
 
 TEST_F(Recordings, FileThatIsNoRecordingIsRefusedWithItsLine) {
     const auto file = write("odd.jsonl", "{\"recording\":1,\"serviceRunning\":false}\n{\"in\":\n");
     const auto outcome = deskwatchProgram({"replay", file.string()});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.errors.find("deskwatch: replay: " + file.string() + ":2: no line of a recording"), 0U)
+    EXPECT_EQ(outcome.errors.find("deskwatch: replay: " + file.string() + ":2: not a line of a recording"), 0U)
         << outcome.errors;
     EXPECT_EQ(deskwatchProgram({"replay", "/nowhere/story.jsonl"}).status, 1);
 }

@@ -66,7 +66,7 @@ TEST_F(WearerCommands, PopupThatIsNotOpenTakesNoAnswer) {
     boot();
     auto outcome = deskwatchProgram({"popup", "ok"});
     EXPECT_EQ(outcome.status, refused);
-    EXPECT_EQ(outcome.errors, "deskwatch: popup ok: no popup is open (deskwatch status shows what is)\n");
+    EXPECT_EQ(outcome.errors, "deskwatch: popup ok: no popup is open; deskwatch status shows which screens are\n");
 
     run({"mail", "policy", sample("hardened.json")});
     run({"popup", "dismiss"});
@@ -74,7 +74,7 @@ TEST_F(WearerCommands, PopupThatIsNotOpenTakesNoAnswer) {
 
     EXPECT_EQ(outcome.status, refused);
     EXPECT_EQ(outcome.errors,
-              "deskwatch: popup dismiss: the popup takes no answer: no launch request waits for an answer\n");
+              "deskwatch: popup dismiss: the popup does not accept an answer: no launch request waits for an answer\n");
 }
 
 TEST_F(WearerCommands, DemandedLockIsSetAndTheServiceHearsOfIt) {

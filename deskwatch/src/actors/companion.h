@@ -4,7 +4,7 @@
 namespace deskwatch {
 
 /// Runs this process as the stand-in for an application of the watch, under the id that its environment names, until
-/// the watch is switched off. It keeps the launch requests and messages that it gets and tells about them on the bus.
+/// the watch is switched off. It keeps the launch requests and messages that it receives and reports them on the bus.
 /// Returns the process's exit status.
 int runCompanion();
 

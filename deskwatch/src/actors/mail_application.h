@@ -15,8 +15,8 @@ struct Request {
 };
 
 /// Sends requests to the service as the mail application of the watch, in order. Returns when the service has handled
-/// them and the applications that it launched have got their launch requests. Throws std::runtime_error when the watch
-/// is not booted, or the service does not come up or ends meanwhile.
+/// them and the applications that it launched have received their launch requests. Throws std::runtime_error when the
+/// watch is not booted, or the service does not come up or ends meanwhile.
 void sendAsMailApplication(const Device& device, const std::vector<Request>& requests);
 
 /// The same for a process that is on the watch as its mail application already.

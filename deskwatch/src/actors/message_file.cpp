@@ -27,7 +27,7 @@ std::string reason(const std::string& what) {
 }
 
 [[noreturn]] void refuse(const std::string& place, const std::string& remark, const nlohmann::json::exception& error) {
-    throw std::runtime_error(place + ": this is no JSON" + remark + ": " + reason(error.what()));
+    throw std::runtime_error(place + ": not valid JSON" + remark + ": " + reason(error.what()));
 }
 
 void refuseOtherThanJson(const std::filesystem::path& file, const std::string& text, const std::string& remark) {
@@ -37,7 +37,7 @@ void refuseOtherThanJson(const std::filesystem::path& file, const std::string& t
         const auto offset = error.byte > 0 ? error.byte - 1 : 0;
         refuse(file.string() + ":" + position(text, offset), remark, error);
     } catch (const nlohmann::json::exception& error) {
-        refuse(file.string(), remark, error); // a number beyond all bounds, for which the library tells no place
+        refuse(file.string(), remark, error); // a number out of range: the library does not say where
     }
 }
 
@@ -50,7 +50,7 @@ std::string readMessageFile(const std::filesystem::path& file, Check check) {
         throw std::runtime_error("cannot read " + file.string());
     }
     if (check == Check::Json) {
-        refuseOtherThanJson(file, text, " (with --raw it need not be)");
+        refuseOtherThanJson(file, text, " (--raw sends it as it is)");
     }
     if (const auto null = text.find('\0'); null != std::string::npos) {
         throw std::runtime_error(file.string() + ":" + position(text, null) +
@@ -65,11 +65,11 @@ std::string readMessageOfKind(const std::filesystem::path& file, const std::stri
     const auto message = nlohmann::json::parse(text);
     const auto found = message.is_object() ? message.find("msgId") : message.end();
     if (found == message.end() || !found->is_string()) {
-        throw std::runtime_error(file.string() + ": this is no message: it has no \"msgId\"");
+        throw std::runtime_error(file.string() + ": not a message: it has no \"msgId\"");
     }
     if (*found != kind) {
-        throw std::runtime_error(file.string() + ": this is a message of the kind " + found->get<std::string>() +
-                                 ", not " + kind);
+        throw std::runtime_error(file.string() + ": a message of the kind " + found->get<std::string>() +
+                                 "; this command takes " + kind);
     }
     return text;
 }

@@ -3,11 +3,11 @@
 #include <vconf.h>
 
 #include <cstdlib>
+#include <memory>
 #include <string>
 
 #include "TeskConsumerKeys.h"
 #include "actors/refusal.h"
-#include "c_owners.h"
 #include "device/application_ids.h"
 #include "device/bus_client.h"
 #include "session/companion_bus.h"
@@ -55,7 +55,7 @@ bool send(TeskDeskCompanion* popup, PopupAnswer answer, GError** error) {
 void answerPopup(const Device& device, PopupAnswer answer) {
     const DeviceSession session(device, ids::popup);
     if (!session.daemon().isOwned(ids::popup)) {
-        throw Refusal("no popup is open (deskwatch status shows what is)");
+        throw Refusal("no popup is open; deskwatch status shows which screens are");
     }
     session.settle(ids::popup);
     if (answer == PopupAnswer::SyncOff) {
@@ -63,7 +63,7 @@ void answerPopup(const Device& device, PopupAnswer answer) {
     }
     GError* error = nullptr;
     if (!send(popupOf(session).get(), answer, &error)) {
-        throw Refusal("the popup takes no answer: " + c::takeMessage(error));
+        throw Refusal("the popup does not accept an answer: " + c::takeMessage(error));
     }
     session.settleService();
     if (answer == PopupAnswer::SyncOff) {
@@ -85,7 +85,7 @@ int setLock(const Device& device, Lock lock, std::optional<int> length) {
 
 bool encrypt(const Device& device) {
     const DeviceSession session(device, ids::encryptionSettings);
-    const c::Owner<char, std::free> state(vconf_get_str(TeskConsumerKeys::cryptoState));
+    const std::unique_ptr<char, decltype(&std::free)> state(vconf_get_str(TeskConsumerKeys::cryptoState), &std::free);
     if (state != nullptr && std::string(state.get()) == "encrypted") {
         return false;
     }

@@ -12,15 +12,15 @@ namespace deskwatch {
 enum class PopupAnswer { Ok, SyncOff, Dismiss };
 
 // What the wearer does on a booted watch. Each returns when the service, if it runs, has handled it and the
-// applications that it launched then have got their launch requests. Each throws Refusal when the watch does not allow
-// it, and std::runtime_error when the watch is not booted or an application does not answer.
+// applications that it launched then have received their launch requests. Each throws Refusal when the watch does not
+// allow it, and std::runtime_error when the watch is not booted or an application does not answer.
 
-/// Answers the popup's oldest question. Starts the mail application when it may get a message. Refused when no popup
+/// Answers the popup's oldest question. Starts the mail application if it may receive a message. Refused when no popup
 /// asks.
 void answerPopup(const Device& device, PopupAnswer answer);
 
 /// Sets the screen's lock as the lock settings would. Without a length it is the shortest that is allowed. Returns the
-/// length; refused when the device policy manager demands more.
+/// length; refused when the device policy manager requires more.
 int setLock(const Device& device, Lock lock, std::optional<int> length);
 
 /// Has the internal storage encrypted. False when it was encrypted already.

@@ -53,13 +53,16 @@ void boot(const CommonOptions& common, const BootOptions& options) {
 } // namespace
 
 void addBootCommand(CLI::App& program, const CommonOptions& common) {
-    auto* command = program.add_subcommand("boot", "Boot a watch in a folder; it keeps its state there");
+    auto* command = program.add_subcommand("boot", "Boot a watch in a folder, which keeps its state");
     auto options = std::make_shared<BootOptions>();
-    command->add_option("DIR", options->folder,
-                        "The watch's folder, new or an earlier one's (default: --device, else one kept for the user)");
-    command->add_option("--country", options->country, "Country of the watch, by its ISO 3166 code (a fresh one: US)")
+    command->add_option(
+        "DIR", options->folder,
+        "The watch's folder, new or from an earlier boot (default: --device, else a folder of the user)");
+    command
+        ->add_option("--country", options->country,
+                     "Country of the watch, an ISO 3166 code (default for a fresh watch: US)")
         ->type_name("CODE");
-    chooseLock(command->add_option("--lock", options->lock, "Lock of the screen (a fresh one: none)"));
+    chooseLock(command->add_option("--lock", options->lock, "Lock of the screen (default for a fresh watch: none)"));
     command->add_flag("--encrypted", options->isEncrypted, "The internal storage is encrypted");
     command->add_flag("--tutorial", options->isTutorialShown, "The tutorial of the first use is being shown");
     command->add_option("--service", options->service, "Program of the service (default: tesk-agent beside deskwatch)")

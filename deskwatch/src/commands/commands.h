@@ -10,23 +10,23 @@
 
 namespace deskwatch {
 
-/// What the user said ahead of the command.
+/// The options before the command.
 struct CommonOptions {
     /// The folder of the watch; empty when the newest one is meant.
     std::string device;
 };
 
-/// Has an option take the name of a value; another text is refused with the names that there are.
+/// Makes an option accept the names of values; another text is refused with the list of names.
 template <class Type>
 void chooseByName(CLI::Option* option, const std::map<std::string, Type>& values) {
     option->transform(CLI::Transformer(values).description(""));
     option->transform(CLI::IsMember(values).description("")); // the last one is asked first
 }
 
-/// Has an option take the name of a lock.
+/// Makes an option accept the name of a lock.
 void chooseLock(CLI::Option* option);
 
-/// The watch that a command is about. Throws std::runtime_error when none was named and none is booted.
+/// The watch that a command applies to. Throws std::runtime_error when none is named and none is booted.
 Device chosenDevice(const CommonOptions& common);
 
 // Each adds one command to the program. Parsing the arguments runs the command, which throws std::runtime_error when it
@@ -55,7 +55,7 @@ void addReplayCommand(CLI::App& program);
 /// Adds the command that writes the manual page and the completion from the commands; the build runs it.
 void addDocsCommand(CLI::App& program);
 
-/// Adds all commands and the options ahead of them, which end up in `common`.
+/// Adds all commands and the options before them, which are stored in `common`.
 void addCommands(CLI::App& program, CommonOptions& common);
 
 /// Adds the command that the bus starts as the applications beside the service; users do not see it.

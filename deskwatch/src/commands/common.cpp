@@ -17,7 +17,7 @@ Device chosenDevice(const CommonOptions& common) {
     }
     const auto newest = Registry::ofUser().newest();
     if (!newest) {
-        throw std::runtime_error("no watch is booted (deskwatch boot)");
+        throw std::runtime_error("no watch is booted; boot one with: deskwatch boot");
     }
     return Device(*newest);
 }

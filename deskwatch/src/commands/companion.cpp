@@ -11,7 +11,7 @@ void addCompanionCommand(CLI::App& program) {
     command->group(""); // not in the help: the bus starts it
     command->callback([] {
         if (runCompanion() != 0) {
-            throw std::runtime_error("the application did not run");
+            throw std::runtime_error("the application could not be run");
         }
     });
 }

@@ -18,13 +18,11 @@ void addEventCommand(CLI::App& program, const CommonOptions& common) {
     const std::map<std::string, app_event_type_e> events{{"low-memory", APP_EVENT_LOW_MEMORY},
                                                          {"low-battery", APP_EVENT_LOW_BATTERY},
                                                          {"orientation", APP_EVENT_DEVICE_ORIENTATION_CHANGED}};
-    auto* command =
-        program.add_subcommand("event", "Announce to the applications that something happened to the watch");
+    auto* command = program.add_subcommand("event", "Announce a system event to the applications of the watch");
     auto type = std::make_shared<app_event_type_e>();
-    chooseByName(command->add_option("EVENT", *type, "What happened")
-                     ->required()
-                     ->type_name("low-memory|low-battery|orientation"),
-                 events);
+    chooseByName(
+        command->add_option("EVENT", *type, "The event")->required()->type_name("low-memory|low-battery|orientation"),
+        events);
     command->footer("Example:\n  deskwatch event low-memory");
     command->callback([&common, type] { announceEvent(chosenDevice(common), *type); });
 }
@@ -32,11 +30,12 @@ void addEventCommand(CLI::App& program, const CommonOptions& common) {
 void addBusCommand(CLI::App& program, const CommonOptions& common) {
     auto* command = program.add_subcommand("bus", "Call the service's bus interface for diagnosis");
     auto options = std::make_shared<BusOptions>();
-    command->add_option("METHOD", options->method, "ping, removeAccount, usingFile, or a policy's field, as allowWifi")
+    command
+        ->add_option("METHOD", options->method, "ping, removeAccount, usingFile, or a policy field such as allowWifi")
         ->required();
     command->add_option("VALUE", options->value, "The field's value");
     command->footer("Starts the service when it does not run; prints what the method returns.\n"
-                    "usingFile has the service read its policy from /opt/usr/media/policy.json.\n"
+                    "usingFile makes the service read its policy from /opt/usr/media/policy.json.\n"
                     "Example:\n  deskwatch bus allowWifi 0");
     command->callback([&common, options] {
         std::cout << callDiagnosticMethod(chosenDevice(common), options->method, options->value) << '\n';

@@ -38,7 +38,7 @@ DeviceFacts readFacts(const CommonOptions& common) {
 } // namespace
 
 void addExplainCommand(CLI::App& program, const CommonOptions& common) {
-    auto* command = program.add_subcommand("explain", "Say for every setting why it is what it is");
+    auto* command = program.add_subcommand("explain", "Show where the value of each setting comes from");
     auto isJson = std::make_shared<bool>(false);
     command->add_flag("--json", *isJson, "One JSON object instead of tables");
     command->footer("Starts nothing and changes nothing.\nExample:\n  deskwatch explain");

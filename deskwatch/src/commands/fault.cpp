@@ -49,20 +49,20 @@ void changeFaults(const CommonOptions& common, const FaultOptions& options) {
 } // namespace
 
 void addFaultCommand(CLI::App& program, const CommonOptions& common) {
-    auto* command = program.add_subcommand("fault", "Have a function of the platform fail when the service calls it");
+    auto* command = program.add_subcommand("fault", "Make a function of the platform fail when the service calls it");
     auto options = std::make_shared<FaultOptions>();
     auto* function =
         command->add_option("FUNCTION", options->fault.function, "The function (default: list the faults)");
-    auto* code = command->add_option("CODE", options->fault.code, "The code that it answers instead of doing its work");
+    auto* code = command->add_option("CODE", options->fault.code, "The code that it returns instead of doing its work");
     function->needs(code);
     code->needs(function);
     command->add_option("--nth", options->fault.nth, "Only this call fails, counted from now (default: every call)")
         ->check(CLI::PositiveNumber)
         ->needs(function)
         ->type_name("N");
-    command->add_flag("--clear", options->isCleared, "No function fails any more")->excludes(function);
+    command->add_flag("--clear", options->isCleared, "Remove all faults")->excludes(function);
     command->add_flag("--json", options->isJson, "List the faults as a JSON array");
-    command->footer("A function that answers a pointer answers null. A boot clears all faults.\n"
+    command->footer("A function that returns a pointer returns null. A boot clears all faults.\n"
                     "Example:\n  deskwatch fault dpm_password_set_quality -13 --nth 2\n  deskwatch fault --clear");
     command->callback([&common, options] { changeFaults(common, *options); });
 }

@@ -41,7 +41,8 @@ void import(const ImportOptions& options) {
 void addImportCommand(CLI::App& program) {
     auto* command = program.add_subcommand("import", "Turn an Exchange provisioning document into a policy update");
     auto options = std::make_shared<ImportOptions>();
-    command->add_option("FILE", options->file, "XML with an EASProvisionDoc, alone or in its Provision envelope")
+    command
+        ->add_option("FILE", options->file, "XML with an EASProvisionDoc element, alone or inside a Provision element")
         ->required();
     command->add_option("--account", options->target.account, "The account's number (default: 1)")
         ->check(CLI::PositiveNumber)
@@ -51,9 +52,9 @@ void addImportCommand(CLI::App& program) {
     command->add_option("-o,--output", options->output, "File for the message (default: standard output)")
         ->type_name("OUT");
     command->add_flag("--keep-limits", options->target.keepsLimits,
-                      "Carry the password limits of a document without a password; the protocol ignores them");
+                      "Keep password limits even if no password is required; the protocol ignores them");
     command->add_flag("--json", options->isJson, "The report as one JSON object");
-    command->footer("The report, what the watch does with each element, goes to standard error.\n"
+    command->footer("The report on what the watch does with each element goes to standard error.\n"
                     "Example:\n  deskwatch import samples/provision-hardened.xml -o policy.json");
     command->callback([options] { import(*options); });
 }

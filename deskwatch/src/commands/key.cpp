@@ -58,18 +58,18 @@ void addSet(CLI::App& key, const CommonOptions& common) {
     auto* command = key.add_subcommand("set", "Set a key, as any application may");
     auto options = std::make_shared<KeyOptions>();
     command->add_option("KEY", options->key, "The key, below db/, file/ or memory/")->required();
-    command->add_option("VALUE", options->value, "Its value: a number when it looks like one, else a text")->required();
-    command->add_flag("--text", options->isText, "The value is a text, whatever it looks like");
+    command->add_option("VALUE", options->value, "Its value: a number if it looks like one, else a text")->required();
+    command->add_flag("--text", options->isText, "The value is a text even if it looks like a number");
     command->footer("Returns when the service has handled the change.\n"
                     "Example:\n  deskwatch key set db/rgn/country_iso KR");
     command->callback([&common, options] { set(common, *options); });
 }
 
 void addWatch(CLI::App& key, const CommonOptions& common) {
-    auto* command = key.add_subcommand("watch", "Print keys now, and again each time they change");
+    auto* command = key.add_subcommand("watch", "Print the values of keys now, and again after each change");
     auto options = std::make_shared<KeyOptions>();
     command->add_option("KEY", options->keys, "The keys")->required();
-    command->add_option("--count", options->count, "End after so many lines (default: go on until it is stopped)")
+    command->add_option("--count", options->count, "End after this many lines (default: run until interrupted)")
         ->check(CLI::PositiveNumber)
         ->type_name("N");
     command->add_flag("--json", options->isJson, "Each line is a JSON object");

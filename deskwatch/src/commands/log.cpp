@@ -18,7 +18,7 @@ struct LogOptions {
 void showLog(const CommonOptions& common, const LogOptions& options) {
     const auto file = chosenDevice(common).layout().log();
     if (!std::filesystem::exists(file)) {
-        throw std::runtime_error("there is no log at " + file.string());
+        throw std::runtime_error(file.string() + " does not exist: the watch has not been booted yet");
     }
     LogLines lines(options.level.empty() ? std::nullopt : std::optional(options.level.front()));
     FollowedFile log(file, [&](const std::string& text) { std::cout << lines.add(text) << std::flush; });
@@ -34,7 +34,7 @@ void showLog(const CommonOptions& common, const LogOptions& options) {
 void addLogCommand(CLI::App& program, const CommonOptions& common) {
     auto* command = program.add_subcommand("log", "Show what the service, the other applications and the bus wrote");
     auto options = std::make_shared<LogOptions>();
-    command->add_flag("--follow", options->isFollowed, "Go on with what is written from now on, until it is stopped");
+    command->add_flag("--follow", options->isFollowed, "Continue with new lines until interrupted");
     command->add_option("--level", options->level, "Show only log lines of this level and higher: V D I W E F")
         ->check(CLI::IsMember({"V", "D", "I", "W", "E", "F"}))
         ->type_name("LEVEL");

@@ -30,7 +30,7 @@ ListedDevice look(const std::filesystem::path& folder) {
             listed.state = "booted";
         }
     } catch (const std::runtime_error&) {
-        listed.state = "does not answer";
+        listed.state = "does not respond";
     }
     return listed;
 }
@@ -73,7 +73,7 @@ void addListCommand(CLI::App& program) {
     auto* command = program.add_subcommand("ls", "List the watches that were booted and not switched off");
     auto isJson = std::make_shared<bool>(false);
     command->add_flag("--json", *isJson, "A JSON array instead of a table");
-    command->footer("The last one is the newest, which commands mean unless another is named.\n"
+    command->footer("The last one is the newest: commands apply to it unless --device names another.\n"
                     "Example:\n  deskwatch ls");
     command->callback([isJson] {
         const auto devices = listedDevices();

@@ -12,7 +12,7 @@ void addPolicyCommand(CLI::App& mail, const CommonOptions& common) {
     auto files = std::make_shared<std::vector<std::string>>();
     auto isRaw = std::make_shared<bool>(false);
     command->add_option("FILE", *files, "Message files")->required();
-    command->add_flag("--raw", *isRaw, "Send the files as they are, JSON or not");
+    command->add_flag("--raw", *isRaw, "Send the files as they are, even if they are not valid JSON");
     command->footer("Example:\n  deskwatch mail policy samples/hardened.json");
     command->callback([&common, files, isRaw] {
         std::vector<Request> requests;
@@ -24,7 +24,7 @@ void addPolicyCommand(CLI::App& mail, const CommonOptions& common) {
 }
 
 void addDeleteCommand(CLI::App& mail, const CommonOptions& common) {
-    auto* command = mail.add_subcommand("delete", "Tell the service that an account is gone");
+    auto* command = mail.add_subcommand("delete", "Tell the service that an account was deleted");
     auto id = std::make_shared<std::string>();
     command->add_option("ID", *id, "The account's number")->required();
     command->footer("Example:\n  deskwatch mail delete 2");
@@ -81,9 +81,9 @@ void addMailCommand(CLI::App& program, const CommonOptions& common) {
     auto* command = program.add_subcommand("mail", "Act as the watch's mail application");
     command->require_subcommand(1);
     addPolicyCommand(*command, common);
-    addKindCommand(*command, common,
-                   {"accounts", "Tell the service which accounts there are, with their policies", "email-account-info",
-                    "samples/account-info.json"});
+    addKindCommand(
+        *command, common,
+        {"accounts", "Send the accounts and their policies", "email-account-info", "samples/account-info.json"});
     addKindCommand(*command, common,
                    {"init", "Answer the service's start with the accounts and their policies", "email-init-res",
                     "samples/init-response.json"});

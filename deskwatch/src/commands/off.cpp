@@ -12,7 +12,7 @@ void addOffCommand(CLI::App& program, const CommonOptions& common) {
         const Device device = chosenDevice(common);
         const bool wasBooted = device.off();
         Registry::ofUser().remove(device.layout().folder());
-        std::cout << device.layout().folder().string() << (wasBooted ? " is off\n" : " was off already\n");
+        std::cout << device.layout().folder().string() << (wasBooted ? " is off\n" : " was already off\n");
     });
 }
 

@@ -36,7 +36,7 @@ void addCommands(CLI::App& program, CommonOptions& common) {
     addFaultCommand(program, common);
     addCompanionCommand(program);
     addDocsCommand(program);
-    program.footer("Exit status: 0 done, 1 the command failed, 2 the arguments are wrong, 3 the watch refuses it.\n"
+    program.footer("Exit status: 0 success, 1 the command failed, 2 wrong arguments, 3 refused by the watch.\n"
                    "Example:\n  deskwatch boot /tmp/watch\n  deskwatch mail policy samples/hardened.json\n"
                    "  deskwatch status\n  deskwatch off");
 }

@@ -24,7 +24,7 @@ void replayOnFreshDevice(const ReplayOptions& options) {
     device->boot(standardApplications(service, {self.string(), "companion"}), recording.device);
     const auto outcome = replay(*device, recording);
     if (outcome.difference) {
-        throw std::runtime_error(std::to_string(outcome.equal) + " effects are equal, then " + options.file + ", " +
+        throw std::runtime_error(std::to_string(outcome.equal) + " effects are equal; then " + options.file + ", " +
                                  *outcome.difference);
     }
     std::cout << "all " << outcome.equal << " effects are equal\n";
@@ -33,22 +33,24 @@ void replayOnFreshDevice(const ReplayOptions& options) {
 } // namespace
 
 void addRecordCommand(CLI::App& program, const CommonOptions& common) {
-    auto* command = program.add_subcommand("record", "Write down what comes to the service and what it does");
+    auto* command = program.add_subcommand("record", "Record what the service receives and what it does");
     auto file = std::make_shared<std::string>();
     command->add_option("FILE", *file, "The recording, a line of JSON for each event")->required();
-    command->footer("Runs until it is interrupted or the watch is switched off. The watch has no stored account yet.\n"
-                    "What event, bus and fault do is not written down.\n"
-                    "Example:\n  deskwatch record story.jsonl");
+    command->footer(
+        "Runs until it is interrupted or the watch is switched off. The watch must not have a stored account.\n"
+        "The effects of the commands event, bus and fault are not recorded.\n"
+        "Example:\n  deskwatch record story.jsonl");
     command->callback([&common, file] { record(chosenDevice(common), *file); });
 }
 
 void addReplayCommand(CLI::App& program) {
-    auto* command = program.add_subcommand("replay", "Play a recording on a fresh watch and compare every effect");
+    auto* command = program.add_subcommand("replay", "Replay a recording on a fresh watch and compare every effect");
     auto options = std::make_shared<ReplayOptions>();
     command->add_option("FILE", options->file, "The recording")->required();
     command->add_option("--service", options->service, "Program of the service (default: tesk-agent beside deskwatch)")
         ->type_name("PATH");
-    command->footer("Exit status 1 when an effect differs; it says where.\nExample:\n  deskwatch replay story.jsonl");
+    command->footer("Exits with 1 and shows the first difference when an effect differs.\nExample:\n  deskwatch replay "
+                    "story.jsonl");
     command->callback([options] { replayOnFreshDevice(*options); });
 }
 

@@ -17,8 +17,8 @@ struct StatusOptions {
     bool isFollowed = false;
 };
 
-/// Puts each status in the place of the one before: on a terminal by clearing it, elsewhere behind an empty line. A
-/// status that looks like the one before is not shown again.
+/// Replaces the previous status by the next: on a terminal by clearing it, elsewhere after an empty line. A status that
+/// looks like the previous one is not shown again.
 class StatusDisplay {
 public:
     explicit StatusDisplay(bool isJson) : isJson_(isJson) {}
@@ -55,8 +55,9 @@ void showStatus(const CommonOptions& common, const StatusOptions& options) {
 void addStatusCommand(CLI::App& program, const CommonOptions& common) {
     auto* command = program.add_subcommand("status", "Show accounts, settings, keys and launch requests of a watch");
     auto options = std::make_shared<StatusOptions>();
-    command->add_flag("--json", options->isJson, "One JSON object instead of tables; with --follow, one on each line");
-    command->add_flag("--follow", options->isFollowed, "Show it again after each change, with what was there at first");
+    command->add_flag("--json", options->isJson, "One JSON object instead of tables; with --follow, one for each line");
+    command->add_flag("--follow", options->isFollowed,
+                      "Show it again after each change, with the first value of what has changed");
     command->footer("Starts nothing and changes nothing. The last column of the accounts is the merged policy.\n"
                     "Example:\n  deskwatch status --json");
     command->callback([&common, options] { showStatus(common, *options); });

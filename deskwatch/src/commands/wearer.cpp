@@ -36,8 +36,7 @@ void lockScreen(const CommonOptions& common, const LockOptions& options) {
 }
 
 void addTutorialState(CLI::App& tutorial, const CommonOptions& common, const char* name, bool isInProgress) {
-    auto* command =
-        tutorial.add_subcommand(name, isInProgress ? "It is being shown from now on" : "It has come to its end");
+    auto* command = tutorial.add_subcommand(name, isInProgress ? "Start the tutorial" : "End the tutorial");
     command->footer(std::string("Example:\n  deskwatch tutorial ") + name);
     command->callback([&common, isInProgress] { setTutorial(chosenDevice(common), isInProgress); });
 }
@@ -49,9 +48,9 @@ void addPopupCommand(CLI::App& program, const CommonOptions& common) {
     command->require_subcommand(1);
     addAnswer(*command, common, {"ok", "Set a lock: the lock settings open", PopupAnswer::Ok});
     addAnswer(*command, common,
-              {"sync-off", "Set none: the mail application is to stop synchronising", PopupAnswer::SyncOff});
+              {"sync-off", "Refuse: the mail application is asked to stop synchronising", PopupAnswer::SyncOff});
     addAnswer(*command, common, {"dismiss", "Close it without an answer", PopupAnswer::Dismiss});
-    command->footer("Returns when the service has handled the answer; fails with 3 when no popup asks.\n"
+    command->footer("Returns when the service has handled the answer; fails with 3 when no popup is open.\n"
                     "Example:\n  deskwatch popup ok");
 }
 
@@ -59,10 +58,10 @@ void addLockCommand(CLI::App& program, const CommonOptions& common) {
     auto* command = program.add_subcommand("lock", "Set the screen's lock, as the wearer in the lock settings");
     auto options = std::make_shared<LockOptions>();
     chooseLock(command->add_option("LOCK", options->lock, "Kind of the lock")->required());
-    command->add_option("--length", options->length, "Its characters (default: the fewest that are allowed)")
+    command->add_option("--length", options->length, "Its number of characters (default: the fewest that are allowed)")
         ->check(CLI::PositiveNumber)
         ->type_name("N");
-    command->footer("Fails with 3, and says what is demanded, when the enforced policy does not allow that lock.\n"
+    command->footer("Fails with 3, and says what is required, when the enforced policy does not allow that lock.\n"
                     "Example:\n  deskwatch lock pin --length 6");
     command->callback([&common, options] { lockScreen(common, *options); });
 }
@@ -81,7 +80,7 @@ void addTutorialCommand(CLI::App& program, const CommonOptions& common) {
     command->require_subcommand(1);
     addTutorialState(*command, common, "done", false);
     addTutorialState(*command, common, "start", true);
-    command->footer("No screen opens while it is being shown.\nExample:\n  deskwatch tutorial done");
+    command->footer("No popup opens while the tutorial is shown.\nExample:\n  deskwatch tutorial done");
 }
 
 } // namespace deskwatch

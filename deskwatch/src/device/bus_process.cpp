@@ -119,7 +119,7 @@ void BusProcess::start(const Start& start) const {
     }
     if (!waitUntilReady(readEnd)) {
         stop();
-        throw std::runtime_error("dbus-daemon did not come up: " + lastLine(start.log));
+        throw std::runtime_error("dbus-daemon did not start: " + lastLine(start.log));
     }
 }
 

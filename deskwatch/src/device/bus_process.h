@@ -27,7 +27,7 @@ public:
     /// appended to the log. Throws std::runtime_error when there is no dbus-daemon or it does not come up.
     void start(const Start& start) const;
 
-    /// A hold on the daemon; none when it does not run.
+    /// A handle of the daemon; none when it does not run.
     std::optional<ProcessHandle> running() const;
 
     /// Ends the daemon and waits for it; removes the record. Throws std::runtime_error when it does not end.

@@ -97,7 +97,7 @@ void Device::start(const std::vector<Application>& applications, const std::func
     const auto lock = lockBoot(layout_);
     const BusProcess bus(layout_.busRecord());
     if (isBooted()) {
-        throw std::runtime_error(layout_.folder().string() + " is booted already");
+        throw std::runtime_error(layout_.folder().string() + " is already booted");
     }
     endBus(layout_, bus); // what a sudden end left behind
     writeDeviceFiles(layout_, applications);

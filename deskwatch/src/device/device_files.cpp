@@ -82,7 +82,7 @@ void writeActivation(const DeviceLayout& layout, const std::string& id, const st
 
 std::string execLine(const DeviceLayout& layout, const Application& application, const std::string& env) {
     if (application.command.empty() || access(application.command.front().c_str(), X_OK) != 0) {
-        throw std::runtime_error("no program for " + application.id + ": " +
+        throw std::runtime_error("cannot run the program of " + application.id + ": " +
                                  (application.command.empty() ? "none given" : application.command.front()));
     }
     std::string line = execWord(env);
@@ -115,7 +115,7 @@ void writeSettingsService(const DeviceLayout& layout) {
     }
     const c::MemoryOwner<char> exec(g_key_file_get_value(file.get(), "D-BUS Service", "Exec", nullptr));
     if (exec == nullptr) {
-        throw std::runtime_error("the machine's " + name + " names no program");
+        throw std::runtime_error("the machine's " + name + " does not name a program");
     }
     writeActivation(layout, settingsService, exec.get());
     write(layout.settingsProfile(), "user-db:user\n");

@@ -39,7 +39,8 @@ bool belongsToDevice(const fs::path& name) {
 void refuseForeignFolder(const fs::path& folder) {
     for (const auto& entry : fs::directory_iterator(folder)) {
         if (!belongsToDevice(entry.path().filename())) {
-            throw std::runtime_error(folder.string() + " is no watch: it holds " + entry.path().filename().string());
+            throw std::runtime_error(folder.string() + " is not a watch folder: it contains " +
+                                     entry.path().filename().string());
         }
     }
 }
@@ -49,10 +50,10 @@ void refuseForeignFolder(const fs::path& folder) {
 DeviceLayout::DeviceLayout(const fs::path& folder) : folder_(withoutTrailingSlash(folder)) {
     const auto& path = folder_.native();
     if (std::any_of(path.begin(), path.end(), isControl)) {
-        throw std::runtime_error("the folder's name holds control characters: " + folder_.string());
+        throw std::runtime_error("the folder's name contains control characters: " + folder_.string());
     }
     if (const auto length = socket().native().size(); length > longestSocketPath) {
-        throw std::runtime_error("the path of the bus would be " + std::to_string(length) + " bytes long, " +
+        throw std::runtime_error("the path of the bus would be " + std::to_string(length) + " bytes long, at most " +
                                  std::to_string(longestSocketPath) + " are possible: " + socket().string());
     }
 }

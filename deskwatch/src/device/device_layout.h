@@ -8,7 +8,7 @@
 
 namespace deskwatch {
 
-/// Where things are in the folder of a device, and how its processes are told.
+/// Where things are in the folder of a device, and the environment of its processes.
 class DeviceLayout {
 public:
     /// `folder` becomes absolute. Throws std::runtime_error when the device's bus could not be reached there, because
@@ -44,8 +44,8 @@ public:
     /// The variables that make a process this application.
     Environment applicationEnvironment(const std::string& id) const;
 
-    /// Makes the folders. Throws std::runtime_error when the folder already holds something else than a device, so that
-    /// a wipe of the device never meets other files.
+    /// Makes the folders. Throws std::runtime_error when the folder already holds something other than a device, so
+    /// that a wipe of the device never meets other files.
     void makeFolders() const;
 
 private:

@@ -53,7 +53,7 @@ std::optional<ProcessHandle> ProcessHandle::open(pid_t pid) {
         return std::nullopt;
     }
     ProcessHandle handle(pid, std::move(descriptor));
-    // One that has ended and waits for its parent to take notice is no running process.
+    // A zombie is not a running process.
     if (handle.waitForEnd(std::chrono::milliseconds::zero())) {
         return std::nullopt;
     }

@@ -12,7 +12,7 @@
 
 namespace deskwatch {
 
-/// Names one process for good: a number alone is given to another process some day, the time of its start tells the two
+/// Names one process for good: a number is reused for another process some day; the time of the start tells the two
 /// apart.
 struct ProcessIdentity {
     pid_t pid = 0;
@@ -23,7 +23,7 @@ struct ProcessIdentity {
 /// Reads the identity out of the text of a /proc/<pid>/stat file; none when the text is not of that form.
 std::optional<ProcessIdentity> parseProcessStat(const std::string& text);
 
-/// A hold on a process that still runs: signals and waiting reach that process and never a later one of its number.
+/// A handle of a running process: signals and waiting reach that process and never a later one with its number.
 class ProcessHandle {
 public:
     /// The process of that number; none when it does not run.
@@ -34,7 +34,8 @@ public:
 
     pid_t pid() const { return pid_; }
 
-    /// Sends a signal; a process that has ended meanwhile is no error. Throws std::system_error when it is not allowed.
+    /// Sends a signal; a process that has already ended is not an error. Throws std::system_error when it is not
+    /// allowed.
     void signal(int number) const;
 
     /// Waits for the end of the process. False when it still runs after that time.

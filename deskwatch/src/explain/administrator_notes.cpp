@@ -76,23 +76,23 @@ struct Rule {
 
 constexpr std::array<Rule, 8> noteRules{{
     {limitsWithoutPassword,
-     "the password limits of an account that requires no password take part in the merge all the same; the protocol "
-     "tells clients to ignore them"},
+     "the password limits of an account that requires no password are merged all the same; the protocol tells "
+     "clients to ignore them"},
     {asksForALongerHistory,
-     "of the password histories the smallest that is not 0 is enforced, not the largest, so less than this is kept"},
+     "the smallest password history other than 0 is enforced, not the largest, so this account gets a shorter one"},
     {leavesAttemptsUnlimited, "failed attempts are never unlimited: no account limits them, so 10 are allowed"},
     {weakensAttempts,
      "an account that allows more than 10 failed attempts weakens the watch: without it there would be 10"},
     {meansUnlimitedInactivity,
-     "an inactivity of 9999 seconds and more means no limit in the protocol; here it is written as it stands"},
+     "an inactivity time of 9999 seconds or more means no limit in the protocol; here it is written literally"},
     {forbidsSomething,
-     "a policy set that leaves an \"allow...\" member out forbids that thing here, while in the protocol an absent "
-     "element restricts nothing: has the mail application sent all ten?"},
+     "a policy set without an \"allow...\" member forbids that thing here, while in the protocol an absent element "
+     "restricts nothing: check that the mail application sends all ten"},
     {forbidsWhatIsOnlyStored,
      "Bluetooth, camera, browser, desktop sync, internet sharing, storage card and password recovery are stored, not "
      "enforced"},
     {requiresEncryption,
-     "encryption is demanded of the internal storage; that of a storage card cannot be delivered to this watch"},
+     "the internal storage must be encrypted; a demand for storage card encryption cannot be delivered to this watch"},
 }};
 
 } // namespace

@@ -17,7 +17,7 @@ std::shared_ptr<TeskPolicyData> policyRecord(const StoredAccount& account) {
     auto record = std::make_shared<TeskPolicyData>();
     for (const auto& number : TeskPolicyTable::numbers) {
         const int* value = std::get_if<int>(columnOf(account, number.column));
-        (*record).*number.field = value != nullptr ? *value : 0; // as the service takes what is no number
+        (*record).*number.field = value != nullptr ? *value : 0; // as the service reads what is not a number
     }
     for (const auto& text : TeskPolicyTable::texts) {
         const auto* value = std::get_if<std::string>(columnOf(account, text.column));

@@ -67,7 +67,7 @@ const char* ruleInWords(TeskMergeRule rule, int start) {
     case TeskMergeRule::Largest:
         return "the largest value";
     case TeskMergeRule::SmallestNonZero:
-        return "the smallest value but 0, which is no limit";
+        return "the smallest value other than 0, which means no limit";
     case TeskMergeRule::Smallest:
         return "the lowest level";
     case TeskMergeRule::NotMerged:

@@ -92,8 +92,9 @@ std::string passwordText(const Explanation& explanation) {
         return "  no account requires one\n";
     }
     return scoreTable(explanation) +
-           "  The highest score enforces it, of equal ones the later account. Score: the minimum length, 1 for\n"
-           "  forbidding simple passwords, 16 and the kinds of characters for an alphanumeric one.\n";
+           "  The account with the highest score enforces it; of equal scores, the later account. Score: the minimum\n"
+           "  length, plus 1 if simple passwords are forbidden, plus 16 and the kinds of characters if it is "
+           "alphanumeric.\n";
 }
 
 std::string noteLines(const Explanation& explanation) {

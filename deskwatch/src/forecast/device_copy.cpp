@@ -29,7 +29,7 @@ void copySettings(const DeviceLayout& original, const DeviceLayout& copy) {
             return;
         }
     }
-    throw std::runtime_error("cannot copy " + original.settingsDatabase().string() + ": it changes all the time");
+    throw std::runtime_error("cannot copy " + original.settingsDatabase().string() + ": it keeps changing");
 }
 
 void copyAccounts(const DeviceLayout& original, const DeviceLayout& copy) {
@@ -57,8 +57,8 @@ DeviceCopy::DeviceCopy(const Device& original)
     }
 }
 
-/// The service enforces at its start what is stored and meets faults there, which the running one has left behind long
-/// ago. So this one starts without accounts and faults, and gets both when it is up.
+/// At its start the service enforces the stored policies; the running one did that long ago. So this one starts without
+/// accounts and faults, and gets both when it runs.
 void DeviceCopy::startService(const Device& original) const {
     const auto faults = readFaults();
     clearFaults(session_);

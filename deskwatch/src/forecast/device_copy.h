@@ -6,9 +6,9 @@
 
 namespace deskwatch {
 
-/// A second watch that is as a booted one is now: its stored accounts, settings, keys and faults, its programs, and a
-/// service that runs if that one's does. Of the other it reads files and asks the bus daemon; nothing there starts,
-/// waits or changes. No screen is open on it. It lasts as long as the process (see TemporaryDevice).
+/// A copy of a booted watch as it is now: its stored accounts, settings, keys, faults and programs, and a running
+/// service if its service runs. The original is read through its files and its bus daemon; nothing there starts, waits
+/// or changes. No screen is open on the copy. It lasts as long as the process (see TemporaryDevice).
 class DeviceCopy {
 public:
     /// Throws std::runtime_error when the original is not booted, or the copy does not come up.

@@ -47,7 +47,7 @@ struct Forecast {
     PolicyState before;
     PolicyState after;
     std::vector<ScreenForecast> screens;
-    /// What the reader should be told besides, among it the service's own warnings.
+    /// What else the reader should know, including the service's own warnings.
     std::vector<std::string> remarks;
 };
 

@@ -57,7 +57,7 @@ const char* lockReasonOf(std::string_view text) {
     return nullptr;
 }
 
-/// Its start and its end are the service's own business; that a lock is demanded is told with the reason.
+/// The start and the end of the service do not concern the policy; a required lock is reported with its reason.
 bool isOfNoConcern(const ServiceLine& line) {
     return line.file == "main.cpp" || line.file == "TeskConsumerKiller.cpp" ||
            line.text == "Password policy requires stronger password.";

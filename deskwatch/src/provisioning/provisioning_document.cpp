@@ -43,7 +43,8 @@ std::string readText(const std::filesystem::path& file) {
     }
     text.resize(static_cast<std::size_t>(stream.gcount()));
     if (text.size() > largestFile) {
-        throw std::runtime_error(file.string() + " is too large for a provisioning document");
+        throw std::runtime_error(file.string() + " is too large for a provisioning document, which has at most " +
+                                 std::to_string(largestFile) + " bytes");
     }
     return text;
 }
@@ -70,13 +71,13 @@ Document parse(const std::filesystem::path& file) {
     Document document(
         xmlCtxtReadMemory(context.get(), text.data(), static_cast<int>(text.size()), nullptr, nullptr, options));
     if (documentTypeLine != 0) {
-        refuse(file, documentTypeLine, "a document type (<!DOCTYPE) has no place in a provisioning document");
+        refuse(file, documentTypeLine, "a provisioning document must not have a document type (<!DOCTYPE)");
     }
     if (document == nullptr) {
         const xmlError* const error = xmlCtxtGetLastError(context.get());
         const bool isTold = error != nullptr && error->message != nullptr;
         refuse(file, error != nullptr ? error->line : 1,
-               "this is no XML: " + (isTold ? trimmed(error->message) : "nothing is in it"));
+               "not valid XML: " + (isTold ? trimmed(error->message) : "the file is empty"));
     }
     return document;
 }
@@ -115,10 +116,10 @@ std::vector<ProvisioningElement> readProvisioningDocument(const std::filesystem:
     std::vector<xmlNode*> found;
     findDocuments(xmlDocGetRootElement(document.get()), found);
     if (found.empty()) {
-        refuse(file, 1, std::string("this XML holds no ") + documentName);
+        refuse(file, 1, std::string("this XML does not contain an ") + documentName);
     }
     if (found.size() > 1) {
-        refuse(file, xmlGetLineNo(found[1]), std::string("this is a second ") + documentName);
+        refuse(file, xmlGetLineNo(found[1]), std::string("a second ") + documentName + "; there must be one");
     }
     std::vector<ProvisioningElement> elements;
     for (auto* child = xmlFirstElementChild(found.front()); child != nullptr; child = xmlNextElementSibling(child)) {

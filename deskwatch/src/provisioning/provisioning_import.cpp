@@ -63,7 +63,7 @@ private:
         const auto [first, isFirst] = lines_.emplace(element.name, element.line);
         const auto* const rule = ruleOf(element.name);
         if (!isFirst) {
-            refuse(element, " is given a second time, first in line " + std::to_string(first->second));
+            refuse(element, " is a duplicate of the one in line " + std::to_string(first->second));
         } else if (rule != nullptr) {
             takeValue(element, *rule);
         }
@@ -71,7 +71,7 @@ private:
 
     void takeValue(const ProvisioningElement& element, const ElementRule& rule) {
         if (element.isList) {
-            refuse(element, " holds other elements; it can be " + legalValues(rule));
+            refuse(element, " contains other elements; it must be " + legalValues(rule));
             return;
         }
         if (element.value.empty()) {
@@ -79,7 +79,7 @@ private:
         }
         const auto value = numberOf(element.value);
         if (!value || *value < rule.least || *value > rule.most) {
-            refuse(element, " is \"" + printable(element.value) + "\"; it can be " + legalValues(rule));
+            refuse(element, " is \"" + printable(element.value) + "\"; it must be " + legalValues(rule));
             return;
         }
         values_[element.name] = *value;
@@ -138,7 +138,7 @@ std::string remarkOf(const ProvisioningElement& element, const ElementRule& rule
         return "ignored, because the document requires no password";
     }
     const std::string remark = rule.remark;
-    const std::string absent = element.value.empty() ? "empty, as if it were not there" : "";
+    const std::string absent = element.value.empty() ? "empty, treated as absent" : "";
     return absent + (absent.empty() || remark.empty() ? "" : "; ") + remark;
 }
 
@@ -147,7 +147,7 @@ ImportedElement imported(const ProvisioningElement& element, const PolicySet& po
     if (rule == nullptr) {
         const bool isOfTheProtocol =
             std::find(unknownElements.begin(), unknownElements.end(), element.name) != unknownElements.end();
-        return {element, Support::Unknown, "", "", isOfTheProtocol ? "" : "no element of a provisioning document"};
+        return {element, Support::Unknown, "", "", isOfTheProtocol ? "" : "not an element of a provisioning document"};
     }
     const bool isCarried = rule->conversion != Conversion::None;
     return {element, rule->support, rule->member, isCarried ? policySet.carried(*rule).dump() : "",

@@ -18,7 +18,7 @@ struct ImportedElement {
     /// The member of the policy set that carries it and its value there; empty for none.
     std::string member;
     std::string carried;
-    /// What the reader should know besides; may be empty.
+    /// What else the reader should know; may be empty.
     std::string remark;
 };
 

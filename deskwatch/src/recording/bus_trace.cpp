@@ -181,7 +181,7 @@ void BusTrace::takeOwnerChange(GDBusMessage* message) {
     const char* now = nullptr;
     g_variant_get(g_dbus_message_get_body(message), "(&s&s&s)", &name, &before, &now);
     if (!isKnownApplication(name)) {
-        return; // a connection, or a name that an application has besides its id
+        return; // a connection, or another name of an application than its id
     }
     if (*before != '\0') {
         owners_.erase(before);

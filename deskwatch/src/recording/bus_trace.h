@@ -32,7 +32,7 @@ class BusTrace {
 public:
     using Sink = std::function<void(const TraceEvent& event)>;
 
-    /// Learns who is on the bus now. The sink gets the events.
+    /// Learns which applications are on the bus now. The sink receives the events.
     BusTrace(const BusDaemon& daemon, Sink sink);
 
     /// Takes the next message of the bus.
@@ -49,7 +49,7 @@ private:
     bool isService(const char* busName) const;
 
     Sink sink_;
-    /// The application behind each connection.
+    /// The application that owns each connection.
     std::map<std::string, std::string> owners_;
     /// The service's launch requests that wait for an answer: its connection and the serial, and who is to answer.
     std::map<std::pair<std::string, guint32>, std::string> waiting_;

@@ -59,14 +59,16 @@ TraceEvent header(const DeviceStatus& status) {
 TraceEvent headerOf(const Device& device) {
     const auto status = readStatus(DeviceSession(device, observerId));
     if (!status.accounts.empty()) {
-        throw std::runtime_error("the watch has stored accounts already; a recording begins on one without");
+        throw std::runtime_error(
+            "the watch already has stored accounts; record on a watch without any, such as a fresh one");
     }
     return header(status);
 }
 
 Recording recordingOf(const TraceEvent& head) {
     if (head.at("recording") != version) {
-        throw std::runtime_error("made by another version");
+        throw std::runtime_error("the recording has another version; this deskwatch reads version " +
+                                 std::to_string(version));
     }
     Recording recording;
     recording.isServiceRunning = head.at("serviceRunning").get<bool>();
@@ -118,10 +120,10 @@ Recording readRecording(const std::filesystem::path& file) {
         }
     } catch (const std::exception& error) {
         throw std::runtime_error(file.string() + ":" + std::to_string(line) +
-                                 ": no line of a recording: " + error.what());
+                                 ": not a line of a recording: " + error.what());
     }
     if (line == 0) {
-        throw std::runtime_error("cannot read a recording in " + file.string());
+        throw std::runtime_error(file.string() + " is not a recording: it cannot be read or is empty");
     }
     return recording;
 }

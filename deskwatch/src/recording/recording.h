@@ -28,7 +28,7 @@ struct Recording {
 /// not know, or the file cannot be written.
 void record(const Device& device, const std::filesystem::path& file);
 
-/// Reads a recording. Throws std::runtime_error with file and line when it is none.
+/// Reads a recording. Throws std::runtime_error with file and line when the file is not one.
 Recording readRecording(const std::filesystem::path& file);
 
 } // namespace deskwatch

@@ -7,7 +7,6 @@
 #include <map>
 #include <stdexcept>
 
-#include "c_owners.h"
 #include "device/application_ids.h"
 #include "device/bus_client.h"
 #include "host_bus.h"
@@ -19,6 +18,10 @@ namespace {
 
 /// Longer than the bus waits for a program to come up.
 constexpr std::chrono::seconds replayTimeout{120};
+
+struct ChangesetRelease {
+    void operator()(DConfChangeset* changeset) const { dconf_changeset_unref(changeset); }
+};
 
 struct Effect {
     TraceEvent event;
@@ -57,7 +60,7 @@ GVariant* settingOf(const TraceEvent& value) {
     GError* error = nullptr;
     GVariant* parsed = g_variant_parse(nullptr, value.at("value").get<std::string>().c_str(), nullptr, nullptr, &error);
     if (parsed == nullptr) {
-        throw std::runtime_error("no value for a key: " + c::takeMessage(error));
+        throw std::runtime_error("not a valid value for a key: " + c::takeMessage(error));
     }
     return parsed;
 }
@@ -130,7 +133,7 @@ private:
     }
 
     void setKey(const std::string& key, const TraceEvent& value) const {
-        const c::Owner<DConfChangeset, dconf_changeset_unref> changes(dconf_changeset_new());
+        const std::unique_ptr<DConfChangeset, ChangesetRelease> changes(dconf_changeset_new());
         dconf_changeset_set(changes.get(), key.c_str(), settingOf(value));
         const c::VariantOwner serialised(g_variant_ref_sink(dconf_changeset_serialise(changes.get())));
         GVariant* bytes = g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, g_variant_get_data(serialised.get()),
@@ -143,7 +146,7 @@ private:
         bus_.call({application, host_bus::applicationPath, "tesk.host.Application", "Settle"}, nullptr, replayTimeout);
     }
 
-    /// The service ends when it has nothing to do for a while; here it is told to.
+    /// The service ends itself when it is idle; here a signal ends it.
     void endService() const {
         const auto pid = bus_.daemon().processOf(ids::service);
         const auto process = pid ? ProcessHandle::open(*pid) : std::nullopt;
@@ -170,7 +173,7 @@ private:
             }
             trace_.take(message.get());
         }
-        throw std::runtime_error("the bus does not show what passes it");
+        throw std::runtime_error("the bus monitor does not report the messages of the bus");
     }
 
     BusClient bus_;
@@ -184,8 +187,8 @@ std::string described(const TraceEvent* event) {
     return event != nullptr ? event->dump() : "nothing";
 }
 
-/// Effects that the bus keeps in order: all that is written, and what goes to one application. Which of two
-/// applications hears first is up to them.
+/// Effects that the bus keeps in order: all writes, and everything that goes to one application. The order between two
+/// applications is not defined.
 struct Channel {
     std::vector<Effect> recorded;
     std::vector<TraceEvent> happened;
@@ -217,7 +220,7 @@ void compare(const Channel& channel, ReplayOutcome& outcome) {
             continue;
         }
         const std::string place =
-            expected != nullptr ? "line " + std::to_string(recorded[index].line) : "behind the last of its kind";
+            expected != nullptr ? "line " + std::to_string(recorded[index].line) : "after the last of its kind";
         outcome.difference = place + ":\n  recorded " + described(expected) + "\n  now      " + described(seen);
         return;
     }

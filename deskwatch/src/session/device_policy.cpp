@@ -40,7 +40,7 @@ LockDemand readLockDemand() {
     LockDemand demand;
     if (dpm_password_get_quality(manager.get(), &demand.quality) != DPM_ERROR_NONE ||
         dpm_password_get_minimum_length(manager.get(), &demand.minimumLength) != DPM_ERROR_NONE) {
-        throw std::runtime_error("the device policy manager does not tell what it demands of a lock");
+        throw std::runtime_error("cannot read what the device policy manager requires of a lock");
     }
     return demand;
 }

@@ -11,7 +11,7 @@ namespace deskwatch {
 /// What the device policy manager of the watch holds. A setting that cannot be read has no value.
 SettingValues readDevicePolicy(DConfClient* store);
 
-/// What the device policy manager demands of the screen's lock. Throws std::runtime_error when it does not tell.
+/// What the device policy manager requires of the screen's lock. Throws std::runtime_error when it cannot be read.
 LockDemand readLockDemand();
 
 } // namespace deskwatch

@@ -23,11 +23,11 @@ void becomeApplication(const Device& device, const std::string& id) {
     }
 }
 
-// Told before the platform is, which would end the process with words for an application.
+// Connected before the platform's handler, which would end the process with a message meant for an application.
 [[noreturn]] void onClosed(GDBusConnection* /*connection*/, gboolean /*remotePeerVanished*/, GError* /*error*/,
                            gpointer folder) {
-    std::cerr << "deskwatch: " << static_cast<const char*>(folder) << " was switched off\n" << std::flush;
-    _exit(EXIT_FAILURE); // what is registered to run at exit is of no use without the bus
+    std::cerr << "deskwatch: " << static_cast<const char*>(folder) << " has been switched off\n" << std::flush;
+    _exit(EXIT_FAILURE); // exit handlers are useless without the bus
 }
 
 void release(gpointer folder, GClosure* /*closure*/) {

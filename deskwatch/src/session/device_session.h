@@ -22,13 +22,13 @@ public:
     /// Answers which applications run. It must not outlive this object.
     BusDaemon daemon() const { return BusDaemon(connection_.get()); }
 
-    /// Waits until an application, started when it does not run, has handled all that was sent to it, by this process
-    /// before or by the bus ahead of this. Returns the applications whose answer to its launch requests is still out.
+    /// Waits until an application, started when it does not run, has handled everything that this process and the bus
+    /// sent to it before. Returns the applications that have not answered its launch requests yet.
     /// Throws std::runtime_error when the application does not come up, or ends meanwhile.
     std::vector<std::string> settle(const std::string& id) const;
 
-    /// Waits until the service, when it runs, has handled what came to it before, and until the applications that it
-    /// launched have got their launch requests. Starts nothing. Throws std::runtime_error as settle does.
+    /// Waits until the service, when it runs, has handled everything sent to it before, and until the applications that
+    /// it launched have received their launch requests. Starts nothing. Throws std::runtime_error as settle does.
     void settleService() const;
 
     /// The connection of this process as an application.

@@ -11,7 +11,7 @@ constexpr int alphanumeric = 128;
 /// The lowest bits tell whether simple passwords are allowed, not what kind of lock it has to be.
 constexpr int kindMask = ~0xF;
 
-/// The lock settings take no shorter lock from anybody.
+/// The lock settings never accept a shorter lock.
 constexpr int shortest = 4;
 
 std::string demanded(const LockDemand& demand) {
@@ -33,7 +33,7 @@ std::optional<std::string> refusalOf(const LockChoice& choice, const LockDemand&
     if (choice.lock == Lock::None) {
         return kind >= numeric ? std::optional("the lock cannot be removed: " + demanded(demand)) : std::nullopt;
     }
-    // Two kinds lie between a PIN and an alphanumeric password; a PIN is none of them.
+    // Two kinds lie between a PIN and an alphanumeric password; a PIN is neither of them.
     if (choice.lock == Lock::Pin && kind > numeric) {
         return "a PIN is not enough: " + demanded(demand);
     }

@@ -50,7 +50,7 @@ int callDiagnosticMethod(const Device& device, const std::string& method, std::o
         static_cast<int>(eventTimeout.count()), nullptr, &error));
     if (g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS) != FALSE) {
         g_clear_error(&error);
-        throw std::runtime_error(method + (value ? " takes no value" : " takes a value"));
+        throw std::runtime_error(method + (value ? " does not take a value" : " needs a value"));
     }
     if (answer == nullptr) {
         throw std::runtime_error("the service does not answer " + method + ": " + c::takeMessage(error));

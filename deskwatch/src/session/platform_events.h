@@ -10,7 +10,7 @@
 
 namespace deskwatch {
 
-/// Announces to all applications of a booted watch that something happened to it as a whole. Returns when the service,
+/// Announces a system event to all applications of a booted watch. Returns when the service,
 /// if it runs, has handled it. Throws std::runtime_error when the watch is not booted.
 void announceEvent(const Device& device, app_event_type_e type);
 

@@ -39,7 +39,7 @@ bool isPlatformFunction(const std::string& name) {
 void setFault(const DeviceSession& session, const PlatformFault& fault) {
     if (!isPlatformFunction(fault.function)) {
         throw std::runtime_error("the platform has no function " + fault.function +
-                                 "; one is named as in its headers, such as dpm_password_set_quality");
+                                 "; use a name from its headers, such as dpm_password_set_quality");
     }
     write(faultsFolder + fault.function, g_variant_new("(ii)", fault.code, fault.nth));
     session.settleService();

@@ -15,7 +15,7 @@ std::string pathOf(const std::string& key) {
     const bool hasStore = key.rfind("db/", 0) == 0 || key.rfind("file/", 0) == 0 || key.rfind("memory/", 0) == 0;
     std::string path = "/vconf/" + key;
     if (!hasStore || dconf_is_key(path.c_str(), nullptr) == FALSE) {
-        throw std::runtime_error(key + " is no key: one begins with db/, file/ or memory/ and does not end in /");
+        throw std::runtime_error(key + " is not a key: a key begins with db/, file/ or memory/ and does not end in /");
     }
     return path;
 }
@@ -26,7 +26,7 @@ struct Watching {
     c::MainLoopOwner loop{g_main_loop_new(nullptr, FALSE)};
 };
 
-/// The news brings no text where a number was before and the other way round, so the value is read.
+/// The notification does not carry a text where a number was before, and vice versa, so the value is read.
 void onChanged(keynode_t* node, void* data) {
     const auto& watching = *static_cast<Watching*>(data);
     const std::string key = vconf_keynode_get_name(node);
@@ -44,7 +44,7 @@ Value readKey(const std::string& key) {
 }
 
 void writeKey(const std::string& key, const Value& value) {
-    pathOf(key); // refuses what is no key
+    pathOf(key); // refuses what is not a key
     const int* number = std::get_if<int>(&value);
     const auto* text = std::get_if<std::string>(&value);
     const int result = number != nullptr ? vconf_set_int(key.c_str(), *number)

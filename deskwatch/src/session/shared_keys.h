@@ -12,18 +12,19 @@ namespace deskwatch {
 
 // The keys that the applications of a watch share, of the watch that this process is on (see DeviceSession).
 
-/// The value of a key; none when it is not set. Throws std::runtime_error when the text is no key.
+/// The value of a key; none when it is not set. Throws std::runtime_error when the text is not a key.
 Value readKey(const std::string& key);
 
-/// Sets a key to a number or a text. Throws std::runtime_error when the text is no key or the store cannot be written.
+/// Sets a key to a number or a text. Throws std::runtime_error when the text is not a key or the store cannot be
+/// written.
 void writeKey(const std::string& key, const Value& value);
 
-/// Tells the values of keys in order, and then each value that a key is set to, until `tell` returns false. Throws
-/// std::runtime_error when one of the texts is no key.
+/// Reports the values of keys in order, and then each value that a key is set to, until `tell` returns false. Throws
+/// std::runtime_error when one of the texts is not a key.
 void followKeys(const std::vector<std::string>& keys,
                 const std::function<bool(const std::string& key, const Value& value)>& tell);
 
-/// A value as one types it: a number when it looks like one, else a text.
+/// A value as typed by a user: a number if it looks like one, else a text.
 Value typedValue(const std::string& text);
 
 } // namespace deskwatch

@@ -58,7 +58,7 @@ ScreenLaunch readLaunch(const std::string& application, GVariant* entry) {
     return launch;
 }
 
-/// Adds what an application that runs was launched with. One that is no stand-in of ours has nothing to tell.
+/// Adds the launch requests of a running application. Only our stand-ins report them.
 void readLaunches(const DeviceSession& session, const std::string& application, std::vector<ScreenLaunch>& screens) {
     const auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
                                                     G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS);
@@ -79,7 +79,7 @@ void readLaunches(const DeviceSession& session, const std::string& application, 
     }
 }
 
-/// The end of a file that only grows: what the service decided last is there.
+/// The end of a file that only grows: it holds what the service decided last.
 std::string endOf(const std::filesystem::path& file) {
     constexpr std::streamoff most = 262'144;
     std::ifstream stream(file, std::ios::binary | std::ios::ate);

@@ -9,20 +9,20 @@
 
 namespace deskwatch {
 
-/// A file that others append to. News of it comes through the main loop.
+/// A file that others append to. Changes are reported through the main loop.
 class FollowedFile {
 public:
-    /// Told what was appended.
+    /// Called with what was appended.
     using Listener = std::function<void(const std::string& text)>;
 
-    /// Begins at the file's start; what is there already is told by the first `read`. The file need not exist yet.
+    /// Begins at the file's start; the first `read` reports what is there already. The file need not exist yet.
     /// Throws std::runtime_error when it cannot be watched.
     FollowedFile(const std::filesystem::path& file, Listener listener);
     ~FollowedFile();
     FollowedFile(const FollowedFile&) = delete;
     FollowedFile& operator=(const FollowedFile&) = delete;
 
-    /// Tells what was appended since the last time.
+    /// Reports what was appended since the last time.
     void read();
 
 private:

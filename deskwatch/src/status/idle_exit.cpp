@@ -11,7 +11,7 @@ namespace {
 /// The service's own delay.
 constexpr std::chrono::seconds delay{10};
 
-/// What the platform's log puts behind the tag.
+/// What the platform's log writes after the tag.
 std::string processMark(pid_t process) {
     std::array<char, 32> mark{};
     std::snprintf(mark.data(), mark.size(), "(%5d): ", static_cast<int>(process));

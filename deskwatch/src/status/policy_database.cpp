@@ -11,7 +11,7 @@
 namespace deskwatch {
 namespace {
 
-/// The columns behind these are reserved and always empty.
+/// The columns after these are reserved and always empty.
 constexpr int shownColumns = 24;
 
 /// The service writes within a fraction of a second.

@@ -6,11 +6,11 @@
 
 namespace deskwatch {
 
-/// A text whose control characters and wrong bytes have become visible.
+/// A text with control characters and invalid bytes made visible.
 std::string printable(const std::string& text);
 
-/// Rows of cells as text in columns. Control characters in cells become visible, because texts of a server end up here
-/// and the terminal of whoever looks must not obey them.
+/// Rows of cells as text in columns. Control characters in cells become visible, because texts from servers are shown
+/// here and must not control the reader's terminal.
 std::string textTable(const std::vector<std::vector<std::string>>& rows);
 
 } // namespace deskwatch

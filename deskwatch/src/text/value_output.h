@@ -21,7 +21,7 @@ inline nlohmann::ordered_json numberJson(const std::optional<int>& value) {
     return value ? nlohmann::ordered_json(*value) : nlohmann::ordered_json(nullptr);
 }
 
-/// JSON as text: on one line, or indented by `indent` columns. Bytes that are no UTF-8 become visible.
+/// JSON as text: on one line, or indented by `indent` columns. Bytes that are not valid UTF-8 become visible.
 std::string jsonText(const nlohmann::ordered_json& json, int indent = -1);
 
 } // namespace deskwatch

@@ -12,7 +12,7 @@ inline std::string numberText(const std::optional<int>& value) {
     return value ? std::to_string(*value) : "-";
 }
 
-/// Parts behind each other with a separator between them; "-" for none.
+/// Parts one after the other with a separator between them; "-" for none.
 inline std::string joined(const std::vector<std::string>& parts, const std::string& separator) {
     std::string text;
     for (const auto& part : parts) {
