@@ -8,3 +8,11 @@ configure_file(device/tizen-manifest.xml.in ${CMAKE_CURRENT_BINARY_DIR}/${app_id
 install(TARGETS tesk-agent RUNTIME DESTINATION ${app_folder}/bin)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${app_id}.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/packages)
 install(FILES device/tesk-agent-diagnostics.conf DESTINATION ${CMAKE_INSTALL_FULL_SYSCONFDIR}/dbus-1/system.d)
+
+# The scriptlet of the package that makes the service's keys.
+set(TESK_KEYS_LABEL tizen::vconf::platform::rw CACHE STRING "Security label of the service's keys in the settings store")
+file(STRINGS device/shared-keys rows REGEX "^[^#]")
+list(TRANSFORM rows REPLACE "^([^ ]+) (.+)$" "vconftool set -t \\1 \\2 -i -f -s ${TESK_KEYS_LABEL}")
+list(JOIN rows "\n" calls)
+configure_file(device/make-keys.in ${CMAKE_CURRENT_BINARY_DIR}/make-keys @ONLY)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS device/shared-keys)
