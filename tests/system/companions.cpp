@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "device/application_ids.h"
+#include "device/bus_daemon.h"
 #include "host_bus.h"
 #include "session/companion_bus.h"
 #include "tesk-desk-bus.h"
@@ -103,26 +104,11 @@ void Companions::answer(const std::string& id, const std::string& result) const 
 }
 
 bool Companions::isRunning(const std::string& id) const {
-    const auto answer = askBus("NameHasOwner", id);
-    gboolean isOwned = FALSE;
-    g_variant_get(answer.get(), "(b)", &isOwned);
-    return isOwned != FALSE;
+    return deskwatch::BusDaemon(connection()).isOwned(id);
 }
 
 pid_t Companions::processOf(const std::string& id) const {
-    const auto answer = askBus("GetConnectionUnixProcessID", id);
-    guint32 pid = 0;
-    g_variant_get(answer.get(), "(u)", &pid);
-    return static_cast<pid_t>(pid);
-}
-
-c::VariantOwner Companions::askBus(const char* method, const std::string& id) const {
-    GError* error = nullptr;
-    c::VariantOwner answer(g_dbus_connection_call_sync(
-        connection(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method,
-        g_variant_new("(s)", id.c_str()), nullptr, G_DBUS_CALL_FLAGS_NONE, companionTimeout, nullptr, &error));
-    require(answer != nullptr, method, error);
-    return answer;
+    return deskwatch::BusDaemon(connection()).processOf(id).value();
 }
 
 GDBusConnection* Companions::connection() const {

@@ -49,14 +49,11 @@ public:
 
     bool isRunning(const std::string& id) const;
 
-    /// The process of an application; an error of the test when it does not run.
+    /// The process of an application; throws when it does not run.
     pid_t processOf(const std::string& id) const;
 
 private:
     GDBusConnection* connection() const;
-
-    /// Asks the bus something about an application.
-    c::VariantOwner askBus(const char* method, const std::string& id) const;
 
     std::string busAddress_;
     mutable c::ObjectOwner<GDBusConnection> connection_;

@@ -15,6 +15,7 @@ TEST(Popup, PopupThatDiesDoesNothingAndComesBackWhenTheMailApplicationAsks) {
     device.launchService();
     device.send("req_update_policy", policyUpdate({alice(pinPolicy)}));
     const auto service = device.servicePid();
+    device.companions().settle(ids::popup);
     const auto popup = deskwatch::ProcessHandle::open(device.companions().processOf(ids::popup));
     ASSERT_TRUE(popup);
 
