@@ -1,60 +1,72 @@
 #include "msgs/TeskConsumerJson.h"
 
+#include <algorithm>
+
 namespace {
 
-constexpr int maxDepth = 1024;
+constexpr std::ptrdiff_t maxDepth = 1024;
 
-/// Follows the nesting of a JSON text. The library also takes comments and single-quoted strings, which are no JSON and
-/// whose ends are not worth following: behind the first of them every bracket counts as one level more.
+/// What the library takes for a comment, which depends on its version.
+enum class Comments {
+    BetweenSlashes, ///< from a slash to the next one
+    AsInC           ///< from two slashes to the end of the line, and from slash and asterisk to asterisk and slash
+};
+
+/// Measures how deep a text is nested, where brackets in strings and in comments do not count. Like the library it
+/// takes text in single quotes, in which nothing is escaped, for a string.
 class NestingMeter {
 public:
-    /// Takes the next character and returns the depth there.
-    int next(char character) {
-        if (inString) {
-            followString(character);
-        } else {
-            followStructure(character);
+    NestingMeter(const std::string& measuredText, Comments knownComments)
+        : text(measuredText), comments(knownComments) {}
+
+    std::ptrdiff_t deepest() {
+        std::ptrdiff_t depth = 0;
+        std::ptrdiff_t deepest = 0;
+        while (at < text.size()) {
+            const char character = text[at++];
+            if (character == '[' || character == '{') {
+                deepest = std::max(deepest, ++depth);
+            } else if (character == ']' || character == '}') {
+                --depth;
+            } else {
+                skipFrom(character);
+            }
         }
-        return depth;
+        return deepest;
     }
 
 private:
-    void followString(char character) {
-        if (escaped) {
-            escaped = false;
-        } else if (character == '\\') {
-            escaped = true;
-        } else if (character == '"') {
-            inString = false;
+    /// Skips a string or a comment that this character begins.
+    void skipFrom(char character) {
+        if (character == '"') {
+            skipString();
+        } else if (character == '\'') {
+            skipPast("'");
+        } else if (character == '/' && comments == Comments::BetweenSlashes) {
+            skipPast("/");
+        } else if (character == '/' && at < text.size() && text[at] == '/') {
+            skipPast("\n");
+        } else if (character == '/' && at < text.size() && text[at] == '*') {
+            ++at;
+            skipPast("*/");
         }
     }
 
-    void followStructure(char character) {
-        switch (character) {
-        case '[':
-        case '{':
-            ++depth;
-            break;
-        case ']':
-        case '}':
-            depth -= onlyJson ? 1 : 0;
-            break;
-        case '"':
-            inString = onlyJson;
-            break;
-        case '/':
-        case '\'':
-            onlyJson = false;
-            break;
-        default:
-            break;
+    void skipString() {
+        while (at < text.size() && text[at] != '"') {
+            at += text[at] == '\\' ? 2 : 1;
         }
+        ++at;
     }
 
-    int depth = 0;
-    bool inString = false;
-    bool escaped = false;
-    bool onlyJson = true;
+    void skipPast(const char* end) {
+        const auto found = text.find(end, at);
+        at = found == std::string::npos ? text.size() : found + std::char_traits<char>::length(end);
+    }
+
+    const std::string& text;
+    const Comments comments;
+    std::size_t at = 0;
 };
 
 JsonNode* valueMember(JsonObject* object, const char* name) {
@@ -65,13 +77,12 @@ JsonNode* valueMember(JsonObject* object, const char* name) {
 } // namespace
 
 bool TeskConsumerJson::isNestedTooDeep(const std::string& text) {
-    NestingMeter meter;
-    for (const char character : text) {
-        if (meter.next(character) > maxDepth) {
-            return true;
-        }
+    const auto isOpening = [](char character) { return character == '[' || character == '{'; };
+    if (std::count_if(text.begin(), text.end(), isOpening) <= maxDepth) {
+        return false;
     }
-    return false;
+    const auto isTooDeepWith = [&text](Comments comments) { return NestingMeter(text, comments).deepest() > maxDepth; };
+    return isTooDeepWith(Comments::BetweenSlashes) || isTooDeepWith(Comments::AsInC);
 }
 
 JsonObject* TeskConsumerJson::objectOf(JsonNode* node) {

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "msgs/TeskConsumerJson.h"
 
 namespace {
@@ -45,11 +48,26 @@ TEST(JsonNesting, BracketsAfterATextCount) {
     }
 }
 
-TEST(JsonNesting, EveryBracketCountsAfterACommentOrASingleQuote) {
-    for (const auto* beginning : {"/", "'", "/* \" */", "'\"'"}) {
-        EXPECT_FALSE(isTooDeep(beginning + repeated("[]", limit))) << beginning;
-        EXPECT_TRUE(isTooDeep(beginning + repeated("[]", limit + 1))) << beginning;
+TEST(JsonNesting, CommentsAndTextsInSingleQuotesNeitherCountNorEndTheCounting) {
+    const auto deep = repeated("[", limit + 1);
+    for (const auto& beginning :
+         std::vector<std::string>{"/* \" ' */", "'\"'", "'\\'", "'" + deep + "'", "/*" + deep + "*/"}) {
+        EXPECT_FALSE(isTooDeep(beginning + repeated("[]", limit + 1))) << beginning;
+        EXPECT_TRUE(isTooDeep(beginning + deep)) << beginning;
     }
+}
+
+TEST(JsonNesting, WhatOneVersionOfTheLibraryTakesForACommentCountsWhereAnotherDoesNot) {
+    const auto deep = repeated("[", limit + 1);
+    EXPECT_TRUE(isTooDeep("// ' \n" + deep)) << "a comment to the end of the line";
+    EXPECT_TRUE(isTooDeep("// " + deep)) << "an empty comment between two slashes";
+    EXPECT_TRUE(isTooDeep("/* / " + deep + " */")) << "a comment that ends at the second slash";
+    EXPECT_TRUE(isTooDeep("/ " + deep)) << "a slash that begins no comment";
+}
+
+TEST(JsonNesting, TextAfterTheRootCounts) {
+    EXPECT_TRUE(isTooDeep("{}" + repeated("[", limit + 1)));
+    EXPECT_FALSE(isTooDeep("{}" + repeated("[]", limit + 1)));
 }
 
 } // namespace
