@@ -12,25 +12,25 @@
 
 namespace {
 
-bool openPort() {
+bool openPort(const TeskConsumerPlace& place = TeskConsumerPlace::here()) {
     auto* const ipcMgr = TeskConsumerIpcMgr::getInstance();
     if (ipcMgr == nullptr) {
-        TESK_ERROR("TeskConsumerIpcMgr::getInstance() failed");
+        TESK_ERROR_AT(place, "TeskConsumerIpcMgr::getInstance() failed");
         return false;
     }
     if (!ipcMgr->init()) {
-        TESK_ERROR("ipcMgr->init() failed");
+        TESK_ERROR_AT(place, "ipcMgr->init() failed");
         return false;
     }
     return true;
 }
 
-/// A device forgets nothing, but a setting may have been changed behind the service's back while it did not run.
-void enforceStoredPolicies(TeskConsumerDbMgr& dbMgr) {
+/// A device forgets nothing, but a setting may have been changed while the service did not run.
+void enforceStoredPolicies(TeskConsumerDbMgr& dbMgr, const TeskConsumerPlace& place = TeskConsumerPlace::here()) {
     int count = 0;
     dbMgr.getAllEasAccountCount(&count);
     if (count != 0) {
-        TeskConsumerPolicyMgr::getInstance()->applyPolicyAndWarn();
+        TeskConsumerPolicyMgr::getInstance()->applyPolicyAndWarn(place);
     }
 }
 

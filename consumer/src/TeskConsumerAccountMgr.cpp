@@ -7,23 +7,25 @@
 
 namespace {
 
-int insertAccount(TeskConsumerDbMgr& dbMgr, TeskConsumerPolicyMgr& policyMgr, const TeskPolicyData& data) {
+int insertAccount(TeskConsumerDbMgr& dbMgr, TeskConsumerPolicyMgr& policyMgr, const TeskPolicyData& data,
+                  const TeskConsumerPlace& place = TeskConsumerPlace::here()) {
     // the policy manager registers only while no account is stored, hence before the first insert
     int result = policyMgr.registerClient();
     if (result != 0) {
-        TESK_WARN("Failed register DPM client: %d", result);
+        TESK_WARN_AT(place, "Failed register DPM client: %d", result);
     }
     result = dbMgr.insertPolicy(data);
     if (result != 0) {
-        TESK_WARN("_db_insert_policy_data failed: %d", result);
+        TESK_WARN_AT(place, "_db_insert_policy_data failed: %d", result);
     }
     return result;
 }
 
-int updateAccount(TeskConsumerDbMgr& dbMgr, const TeskPolicyData& data) {
+int updateAccount(TeskConsumerDbMgr& dbMgr, const TeskPolicyData& data,
+                  const TeskConsumerPlace& place = TeskConsumerPlace::here()) {
     const int result = dbMgr.updatePolicy(data);
     if (result != 0) {
-        TESK_WARN("_db_update_rule_data failed: %d", result);
+        TESK_WARN_AT(place, "_db_update_rule_data failed: %d", result);
     }
     return result;
 }
@@ -34,7 +36,13 @@ TeskConsumerAccountMgr* TeskConsumerAccountMgr::getInstance() {
     return teskConsumerInstance<TeskConsumerAccountMgr>();
 }
 
-TeskConsumerAccountMgr::~TeskConsumerAccountMgr() = default;
+TeskConsumerAccountMgr::TeskConsumerAccountMgr() {
+    TESK_INFO("");
+}
+
+TeskConsumerAccountMgr::~TeskConsumerAccountMgr() {
+    TESK_INFO("");
+}
 
 int TeskConsumerAccountMgr::addAccount(const std::shared_ptr<TeskPolicyData>& data) {
     const TeskConsumerTrace trace;

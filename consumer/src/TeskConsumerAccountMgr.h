@@ -11,7 +11,7 @@ public:
     /// The process's one instance.
     static TeskConsumerAccountMgr* getInstance();
 
-    TeskConsumerAccountMgr() = default;
+    TeskConsumerAccountMgr();
     virtual ~TeskConsumerAccountMgr();
     TeskConsumerAccountMgr(const TeskConsumerAccountMgr&) = delete;
     TeskConsumerAccountMgr& operator=(const TeskConsumerAccountMgr&) = delete;

@@ -31,11 +31,11 @@ constexpr char deleteAccountSql[] = "delete from eas_policy_tbl where account_id
 constexpr char countSql[] = "select count(account_id) from eas_policy_tbl;";
 constexpr char selectAllSql[] = "select * from eas_policy_tbl;";
 
-bool makeDirOf(const std::string& path) {
+bool makeDirOf(const std::string& path, const TeskConsumerPlace& place) {
     const std::string dbDir = path.substr(0, path.rfind('/'));
-    TESK_INFO("dbDir : %s", dbDir.c_str());
+    TESK_INFO_AT(place, "dbDir : %s", dbDir.c_str());
     if (g_access(dbDir.c_str(), F_OK) != 0 && mkdir(dbDir.c_str(), dbDirMode) == -1) {
-        TESK_ERROR("g_mkdir() failed!");
+        TESK_ERROR_AT(place, "g_mkdir() failed!");
         return false;
     }
     return true;
@@ -57,6 +57,15 @@ std::string endOfLinks(std::string path) {
 void removeJournalsOf(const std::string& path) {
     unlink((path + "-journal").c_str());
     unlink((path + "-wal").c_str());
+}
+
+/// The name of the file in which the table is made. A folder of that name, whoever left it there, is passed over.
+std::string newPathFor(const std::string& place) {
+    std::string path = place + newFileSuffix;
+    while (g_file_test(path.c_str(), G_FILE_TEST_IS_DIR) != FALSE) {
+        path += newFileSuffix;
+    }
+    return path;
 }
 
 /// An empty file that nobody else may read, in the place of whatever an earlier start may have left there.
@@ -86,9 +95,7 @@ TeskConsumerDbMgr::TeskConsumerDbMgr() {
 
 TeskConsumerDbMgr::~TeskConsumerDbMgr() {
     TESK_INFO("");
-    if (handle != nullptr) {
-        sqlite3_close(handle);
-    }
+    __closeDb();
 }
 
 int TeskConsumerDbMgr::checkPolicyByAccountId(int accountId) {
@@ -97,31 +104,28 @@ int TeskConsumerDbMgr::checkPolicyByAccountId(int accountId) {
         return TESK_DB_INVALID_ACCOUNT;
     }
     const auto statement = __prepareQuery(selectAccountSql);
-    if (!statement) {
+    if (!statement || !__bindAccount(statement, 1, accountId)) {
         return TESK_DB_FAILURE;
     }
-    sqlite3_bind_int(statement.get(), 1, accountId);
-    return sqlite3_step(statement.get()) == SQLITE_ROW ? 0 : TESK_DB_NO_ROW;
+    return __readRow(statement) == SQLITE_ROW ? 0 : TESK_DB_NO_ROW;
 }
 
 int TeskConsumerDbMgr::insertPolicy(const TeskPolicyData& data) {
     const TeskConsumerTrace trace;
     const auto statement = __prepareQuery(TeskPolicyTable::insertSql());
-    if (!statement) {
+    if (!statement || __bindPolicy(statement, data) == 0) {
         return TESK_DB_FAILURE;
     }
-    __bindPolicy(statement, data);
     return __write(statement);
 }
 
 int TeskConsumerDbMgr::updatePolicy(const TeskPolicyData& data) {
     const TeskConsumerTrace trace;
     const auto statement = __prepareQuery(TeskPolicyTable::updateSql());
-    if (!statement) {
+    const int rowParameter = statement ? __bindPolicy(statement, data) : 0;
+    if (rowParameter == 0 || !__bindAccount(statement, rowParameter, data.accountId)) {
         return TESK_DB_FAILURE;
     }
-    const int rowParameter = __bindPolicy(statement, data);
-    sqlite3_bind_int(statement.get(), rowParameter, data.accountId);
     return __write(statement);
 }
 
@@ -131,10 +135,9 @@ int TeskConsumerDbMgr::deletePolicyByAccountId(int accountId) {
         return TESK_DB_INVALID_ACCOUNT;
     }
     const auto statement = __prepareQuery(deleteAccountSql);
-    if (!statement) {
+    if (!statement || !__bindAccount(statement, 1, accountId)) {
         return TESK_DB_FAILURE;
     }
-    sqlite3_bind_int(statement.get(), 1, accountId);
     return __write(statement);
 }
 
@@ -144,11 +147,10 @@ int TeskConsumerDbMgr::getPolicyDataByAccountId(int accountId, TeskPolicyData& o
         return TESK_DB_INVALID_ACCOUNT;
     }
     const auto statement = __prepareQuery(selectAccountSql);
-    if (!statement) {
+    if (!statement || !__bindAccount(statement, 1, accountId)) {
         return TESK_DB_FAILURE;
     }
-    sqlite3_bind_int(statement.get(), 1, accountId);
-    const int result = sqlite3_step(statement.get());
+    const int result = __readRow(statement);
     if (result != SQLITE_ROW) {
         TESK_WARN("query result: %d", result);
         return TESK_DB_NO_ROW;
@@ -163,12 +165,12 @@ int TeskConsumerDbMgr::getPolicyDataList(TeskPolicyDataList& out) {
     if (!statement) {
         return TESK_DB_FAILURE;
     }
-    int result = sqlite3_step(statement.get());
+    int result = __readRow(statement);
     if (result != SQLITE_ROW) {
         TESK_WARN("query result: %d", result);
         return TESK_DB_NO_ROW;
     }
-    for (; result == SQLITE_ROW; result = sqlite3_step(statement.get())) {
+    for (; result == SQLITE_ROW; result = __readRow(statement)) {
         const auto data = std::make_shared<TeskPolicyData>();
         __readPolicy(statement, *data);
         out.push_back(data);
@@ -182,7 +184,7 @@ int TeskConsumerDbMgr::getAllEasAccountCount(int* count) {
     if (!statement) {
         return TESK_DB_FAILURE;
     }
-    if (sqlite3_step(statement.get()) == SQLITE_ROW) {
+    if (__readRow(statement) == SQLITE_ROW) {
         *count = sqlite3_column_int(statement.get(), 0);
     }
     return 0;
@@ -211,54 +213,61 @@ bool TeskConsumerDbMgr::__openDb() {
     return true;
 }
 
+void TeskConsumerDbMgr::__closeDb() {
+    if (handle != nullptr) {
+        sqlite3_close(handle);
+        handle = nullptr;
+    }
+}
+
 /// A file without a table would never be repaired, since a file that exists is used as it is. So the file gets its name
 /// only once the table is in it: a start that is cut off on the way leaves nothing that counts. A link in its place
 /// stays, since what it leads to may only be missing for now.
-bool TeskConsumerDbMgr::__openNewFile(const std::string& path) {
-    if (!makeDirOf(path)) {
+bool TeskConsumerDbMgr::__openNewFile(const std::string& path, const TeskConsumerPlace& place) {
+    if (!makeDirOf(path, place)) {
         return false;
     }
-    const std::string place = endOfLinks(path);
-    if (place.empty()) {
-        TESK_ERROR("sqlite3_open failed: [%d]", SQLITE_CANTOPEN); // what it would answer
+    const std::string file = endOfLinks(path);
+    if (file.empty()) {
+        TESK_ERROR_AT(place, "sqlite3_open failed: [%d]", SQLITE_CANTOPEN); // what it would answer
         return false;
     }
-    const std::string newPath = place + newFileSuffix;
+    const std::string newPath = newPathFor(file);
     makeEmptyFile(newPath);
-    if (!__openFile(newPath)) {
+    if (!__openFile(newPath, place)) {
         return false;
     }
-    TESK_INFO("Let's create db!");
+    TESK_INFO_AT(place, "Let's create db!");
+    isTableMissing = true; // until the file with the table has its name
     if (!__createDb()) {
-        // every operation fails for lack of the table, and the next start tries again
         return true;
     }
-    sqlite3_close(handle);
-    handle = nullptr;
-    removeJournalsOf(place);
-    if (std::rename(newPath.c_str(), place.c_str()) != 0) {
-        TESK_ERROR("rename failed: [%d]", errno);
+    __closeDb();
+    removeJournalsOf(file);
+    if (std::rename(newPath.c_str(), file.c_str()) != 0) {
+        TESK_ERROR_AT(place, "rename failed: [%d]", errno);
         return false;
     }
-    return __openFile(path);
+    isTableMissing = false;
+    return __openFile(path, place);
 }
 
-bool TeskConsumerDbMgr::__openFile(const std::string& path) {
+bool TeskConsumerDbMgr::__openFile(const std::string& path, const TeskConsumerPlace& place) {
     // Nobody reads SQLite's statistics of its memory, and keeping them takes a lock at every allocation. Where a
     // library of the platform was first to use SQLite, the statistics stay, and nothing else is different.
     sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
     sqlite3* opened = nullptr;
     int result = sqlite3_open(path.c_str(), &opened);
     if (result != SQLITE_OK) {
-        TESK_ERROR("sqlite3_open failed: [%d]", result);
+        TESK_ERROR_AT(place, "sqlite3_open failed: [%d]", result);
         sqlite3_close(opened); // a failed open hands out a handle all the same
         return false;
     }
     result = sqlite3_busy_handler(opened, __busyHandler, nullptr);
     if (result != SQLITE_OK) {
-        TESK_ERROR("sqlite3_busy_handler failed: [%d]", result);
+        TESK_ERROR_AT(place, "sqlite3_busy_handler failed: [%d]", result);
         sqlite3_close(opened);
-        TESK_INFO("Leave");
+        TESK_INFO_AT(place, "Leave");
         return false;
     }
     handle = opened;
@@ -312,34 +321,54 @@ int TeskConsumerDbMgr::__busyHandler(void* /*data*/, int count) {
     return 1;
 }
 
-TeskConsumerDbMgr::Statement TeskConsumerDbMgr::__prepareQuery(const std::string& sql) {
+/// Where the first start could not make the table, for lack of space perhaps, it is tried once more now.
+TeskConsumerDbMgr::Statement TeskConsumerDbMgr::__prepareQuery(const std::string& sql, const TeskConsumerPlace& place) {
     Statement statement(__queryPrepare(sql));
-    if (!statement) {
-        TESK_ERROR("db failure: %s", sqlite3_errmsg(handle));
+    if (!statement && isTableMissing) {
+        __closeDb();
+        __openDb();
+        statement.reset(__queryPrepare(sql));
     }
+    __succeeded(statement != nullptr, place);
     return statement;
 }
 
-int TeskConsumerDbMgr::__write(const Statement& statement) {
-    if (sqlite3_step(statement.get()) != SQLITE_DONE) {
-        TESK_ERROR("db failure: %s", sqlite3_errmsg(handle));
-        return TESK_DB_FAILURE;
+bool TeskConsumerDbMgr::__succeeded(bool success, const TeskConsumerPlace& place) {
+    if (!success) {
+        TESK_ERROR_AT(place, "db failure: %s", sqlite3_errmsg(handle));
     }
-    return 0;
+    return success;
 }
 
-/// Binds the columns in order; the result is the next free parameter.
-int TeskConsumerDbMgr::__bindPolicy(const Statement& statement, const TeskPolicyData& data) {
+int TeskConsumerDbMgr::__readRow(const Statement& statement, const TeskConsumerPlace& place) {
+    const int result = sqlite3_step(statement.get());
+    __succeeded(result == SQLITE_ROW || result == SQLITE_DONE, place);
+    return result;
+}
+
+int TeskConsumerDbMgr::__write(const Statement& statement, const TeskConsumerPlace& place) {
+    return __succeeded(sqlite3_step(statement.get()) == SQLITE_DONE, place) ? 0 : TESK_DB_FAILURE;
+}
+
+bool TeskConsumerDbMgr::__bindAccount(const Statement& statement, int parameter, int accountId,
+                                      const TeskConsumerPlace& place) {
+    return __succeeded(sqlite3_bind_int(statement.get(), parameter, accountId) == SQLITE_OK, place);
+}
+
+/// Binds the columns in order; the result is the next free parameter, or 0 when one could not be bound.
+int TeskConsumerDbMgr::__bindPolicy(const Statement& statement, const TeskPolicyData& data,
+                                    const TeskConsumerPlace& place) {
     int parameter = 1;
+    bool isBound = true;
     for (const auto& number : TeskPolicyTable::numbers) {
-        sqlite3_bind_int(statement.get(), parameter++, data.*number.field);
+        isBound = isBound && sqlite3_bind_int(statement.get(), parameter++, data.*number.field) == SQLITE_OK;
     }
     for (const auto& text : TeskPolicyTable::texts) {
         const auto& value = data.*text.field;
-        sqlite3_bind_text(statement.get(), parameter++, value.c_str(), static_cast<int>(value.size()),
-                          SQLITE_TRANSIENT);
+        isBound = isBound && sqlite3_bind_text(statement.get(), parameter++, value.c_str(),
+                                               static_cast<int>(value.size()), SQLITE_TRANSIENT) == SQLITE_OK;
     }
-    return parameter;
+    return __succeeded(isBound, place) ? parameter : 0;
 }
 
 void TeskConsumerDbMgr::__readPolicy(const Statement& statement, TeskPolicyData& data) {
@@ -354,9 +383,9 @@ void TeskConsumerDbMgr::__readPolicy(const Statement& statement, TeskPolicyData&
     }
 }
 
-bool TeskConsumerDbMgr::__isValidAccount(int accountId) {
+bool TeskConsumerDbMgr::__isValidAccount(int accountId, const TeskConsumerPlace& place) {
     if (accountId < 1) {
-        TESK_ERROR("accountId is invalid");
+        TESK_ERROR_AT(place, "accountId is invalid");
         return false;
     }
     return true;

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "TeskConsumerLog.h"
 #include "rules/TeskPolicyData.h"
 
 /// Results of the database operations; 0 is success.
@@ -14,7 +15,8 @@ constexpr int TESK_DB_FAILURE = -1001;
 constexpr int TESK_DB_NO_ROW = -1002;
 
 /// Keeps one policy record per account in an SQLite file in the application's data folder. The file is opened, and on
-/// the first start made, when the instance is; while it could not be opened every operation fails.
+/// the first start made, when the instance is; while it could not be opened every operation fails. A table that could
+/// not be made is tried again by the next operation.
 class TeskConsumerDbMgr {
 public:
     /// The process's one instance, or null while memory is short.
@@ -54,20 +56,28 @@ private:
 
     bool __init();
     bool __openDb();
-    bool __openNewFile(const std::string& path);
-    bool __openFile(const std::string& path);
+    void __closeDb();
     bool __createDb();
     sqlite3_stmt* __queryPrepare(const std::string& sql);
     static void __queryFinalize(sqlite3_stmt* statement);
     static int __busyHandler(void* data, int count);
 
-    Statement __prepareQuery(const std::string& sql);
-    int __write(const Statement& statement);
-    static int __bindPolicy(const Statement& statement, const TeskPolicyData& data);
+    // steps of the operations above, in whose name they log
+    bool __openNewFile(const std::string& path, const TeskConsumerPlace& place = TeskConsumerPlace::here());
+    bool __openFile(const std::string& path, const TeskConsumerPlace& place = TeskConsumerPlace::here());
+    static bool __isValidAccount(int accountId, const TeskConsumerPlace& place = TeskConsumerPlace::here());
+    Statement __prepareQuery(const std::string& sql, const TeskConsumerPlace& place = TeskConsumerPlace::here());
+    bool __bindAccount(const Statement& statement, int parameter, int accountId,
+                       const TeskConsumerPlace& place = TeskConsumerPlace::here());
+    int __bindPolicy(const Statement& statement, const TeskPolicyData& data,
+                     const TeskConsumerPlace& place = TeskConsumerPlace::here());
+    int __readRow(const Statement& statement, const TeskConsumerPlace& place = TeskConsumerPlace::here());
+    int __write(const Statement& statement, const TeskConsumerPlace& place = TeskConsumerPlace::here());
+    bool __succeeded(bool success, const TeskConsumerPlace& place);
     static void __readPolicy(const Statement& statement, TeskPolicyData& data);
-    static bool __isValidAccount(int accountId);
 
     sqlite3* handle = nullptr;
+    bool isTableMissing = false; ///< since the first start could not make it
 };
 
 #endif

@@ -27,18 +27,21 @@ struct BundleFreer {
 };
 using Bundle = std::unique_ptr<bundle, BundleFreer>;
 
-Bundle newRequest(const char* req, const char* msg) {
+Bundle newRequest(const char* req, const char* msg, const TeskConsumerPlace& place = TeskConsumerPlace::here()) {
     Bundle message(bundle_create());
-    TESK_INFO("[RELAY MSG] %s : %s", req, msg);
+    TESK_INFO_AT(place, "[RELAY MSG] %s : %s", req, msg);
     bundle_add_str(message.get(), requestKey, req);
     bundle_add_str(message.get(), argumentKey, msg);
     return message;
 }
 
-/// The text of a bundle's entry, empty when there is none.
+/// The text of a bundle's entry, empty when there is none. After a message that was too long the platform hands out no
+/// bundle at all.
 const char* entryOf(bundle* message, const char* key) {
     char* text = nullptr;
-    bundle_get_str(message, key, &text);
+    if (message != nullptr) {
+        bundle_get_str(message, key, &text);
+    }
     return text != nullptr ? text : "";
 }
 
@@ -48,7 +51,13 @@ TeskConsumerIpcMgr* TeskConsumerIpcMgr::getInstance() {
     return teskConsumerInstance<TeskConsumerIpcMgr>();
 }
 
-TeskConsumerIpcMgr::~TeskConsumerIpcMgr() = default;
+TeskConsumerIpcMgr::TeskConsumerIpcMgr() {
+    TESK_INFO("");
+}
+
+TeskConsumerIpcMgr::~TeskConsumerIpcMgr() {
+    TESK_INFO("");
+}
 
 bool TeskConsumerIpcMgr::init() {
     const TeskConsumerTrace trace;

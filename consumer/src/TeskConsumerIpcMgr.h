@@ -9,7 +9,7 @@ public:
     /// The process's one instance, or null while memory is short.
     static TeskConsumerIpcMgr* getInstance();
 
-    TeskConsumerIpcMgr() = default;
+    TeskConsumerIpcMgr();
     virtual ~TeskConsumerIpcMgr();
     TeskConsumerIpcMgr(const TeskConsumerIpcMgr&) = delete;
     TeskConsumerIpcMgr& operator=(const TeskConsumerIpcMgr&) = delete;

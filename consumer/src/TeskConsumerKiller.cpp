@@ -6,6 +6,7 @@
 #include "TeskConsumerInstance.h"
 #include "TeskConsumerKeys.h"
 #include "TeskConsumerLog.h"
+#include "TeskConsumerVconf.h"
 
 namespace {
 
@@ -46,13 +47,11 @@ void TeskConsumerKiller::tryStartKillTimer() {
 
 bool TeskConsumerKiller::__canBeKilled() {
     const TeskConsumerTrace trace;
-    int passwordApplied = 0;
-    vconf_get_int(TeskConsumerKeys::passwordPolicyApplied, &passwordApplied);
+    const int passwordApplied = TeskConsumerVconf::get(TeskConsumerKeys::passwordPolicyApplied);
     if (passwordApplied == 0) {
         TESK_WARN("Password is not crated yet.");
     }
-    int encryptionApplied = 0;
-    vconf_get_int(TeskConsumerKeys::deviceEncryptionApplied, &encryptionApplied);
+    const int encryptionApplied = TeskConsumerVconf::get(TeskConsumerKeys::deviceEncryptionApplied);
     if (encryptionApplied == 0) {
         TESK_WARN("Encryption is not completed yet.");
     }
@@ -67,7 +66,7 @@ void TeskConsumerKiller::__refreshKiller() {
     __removeTimer();
     const auto exitTimer = [](gpointer /*data*/) -> gboolean {
         TESK_INFO("");
-        getInstance()->timerId = 0; // GLib removes the source behind this call
+        getInstance()->timerId = 0; // GLib removes the source after this call
         TeskConsumer::getInstance()->deinit();
         return G_SOURCE_REMOVE;
     };

@@ -5,21 +5,13 @@
 #include "TeskConsumerLog.h"
 #include "TeskConsumerPolicyMgr.h"
 #include "TeskConsumerUtil.h"
+#include "TeskConsumerVconf.h"
 
 namespace {
 
-/// The integer of a key, 0 when it cannot be read.
-int keyValue(const char* key) {
-    int value = 0;
-    return vconf_get_int(key, &value) == 0 ? value : 0;
-}
-
-void lockWasSet() {
-    // written first, so that the next change of the lock finds nothing left to do
-    vconf_set_int(TeskConsumerKeys::passwordPolicyApplied, 1);
-    bool encryptionRequired = false;
-    const int result = TeskConsumerPolicyMgr::getInstance()->getIsRequiredDeviceEncryption(&encryptionRequired);
-    if (result == 0 && encryptionRequired) {
+void askForEncryption() {
+    bool required = false;
+    if (TeskConsumerPolicyMgr::getInstance()->getIsRequiredDeviceEncryption(&required) == 0 && required) {
         TeskConsumerUtil::launchOdePopup();
     }
 }
@@ -39,22 +31,28 @@ TeskConsumerLockMgr::~TeskConsumerLockMgr() {
 }
 
 int TeskConsumerLockMgr::init() {
-    return vconf_notify_key_changed(TeskConsumerKeys::lockType, __lockTypeChangedCb, nullptr);
+    const int result = vconf_notify_key_changed(TeskConsumerKeys::lockType, __lockTypeChangedCb, nullptr);
+    if (result != 0) {
+        TESK_WARN("vconf_notify_key_changed(%s) failed: [%d]", TeskConsumerKeys::lockType, result);
+    }
+    return result;
 }
 
 int TeskConsumerLockMgr::getLockType() {
     const TeskConsumerTrace trace;
-    return keyValue(TeskConsumerKeys::lockType);
+    return TeskConsumerVconf::get(TeskConsumerKeys::lockType);
 }
 
 void TeskConsumerLockMgr::__lockTypeChangedCb(keynode_t* /*node*/, void* /*userData*/) {
     const TeskConsumerTrace trace;
-    if (keyValue(TeskConsumerKeys::passwordPolicyApplied) != 0) {
+    if (TeskConsumerVconf::get(TeskConsumerKeys::passwordPolicyApplied) != 0) {
         TESK_WARN("Failed to get password policy applied value");
         return;
     }
-    if (keyValue(TeskConsumerKeys::lockType) != 0) {
-        lockWasSet();
+    if (TeskConsumerVconf::get(TeskConsumerKeys::lockType) != 0) {
+        // written first, so that the next change of the lock finds nothing left to do
+        TeskConsumerVconf::set(TeskConsumerKeys::passwordPolicyApplied, 1);
+        askForEncryption();
     }
     TeskConsumerUtil::launchQuillonConsumer();
 }

@@ -12,6 +12,7 @@
 #include "TeskConsumerPreferenceProxy.h"
 #include "TeskConsumerText.h"
 #include "TeskConsumerUtil.h"
+#include "TeskConsumerVconf.h"
 #include "rules/TeskPolicyMerge.h"
 #include "rules/TeskPolicySettings.h"
 
@@ -20,40 +21,43 @@ namespace {
 constexpr char allSims[] = "*";
 
 /// Logs a setting that the device policy manager refused.
-void logRefusal(const char* operation, int value, int result) {
+void logRefusal(const char* operation, int value, int result, const TeskConsumerPlace& place) {
     if (result != 0) {
-        TESK_WARN("[EAS] Failed %s(%d). [%d]", operation, value, result);
+        TESK_WARN_AT(place, "[EAS] Failed %s(%d). [%d]", operation, value, result);
     }
 }
 
-void logRules(const TeskPasswordRules& current, const TeskPasswordRules& required) {
-    TESK_INFO("##### current Type   : [%d], new Type   : [%d]", TeskPasswordDecision::typeOf(current.quality),
-              TeskPasswordDecision::typeOf(required.quality));
-    TESK_INFO("##### current Quality: [%d], new Quality: [%d]", current.quality, required.quality);
-    TESK_INFO("##### current MinLeng: [%d], new MinLeng: [%d]", current.minLength, required.minLength);
-    TESK_INFO("##### current Complex: [%d], new Complex: [%d]", current.complexCharacters, required.complexCharacters);
+void logRules(const TeskPasswordRules& current, const TeskPasswordRules& required,
+              const TeskConsumerPlace& place = TeskConsumerPlace::here()) {
+    TESK_INFO_AT(place, "##### current Type   : [%d], new Type   : [%d]", TeskPasswordDecision::typeOf(current.quality),
+                 TeskPasswordDecision::typeOf(required.quality));
+    TESK_INFO_AT(place, "##### current Quality: [%d], new Quality: [%d]", current.quality, required.quality);
+    TESK_INFO_AT(place, "##### current MinLeng: [%d], new MinLeng: [%d]", current.minLength, required.minLength);
+    TESK_INFO_AT(place, "##### current Complex: [%d], new Complex: [%d]", current.complexCharacters,
+                 required.complexCharacters);
 }
 
 /// Logs why the wearer must act. Returns whether there is a reason.
-bool demandsPassword(TeskPasswordVerdict verdict, int requiredQuality) {
+bool demandsPassword(TeskPasswordVerdict verdict, int requiredQuality,
+                     const TeskConsumerPlace& place = TeskConsumerPlace::here()) {
     switch (verdict) {
     case TeskPasswordVerdict::QualityTooWeak:
-        TESK_ERROR("enforce password by password quality");
+        TESK_ERROR_AT(place, "enforce password by password quality");
         return true;
     case TeskPasswordVerdict::SimplePasswordAllowed:
-        TESK_ERROR("enforce password by simple password policy");
+        TESK_ERROR_AT(place, "enforce password by simple password policy");
         return true;
     case TeskPasswordVerdict::TooShort:
-        TESK_ERROR("enforce password by password length");
+        TESK_ERROR_AT(place, "enforce password by password length");
         return true;
     case TeskPasswordVerdict::TooFewComplexCharacters:
-        TESK_ERROR("enforce password by min complex charater");
+        TESK_ERROR_AT(place, "enforce password by min complex charater");
         return true;
     case TeskPasswordVerdict::NoLock:
-        TESK_ERROR("enforce password. quality : %d, lock type : PIN", requiredQuality);
+        TESK_ERROR_AT(place, "enforce password. quality : %d, lock type : PIN", requiredQuality);
         return true;
     case TeskPasswordVerdict::PinInsteadOfPassword:
-        TESK_ERROR("enforce password. quality : %d, lock type : Password", requiredQuality);
+        TESK_ERROR_AT(place, "enforce password. quality : %d, lock type : Password", requiredQuality);
         return true;
     case TeskPasswordVerdict::Satisfied:
         break;
@@ -101,15 +105,16 @@ int TeskConsumerPolicyMgr::applyPolicy() {
     const bool enforcePassword = __getPasswordEnforceFlag(policy);
     const bool enforceEncryption = __getOdeEnforceFlag(policy);
 
-    __apply(*policy);
-    __publishEncryption(enforceEncryption);
-    __publishPassword(enforcePassword);
+    const auto place = TeskConsumerPlace::here();
+    __apply(*policy, place);
+    __publishEncryption(enforceEncryption, place);
+    __publishPassword(enforcePassword, place);
     return enforcePassword ? TESK_POLICY_PASSWORD_REQUIRED : 0;
 }
 
-void TeskConsumerPolicyMgr::applyPolicyAndWarn() {
+void TeskConsumerPolicyMgr::applyPolicyAndWarn(const TeskConsumerPlace& place) {
     if (applyPolicy() == TESK_POLICY_PASSWORD_REQUIRED) {
-        TESK_WARN("Password policy requires stronger password.");
+        TESK_WARN_AT(place, "Password policy requires stronger password.");
     }
 }
 
@@ -142,16 +147,17 @@ int TeskConsumerPolicyMgr::getCountryMinPasswordLength(int* length) {
     return 0;
 }
 
-int TeskConsumerPolicyMgr::__callWhileNoAccountIsStored(int (ITeskConsumerPolicyAdapter::*operation)()) {
+int TeskConsumerPolicyMgr::__callWhileNoAccountIsStored(int (ITeskConsumerPolicyAdapter::*operation)(),
+                                                        const TeskConsumerPlace& place) {
     int count = 0;
     TeskConsumerDbMgr::getInstance()->getAllEasAccountCount(&count);
-    TESK_INFO("easAccountCount : %d", count);
+    TESK_INFO_AT(place, "easAccountCount : %d", count);
     if (count != 0) {
         return 0;
     }
     const int result = (adapter.get()->*operation)();
     if (result != 0) {
-        TESK_WARN("Failed to register policy admin : %d", result);
+        TESK_WARN_AT(place, "Failed to register policy admin : %d", result);
     }
     return 0;
 }
@@ -183,117 +189,123 @@ bool TeskConsumerPolicyMgr::__getPasswordEnforceFlag(const std::shared_ptr<TeskP
     if (!__readCurrentRules(current)) {
         return true; // a device that cannot tell its state is sent to set a lock rather than left alone
     }
-    int countryMinLength = 0;
-    getCountryMinPasswordLength(&countryMinLength);
-    const auto required = TeskPasswordDecision::required(*policy, countryMinLength);
+    const auto required = TeskPasswordDecision::required(*policy, __countryMinLengthFor(*policy));
     logRules(current, required);
 
     const auto verdict = TeskPasswordDecision::compareRules(current, required, policy->allowSimplePassword != 0);
     if (demandsPassword(verdict, required.quality)) {
         return true;
     }
-    int lockType = 0;
-    vconf_get_int(TeskConsumerKeys::lockType, &lockType);
+    const int lockType = TeskConsumerVconf::get(TeskConsumerKeys::lockType);
     return demandsPassword(TeskPasswordDecision::compareLock(required.quality, lockType), required.quality);
 }
 
-bool TeskConsumerPolicyMgr::__readCurrentRules(TeskPasswordRules& current) {
+bool TeskConsumerPolicyMgr::__readCurrentRules(TeskPasswordRules& current, const TeskConsumerPlace& place) {
     int result = adapter->getPasswordQuality(&current.quality);
     if (result != 0) {
-        TESK_ERROR("Failed to get password quality. [%d]", result);
+        TESK_ERROR_AT(place, "Failed to get password quality. [%d]", result);
         return false;
     }
     result = adapter->getPasswordMinLength(&current.minLength);
     if (result != 0) {
-        TESK_ERROR("Failed to get password min length. [%d]", result);
+        TESK_ERROR_AT(place, "Failed to get password min length. [%d]", result);
         return false;
     }
-    __migrateQuality(current);
+    __migrateQuality(current, place);
     result = adapter->getPasswordMinComplexCharacters(&current.complexCharacters);
     if (result != 0) {
-        TESK_ERROR("Failed to get password min complex characters. [%d]", result);
+        TESK_ERROR_AT(place, "Failed to get password min complex characters. [%d]", result);
         return false;
     }
     return true;
 }
 
-/// Devices that were managed before the device policy manager came hold a quality that it no longer knows.
-void TeskConsumerPolicyMgr::__migrateQuality(TeskPasswordRules& current) {
+/// Devices that were managed before the device policy manager existed hold a quality that it no longer knows.
+void TeskConsumerPolicyMgr::__migrateQuality(TeskPasswordRules& current, const TeskConsumerPlace& place) {
     const int migratedQuality = TeskPasswordDecision::migrated(current.quality);
     if (migratedQuality == current.quality) {
         return;
     }
-    TESK_WARN("Before MDM -> DPM migration - current Type: [%d], current Quality: [%d]",
-              TeskPasswordDecision::typeOf(current.quality), current.quality);
+    TESK_WARN_AT(place, "Before MDM -> DPM migration - current Type: [%d], current Quality: [%d]",
+                 TeskPasswordDecision::typeOf(current.quality), current.quality);
     int result = adapter->setPasswordQuality(migratedQuality);
     if (result != 0) {
-        TESK_WARN("setPasswordQuality failed: [%d]", result);
+        TESK_WARN_AT(place, "setPasswordQuality failed: [%d]", result);
     }
     result = adapter->setPasswordMinLength(current.minLength);
     if (result != 0) {
-        TESK_WARN("setPasswordMinLength failed: [%d]", result);
+        TESK_WARN_AT(place, "setPasswordMinLength failed: [%d]", result);
     }
     current.quality = migratedQuality;
-    TESK_WARN("After MDM -> DPM migration - current Type: [%d], current Quality: [%d]",
-              TeskPasswordDecision::typeOf(current.quality), current.quality);
+    TESK_WARN_AT(place, "After MDM -> DPM migration - current Type: [%d], current Quality: [%d]",
+                 TeskPasswordDecision::typeOf(current.quality), current.quality);
 }
 
-void TeskConsumerPolicyMgr::__apply(const TeskPolicyData& policy) {
-    if (policy.devicePasswordEnabled == 0) {
-        vconf_set_int(TeskConsumerKeys::passwordInputFinished, 0);
+/// The country decides nothing but the length of a password, so it is read only for a policy that demands one.
+int TeskConsumerPolicyMgr::__countryMinLengthFor(const TeskPolicyData& policy) {
+    int length = 0;
+    if (policy.devicePasswordEnabled != 0) {
+        getCountryMinPasswordLength(&length);
     }
-    int countryMinLength = 0;
-    getCountryMinPasswordLength(&countryMinLength);
-    const auto settings = TeskPolicySettings::of(policy, countryMinLength);
-    __applyPasswordRules(settings);
-    __applyRestrictions(settings);
-    __applyEncryption(settings);
+    return length;
 }
 
-void TeskConsumerPolicyMgr::__applyPasswordRules(const TeskPolicySettings& settings) {
-    logRefusal("setPasswordQuality", settings.quality, adapter->setPasswordQuality(settings.quality));
-    logRefusal("setPasswordMinLength", settings.minLength, adapter->setPasswordMinLength(settings.minLength));
+void TeskConsumerPolicyMgr::__apply(const TeskPolicyData& policy, const TeskConsumerPlace& place) {
+    if (policy.devicePasswordEnabled == 0) {
+        TeskConsumerVconf::set(TeskConsumerKeys::passwordInputFinished, 0, place);
+    }
+    const int quality = TeskPasswordDecision::requiredQuality(policy);
+    logRefusal("setPasswordQuality", quality, adapter->setPasswordQuality(quality), place);
+    // after the quality, since a country that changes meanwhile counts for the length that is written now
+    const auto settings = TeskPolicySettings::of(policy, __countryMinLengthFor(policy));
+    __applyPasswordRules(settings, place);
+    __applyRestrictions(settings, place);
+    __applyEncryption(settings, place);
+}
+
+void TeskConsumerPolicyMgr::__applyPasswordRules(const TeskPolicySettings& settings, const TeskConsumerPlace& place) {
+    logRefusal("setPasswordMinLength", settings.minLength, adapter->setPasswordMinLength(settings.minLength), place);
     logRefusal("setPasswordMaxFailedAttempts", settings.failedAttempts,
-               adapter->setPasswordMaxFailedAttempts(settings.failedAttempts));
+               adapter->setPasswordMaxFailedAttempts(settings.failedAttempts), place);
     logRefusal("setPasswordMinComplexCharacters", settings.complexCharacters,
-               adapter->setPasswordMinComplexCharacters(settings.complexCharacters));
+               adapter->setPasswordMinComplexCharacters(settings.complexCharacters), place);
     logRefusal("setPasswordMaxInactivityTimeDeviceLock", settings.inactivity,
-               adapter->setPasswordMaxInactivityTimeDeviceLock(settings.inactivity));
-    logRefusal("setPasswordExpires", settings.expiration, adapter->setPasswordExpires(settings.expiration));
-    logRefusal("setPasswordHistory", settings.history, adapter->setPasswordHistory(settings.history));
+               adapter->setPasswordMaxInactivityTimeDeviceLock(settings.inactivity), place);
+    logRefusal("setPasswordExpires", settings.expiration, adapter->setPasswordExpires(settings.expiration), place);
+    logRefusal("setPasswordHistory", settings.history, adapter->setPasswordHistory(settings.history), place);
 }
 
-void TeskConsumerPolicyMgr::__applyRestrictions(const TeskPolicySettings& settings) {
-    logRefusal("setRestrictionWifi", settings.wifi, adapter->setRestrictionWifi(settings.wifi));
+void TeskConsumerPolicyMgr::__applyRestrictions(const TeskPolicySettings& settings, const TeskConsumerPlace& place) {
+    logRefusal("setRestrictionWifi", settings.wifi, adapter->setRestrictionWifi(settings.wifi), place);
     logRefusal("setRestrictionMessaging", settings.messaging,
-               adapter->setRestrictionMessaging(allSims, settings.messaging));
-    logRefusal("setRestrictionPopImap", settings.popImap, adapter->setRestrictionPopImap(settings.popImap));
+               adapter->setRestrictionMessaging(allSims, settings.messaging), place);
+    logRefusal("setRestrictionPopImap", settings.popImap, adapter->setRestrictionPopImap(settings.popImap), place);
 }
 
-void TeskConsumerPolicyMgr::__applyEncryption(const TeskPolicySettings& settings) {
+void TeskConsumerPolicyMgr::__applyEncryption(const TeskPolicySettings& settings, const TeskConsumerPlace& place) {
     const bool required = settings.encryption;
     if (required && !settings.needsEncryptionWrite(isDeviceEncrypted())) {
         return;
     }
     logRefusal("setSecurityInternalStorageEncryption", static_cast<int>(required),
-               adapter->setSecurityInternalStorageEncryption(required));
+               adapter->setSecurityInternalStorageEncryption(required), place);
 }
 
-void TeskConsumerPolicyMgr::__publishEncryption(bool enforce) {
-    vconf_set_int(TeskConsumerKeys::deviceEncryptionApplied, enforce ? 0 : 1);
+void TeskConsumerPolicyMgr::__publishEncryption(bool enforce, const TeskConsumerPlace& place) {
+    TeskConsumerVconf::set(TeskConsumerKeys::deviceEncryptionApplied, enforce ? 0 : 1, place);
     if (enforce) {
         TeskConsumerUtil::enableOdeSetting();
     }
 }
 
-void TeskConsumerPolicyMgr::__publishPassword(bool enforce) {
+void TeskConsumerPolicyMgr::__publishPassword(bool enforce, const TeskConsumerPlace& place) {
     if (!enforce) {
-        TESK_INFO("NOT Enforce password");
-        vconf_set_int(TeskConsumerKeys::passwordPolicyApplied, 1);
+        TESK_INFO_AT(place, "NOT Enforce password");
+        TeskConsumerVconf::set(TeskConsumerKeys::passwordPolicyApplied, 1, place);
         return;
     }
-    TESK_INFO("Enforce password");
-    vconf_set_int(TeskConsumerKeys::passwordPolicyApplied, 0);
+    TESK_INFO_AT(place, "Enforce password");
+    TeskConsumerVconf::set(TeskConsumerKeys::passwordPolicyApplied, 0, place);
     int accountId = 0;
     __getPasswordEnforcingAccountId(&accountId);
     TeskConsumerPreferenceProxy::setPwdEnforcingAccountId(accountId);

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "ITeskConsumerPolicyAdapter.h"
+#include "TeskConsumerLog.h"
 #include "rules/TeskPasswordDecision.h"
 #include "rules/TeskPolicyData.h"
 #include "rules/TeskPolicySettings.h"
@@ -35,8 +36,8 @@ public:
     /// the wearer to the lock popup. Returns TESK_POLICY_PASSWORD_REQUIRED when it did the latter, else 0.
     int applyPolicy();
 
-    /// Runs applyPolicy() and logs when it demands a stronger lock.
-    void applyPolicyAndWarn();
+    /// Runs applyPolicy() and logs, in the caller's name, when it demands a stronger lock.
+    void applyPolicyAndWarn(const TeskConsumerPlace& place = TeskConsumerPlace::here());
 
     /// The merged policy of the stored accounts.
     std::shared_ptr<TeskPolicyData> getStrongPolicy();
@@ -51,19 +52,22 @@ public:
     int getCountryMinPasswordLength(int* length);
 
 private:
-    int __callWhileNoAccountIsStored(int (ITeskConsumerPolicyAdapter::*operation)());
+    int __callWhileNoAccountIsStored(int (ITeskConsumerPolicyAdapter::*operation)(),
+                                     const TeskConsumerPlace& place = TeskConsumerPlace::here());
     int __getPasswordEnforcingAccountId(int* accountId);
     bool __getOdeEnforceFlag(const std::shared_ptr<TeskPolicyData>& policy);
     bool __getPasswordEnforceFlag(const std::shared_ptr<TeskPolicyData>& policy);
 
-    bool __readCurrentRules(TeskPasswordRules& current);
-    void __migrateQuality(TeskPasswordRules& current);
-    void __apply(const TeskPolicyData& policy);
-    void __applyPasswordRules(const TeskPolicySettings& settings);
-    void __applyRestrictions(const TeskPolicySettings& settings);
-    void __applyEncryption(const TeskPolicySettings& settings);
-    void __publishEncryption(bool enforce);
-    void __publishPassword(bool enforce);
+    // steps of the operations above, in whose name they log
+    bool __readCurrentRules(TeskPasswordRules& current, const TeskConsumerPlace& place = TeskConsumerPlace::here());
+    void __migrateQuality(TeskPasswordRules& current, const TeskConsumerPlace& place);
+    int __countryMinLengthFor(const TeskPolicyData& policy);
+    void __apply(const TeskPolicyData& policy, const TeskConsumerPlace& place);
+    void __applyPasswordRules(const TeskPolicySettings& settings, const TeskConsumerPlace& place);
+    void __applyRestrictions(const TeskPolicySettings& settings, const TeskConsumerPlace& place);
+    void __applyEncryption(const TeskPolicySettings& settings, const TeskConsumerPlace& place);
+    void __publishEncryption(bool enforce, const TeskConsumerPlace& place);
+    void __publishPassword(bool enforce, const TeskConsumerPlace& place);
 
     std::unique_ptr<ITeskConsumerPolicyAdapter> adapter;
 };

@@ -9,10 +9,12 @@ const char TESK_PWD_ENFORCE_ACCOUNT_KEY[] = "pref/tesk-agent/pwd_enforce_account
 
 namespace {
 
-void logFailure(const char* call, int result) {
+/// Whether a call succeeded. A failure is logged in the caller's name.
+bool succeeded(const char* call, int result, const TeskConsumerPlace& place = TeskConsumerPlace::here()) {
     if (result != PREFERENCE_ERROR_NONE) {
-        TESK_WARN("%s failed: [%d]", call, result);
+        TESK_WARN_AT(place, "%s failed: [%d]", call, result);
     }
+    return result == PREFERENCE_ERROR_NONE;
 }
 
 } // namespace
@@ -21,22 +23,22 @@ TeskConsumerPreferenceProxy::~TeskConsumerPreferenceProxy() = default;
 
 template <>
 void TeskConsumerPreferenceProxy::set<int>(const std::string& key, int value) {
-    logFailure("preference_set_int", preference_set_int(key.c_str(), value));
+    succeeded("preference_set_int", preference_set_int(key.c_str(), value));
 }
 
 template <>
 void TeskConsumerPreferenceProxy::set<bool>(const std::string& key, bool value) {
-    logFailure("preference_set_boolean", preference_set_boolean(key.c_str(), value));
+    succeeded("preference_set_boolean", preference_set_boolean(key.c_str(), value));
 }
 
 template <>
 void TeskConsumerPreferenceProxy::set<double>(const std::string& key, double value) {
-    logFailure("preference_set_double", preference_set_double(key.c_str(), value));
+    succeeded("preference_set_double", preference_set_double(key.c_str(), value));
 }
 
 template <>
 void TeskConsumerPreferenceProxy::set<const char*>(const std::string& key, const char* value) {
-    logFailure("preference_set_string", preference_set_string(key.c_str(), value));
+    succeeded("preference_set_string", preference_set_string(key.c_str(), value));
 }
 
 void TeskConsumerPreferenceProxy::set(const char* key, const char* value) {
@@ -46,37 +48,34 @@ void TeskConsumerPreferenceProxy::set(const char* key, const char* value) {
 template <>
 int TeskConsumerPreferenceProxy::get<int>(const std::string& key) {
     int value = 0;
-    logFailure("preference_get_int", preference_get_int(key.c_str(), &value));
-    return value;
+    return succeeded("preference_get_int", preference_get_int(key.c_str(), &value)) ? value : 0;
 }
 
 template <>
 bool TeskConsumerPreferenceProxy::get<bool>(const std::string& key) {
     bool value = true;
-    logFailure("preference_get_boolean", preference_get_boolean(key.c_str(), &value));
-    return value;
+    return succeeded("preference_get_boolean", preference_get_boolean(key.c_str(), &value)) ? value : true;
 }
 
 template <>
 double TeskConsumerPreferenceProxy::get<double>(const std::string& key) {
     double value = 0.0;
-    logFailure("preference_get_double", preference_get_double(key.c_str(), &value));
-    return value;
+    return succeeded("preference_get_double", preference_get_double(key.c_str(), &value)) ? value : 0.0;
 }
 
 template <>
 std::string TeskConsumerPreferenceProxy::get<std::string>(const std::string& key) {
     char* value = nullptr;
-    logFailure("preference_get_string", preference_get_string(key.c_str(), &value));
+    if (!succeeded("preference_get_string", preference_get_string(key.c_str(), &value))) {
+        return "";
+    }
     const TeskConsumerText owned(value);
     return owned ? owned.get() : "";
 }
 
 bool TeskConsumerPreferenceProxy::exist(const std::string& key) {
     bool existing = false;
-    const int result = preference_is_existing(key.c_str(), &existing);
-    logFailure("preference_is_existing", result);
-    return result == PREFERENCE_ERROR_NONE && existing;
+    return succeeded("preference_is_existing", preference_is_existing(key.c_str(), &existing)) && existing;
 }
 
 int TeskConsumerPreferenceProxy::setPwdEnforcingAccountId(int accountId) {

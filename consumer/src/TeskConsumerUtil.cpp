@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -34,6 +35,7 @@ constexpr char maxPasswordLength[] = "16";
 constexpr char unknownAccountName[] = "EAS";
 constexpr std::size_t numberTextSize = 16;
 constexpr long fallbackUserBufferSize = 16384;
+constexpr std::size_t maxUserBufferSize = 1024 * 1024;
 
 struct AppControlDestroyer {
     void operator()(app_control_h request) const { app_control_destroy(request); }
@@ -52,43 +54,44 @@ AppControl newRequestUnchecked() {
     return newRequest(&ignored);
 }
 
-AppControl newCheckedRequest() {
+AppControl newCheckedRequest(const TeskConsumerPlace& place = TeskConsumerPlace::here()) {
     int result = APP_CONTROL_ERROR_NONE;
     AppControl request = newRequest(&result);
     if (!request) {
-        TESK_WARN("app_control_create() failed: %d", result);
+        TESK_WARN_AT(place, "app_control_create() failed: %d", result);
     }
     return request;
 }
 
-bool setAppId(const AppControl& request, const char* appId) {
+bool setAppId(const AppControl& request, const char* appId, const TeskConsumerPlace& place) {
     const int result = app_control_set_app_id(request.get(), appId);
     if (result != APP_CONTROL_ERROR_NONE) {
-        TESK_WARN("app_control_set_app_id() failed: %d", result);
+        TESK_WARN_AT(place, "app_control_set_app_id() failed: %d", result);
     }
     return result == APP_CONTROL_ERROR_NONE;
 }
 
-bool addExtraData(const AppControl& request, const char* key, const char* value) {
+bool addExtraData(const AppControl& request, const char* key, const char* value, const TeskConsumerPlace& place) {
     const int result = app_control_add_extra_data(request.get(), key, value);
     if (result != APP_CONTROL_ERROR_NONE) {
-        TESK_WARN("app_control_add_extra_data() failed: %d", result);
+        TESK_WARN_AT(place, "app_control_add_extra_data() failed: %d", result);
     }
     return result == APP_CONTROL_ERROR_NONE;
 }
 
-bool send(const AppControl& request, app_control_reply_cb reply) {
+bool send(const AppControl& request, app_control_reply_cb reply, const TeskConsumerPlace& place) {
     const int result = app_control_send_launch_request(request.get(), reply, nullptr);
     if (result != APP_CONTROL_ERROR_NONE) {
-        TESK_WARN("app_control_send_launch_request() failed: %d", result);
+        TESK_WARN_AT(place, "app_control_send_launch_request() failed: %d", result);
     }
     return result == APP_CONTROL_ERROR_NONE;
 }
 
 /// The steps that all launches with one extra data item share; the request is released before it returns.
-int sendWithItem(AppControl request, const char* appId, const char* key, const char* value,
-                 app_control_reply_cb reply) {
-    const bool sent = setAppId(request, appId) && addExtraData(request, key, value) && send(request, reply);
+int sendWithItem(AppControl request, const char* appId, const char* key, const char* value, app_control_reply_cb reply,
+                 const TeskConsumerPlace& place = TeskConsumerPlace::here()) {
+    const bool sent =
+        setAppId(request, appId, place) && addExtraData(request, key, value, place) && send(request, reply, place);
     return sent ? 0 : -1;
 }
 
@@ -107,22 +110,23 @@ void popupReplied(app_control_h /*request*/, app_control_h reply, app_control_re
     }
 }
 
+/// The platform refuses a request with an empty text, so an account without a name gets the one of an unknown account.
 std::string enforcingAccountName() {
     TeskPolicyData account;
     const int accountId = TeskConsumerPreferenceProxy::getPwdEnforcingAccountId();
     const int result = TeskConsumerDbMgr::getInstance()->getPolicyDataByAccountId(accountId, account);
-    return result == 0 ? account.accountName : unknownAccountName;
+    return result == 0 && !account.accountName.empty() ? account.accountName : unknownAccountName;
 }
 
 const char* flagText(int flag) {
     return flag != 0 ? "1" : "0";
 }
 
-bool addPasswordRules(const AppControl& request) {
+bool addPasswordRules(const AppControl& request, const TeskConsumerPlace& place) {
     auto* const policyMgr = TeskConsumerPolicyMgr::getInstance();
     const auto policy = policyMgr->getStrongPolicy();
     if (!policy) {
-        TESK_WARN("Error occurred getting string policy");
+        TESK_WARN_AT(place, "Error occurred getting string policy");
         return true;
     }
     int minLength = 0;
@@ -131,21 +135,41 @@ bool addPasswordRules(const AppControl& request) {
     std::array<char, numberTextSize> minLengthText{};
     std::snprintf(minLengthText.data(), minLengthText.size(), "%d", minLength);
 
-    return addExtraData(request, "password_min_length", minLengthText.data()) &&
-           addExtraData(request, "password_max_length", maxPasswordLength) &&
-           addExtraData(request, "allow_simple", flagText(policy->allowSimplePassword)) &&
-           addExtraData(request, "password_required", flagText(policy->alphanumericDevicePasswordRequired));
+    return addExtraData(request, "password_min_length", minLengthText.data(), place) &&
+           addExtraData(request, "password_max_length", maxPasswordLength, place) &&
+           addExtraData(request, "allow_simple", flagText(policy->allowSimplePassword), place) &&
+           addExtraData(request, "password_required", flagText(policy->alphanumericDevicePasswordRequired), place);
 }
 
-bool sendLockRequest(const AppControl& request) {
-    return setAppId(request, popupId) && addExtraData(request, "OPERATION", "SET_PRIVACY_LOCK") &&
-           addExtraData(request, "ACCOUNT_NAME", enforcingAccountName().c_str()) && addPasswordRules(request) &&
-           send(request, popupReplied);
+bool sendLockRequest(const AppControl& request, const TeskConsumerPlace& place = TeskConsumerPlace::here()) {
+    return setAppId(request, popupId, place) && addExtraData(request, "OPERATION", "SET_PRIVACY_LOCK", place) &&
+           addExtraData(request, "ACCOUNT_NAME", enforcingAccountName().c_str(), place) &&
+           addPasswordRules(request, place) && send(request, popupReplied, place);
 }
 
-bool tutorialAllowsLaunch() {
+struct UserLookUp {
+    int id = -1;
+    bool isBufferTooSmall = false;
+};
+
+/// Looks a user up with a buffer for the texts of the entry, whose suggested size is a suggestion only.
+UserLookUp lookUpUser(const char* name, std::size_t bufferSize) {
+    const std::unique_ptr<char[]> buffer(new (std::nothrow) char[bufferSize]);
+    if (!buffer) {
+        return {};
+    }
+    passwd user{};
+    passwd* found = nullptr;
+    int result = 0;
+    do {
+        result = getpwnam_r(name, &user, buffer.get(), bufferSize, &found);
+    } while (result == EINTR);
+    return {found != nullptr ? static_cast<int>(found->pw_uid) : -1, result == ERANGE};
+}
+
+bool tutorialAllowsLaunch(const TeskConsumerPlace& place = TeskConsumerPlace::here()) {
     if (!TeskConsumerUtil::getIsTutorialFinished()) {
-        TESK_WARN("tutorial is not finished yet");
+        TESK_WARN_AT(place, "tutorial is not finished yet");
         return false;
     }
     return true;
@@ -237,13 +261,11 @@ int TeskConsumerUtil::getUserId(const char* name) {
         return -1;
     }
     const long suggestedSize = sysconf(_SC_GETPW_R_SIZE_MAX);
-    const auto size = static_cast<std::size_t>(suggestedSize == -1 ? fallbackUserBufferSize : suggestedSize);
-    const std::unique_ptr<char[]> buffer(new (std::nothrow) char[size]);
-    if (!buffer) {
-        return -1;
-    }
-    passwd user{};
-    passwd* found = nullptr;
-    getpwnam_r(name, &user, buffer.get(), size, &found);
-    return found != nullptr ? static_cast<int>(found->pw_uid) : -1;
+    auto size = static_cast<std::size_t>(suggestedSize == -1 ? fallbackUserBufferSize : suggestedSize);
+    UserLookUp lookUp;
+    do {
+        lookUp = lookUpUser(name, size);
+        size *= 2;
+    } while (lookUp.isBufferTooSmall && size <= maxUserBufferSize);
+    return lookUp.id;
 }

@@ -1,6 +1,8 @@
 #include "TestDbus.h"
 
+#include <fcntl.h>
 #include <gio/gio.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstdint>
@@ -92,22 +94,35 @@ constexpr std::array<FieldMethod, 12> fieldMethods{{
 
 using PolicyLine = std::array<char, policyLineSize>;
 
-/// The first line of the policy file, empty when it has none; nothing when the file cannot be opened.
-std::optional<PolicyLine> readPolicyFile() {
-    const Owned<std::FILE> file(std::fopen(policyFile, "r"));
+/// Opens the policy file. A pipe in its place must not hold the service up until somebody writes to it.
+Owned<std::FILE> openPolicyFile() {
+    const int descriptor = open(policyFile, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor == -1) {
+        return nullptr;
+    }
+    Owned<std::FILE> file(fdopen(descriptor, "r"));
     if (!file) {
-        TESK_ERROR("Failed to open file.");
+        close(descriptor);
+    }
+    return file;
+}
+
+/// The first line of the policy file, empty when it has none; nothing when the file cannot be opened.
+std::optional<PolicyLine> readPolicyFile(const TeskConsumerPlace& place) {
+    const Owned<std::FILE> file = openPolicyFile();
+    if (!file) {
+        TESK_ERROR_AT(place, "Failed to open file.");
         return std::nullopt;
     }
     PolicyLine line{};
     if (std::fgets(line.data(), static_cast<int>(line.size()), file.get()) == nullptr) {
-        TESK_WARN("Failed to get string from file.");
+        TESK_WARN_AT(place, "Failed to get string from file.");
     }
     return line;
 }
 
-void sendPolicyFile() {
-    if (const auto line = readPolicyFile()) {
+void sendPolicyFile(const TeskConsumerPlace& place = TeskConsumerPlace::here()) {
+    if (const auto line = readPolicyFile(place)) {
         TeskConsumerIpcMgr::getInstance()->policyTest("req_update_policy", line->data());
     }
 }
@@ -125,10 +140,11 @@ TeskPolicyData recordOf(const gchar* methodName, std::int32_t value) {
     return record;
 }
 
-void sendRecord(const gchar* methodName, GVariant* parameters) {
+void sendRecord(const gchar* methodName, GVariant* parameters,
+                const TeskConsumerPlace& place = TeskConsumerPlace::here()) {
     gint32 value = 0;
     g_variant_get(parameters, "(i)", &value);
-    TESK_INFO("value: [%d]", value);
+    TESK_INFO_AT(place, "value: [%d]", value);
     const std::unique_ptr<std::string> text(TestDbus::__getPolicyDataJson(recordOf(methodName, value)));
     if (text) {
         TeskConsumerIpcMgr::getInstance()->policyTest("req_update_policy", text->c_str());

@@ -10,6 +10,9 @@ int __real_sqlite3_open(const char* path, sqlite3** database);
 int __real_sqlite3_busy_handler(sqlite3* database, int (*handler)(void*, int), void* data);
 int __real_sqlite3_prepare_v2(sqlite3* database, const char* sql, int size, sqlite3_stmt** statement,
                               const char** tail);
+int __real_sqlite3_bind_int(sqlite3_stmt* statement, int parameter, int value);
+int __real_sqlite3_bind_text(sqlite3_stmt* statement, int parameter, const char* text, int size,
+                             void (*release)(void*));
 int __real_sqlite3_step(sqlite3_stmt* statement);
 int __real_sqlite3_finalize(sqlite3_stmt* statement);
 int __real_sqlite3_close(sqlite3* database);
@@ -33,6 +36,17 @@ int __wrap_sqlite3_prepare_v2(sqlite3* database, const char* sql, int size, sqli
     const int result = __real_sqlite3_prepare_v2(database, sql, size, statement, tail);
     platform.system.statements += result == SQLITE_OK && *statement != nullptr ? 1 : 0;
     return result;
+}
+
+int __wrap_sqlite3_bind_int(sqlite3_stmt* statement, int parameter, int value) {
+    const auto fault = FakePlatform::current().faults.onCall("sqlite3_bind_int");
+    return fault ? *fault : __real_sqlite3_bind_int(statement, parameter, value);
+}
+
+int __wrap_sqlite3_bind_text(sqlite3_stmt* statement, int parameter, const char* text, int size,
+                             void (*release)(void*)) {
+    const auto fault = FakePlatform::current().faults.onCall("sqlite3_bind_text");
+    return fault ? *fault : __real_sqlite3_bind_text(statement, parameter, text, size, release);
 }
 
 int __wrap_sqlite3_step(sqlite3_stmt* statement) {

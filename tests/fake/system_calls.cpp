@@ -1,11 +1,13 @@
 #include "system_calls.h"
 
+#include <fcntl.h>
 #include <gio/gio.h>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -80,7 +82,7 @@ extern "C" {
 
 gboolean __real_g_source_remove(guint tag);
 long __real_sysconf(int name);
-FILE* __real_fopen(const char* path, const char* mode);
+int __real_open(const char* path, int flags, ...);
 int __real_fclose(FILE* file);
 int __real_rename(const char* from, const char* to);
 int __real_mkdir(const char* path, mode_t mode);
@@ -97,7 +99,11 @@ void* wrapNew(size_t size, const std::nothrow_t& tag) __asm__("__wrap__Znw" FAKE
 void* wrapArrayNew(size_t size, const std::nothrow_t& tag) __asm__("__wrap__Zna" FAKE_SIZE_MANGLED "RKSt9nothrow_t");
 
 void __wrap_g_usleep(gulong microseconds) {
-    FakePlatform::current().call("g_usleep", microseconds);
+    auto& platform = FakePlatform::current();
+    platform.call("g_usleep", microseconds);
+    if (platform.system.whileSleeping) {
+        platform.system.whileSleeping();
+    }
 }
 
 guint __wrap_g_timeout_add_seconds(guint interval, GSourceFunc function, gpointer data) {
@@ -140,14 +146,18 @@ int __wrap_getpwnam_r(const char* name, passwd* entry, char* buffer, size_t size
     return 0;
 }
 
-FILE* __wrap_fopen(const char* path, const char* mode) {
+int __wrap_open(const char* path, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const auto mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
     if (FakePlatform::exists()) {
         const auto& moved = FakePlatform::current().system.movedFiles;
         if (const auto place = moved.find(path); place != moved.end()) {
-            return __real_fopen(place->second.c_str(), mode);
+            return __real_open(place->second.c_str(), flags, mode);
         }
     }
-    return __real_fopen(path, mode);
+    return __real_open(path, flags, mode);
 }
 
 int __wrap_fclose(FILE* file) {

@@ -4,6 +4,7 @@
 #include <glib.h>
 #include <sys/types.h>
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -12,9 +13,9 @@
 namespace fake {
 
 /// What the service asks of the machine itself. These functions of libraries are taken over when a test is linked, for
-/// the service's own calls alone: g_usleep, g_timeout_add_seconds, g_source_remove, getpwnam_r, sysconf, fopen, fclose,
+/// the service's own calls alone: g_usleep, g_timeout_add_seconds, g_source_remove, getpwnam_r, sysconf, open, fclose,
 /// rename, mkdir, chmod, unlink, g_dbus_node_info_new_for_xml, malloc, free, operator new that does not throw, and the
-/// functions of SQLite that open, prepare, step and close.
+/// functions of SQLite that open, prepare, bind, step and close.
 class SystemCalls {
 public:
     /// The users that exist.
@@ -25,6 +26,9 @@ public:
 
     /// Files that the service finds elsewhere than where it looks.
     std::map<std::string, std::string> movedFiles;
+
+    /// What happens while the service sleeps; null for nothing.
+    std::function<void()> whileSleeping;
 
     /// The statements of SQLite that were prepared and not finalized.
     int statements = 0;

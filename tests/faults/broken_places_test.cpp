@@ -120,14 +120,6 @@ TEST_F(BrokenPlace, NoDataFolder) {
     expectNextStartServes();
 }
 
-TEST_F(BrokenPlace, FolderInPlaceOfTheNewDatabase) {
-    const fs::path inTheWay = database.string() + ".new";
-    fs::create_directories(inTheWay / "full");
-    play("sqlite3_open failed: [14]");
-    fs::remove_all(inTheWay);
-    expectNextStartServes();
-}
-
 TEST_F(BrokenPlace, NoPermissionInTheDataFolder) {
     fs::permissions(dataPath, fs::perms(0555));
     {

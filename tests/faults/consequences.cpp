@@ -77,21 +77,21 @@ constexpr std::array table{
     Consequence{"rename", Rows, "E rename failed: [@]", Served::AfterRestart},
     Consequence{"sqlite3_open", Rows, "E sqlite3_open failed: [@]", Served::AfterRestart},
     Consequence{"sqlite3_busy_handler", Rows, "E sqlite3_busy_handler failed: [@]", Served::AfterRestart},
-    Consequence{"sqlite3_prepare_v2 CREATE", Rows, "E query prepare fail: *", Served::AfterRestart},
-    Consequence{"sqlite3_step CREATE", Rows, "W db create fail: *", Served::AfterRestart},
+    Consequence{"sqlite3_prepare_v2 CREATE", Rows, "E query prepare fail: *"},
+    Consequence{"sqlite3_step CREATE", Rows, "W db create fail: *"},
 
     // Rows that cannot be counted count as none, and a service without accounts is no administrator of the device.
     Consequence{"sqlite3_prepare_v2 select count", Rows, "E db failure: *", Served::AfterLastDeletion},
-    Consequence{"sqlite3_step select count", Rows, "", Served::AfterLastDeletion},
+    Consequence{"sqlite3_step select count", Rows, "E db failure: *", Served::AfterLastDeletion},
 
     // A read or write that fails below SQLite comes up through one of its calls, those that count included.
     Consequence{systemCallsOfSqlite, Nothing, "", Served::AfterLastDeletion},
 
     // Rows that cannot be read set no rule; a row that cannot be written stays as it was.
     Consequence{"sqlite3_prepare_v2 select * from eas_policy_tbl;", SettingNames | Keys | Rows, "E db failure: *"},
-    Consequence{"sqlite3_step select * from eas_policy_tbl;", SettingNames | Keys | Rows, ""},
+    Consequence{"sqlite3_step select * from eas_policy_tbl;", SettingNames | Keys | Rows, "E db failure: *"},
     Consequence{"sqlite3_prepare_v2", SettingNames | Keys, "E db failure: *"},
-    Consequence{"sqlite3_step select", SettingNames | Keys, ""},
+    Consequence{"sqlite3_bind_", SettingNames | Keys, "E db failure: *"},
     Consequence{"sqlite3_step", SettingNames | Keys, "E db failure: *"},
     Consequence{"sqlite3_finalize", Calls, "W sqlite3_finalize failed: [@]"},
 

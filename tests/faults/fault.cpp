@@ -24,6 +24,7 @@ const std::vector<CodesOfGroup>& groups() {
         {"sqlite3_open", {SQLITE_CANTOPEN, SQLITE_NOMEM}},
         {"sqlite3_busy_handler", {SQLITE_MISUSE}},
         {"sqlite3_prepare_v2", {SQLITE_ERROR, SQLITE_BUSY, SQLITE_IOERR, SQLITE_CORRUPT, SQLITE_NOMEM}},
+        {"sqlite3_bind_", {SQLITE_NOMEM}},
         {"sqlite3_step", {SQLITE_FULL, SQLITE_IOERR, SQLITE_BUSY, SQLITE_CORRUPT, SQLITE_NOMEM}},
         {"sqlite3_finalize", {SQLITE_IOERR, SQLITE_BUSY}},
         {systemCallsOfSqlite, {ENOSPC, EIO, EACCES}},

@@ -23,9 +23,9 @@ public:
     void read(const std::string& line) {
         if (holds(line, "TestDbus methodName: [")) {
             requests_.diagnostic.push_back(between(line, "methodName: [", "]"));
-        } else if (holds(line, "TestDbus.cpp: sendRecord") && holds(line, "value: [")) {
+        } else if (holds(line, "TestDbus.cpp: __handleMethodCall") && holds(line, "value: [")) {
             requests_.diagnostic.back() += " " + between(line, "value: [", "]");
-        } else if (holds(line, "TeskConsumerIpcMgr.cpp: newRequest") && !holds(line, "req_disable")) {
+        } else if (holds(line, "TeskConsumerIpcMgr.cpp: policyTest")) {
             isRelayed_ = true; // the diagnostic interface hands its request to the port
         } else if (holds(line, "__teskItpolicyReqCb") && holds(line, "Leave")) {
             end();

@@ -188,8 +188,8 @@ const std::vector<Obstacle>& obstacles() {
         {"NoBusyHandlerOfTheNamedFile",
          [](auto& platform) { platform.faults.atCall("sqlite3_busy_handler", 2, SQLITE_MISUSE); }, noBusyHandler, 2,
          true},
-        {"FileThatCannotBeNamed", [](auto& platform) { platform.faults.atCall("rename", 1, EACCES); },
-         "E rename failed: [13]", 1, false},
+        {"FileThatCannotBeNamed", [](auto& platform) { platform.faults.always("rename", EACCES); },
+         "E rename failed: [13]", 1 + operations().size(), false},
         {"LinkToWhereNothingCanBeMade", linkTo("/nowhere/at/all"), notOpened, 1, false},
         {"MoreLinksThanTheKernelFollows", [](auto& platform) { linkThrough(platform.dataPath, 41); }, notOpened, 0,
          false},
@@ -215,18 +215,82 @@ TEST_P(UnopenedDatabaseTest, FailsEveryOperation) {
 INSTANTIATE_TEST_SUITE_P(, UnopenedDatabaseTest, ::testing::ValuesIn(obstacles()),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST_F(DbMgrTest, FileGetsItsNameOnlyWithItsTable) {
+/// What keeps a first start from its table: a failing function, its code, and the line that says so.
+struct MissingTable {
+    const char* function;
+    int code;
+    std::string error;
+};
+
+TEST_F(DbMgrTest, TableThatCouldNotBeMadeIsTriedAgainByTheNextOperation) {
     const auto creation = "[" + TeskPolicyTable::createSql() + "] - ";
-    for (const auto& [function, error] :
-         {std::pair("sqlite3_prepare_v2", "E query prepare fail: "), std::pair("sqlite3_step", "W db create fail: ")}) {
-        platform.faults.atCall(function, 1, SQLITE_FULL);
-        const TeskConsumerDbMgr withoutTable;
-        EXPECT_TRUE(logged(error + creation));
-        EXPECT_FALSE(logged("db initialize fail!"));
+    for (const auto& missing : {MissingTable{"sqlite3_prepare_v2", SQLITE_FULL, "E query prepare fail: " + creation},
+                                MissingTable{"sqlite3_step", SQLITE_FULL, "W db create fail: " + creation},
+                                MissingTable{"rename", ENOSPC, "E rename failed: [28]"}}) {
+        SCOPED_TRACE(missing.function);
+        fs::remove_all(folder);
+        platform.faults.atCall(missing.function, 1, missing.code);
+        TeskConsumerDbMgr db;
+        EXPECT_TRUE(logged(missing.error));
         EXPECT_FALSE(fs::exists(file)) << "a file without a table would never be given one";
+
+        EXPECT_EQ(db.insertPolicy(account(1)), 0);
+
+        EXPECT_EQ(read(db, 1).accountId, 1);
+        EXPECT_EQ(TeskConsumerDbMgr().checkPolicyByAccountId(1), 0) << "the next start finds it in its place";
     }
-    TeskConsumerDbMgr next;
-    EXPECT_EQ(next.insertPolicy(account(1)), 0);
+}
+
+TEST_F(DbMgrTest, TableThatStaysMissingIsTriedOnceByEachOperation) {
+    platform.faults.always("rename", ENOSPC);
+    TeskConsumerDbMgr db;
+
+    EXPECT_EQ(db.insertPolicy(account(1)), TESK_DB_FAILURE);
+
+    EXPECT_EQ(platform.faults.calls().at("rename"), 2) << "at the start and by the operation";
+}
+
+TEST_F(DbMgrTest, FileWithoutATableThatWasThereIsLeftAlone) {
+    fs::create_directory(folder);
+    writeBytes(file, "");
+    TeskConsumerDbMgr db;
+
+    EXPECT_EQ(db.insertPolicy(account(1)), TESK_DB_FAILURE);
+
+    EXPECT_EQ(fs::file_size(file), 0U);
+}
+
+TEST_F(DbMgrTest, FolderNamedLikeTheNewFileIsPassedOver) {
+    fs::create_directories(file.string() + ".new/of somebody else");
+
+    TeskConsumerDbMgr db;
+
+    EXPECT_EQ(db.insertPolicy(account(1)), 0);
+    EXPECT_TRUE(fs::exists(file.string() + ".new/of somebody else"));
+}
+
+TEST_F(DbMgrTest, ValueThatCannotBeBoundFailsTheOperationAndWritesNothing) {
+    TeskConsumerDbMgr db;
+    db.insertPolicy(account(1));
+    auto changed = account(1);
+    changed.accountName = "changed";
+    for (const auto* function : {"sqlite3_bind_int", "sqlite3_bind_text"}) {
+        platform.faults.always(function, SQLITE_NOMEM);
+        journal.clear();
+        EXPECT_EQ(db.insertPolicy(account(2)), TESK_DB_FAILURE);
+        EXPECT_EQ(db.updatePolicy(changed), TESK_DB_FAILURE);
+        EXPECT_EQ(journal.warnings(), Lines(2, "E db failure: not an error"));
+        platform.faults.none();
+    }
+    platform.faults.always("sqlite3_bind_int", SQLITE_NOMEM);
+    TeskPolicyData data;
+    EXPECT_EQ(db.checkPolicyByAccountId(1), TESK_DB_FAILURE);
+    EXPECT_EQ(db.getPolicyDataByAccountId(1, data), TESK_DB_FAILURE);
+    EXPECT_EQ(db.deletePolicyByAccountId(1), TESK_DB_FAILURE);
+    platform.faults.none();
+
+    EXPECT_EQ(read(db, 1).accountName, "");
+    EXPECT_EQ(db.checkPolicyByAccountId(2), TESK_DB_NO_ROW);
 }
 
 TEST_F(DbMgrTest, WhatAKilledStartLeftIsCleared) {
@@ -480,7 +544,7 @@ TEST_F(DbMgrTest, ListAppendsOneRecordForEachRow) {
     EXPECT_EQ(fieldsOf(*list.back()), fieldsOf(everyFieldDifferent(100)));
 }
 
-TEST_F(DbMgrTest, ListEndsQuietlyAtTheFirstStepThatIsNoRow) {
+TEST_F(DbMgrTest, ListEndsAtAFailedStepWhichIsLogged) {
     TeskConsumerDbMgr db;
     db.insertPolicy(account(1));
     db.insertPolicy(account(2));
@@ -490,7 +554,7 @@ TEST_F(DbMgrTest, ListEndsQuietlyAtTheFirstStepThatIsNoRow) {
 
     EXPECT_EQ(db.getPolicyDataList(list), 0);
     EXPECT_EQ(list.size(), 1U);
-    EXPECT_EQ(journal.warnings(), Lines{});
+    EXPECT_EQ(journal.warnings(), Lines{"E db failure: another row available"});
 }
 
 TEST_F(DbMgrTest, EmptyTableHasNoListAndCountsZero) {
@@ -533,7 +597,7 @@ TEST_F(DbMgrTest, FailedStepsOfWritesAreDatabaseFailures) {
     EXPECT_EQ(journal.warnings().front().substr(0, 14), "E db failure: ");
 }
 
-TEST_F(DbMgrTest, FailedStepsOfReadsAreMissingRows) {
+TEST_F(DbMgrTest, FailedStepsOfReadsAreLoggedAndCountAsMissingRows) {
     TeskConsumerDbMgr db;
     db.insertPolicy(account(1));
     platform.faults.always("sqlite3_step", SQLITE_IOERR);
@@ -544,7 +608,8 @@ TEST_F(DbMgrTest, FailedStepsOfReadsAreMissingRows) {
     EXPECT_EQ(db.checkPolicyByAccountId(1), TESK_DB_NO_ROW);
     EXPECT_EQ(db.getPolicyDataByAccountId(1, data), TESK_DB_NO_ROW);
     EXPECT_EQ(db.getPolicyDataList(list), TESK_DB_NO_ROW);
-    EXPECT_EQ(journal.warnings(), Lines(2, "W query result: 10"));
+    EXPECT_EQ(journal.warnings(), (Lines{"E db failure: not an error", "E db failure: not an error",
+                                         "W query result: 10", "E db failure: not an error", "W query result: 10"}));
 }
 
 TEST_F(DbMgrTest, FailedPreparationIsLoggedTwiceByEachOperation) {

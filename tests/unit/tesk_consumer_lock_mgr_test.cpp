@@ -45,7 +45,18 @@ TEST_F(LockMgrTest, WatchesTheLockTypeAndReturnsThePlatformsCode) {
     EXPECT_EQ(journal.calls(), Lines{"vconf_notify_key_changed db/setting/lock_type"});
 
     platform.faults.always("vconf_notify_key_changed", -1);
+    journal.clear();
     EXPECT_EQ(manager.init(), -1);
+    EXPECT_EQ(journal.warnings(), Lines{"W vconf_notify_key_changed(db/setting/lock_type) failed: [-1]"});
+}
+
+TEST_F(LockMgrTest, KeyThatCannotBeWrittenIsLogged) {
+    platform.faults.always("vconf_set_int", -1);
+
+    changeLock(lock::pin);
+
+    EXPECT_EQ(journal.logsOf("__lockTypeChangedCb").at(1),
+              "W vconf_set_int(db/eas/password_policy_applied) failed: [-1]");
 }
 
 TEST_F(LockMgrTest, LockTypeIsReadFromItsKeyAndNoneWithoutIt) {

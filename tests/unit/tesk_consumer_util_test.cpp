@@ -124,8 +124,8 @@ TEST_P(LaunchTest, WaitsForTheEndOfTheTutorialOrDoesNotCare) {
 
     EXPECT_EQ(GetParam().run(), waits ? -1 : 0);
     EXPECT_EQ(journal.calls({"app_control"}).empty(), waits);
-    EXPECT_EQ(journal.logsOf("tutorialAllowsLaunch"), waits ? Lines{"W tutorial is not finished yet"} : Lines{});
-    EXPECT_EQ(journal.logsOf(GetParam().name), waits ? Lines{"I Enter"} : traces());
+    const Lines waiting{"I Enter", "W tutorial is not finished yet"};
+    EXPECT_EQ(journal.logsOf(GetParam().name), waits ? waiting : traces());
 }
 
 TEST_P(LaunchTest, FailedCreationIsLogged) {
@@ -168,12 +168,21 @@ TEST_F(LaunchPopupTest, CarriesTheRulesOfTheEnforcingAccount) {
     EXPECT_EQ(sentItem("password_required"), "1");
 }
 
+TEST_F(LaunchPopupTest, AccountWithoutANameIsCalledEas) {
+    store({passwordAccount(4)});
+    platform.preferences[enforcingKey] = 4;
+
+    EXPECT_EQ(TeskConsumerUtil::launchPopup(), 0);
+
+    EXPECT_EQ(sentItem("ACCOUNT_NAME"), "EAS");
+}
+
 TEST_F(LaunchPopupTest, AccountAndPolicyAreReadOnTheWay) {
     store({passwordAccount(4)});
     platform.preferences[enforcingKey] = 4;
 
     const std::string request =
-        "app_control_send_launch_request com.velmor.tesk-popup OPERATION=SET_PRIVACY_LOCK ACCOUNT_NAME= "
+        "app_control_send_launch_request com.velmor.tesk-popup OPERATION=SET_PRIVACY_LOCK ACCOUNT_NAME=EAS "
         "password_min_length=4 password_max_length=16 allow_simple=1 password_required=0";
 
     TeskConsumerUtil::launchPopup();
@@ -184,7 +193,7 @@ TEST_F(LaunchPopupTest, AccountAndPolicyAreReadOnTheWay) {
                "app_control_set_app_id com.velmor.tesk-popup", "app_control_add_extra_data OPERATION SET_PRIVACY_LOCK",
                std::string("preference_get_int ") + enforcingKey,
                "sqlite3_prepare_v2 select * from eas_policy_tbl where account_id=?;",
-               "app_control_add_extra_data ACCOUNT_NAME ", "dpm_manager_create",
+               "app_control_add_extra_data ACCOUNT_NAME EAS", "dpm_manager_create",
                "sqlite3_prepare_v2 select * from eas_policy_tbl;", "vconf_get_str db/rgn/country_iso",
                "app_control_add_extra_data password_min_length 4", "app_control_add_extra_data password_max_length 16",
                "app_control_add_extra_data allow_simple 1", "app_control_add_extra_data password_required 0", request,

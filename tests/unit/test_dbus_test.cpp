@@ -1,19 +1,20 @@
-#include <fcntl.h>
 #include <gio/gio.h>
 #include <json-glib/json-glib.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <future>
 #include <memory>
+#include <optional>
 #include <thread>
 
 #include "TeskConsumerDbMgr.h"
 #include "TestDbus.h"
+#include "other_program.h"
 #include "unit_test.h"
 
 namespace {
@@ -330,21 +331,46 @@ TEST_F(TestDbusTest, FileIsClosedBeforeItsRequestRuns) {
 }
 
 TEST_F(TestDbusTest, AnswerComesBeforeTheWorkIsDone) {
-    // A pipe in the place of the file holds the service up until somebody writes to it.
+    startService();
+    OtherProgram other(watch.databasePath());
+    other.run("begin exclusive"); // has the service wait for the database
+    std::promise<bool> answer;
+    auto answered = answer.get_future();
+    std::optional<bool> answeredMeanwhile;
+    platform.system.whileSleeping = [&] {
+        if (!answeredMeanwhile) {
+            answeredMeanwhile = answered.get();
+            other.run("rollback");
+        }
+    };
+    std::thread developer([&] { answer.set_value(answersWithin("removeAccount", std::chrono::seconds(10))); });
+
+    EXPECT_TRUE(waitUntil([&] { return answeredMeanwhile.has_value(); }));
+
+    developer.join();
+    EXPECT_EQ(answeredMeanwhile, true);
+}
+
+TEST_F(TestDbusTest, PipeInThePlaceOfTheFileDoesNotHoldTheServiceUp) {
     const auto pipe = platform.dataPath + "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     platform.system.movedFiles["/opt/usr/media/policy.json"] = pipe;
     startService();
-    bool answered = false;
-    std::thread developer([&] {
-        answered = answersWithin("usingFile", std::chrono::seconds(10));
-        const int end = open(pipe.c_str(), O_WRONLY);
-        close(end);
-    });
+    journal.clear();
 
-    EXPECT_TRUE(waitUntil([&] { return logged("I [RELAY MSG] req_update_policy : "); }));
-    developer.join();
-    EXPECT_TRUE(answered);
+    EXPECT_EQ(call("usingFile"), 0);
+
+    EXPECT_TRUE(logged("W Failed to get string from file."));
+}
+
+TEST_F(TestDbusTest, FolderInThePlaceOfTheFileIsReadAsEmpty) {
+    platform.system.movedFiles["/opt/usr/media/policy.json"] = platform.dataPath;
+    startService();
+    journal.clear();
+
+    EXPECT_EQ(call("usingFile"), 0);
+
+    EXPECT_TRUE(logged("W Failed to get string from file."));
 }
 
 TEST_F(TestDbusTest, NameThatAnotherOwnsIsOnlyTraced) {

@@ -28,6 +28,11 @@ int UnitTest::storedAccounts() {
     return count;
 }
 
+std::size_t UnitTest::applications() const {
+    const auto lines = journal.logsOf("applyPolicy");
+    return static_cast<std::size_t>(std::count(lines.begin(), lines.end(), "I Enter"));
+}
+
 UnitTest::Lines UnitTest::messages() const {
     Lines lines = journal.logs();
     const auto isTrace = [](const std::string& line) { return line == "I Enter" || line == "I Leave" || line == "I "; };

@@ -26,6 +26,9 @@ protected:
     /// The number of stored accounts.
     static int storedAccounts();
 
+    /// How often the stored policies were applied.
+    std::size_t applications() const;
+
     /// The log lines that say more than "Enter" and "Leave".
     Lines messages() const;
 

@@ -32,12 +32,12 @@ TeskConsumerAccountInfoList teskReadAccounts(JsonArray* accounts) {
     return list;
 }
 
-void teskStoreAndApply(const TeskConsumerAccountInfoList& accounts) {
+void teskStoreAndApply(const TeskConsumerAccountInfoList& accounts, const TeskConsumerPlace& place) {
     TeskConsumerPolicyInfoList policies;
     for (const auto& account : accounts) {
         policies.push_back(account->policyInfo);
     }
-    TeskConsumerPolicyStorage::storeAndApply(policies);
+    TeskConsumerPolicyStorage::storeAndApply(policies, place);
 }
 
 TeskConsumerAccountInfoRespMsg::TeskConsumerAccountInfoRespMsg() {

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "TeskConsumerLog.h"
 #include "msgs/TeskConsumerItPolicyIndMsg.h"
 #include "msgs/TeskConsumerResponsedMsg.h"
 
@@ -34,7 +35,8 @@ using TeskConsumerAccountInfoList = std::list<std::shared_ptr<TeskConsumerAccoun
 TeskConsumerAccountInfoList teskReadAccounts(JsonArray* accounts);
 
 /// Stores the policies of the accounts that carry one and enforces what the stored ones demand together.
-void teskStoreAndApply(const TeskConsumerAccountInfoList& accounts);
+void teskStoreAndApply(const TeskConsumerAccountInfoList& accounts,
+                       const TeskConsumerPlace& place = TeskConsumerPlace::here());
 
 /// Lists the mail application's accounts. An account that it leaves out stays stored.
 class TeskConsumerAccountInfoRespMsg : public TeskConsumerResponsedMsg {

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "TeskConsumerLog.h"
 #include "msgs/TeskConsumerJson.h"
 
 namespace {
@@ -13,7 +12,7 @@ struct Releaser {
 
 struct ParsedText {
     explicit ParsedText(std::string parsedText) : text(std::move(parsedText)), parser(json_parser_new()) {
-        // a text with something behind its object fails to load and leaves the object all the same, hence no look at
+        // a text with something after its object fails to load and leaves the object all the same, hence no look at
         // the result
         if (!TeskConsumerJson::isNestedTooDeep(text)) {
             json_parser_load_from_data(parser.get(), text.c_str(), -1, nullptr);
@@ -39,23 +38,23 @@ std::shared_ptr<JsonParser> parserOf(const std::string& text) {
 
 TeskConsumerEnvelope::TeskConsumerEnvelope(const std::string& text) : parser(parserOf(text)) {}
 
-JsonObject* TeskConsumerEnvelope::root() const {
+JsonObject* TeskConsumerEnvelope::root(const TeskConsumerPlace& place) const {
     JsonNode* const node = json_parser_get_root(parser.get());
     if (node == nullptr) {
-        TESK_ERROR("json_parser_get_root failed");
+        TESK_ERROR_AT(place, "json_parser_get_root failed");
         return nullptr;
     }
     JsonObject* const object = TeskConsumerJson::objectOf(node);
     if (object == nullptr) {
-        TESK_ERROR("json_node_get_object failed");
+        TESK_ERROR_AT(place, "json_node_get_object failed");
     }
     return object;
 }
 
-JsonObject* TeskConsumerEnvelope::rootOf(const char* kind) const {
-    JsonObject* const object = root();
+JsonObject* TeskConsumerEnvelope::rootOf(const char* kind, const TeskConsumerPlace& place) const {
+    JsonObject* const object = root(place);
     if (object != nullptr && kindOf(object) != kind) {
-        TESK_ERROR("msgId is diffrent");
+        TESK_ERROR_AT(place, "msgId is diffrent");
         return nullptr;
     }
     return object;

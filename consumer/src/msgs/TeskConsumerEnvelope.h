@@ -6,6 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "TeskConsumerLog.h"
+
 /// The envelope that every message comes in: a JSON object whose "msgId" names the message's kind.
 ///
 /// The factory and the message that it makes read the same text, each with an envelope of its own. Parsing is half the
@@ -15,11 +17,12 @@ public:
     /// Parses a text; what is wrong with it shows in root().
     explicit TeskConsumerEnvelope(const std::string& text);
 
-    /// The envelope's object, or null, and logged, when the text is no JSON or no object. The envelope keeps it.
-    JsonObject* root() const;
+    /// The envelope's object, or null, and logged in the caller's name, when the text is not valid JSON or not an
+    /// object. The envelope keeps it.
+    JsonObject* root(const TeskConsumerPlace& place = TeskConsumerPlace::here()) const;
 
     /// The same, and null, and logged, also when the message is of another kind.
-    JsonObject* rootOf(const char* kind) const;
+    JsonObject* rootOf(const char* kind, const TeskConsumerPlace& place = TeskConsumerPlace::here()) const;
 
     /// The kind that an envelope's object names, empty when it names none.
     static std::string kindOf(JsonObject* root);

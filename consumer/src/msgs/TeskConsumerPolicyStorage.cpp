@@ -3,7 +3,8 @@
 #include "TeskConsumerAccountMgr.h"
 #include "TeskConsumerPolicyMgr.h"
 
-void TeskConsumerPolicyStorage::storeAndApply(const TeskConsumerPolicyInfoList& policies) {
+void TeskConsumerPolicyStorage::storeAndApply(const TeskConsumerPolicyInfoList& policies,
+                                              const TeskConsumerPlace& place) {
     auto* const accountMgr = TeskConsumerAccountMgr::getInstance();
     TeskConsumerPolicyMgr::getInstance(); // made now, and tried again for each account where that fails
     for (const auto& policy : policies) {
@@ -11,7 +12,7 @@ void TeskConsumerPolicyStorage::storeAndApply(const TeskConsumerPolicyInfoList& 
             accountMgr->addAccount(policy->getPolicyData());
         }
     }
-    TeskConsumerPolicyMgr::getInstance()->applyPolicyAndWarn();
+    TeskConsumerPolicyMgr::getInstance()->applyPolicyAndWarn(place);
 }
 
 void TeskConsumerPolicyStorage::wipeDevice() {

@@ -29,13 +29,14 @@ constexpr std::array<MessageKind, 4> messageKinds{{
     {"eas-remote-wipe", newMessage<TeskConsumerEasRemoteWipeIndMsg>},
 }};
 
-TeskConsumerResponsedMsg* newMessageOf(const std::string& kindName) {
+TeskConsumerResponsedMsg* newMessageOf(const std::string& kindName,
+                                       const TeskConsumerPlace& place = TeskConsumerPlace::here()) {
     for (const auto& kind : messageKinds) {
         if (kindName == kind.name) {
             return kind.create();
         }
     }
-    TESK_ERROR("this is not request msgId: %s", kindName.c_str());
+    TESK_ERROR_AT(place, "this is not request msgId: %s", kindName.c_str());
     return nullptr;
 }
 

@@ -1,12 +1,10 @@
 #include "req_workers/TeskConsumerCheckOdeWorker.h"
 
-#include <vconf.h>
-
 #include "TeskConsumerKeys.h"
 #include "TeskConsumerUtil.h"
+#include "TeskConsumerVconf.h"
 
 int TeskConsumerCheckOdeWorker::process(const char* /*data*/) {
-    int passwordApplied = 0;
-    vconf_get_int(TeskConsumerKeys::passwordPolicyApplied, &passwordApplied);
-    return passwordApplied != 0 ? TeskConsumerUtil::launchOdePopup() : 0;
+    const bool isPasswordApplied = TeskConsumerVconf::get(TeskConsumerKeys::passwordPolicyApplied) != 0;
+    return isPasswordApplied ? TeskConsumerUtil::launchOdePopup() : 0;
 }

@@ -27,13 +27,20 @@ int TeskPasswordDecision::migrated(int quality) {
     return typeOf(quality) == oldStyleType ? oldStyleSuccessor : quality;
 }
 
+int TeskPasswordDecision::requiredQuality(const TeskPolicyData& policy) {
+    if (policy.devicePasswordEnabled == 0) {
+        return 0;
+    }
+    const int type = policy.alphanumericDevicePasswordRequired != 0 ? alphanumericQuality : numericQuality;
+    return policy.allowSimplePassword != 0 ? type + simpleAllowedBit : type;
+}
+
 TeskPasswordRules TeskPasswordDecision::required(const TeskPolicyData& policy, int countryMinLength) {
     if (policy.devicePasswordEnabled == 0) {
         return {};
     }
-    const int type = policy.alphanumericDevicePasswordRequired != 0 ? alphanumericQuality : numericQuality;
     TeskPasswordRules rules;
-    rules.quality = policy.allowSimplePassword != 0 ? type + simpleAllowedBit : type;
+    rules.quality = requiredQuality(policy);
     rules.minLength = std::max<int>(countryMinLength, policy.minDevicePasswordLength);
     rules.complexCharacters = complexCharacters(policy);
     return rules;

@@ -30,6 +30,9 @@ int typeOf(int quality);
 /// The quality that stands for one that the device policy manager no longer knows; any other as it is.
 int migrated(int quality);
 
+/// The quality that a policy wants; 0 when it wants no password.
+int requiredQuality(const TeskPolicyData& policy);
+
 /// What a policy wants where `countryMinLength` is the least length; nothing at all when it wants no password.
 TeskPasswordRules required(const TeskPolicyData& policy, int countryMinLength);
 

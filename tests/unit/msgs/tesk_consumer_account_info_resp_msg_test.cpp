@@ -69,8 +69,6 @@ protected:
     }
 
     static std::string list(const std::string& accounts) { return GetParam().begin + accounts + GetParam().end; }
-
-    std::size_t applications() const { return journal.logsOf("applyPolicy").size(); }
 };
 
 TEST_P(AccountListTest, StoresEveryAccountWithAPolicyAndAppliesOnce) {

@@ -17,9 +17,6 @@ protected:
         return message.process();
     }
 
-    /// How often the policy of all accounts was enforced.
-    std::size_t applications() const { return journal.logsOf("applyPolicy").size(); }
-
     TeskConsumerItPolicyIndMsg message;
 };
 
