@@ -15,7 +15,7 @@ protected:
 
     /// What a text of the policy manager says about the lock.
     std::string reason(const std::string& text) {
-        add("E/TESK_CONSUMER(   12): TeskConsumerPolicyMgr.cpp: demandsPassword(41) >  " + text + "\n");
+        add("E/TESK_CONSUMER(   12): TeskConsumerPolicyMgr.cpp: __getPasswordEnforceFlag(41) >  " + text + "\n");
         return take().lockReason;
     }
 
