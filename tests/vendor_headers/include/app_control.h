@@ -17,11 +17,12 @@ typedef enum {
     APP_CONTROL_ERROR_PERMISSION_DENIED = -13,
     APP_CONTROL_ERROR_KEY_NOT_FOUND = -126,
     APP_CONTROL_ERROR_APP_NOT_FOUND = -0x01100000 | 0x21,
-    APP_CONTROL_ERROR_KEY_REJECTED,
-    APP_CONTROL_ERROR_INVALID_DATA_TYPE,
+    APP_CONTROL_ERROR_KEY_REJECTED = -129,
+    APP_CONTROL_ERROR_INVALID_DATA_TYPE = -0x01100000 | 0x22,
     APP_CONTROL_ERROR_LAUNCH_REJECTED,
     APP_CONTROL_ERROR_LAUNCH_FAILED,
-    APP_CONTROL_ERROR_TIMED_OUT
+    APP_CONTROL_ERROR_TIMED_OUT = -1073741823,
+    APP_CONTROL_ERROR_IO_ERROR = -5
 } app_control_error_e;
 typedef void (*app_control_reply_cb)(app_control_h, app_control_h, app_control_result_e, void*);
 typedef bool (*app_control_extra_data_cb)(app_control_h, const char*, void*);

@@ -7,7 +7,7 @@ typedef enum {
     PREFERENCE_ERROR_NONE,
     PREFERENCE_ERROR_INVALID_PARAMETER = -22,
     PREFERENCE_ERROR_OUT_OF_MEMORY = -12,
-    PREFERENCE_ERROR_NO_KEY = -126,
+    PREFERENCE_ERROR_NO_KEY = -0x01100000 | 0x30,
     PREFERENCE_ERROR_IO_ERROR = -5
 } preference_error_e;
 int preference_set_int(const char*, int);
