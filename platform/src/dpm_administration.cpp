@@ -8,30 +8,33 @@ using host::SettingsStore;
 
 namespace {
 
-// Where a client is kept; empty for an invalid name or user.
-std::string clientPath(const char* name, uid_t uid) {
-    if (name == nullptr || *name == '\0' || uid == static_cast<uid_t>(-1)) {
-        return {};
-    }
-    const std::string client = name;
-    const std::string path = "/dpm/clients/" + client;
-    const bool valid = client.find('/') == std::string::npos && SettingsStore::isKey(path);
-    return valid ? path : std::string();
-}
+constexpr uid_t root = 0;
+constexpr auto nobody = static_cast<uid_t>(-1);
 
-bool isRegistered(const std::string& path, uid_t uid) {
+bool isClient(const std::string& path, uid_t uid) {
     const c::VariantOwner user = SettingsStore::get().read(path);
     return user != nullptr && g_variant_is_of_type(user.get(), G_VARIANT_TYPE_UINT32) &&
            g_variant_get_uint32(user.get()) == uid;
 }
 
+// Runs a function's body with the path of a client. A name or a user that cannot be one is refused.
+template <class Body>
+int withClient(const char* function, device_policy_manager_h handle, const char* name, uid_t uid, Body&& body) {
+    return guarded<int>(function, DPM_ERROR_NOT_PERMITTED, [&]() -> int {
+        const std::string path = name != nullptr ? host::dpm::clientPath(name) : std::string();
+        if (handle == nullptr || path.empty() || uid == root || uid == nobody) {
+            return DPM_ERROR_INVALID_PARAMETER;
+        }
+        return body(path);
+    });
+}
+
 } // namespace
 
 int dpm_admin_register_client(device_policy_manager_h handle, const char* name, uid_t uid) {
-    return guarded<int>(__func__, DPM_ERROR_CONNECTION_REFUSED, [&] {
-        const std::string path = clientPath(name, uid);
-        if (handle == nullptr || path.empty()) {
-            return DPM_ERROR_INVALID_PARAMETER;
+    return withClient(__func__, handle, name, uid, [&](const std::string& path) {
+        if (SettingsStore::get().read(path) != nullptr) {
+            return DPM_ERROR_NOT_PERMITTED;
         }
         SettingsStore::get().write(path, g_variant_new_uint32(uid));
         return DPM_ERROR_NONE;
@@ -39,15 +42,11 @@ int dpm_admin_register_client(device_policy_manager_h handle, const char* name, 
 }
 
 int dpm_admin_deregister_client(device_policy_manager_h handle, const char* name, uid_t uid) {
-    return guarded<int>(__func__, DPM_ERROR_CONNECTION_REFUSED, [&] {
-        const std::string path = clientPath(name, uid);
-        if (handle == nullptr || path.empty()) {
-            return DPM_ERROR_INVALID_PARAMETER;
+    return withClient(__func__, handle, name, uid, [&](const std::string& path) {
+        if (!isClient(path, uid)) {
+            return DPM_ERROR_NOT_PERMITTED;
         }
-        if (!isRegistered(path, uid)) {
-            return DPM_ERROR_NO_SUCH_FILE;
-        }
-        SettingsStore::get().remove(path);
+        host::dpm::endClient(path);
         return DPM_ERROR_NONE;
     });
 }

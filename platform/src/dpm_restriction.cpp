@@ -46,20 +46,19 @@ int dpm_restriction_get_popimap_email_state(device_policy_manager_h handle, int*
 }
 
 int dpm_restriction_set_messaging_state(device_policy_manager_h handle, const char* sim_id, int allow) {
-    return guarded<int>(__func__, DPM_ERROR_CONNECTION_REFUSED, [&]() -> int {
+    return guarded<int>(__func__, DPM_ERROR_NOT_PERMITTED, [&]() -> int {
         const std::string path = messagingPath(sim_id);
         if (handle == nullptr || path.empty()) {
             return DPM_ERROR_INVALID_PARAMETER;
         }
-        if (!host::dpm::isAdministered()) {
-            return DPM_ERROR_PERMISSION_DENIED;
+        if (!host::dpm::isAdministrator()) {
+            return DPM_ERROR_NOT_PERMITTED;
         }
-        GVariant* value = g_variant_new_int32(host::dpm::truth(allow));
-        if (std::string(sim_id) == everySim) {
-            SettingsStore::get().replaceFolder(messagingState, path, value);
-        } else {
-            SettingsStore::get().write(path, value);
-        }
+        SettingsStore& store = SettingsStore::get();
+        SettingsStore::Changes changes =
+            std::string(sim_id) == everySim ? store.removalOf(messagingState) : SettingsStore::Changes();
+        changes.emplace_back(path, g_variant_new_int32(host::dpm::truth(allow)));
+        store.change(changes);
         return DPM_ERROR_NONE;
     });
 }

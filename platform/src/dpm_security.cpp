@@ -18,6 +18,13 @@ constexpr host::dpm::Setting externalDemand{"/dpm/security/external-storage-encr
 constexpr char internalState[] = "/vconf/db/ode/crypto_state";
 constexpr char externalState[] = "/vconf/db/ode/external_crypto_state";
 
+int demand(const char* function, device_policy_manager_h handle, const host::dpm::Setting& setting, int encrypt) {
+    if (handle != nullptr && encrypt < 0) {
+        return DPM_ERROR_NOT_PERMITTED;
+    }
+    return host::dpm::set(function, handle, setting, host::dpm::truth(encrypt));
+}
+
 int isEncrypted(const char* function, device_policy_manager_h handle, const char* stateKey, int* encrypted) {
     if (handle == nullptr || encrypted == nullptr) {
         return DPM_ERROR_INVALID_PARAMETER;
@@ -31,7 +38,7 @@ int isEncrypted(const char* function, device_policy_manager_h handle, const char
 } // namespace
 
 int dpm_security_set_internal_storage_encryption(device_policy_manager_h handle, int encrypt) {
-    return host::dpm::set(__func__, handle, internalDemand, host::dpm::truth(encrypt));
+    return demand(__func__, handle, internalDemand, encrypt);
 }
 
 int dpm_security_is_internal_storage_encrypted(device_policy_manager_h handle, int* is_encrypted) {
@@ -39,7 +46,7 @@ int dpm_security_is_internal_storage_encrypted(device_policy_manager_h handle, i
 }
 
 int dpm_security_set_external_storage_encryption(device_policy_manager_h handle, int encrypt) {
-    return host::dpm::set(__func__, handle, externalDemand, host::dpm::truth(encrypt));
+    return demand(__func__, handle, externalDemand, encrypt);
 }
 
 int dpm_security_is_external_storage_encrypted(device_policy_manager_h handle, int* is_encrypted) {
@@ -50,13 +57,10 @@ int dpm_security_wipe_data(device_policy_manager_h handle, dpm_security_wipe_typ
     constexpr unsigned internal = DPM_SECURITY_WIPE_INTERNAL_STORAGE;
     constexpr unsigned external = DPM_SECURITY_WIPE_EXTERNAL_STORAGE;
     const auto wanted = static_cast<unsigned>(type);
-    if (handle == nullptr || wanted == 0 || (wanted & ~(internal | external)) != 0) {
+    if (handle == nullptr || (wanted & (internal | external)) == 0) {
         return DPM_ERROR_INVALID_PARAMETER;
     }
-    return guarded<int>(__func__, DPM_ERROR_PERMISSION_DENIED, [&] {
-        if (!host::dpm::isAdministered()) {
-            return DPM_ERROR_PERMISSION_DENIED;
-        }
+    return guarded<int>(__func__, DPM_ERROR_NOT_PERMITTED, [&] {
         const auto& device = host::Environment::get().device();
         if ((wanted & internal) != 0) {
             host::dpm::wipeStorage(device, "internal");

@@ -1,6 +1,10 @@
 #ifndef PLATFORM_DPM_SETTINGS_H
 #define PLATFORM_DPM_SETTINGS_H
 
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "dpm/device-policy-manager.h"
 
 /// What a handle of the device policy manager points at. All state is the device's, so there is nothing to hold.
@@ -10,8 +14,14 @@ struct __device_policy_manager_s {};
 /// their user ids, below /dpm/clients/.
 namespace host::dpm {
 
-/// Whether any client may administer the device.
-bool isAdministered();
+/// Where a client is kept; empty for what cannot be a client's name.
+std::string clientPath(const std::string& name);
+
+/// Takes a client's administration back. The rules for the password go with the last client; restrictions stay.
+void endClient(const std::string& clientPath);
+
+/// Whether this process may administer the device: a client has the name of its application.
+bool isAdministrator();
 
 /// How the store keeps a yes or no: 1 or 0.
 inline int truth(int value) {
@@ -24,8 +34,12 @@ struct Setting {
     int initial;
 };
 
-/// A setter: writes an integer, or refuses a null handle or a device that nobody administers.
+/// A setter: writes an integer, or refuses a null handle or a process that may not administer the device.
 int set(const char* function, device_policy_manager_h handle, const Setting& setting, int value);
+
+/// The same for several settings that change in one step.
+int set(const char* function, device_policy_manager_h handle,
+        const std::vector<std::pair<const char*, int>>& valuesByPath);
 
 /// A getter: reads an integer, or refuses a null argument.
 int get(const char* function, device_policy_manager_h handle, const Setting& setting, int* value);

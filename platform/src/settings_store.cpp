@@ -67,39 +67,35 @@ std::optional<std::string> SettingsStore::readText(const std::string& key) {
 }
 
 void SettingsStore::write(const std::string& key, GVariant* value) {
+    change({{key, value}});
+}
+
+void SettingsStore::change(const Changes& changes) {
+    const c::Owner<DConfChangeset, dconf_changeset_unref> set(dconf_changeset_new());
+    for (const auto& [key, value] : changes) {
+        dconf_changeset_set(set.get(), key.c_str(), value);
+    }
     g_autoptr(GError) error = nullptr;
-    if (!dconf_client_write_sync(client_.get(), key.c_str(), value, nullptr, nullptr, &error)) {
-        throw HostError("cannot write the setting " + key + ": " + error->message);
+    if (!dconf_client_change_sync(client_.get(), set.get(), nullptr, nullptr, &error)) {
+        throw HostError("cannot write the setting " + changes.front().first + ": " + error->message);
     }
 }
 
-void SettingsStore::remove(const std::string& key) {
-    write(key, nullptr);
-}
-
-void SettingsStore::replaceFolder(const std::string& folder, const std::string& key, GVariant* value) {
-    g_autoptr(GError) error = nullptr;
-    const c::Owner<DConfChangeset, dconf_changeset_unref> changes(dconf_changeset_new());
-    // One by one: with the reset of a whole folder in the same change, the store drops the new value too.
-    int count = 0;
-    const c::TextListOwner names(dconf_client_list(client_.get(), folder.c_str(), &count));
-    for (int i = 0; i < count; ++i) {
-        dconf_changeset_set(changes.get(), (folder + names.get()[i]).c_str(), nullptr);
+// One by one: with the reset of a whole folder in the same change, the store drops what is set in it too.
+SettingsStore::Changes SettingsStore::removalOf(const std::string& folder) {
+    Changes changes;
+    for (const std::string& name : list(folder)) {
+        if (name.back() != '/') {
+            changes.emplace_back(folder + name, nullptr);
+        }
     }
-    dconf_changeset_set(changes.get(), key.c_str(), value);
-    if (!dconf_client_change_sync(client_.get(), changes.get(), nullptr, nullptr, &error)) {
-        throw HostError("cannot replace the settings in " + folder + ": " + error->message);
-    }
+    return changes;
 }
 
 std::vector<std::string> SettingsStore::list(const std::string& folder) {
     int length = 0;
     const c::TextListOwner names(dconf_client_list(client_.get(), folder.c_str(), &length));
     return {names.get(), names.get() + length};
-}
-
-bool SettingsStore::isEmptyFolder(const std::string& folder) {
-    return list(folder).empty();
 }
 
 void SettingsStore::watch(const std::string& key) {

@@ -5,6 +5,7 @@
 #include <list>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bus.h"
@@ -42,17 +43,17 @@ public:
     /// Writes a key and consumes a floating value. Throws HostError.
     void write(const std::string& key, GVariant* value);
 
-    /// Removes a key. Throws HostError.
-    void remove(const std::string& key);
+    /// Keys and their new values, in order; null removes a key.
+    using Changes = std::vector<std::pair<std::string, GVariant*>>;
 
-    /// Removes the keys that are in a folder and writes one of them, in one step. Throws HostError.
-    void replaceFolder(const std::string& folder, const std::string& key, GVariant* value);
+    /// Makes all changes in one step and consumes floating values. Throws HostError.
+    void change(const Changes& changes);
+
+    /// The changes that remove what is in a folder, its own folders aside.
+    Changes removalOf(const std::string& folder);
 
     /// The names of what is in a folder; those of folders end in "/".
     std::vector<std::string> list(const std::string& folder);
-
-    /// Whether a folder holds anything.
-    bool isEmptyFolder(const std::string& folder);
 
     /// Starts and ends listening to a key, or to all below a folder; a key can be watched several times.
     void watch(const std::string& key);

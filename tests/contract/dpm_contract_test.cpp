@@ -4,13 +4,16 @@
 #include <dpm/security.h>
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
+#include "contract_environment.h"
 #include "platform_owners.h"
 
 namespace {
 
-constexpr char client[] = "com.example.client";
+// The administrator has the name of the package that calls.
+constexpr const char* client = contract::applicationId;
 constexpr uid_t user = 1000;
 
 using Setter = int (*)(device_policy_manager_h, int);
@@ -46,6 +49,19 @@ protected:
 
     void registerClient() const { ASSERT_EQ(dpm_admin_register_client(handle(), client, user), DPM_ERROR_NONE); }
 
+    int valueOf(Getter get) const {
+        int value = -1;
+        EXPECT_EQ(get(handle(), &value), DPM_ERROR_NONE);
+        return value;
+    }
+
+    int setAndRead(const Setting& setting, int value) const {
+        EXPECT_EQ(setting.set(handle(), value), DPM_ERROR_NONE) << setting.name << " " << value;
+        return valueOf(setting.get);
+    }
+
+    int wipe(int type) const { return dpm_security_wipe_data(handle(), static_cast<dpm_security_wipe_type_e>(type)); }
+
     int messaging(const char* sim) const {
         int allowed = -1;
         EXPECT_EQ(dpm_restriction_get_messaging_state(handle(), sim, &allowed), DPM_ERROR_NONE);
@@ -65,60 +81,133 @@ TEST_F(DpmContract, EverySettingStartsWithItsDefault) {
     EXPECT_EQ(messaging("*"), 1);
 }
 
+// Two is no quality that sets the length.
 TEST_F(DpmContract, EverySettingKeepsItsOwnValue) {
     registerClient();
     for (const Setting& setting : settings()) {
-        EXPECT_EQ(setting.set(handle(), 1), DPM_ERROR_NONE) << setting.name;
+        EXPECT_EQ(setting.set(handle(), 2), DPM_ERROR_NONE) << setting.name;
     }
     for (const Setting& changed : settings()) {
         changed.set(handle(), 0);
         for (const Setting& setting : settings()) {
-            int value = -1;
-            setting.get(handle(), &value);
-            EXPECT_EQ(value, &setting == &changed ? 0 : 1) << setting.name << " after " << changed.name;
+            const int kept = setting.byDefault == 1 ? 1 : 2;
+            EXPECT_EQ(valueOf(setting.get), &setting == &changed ? 0 : kept)
+                << setting.name << " after " << changed.name;
         }
-        changed.set(handle(), 1);
+        changed.set(handle(), 2);
     }
 }
 
-TEST_F(DpmContract, PasswordSettingKeepsALargeValue) {
+TEST_F(DpmContract, QualityWithTheSimpleBitSetsTheLengthToFour) {
     registerClient();
-    dpm_password_set_max_inactivity_time_device_lock(handle(), 2147483647);
-    int value = 0;
-    dpm_password_get_max_inactivity_time_device_lock(handle(), &value);
-    EXPECT_EQ(value, 2147483647);
+    for (const int quality : {1, 33, 129, 255}) {
+        dpm_password_set_minimum_length(handle(), 8);
+        EXPECT_EQ(dpm_password_set_quality(handle(), quality), DPM_ERROR_NONE);
+        EXPECT_EQ(valueOf(dpm_password_get_quality), quality);
+        EXPECT_EQ(valueOf(dpm_password_get_minimum_length), 4) << quality;
+    }
+    dpm_password_set_minimum_length(handle(), 6);
+    EXPECT_EQ(valueOf(dpm_password_get_minimum_length), 6);
 }
 
-TEST_F(DpmContract, SettersAreDeniedWhileNobodyAdministers) {
-    for (const Setting& setting : settings()) {
-        EXPECT_EQ(setting.set(handle(), 1), DPM_ERROR_PERMISSION_DENIED) << setting.name;
+TEST_F(DpmContract, QualityWithoutTheSimpleBitBringsNoLength) {
+    registerClient();
+    for (const int quality : {0, 16, 32, 64, 128}) {
+        EXPECT_EQ(dpm_password_set_quality(handle(), quality), DPM_ERROR_NONE);
+        EXPECT_EQ(valueOf(dpm_password_get_quality), quality);
+        EXPECT_EQ(valueOf(dpm_password_get_minimum_length), 0) << quality;
     }
-    EXPECT_EQ(dpm_restriction_set_messaging_state(handle(), "*", 0), DPM_ERROR_PERMISSION_DENIED);
-    EXPECT_EQ(dpm_security_set_internal_storage_encryption(handle(), 1), DPM_ERROR_PERMISSION_DENIED);
-    EXPECT_EQ(dpm_security_set_external_storage_encryption(handle(), 1), DPM_ERROR_PERMISSION_DENIED);
-    EXPECT_EQ(dpm_security_wipe_data(handle(), DPM_SECURITY_WIPE_INTERNAL_STORAGE), DPM_ERROR_PERMISSION_DENIED);
+}
+
+TEST_F(DpmContract, ValuesAbove32766AreKeptOrBecomeZero) {
+    registerClient();
+    for (const Setting& setting : settings()) {
+        const std::string name = setting.name;
+        if (name == "failed attempts" || name == "expiry" || name == "inactivity") {
+            EXPECT_EQ(setAndRead(setting, 32766), 32766) << name;
+            EXPECT_EQ(setAndRead(setting, 32767), 0) << name;
+            EXPECT_EQ(setAndRead(setting, 2147483647), 0) << name;
+        } else if (name == "minimum length" || name == "complex characters" || name == "history") {
+            EXPECT_EQ(setAndRead(setting, 32767), 32767) << name;
+            EXPECT_EQ(setAndRead(setting, 2147483647), 2147483647) << name;
+        }
+    }
+}
+
+TEST_F(DpmContract, NegativePasswordRuleIsInvalid) {
+    registerClient();
+    for (const Setting& setting : settings()) {
+        const bool isRestriction = setting.byDefault == 1;
+        EXPECT_EQ(setting.set(handle(), -1), isRestriction ? DPM_ERROR_NONE : DPM_ERROR_INVALID_PARAMETER)
+            << setting.name;
+        EXPECT_EQ(valueOf(setting.get), setting.byDefault) << setting.name;
+    }
+    EXPECT_EQ(dpm_restriction_set_messaging_state(handle(), "*", -1), DPM_ERROR_NONE);
+    EXPECT_EQ(dpm_security_set_internal_storage_encryption(handle(), -1), DPM_ERROR_NOT_PERMITTED);
+}
+
+TEST_F(DpmContract, RestrictionGoesBackAndForth) {
+    registerClient();
+    for (const Setting& setting : settings()) {
+        if (setting.byDefault == 1) {
+            EXPECT_EQ(setAndRead(setting, 0), 0) << setting.name;
+            EXPECT_EQ(setAndRead(setting, 1), 1) << setting.name;
+            EXPECT_EQ(setAndRead(setting, 0), 0) << setting.name;
+            EXPECT_EQ(setAndRead(setting, 5), 1) << setting.name;
+        }
+    }
+}
+
+TEST_F(DpmContract, SettersAreRefusedWhileNobodyAdministers) {
+    for (const Setting& setting : settings()) {
+        EXPECT_EQ(setting.set(handle(), 1), DPM_ERROR_NOT_PERMITTED) << setting.name;
+    }
+    EXPECT_EQ(dpm_restriction_set_messaging_state(handle(), "*", 0), DPM_ERROR_NOT_PERMITTED);
+    EXPECT_EQ(dpm_security_set_internal_storage_encryption(handle(), 1), DPM_ERROR_NOT_PERMITTED);
+    EXPECT_EQ(dpm_security_set_external_storage_encryption(handle(), 1), DPM_ERROR_NOT_PERMITTED);
     EXPECT_EQ(messaging("*"), 1);
 }
 
-TEST_F(DpmContract, SettersAreDeniedAgainWhenTheClientIsGone) {
+TEST_F(DpmContract, AdministratorOfAnotherNameLetsTheCallerSetNothing) {
+    EXPECT_EQ(dpm_admin_register_client(handle(), "com.example.another", user), DPM_ERROR_NONE);
+    EXPECT_EQ(dpm_password_set_quality(handle(), 32), DPM_ERROR_NOT_PERMITTED);
+    EXPECT_EQ(valueOf(dpm_password_get_quality), 0);
+}
+
+TEST_F(DpmContract, SettersAreRefusedAgainWhenTheClientIsGone) {
     registerClient();
     EXPECT_EQ(dpm_admin_deregister_client(handle(), client, user), DPM_ERROR_NONE);
-    EXPECT_EQ(dpm_password_set_quality(handle(), 32), DPM_ERROR_PERMISSION_DENIED);
+    EXPECT_EQ(dpm_password_set_quality(handle(), 32), DPM_ERROR_NOT_PERMITTED);
 }
 
-TEST_F(DpmContract, ClientCanRegisterAgain) {
+TEST_F(DpmContract, PasswordRulesGoWithTheClientAndRestrictionsStay) {
     registerClient();
+    for (const Setting& setting : settings()) {
+        setting.set(handle(), setting.byDefault == 1 ? 0 : 2);
+    }
+    dpm_restriction_set_messaging_state(handle(), "*", 0);
+
+    EXPECT_EQ(dpm_admin_deregister_client(handle(), client, user), DPM_ERROR_NONE);
+
+    for (const Setting& setting : settings()) {
+        EXPECT_EQ(valueOf(setting.get), 0) << setting.name;
+    }
+    EXPECT_EQ(messaging("*"), 0);
+}
+
+TEST_F(DpmContract, ClientRegistersAndEndsOnce) {
     EXPECT_EQ(dpm_admin_register_client(handle(), client, user), DPM_ERROR_NONE);
+    EXPECT_EQ(dpm_admin_register_client(handle(), client, user), DPM_ERROR_NOT_PERMITTED);
+    EXPECT_EQ(dpm_admin_register_client(handle(), "com.example.another", user), DPM_ERROR_NONE);
+    EXPECT_EQ(dpm_admin_register_client(handle(), "", user), DPM_ERROR_NONE) << "an empty name is one, too";
+    EXPECT_EQ(dpm_admin_deregister_client(handle(), client, user), DPM_ERROR_NONE);
+    EXPECT_EQ(dpm_admin_deregister_client(handle(), client, user), DPM_ERROR_NOT_PERMITTED);
 }
 
-TEST_F(DpmContract, ClientWithoutNameOrUserIsInvalid) {
+TEST_F(DpmContract, ClientWithoutNameOrOfRootOrNobodyIsInvalid) {
     EXPECT_EQ(dpm_admin_register_client(handle(), nullptr, user), DPM_ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(dpm_admin_register_client(handle(), "", user), DPM_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(dpm_admin_register_client(handle(), client, 0), DPM_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(dpm_admin_register_client(handle(), client, static_cast<uid_t>(-1)), DPM_ERROR_INVALID_PARAMETER);
-}
-
-TEST_F(DpmContract, UnknownClientCannotDeregister) {
-    EXPECT_EQ(dpm_admin_deregister_client(handle(), client, user), DPM_ERROR_NO_SUCH_FILE);
 }
 
 TEST_F(DpmContract, MessagingOfOneSimLeavesTheOthersAlone) {
@@ -150,14 +239,18 @@ TEST_F(DpmContract, DemandForEncryptionEncryptsNothing) {
     EXPECT_EQ(isEncrypted, 0);
 }
 
-TEST_F(DpmContract, WipeOfNoStorageIsInvalid) {
-    registerClient();
-    EXPECT_EQ(dpm_security_wipe_data(handle(), static_cast<dpm_security_wipe_type_e>(0)), DPM_ERROR_INVALID_PARAMETER);
+TEST_F(DpmContract, WipeNeedsNoAdministrator) {
+    EXPECT_EQ(wipe(DPM_SECURITY_WIPE_INTERNAL_STORAGE), DPM_ERROR_NONE);
 }
 
-TEST_F(DpmContract, AdministratorMayWipe) {
+TEST_F(DpmContract, WipeTakesTypesThatNameAStorageOfTheDevice) {
     registerClient();
-    EXPECT_EQ(dpm_security_wipe_data(handle(), DPM_SECURITY_WIPE_INTERNAL_STORAGE), DPM_ERROR_NONE);
+    for (const int type : {1, 2, 3, 5}) {
+        EXPECT_EQ(wipe(type), DPM_ERROR_NONE) << type;
+    }
+    for (const int type : {0, 4}) {
+        EXPECT_EQ(wipe(type), DPM_ERROR_INVALID_PARAMETER) << type;
+    }
 }
 
 TEST_F(DpmContract, NullHandleIsInvalid) {

@@ -111,7 +111,7 @@ int dpm_admin_deregister_client(device_policy_manager_h handle, const char* name
             return DPM_ERROR_INVALID_PARAMETER;
         }
         const bool wasClient = FakePlatform::current().devicePolicy.clients.erase({name, uid}) != 0;
-        return wasClient ? DPM_ERROR_NONE : DPM_ERROR_NO_SUCH_FILE;
+        return wasClient ? DPM_ERROR_NONE : DPM_ERROR_NOT_PERMITTED;
     });
 }
 

@@ -29,7 +29,7 @@ protected:
         EXPECT_EQ(service_app_main(1, arguments, &callbacks, &body), 0);
     }
 
-    Faults() { dpm_admin_register_client(manager(), "com.example.client", 0); }
+    Faults() { dpm_admin_register_client(manager(), deskId, 1000); }
 
     device_policy_manager_h manager() const { return manager_.get(); }
 

@@ -204,7 +204,10 @@ int printKey(const Arguments& arguments) {
 
 int administer(const Arguments& arguments) {
     const ManagerOwner manager(dpm_manager_create());
-    dpm_admin_register_client(manager.get(), "com.example.client", getuid());
+    char* id = nullptr;
+    app_get_id(&id);
+    constexpr uid_t owner = 5001;
+    dpm_admin_register_client(manager.get(), taken(id).c_str(), owner);
     const bool isSet = dpm_password_set_quality(manager.get(), std::stoi(arguments.at(0))) == 0;
     return isSet ? EXIT_SUCCESS : EXIT_FAILURE;
 }

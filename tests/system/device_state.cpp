@@ -59,11 +59,10 @@ Settings settings() {
     return s;
 }
 
-int tryToAdminister() {
-    const ManagerOwner manager(dpm_manager_create());
-    int quality = 0;
-    EXPECT_EQ(dpm_password_get_quality(manager.get(), &quality), DPM_ERROR_NONE);
-    return dpm_password_set_quality(manager.get(), quality);
+bool isServiceAdministrator() {
+    const c::ObjectOwner<DConfClient> client(dconf_client_new());
+    const auto path = std::string("/dpm/clients/") + deskwatch::ids::service;
+    return c::VariantOwner(dconf_client_read(client.get(), path.c_str())) != nullptr;
 }
 
 std::optional<int> key(const std::string& name) {

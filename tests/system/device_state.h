@@ -54,9 +54,11 @@ inline constexpr Settings hardenedSettings = with(releasedSettings, {{&Settings:
                                                                      {&Settings::history, 4},
                                                                      {&Settings::encryption, 1}});
 
-/// What a set-up device policy manager answers to a process that wants to change a setting to the value it has: a
-/// platform code, which tells whether a client is registered.
-int tryToAdminister();
+/// What it holds once the service no longer administers the device: the rules for the password have gone with it.
+inline constexpr Settings abandonedSettings{0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 0};
+
+/// Whether the service is an administrator of the device.
+bool isServiceAdministrator();
 
 /// A number of the settings store, by its key; none when it was never set.
 std::optional<int> key(const std::string& name);

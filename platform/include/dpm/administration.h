@@ -9,10 +9,12 @@
 extern "C" {
 #endif
 
-/// Makes an application of a user an administrator of the device. Returns 0 or a dpm_error_type_e.
+/// Makes an application of a user, which is not root, an administrator of the device; it may then call the setters. A
+/// repeated registration answers DPM_ERROR_NOT_PERMITTED. Returns 0 or a dpm_error_type_e.
 int dpm_admin_register_client(device_policy_manager_h handle, const char* name, uid_t uid);
 
-/// Takes the administration back. Returns 0 or a dpm_error_type_e.
+/// Takes the administration back: the rules for the password go, restrictions stay. An unknown administrator answers
+/// DPM_ERROR_NOT_PERMITTED. Returns 0 or a dpm_error_type_e.
 int dpm_admin_deregister_client(device_policy_manager_h handle, const char* name, uid_t uid);
 
 #ifdef __cplusplus

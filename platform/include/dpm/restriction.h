@@ -8,7 +8,7 @@ extern "C" {
 #endif
 
 /// What the device may do: 1 allowed, 0 forbidden. Every operation returns 0 or a dpm_error_type_e; a setter answers
-/// DPM_ERROR_PERMISSION_DENIED to a process that may not administer the device.
+/// DPM_ERROR_NOT_PERMITTED to a process that may not administer the device.
 
 int dpm_restriction_set_wifi_state(device_policy_manager_h handle, int allow);
 int dpm_restriction_get_wifi_state(device_policy_manager_h handle, int* is_allowed);

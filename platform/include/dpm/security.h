@@ -12,8 +12,8 @@ typedef enum {
     DPM_SECURITY_WIPE_EXTERNAL_STORAGE = (1 << 1)
 } dpm_security_wipe_type_e;
 
-/// Every operation returns 0 or a dpm_error_type_e; a setter and the wipe answer DPM_ERROR_PERMISSION_DENIED to a
-/// process that may not administer the device.
+/// Every operation returns 0 or a dpm_error_type_e; a setter answers DPM_ERROR_NOT_PERMITTED to a process that may not
+/// administer the device.
 
 /// Demands, or no longer demands, that the storage is encrypted.
 int dpm_security_set_internal_storage_encryption(device_policy_manager_h handle, int encrypt);
@@ -24,7 +24,7 @@ int dpm_security_is_internal_storage_encrypted(device_policy_manager_h handle, i
 int dpm_security_set_external_storage_encryption(device_policy_manager_h handle, int encrypt);
 int dpm_security_is_external_storage_encrypted(device_policy_manager_h handle, int* is_encrypted);
 
-/// Erases a storage at once.
+/// Erases a storage at once, whoever asks.
 int dpm_security_wipe_data(device_policy_manager_h handle, dpm_security_wipe_type_e type);
 
 #ifdef __cplusplus
