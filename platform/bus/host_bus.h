@@ -17,6 +17,13 @@ inline constexpr char applicationPath[] = "/tesk/host/application";
 /// The object that tesk.host.System signals come from.
 inline constexpr char systemPath[] = "/tesk/host/system";
 
+/// Settings: the folder of the shared keys.
+inline constexpr char sharedKeysPath[] = "/vconf/";
+
+/// Settings: the folder of the marks of the shared keys, each at the key's own path below it. Whoever writes a key
+/// gives its mark another text in the same change, which tells those who watch the key.
+inline constexpr char keyMarksPath[] = "/vconf/written/";
+
 } // namespace host_bus
 
 #endif

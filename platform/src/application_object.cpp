@@ -5,6 +5,7 @@
 #include "host_bus.h"
 #include "launcher.h"
 #include "settings_store.h"
+#include "vconf_watches.h"
 
 namespace host {
 
@@ -70,6 +71,7 @@ gboolean ApplicationObject::onSettle(PlatformBusApplication* /*object*/, GDBusMe
 
 gboolean ApplicationObject::answerSettle(gpointer invocation) {
     return guarded<gboolean>("the answer that all is settled", G_SOURCE_REMOVE, [&] {
+        VconfWatches::get().tellNews();
         const std::vector<std::string> ids = Launcher::get().outstanding();
         std::vector<const char*> texts;
         texts.reserve(ids.size() + 1);

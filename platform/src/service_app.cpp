@@ -12,6 +12,7 @@
 #include "faults.h"
 #include "guard.h"
 #include "settings_store.h"
+#include "vconf_watches.h"
 
 using host::ApplicationObject;
 using host::Bus;
@@ -99,6 +100,7 @@ void deliverFirstRequest(const Bus& bus, ApplicationObject& object) {
 void leaveBus(Bus& bus) {
     bus.releaseAllNames();
     MainLoop::get().drain();
+    host::VconfWatches::get().tellNews();
 }
 
 int runApplication(const service_app_lifecycle_callback_s& callbacks, void* userData) {

@@ -1,8 +1,9 @@
-// The shared settings are dconf keys below /vconf/. Setting a key to its present value is not a change, and calls
-// no watch.
+// The shared settings are dconf keys below /vconf/. A write makes news even when the key keeps its value, of which
+// dconf would tell nobody: each write changes a mark of its own with the key (see vconf_watches.h).
 
 #include "vconf.h"
 
+#include "bus_values.h"
 #include "guard.h"
 #include "keynode.h"
 #include "settings_store.h"
@@ -18,6 +19,9 @@ namespace {
 
 constexpr int failure = -1;
 
+// What a getter leaves behind that finds a text: the number is lost on devices, too.
+constexpr int overwritten = 1970037110;
+
 std::string keyPath(const char* key) {
     return key != nullptr ? vconfPath(key) : std::string();
 }
@@ -27,22 +31,22 @@ std::string keyPath(const char* key) {
 int vconf_get_int(const char* in_key, int* intval) {
     return guarded(__func__, failure, [&] {
         const std::string path = keyPath(in_key);
-        const auto value = path.empty() || intval == nullptr ? std::nullopt : SettingsStore::get().readInt(path);
-        if (!value) {
+        const c::VariantOwner value = path.empty() || intval == nullptr ? nullptr : SettingsStore::get().read(path);
+        if (value == nullptr) {
             return failure;
         }
-        *intval = *value;
-        return 0;
+        const auto number = host::intOf(value.get());
+        *intval = number.value_or(overwritten);
+        return number ? 0 : failure;
     });
 }
 
 int vconf_set_int(const char* in_key, const int intval) {
     return guarded(__func__, failure, [&] {
-        const std::string path = keyPath(in_key);
-        if (path.empty()) {
+        if (keyPath(in_key).empty()) {
             return failure;
         }
-        SettingsStore::get().write(path, g_variant_new_int32(intval));
+        host::writeVconf(in_key, g_variant_new_int32(intval));
         return 0;
     });
 }
@@ -57,22 +61,18 @@ char* vconf_get_str(const char* in_key) {
 
 int vconf_set_str(const char* in_key, const char* strval) {
     return guarded(__func__, failure, [&] {
-        const std::string path = keyPath(in_key);
-        if (path.empty() || strval == nullptr || !host::isUtf8(strval)) {
+        if (keyPath(in_key).empty() || strval == nullptr || !host::isUtf8(strval)) {
             return failure;
         }
-        SettingsStore::get().write(path, g_variant_new_string(strval));
+        host::writeVconf(in_key, g_variant_new_string(strval));
         return 0;
     });
 }
 
 int vconf_notify_key_changed(const char* in_key, vconf_callback_fn cb, void* user_data) {
     return guarded(__func__, failure, [&] {
-        if (cb == nullptr || keyPath(in_key).empty()) {
-            return failure;
-        }
-        VconfWatches::get().add(in_key, cb, user_data);
-        return 0;
+        const bool valid = cb != nullptr && !keyPath(in_key).empty();
+        return valid && VconfWatches::get().add(in_key, cb, user_data) ? 0 : failure;
     });
 }
 
@@ -88,7 +88,7 @@ char* vconf_keynode_get_name(keynode_t* keynode) {
 }
 
 int vconf_keynode_get_int(keynode_t* keynode) {
-    return keynode != nullptr ? keynode->number.value_or(0) : 0;
+    return keynode != nullptr ? keynode->number.value_or(failure) : 0;
 }
 
 char* vconf_keynode_get_str(keynode_t* keynode) {

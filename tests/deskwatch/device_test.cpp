@@ -80,6 +80,9 @@ TEST(Device, FreshWatchHasNoLockNoEncryptionAndNoTutorial) {
     const TemporaryFolder folder;
     const BootedDevice watch(folder.path(), someApplications());
     enter(*watch);
+    EXPECT_EQ(setting("/vconf/db/eas/password_policy_applied"), "0");
+    EXPECT_EQ(setting("/vconf/db/eas/device_encryption_applied"), "0");
+    EXPECT_EQ(setting("/vconf/db/eas/is_pwd_input_finished"), "0");
     EXPECT_EQ(setting("/vconf/db/setting/lock_type"), "0");
     EXPECT_EQ(setting("/vconf/db/ode/crypto_state"), "'unencrypted'");
     EXPECT_EQ(setting("/vconf/db/rgn/country_iso"), "'US'");

@@ -207,6 +207,7 @@ TEST_F(Launcher, SettledApplicationHasHandledAllThatWasSentBefore) {
 
 TEST_F(LauncherOnOneProcessor, SettledApplicationHasHeardOfEachKeyThatWasSetBefore) {
     constexpr char key[] = "db/example/key";
+    vconf_set_int(key, 0);
     launch(appId, {}, nullptr);
     ASSERT_TRUE(logged("launch by com.example.desk"));
     tellApp(appId, "watch", key);

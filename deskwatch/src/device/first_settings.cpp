@@ -28,6 +28,13 @@ ChangesetOwner firstChanges(const DeviceState& state, bool fresh) {
     dconf_changeset_set(changes.get(), "/faults/", nullptr);
     dconf_changeset_set(changes.get(), "/vconf/memory/", nullptr);
     setKey(changes, TeskConsumerKeys::tutorialInProgress, intValue(state.tutorial.value_or(false) ? 1 : 0));
+    if (fresh) {
+        // Keys that exist on every device, since the service could not watch one that nobody has made.
+        for (const char* key : {TeskConsumerKeys::passwordPolicyApplied, TeskConsumerKeys::deviceEncryptionApplied,
+                                TeskConsumerKeys::passwordInputFinished}) {
+            setKey(changes, key, intValue(0));
+        }
+    }
     if (fresh || state.lock) {
         setKey(changes, TeskConsumerKeys::lockType, intValue(static_cast<int>(state.lock.value_or(Lock::None))));
     }

@@ -5,6 +5,7 @@
 
 #include "c_owners.h"
 #include "device/application_ids.h"
+#include "host_bus.h"
 
 namespace deskwatch {
 namespace {
@@ -149,10 +150,13 @@ void BusTrace::takeChanges(GDBusMessage* message) {
     GVariant* changed = nullptr;
     while (g_variant_iter_next(&iterator, "{&smv}", &key, &changed) != FALSE) {
         const c::VariantOwner value(changed);
+        if (startsWith(key, host_bus::keyMarksPath)) {
+            continue; // goes with the key
+        }
         if (isOwn) {
             const auto shown = isUserNumber(key) && value != nullptr ? TraceEvent("registered") : valueOf(value.get());
             sink_({{"out", "write"}, {"key", key}, {"value", shown}});
-        } else if (startsWith(key, "/vconf/")) {
+        } else if (startsWith(key, host_bus::sharedKeysPath)) {
             sink_({{"in", "key"}, {"key", key}, {"value", valueOf(value.get())}});
         }
     }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstring>
 #include <map>
 #include <stdexcept>
 
@@ -135,6 +136,9 @@ private:
     void setKey(const std::string& key, const TraceEvent& value) const {
         const std::unique_ptr<DConfChangeset, ChangesetRelease> changes(dconf_changeset_new());
         dconf_changeset_set(changes.get(), key.c_str(), settingOf(value));
+        const std::string mark = host_bus::keyMarksPath + key.substr(std::strlen(host_bus::sharedKeysPath));
+        const c::MemoryOwner<char> another(g_uuid_string_random());
+        dconf_changeset_set(changes.get(), mark.c_str(), g_variant_new_string(another.get()));
         const c::VariantOwner serialised(g_variant_ref_sink(dconf_changeset_serialise(changes.get())));
         GVariant* bytes = g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, g_variant_get_data(serialised.get()),
                                                     g_variant_get_size(serialised.get()), 1);
