@@ -16,7 +16,9 @@ typedef enum {
 } preference_error_e;
 
 /// The application's own persistent values. Every operation returns 0 or a preference_error_e; a getter whose key is
-/// missing answers PREFERENCE_ERROR_NO_KEY and leaves *value alone.
+/// missing answers PREFERENCE_ERROR_NO_KEY and leaves *value alone, one whose key has another type answers
+/// PREFERENCE_ERROR_INVALID_PARAMETER and has overwritten a number or a boolean. An empty key answers
+/// PREFERENCE_ERROR_IO_ERROR.
 int preference_set_int(const char* key, int value);
 int preference_get_int(const char* key, int* value);
 int preference_set_boolean(const char* key, bool value);

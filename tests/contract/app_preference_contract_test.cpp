@@ -58,11 +58,40 @@ TEST(PreferenceContract, MissingKeyIsNoKeyAndLeavesTheValueAlone) {
     EXPECT_EQ(text, nullptr);
 }
 
-TEST(PreferenceContract, KeyOfAnotherTypeIsAnErrorAndLeavesTheValueAlone) {
+TEST(PreferenceContract, NumberOrBooleanOfAnotherTypeIsInvalidAndOverwritten) {
+    int number = 5;
+    bool flag = true;
+    double fraction = 0.5;
     preference_set_string(key, "7");
-    int value = 5;
-    EXPECT_LT(preference_get_int(key, &value), 0);
-    EXPECT_EQ(value, 5);
+    EXPECT_EQ(preference_get_int(key, &number), PREFERENCE_ERROR_INVALID_PARAMETER);
+    preference_set_int(key, 0);
+    EXPECT_EQ(preference_get_boolean(key, &flag), PREFERENCE_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(preference_get_double(key, &fraction), PREFERENCE_ERROR_INVALID_PARAMETER);
+    EXPECT_NE(number, 5);
+    EXPECT_FALSE(flag);
+    EXPECT_NE(fraction, 0.5);
+}
+
+TEST(PreferenceContract, TextOfAnotherTypeIsInvalidAndLeftAlone) {
+    preference_set_int(key, 7);
+    char* text = nullptr;
+    EXPECT_EQ(preference_get_string(key, &text), PREFERENCE_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(text, nullptr);
+}
+
+TEST(PreferenceContract, NumberReplacesAText) {
+    preference_set_string(key, "text");
+    EXPECT_EQ(preference_set_int(key, 7), PREFERENCE_ERROR_NONE);
+    int value = 0;
+    EXPECT_EQ(preference_get_int(key, &value), PREFERENCE_ERROR_NONE);
+    EXPECT_EQ(value, 7);
+}
+
+TEST(PreferenceContract, EmptyKeyCannotBeWritten) {
+    EXPECT_EQ(preference_set_int("", 7), PREFERENCE_ERROR_IO_ERROR);
+    int value = 0;
+    EXPECT_NE(preference_get_int("", &value), PREFERENCE_ERROR_NONE);
+    EXPECT_EQ(value, 0);
 }
 
 TEST(PreferenceContract, KeyExistsOnceItWasSet) {

@@ -35,7 +35,6 @@ TEST_F(SettingsStore, NamesThatWouldLeaveTheirFolderAreRefused) {
     const ManagerOwner manager(dpm_manager_create());
     EXPECT_EQ(dpm_restriction_set_messaging_state(manager.get(), "a/b", 1), DPM_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(dpm_admin_register_client(manager.get(), "a/b", 0), DPM_ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(preference_set_int("", 1), PREFERENCE_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(preference_set_int("a//b", 1), PREFERENCE_ERROR_INVALID_PARAMETER);
 }
 
