@@ -22,10 +22,11 @@ bundle* bundle_create(void);
 /// Releases a bundle and its texts. Returns 0 or a bundle_error_e.
 int bundle_free(bundle* b);
 
-/// Adds a copy of the pair; a key that is there already answers BUNDLE_ERROR_KEY_EXISTS.
+/// Adds a copy of the pair; a key that is there already answers BUNDLE_ERROR_KEY_EXISTS, an empty one
+/// BUNDLE_ERROR_INVALID_PARAMETER.
 int bundle_add_str(bundle* b, const char* key, const char* str);
 
-/// Points *str at the bundle's own text; a missing key answers BUNDLE_ERROR_KEY_NOT_AVAILABLE and makes *str null.
+/// Points *str at the bundle's own text; a missing key answers BUNDLE_ERROR_KEY_NOT_AVAILABLE and leaves *str alone.
 int bundle_get_str(bundle* b, const char* key, char** str);
 
 #ifdef __cplusplus

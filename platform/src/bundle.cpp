@@ -20,7 +20,7 @@ int bundle_free(bundle* b) {
 }
 
 int bundle_add_str(bundle* b, const char* key, const char* str) {
-    if (b == nullptr || key == nullptr || str == nullptr) {
+    if (b == nullptr || key == nullptr || *key == '\0' || str == nullptr) {
         return BUNDLE_ERROR_INVALID_PARAMETER;
     }
     return guarded<int>(__func__, BUNDLE_ERROR_OUT_OF_MEMORY, [&] {
@@ -37,7 +37,6 @@ int bundle_get_str(bundle* b, const char* key, char** str) {
         return BUNDLE_ERROR_INVALID_PARAMETER;
     }
     return guarded<int>(__func__, BUNDLE_ERROR_OUT_OF_MEMORY, [&] {
-        *str = nullptr;
         std::string* value = b->pairs.find(key);
         if (value == nullptr) {
             return BUNDLE_ERROR_KEY_NOT_AVAILABLE;

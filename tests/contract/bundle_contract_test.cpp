@@ -29,11 +29,15 @@ TEST_F(BundleContract, KeepsAnEmptyText) {
     EXPECT_STREQ(value, "");
 }
 
-TEST_F(BundleContract, MissingKeyIsNotAvailableAndMakesTheTextNull) {
+TEST_F(BundleContract, MissingKeyIsNotAvailableAndLeavesTheTextAlone) {
     char anything[] = "anything";
     char* value = anything;
     EXPECT_EQ(bundle_get_str(content(), "req", &value), BUNDLE_ERROR_KEY_NOT_AVAILABLE);
-    EXPECT_EQ(value, nullptr);
+    EXPECT_EQ(value, anything);
+}
+
+TEST_F(BundleContract, EmptyKeyIsInvalid) {
+    EXPECT_EQ(bundle_add_str(content(), "", "text"), BUNDLE_ERROR_INVALID_PARAMETER);
 }
 
 TEST_F(BundleContract, SecondValueOfAKeyIsRefused) {
