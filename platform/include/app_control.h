@@ -45,24 +45,27 @@ int app_control_create(app_control_h* app_control);
 /// Releases a request that the caller made. Returns 0 or a negative error.
 int app_control_destroy(app_control_h app_control);
 
-/// Names the application to launch. Returns 0 or a negative error.
+/// Names the application to launch; null names none. Returns 0 or a negative error.
 int app_control_set_app_id(app_control_h app_control, const char* app_id);
 
 /// The application to launch, null when none was named. The caller releases *app_id with free().
 int app_control_get_app_id(app_control_h app_control, char** app_id);
 
-/// Adds a pair, replacing the value of a key that is there. Returns 0 or a negative error.
+/// Adds a pair as the last one, in place of a pair with the same key. An empty key or value answers
+/// APP_CONTROL_ERROR_INVALID_PARAMETER, a key that begins with "__AUL_" or "__APP_SVC_", which are the platform's own,
+/// APP_CONTROL_ERROR_KEY_REJECTED. Returns 0 or a negative error.
 int app_control_add_extra_data(app_control_h app_control, const char* key, const char* value);
 
 /// The value of a key, or APP_CONTROL_ERROR_KEY_NOT_FOUND. The caller releases *value with free().
 int app_control_get_extra_data(app_control_h app_control, const char* key, char** value);
 
-/// Walks the pairs. Returns 0 or a negative error.
+/// Walks the pairs in order. Returns 0 or a negative error.
 int app_control_foreach_extra_data(app_control_h app_control, app_control_extra_data_cb callback, void* user_data);
 
 /// Sends the request and starts the application when it does not run. The request may be destroyed as soon as this
-/// returns; a null callback means that no reply is wanted. Returns 0 or a negative error at once; a reply may come at
-/// any later time.
+/// returns; a null callback means that no reply is wanted. Returns 0 or a negative error at once, which is
+/// APP_CONTROL_ERROR_APP_NOT_FOUND when no application is named or known by that name; a reply may come at any later
+/// time.
 int app_control_send_launch_request(app_control_h app_control, app_control_reply_cb callback, void* user_data);
 
 /// The id of the application that sent the request. The caller releases *id with free().

@@ -1,5 +1,8 @@
 #include "app_control.h"
 
+#include <algorithm>
+#include <cstring>
+#include <iterator>
 #include <utility>
 
 #include "app_control_handle.h"
@@ -13,6 +16,19 @@ using host::guarded;
 using host::Launcher;
 
 namespace {
+
+constexpr const char* internalKeys[] = {"__AUL_", "__APP_SVC_"};
+
+// Whether a key can be one of extra data.
+app_control_error_e verdictOnKey(const char* key) {
+    if (key == nullptr || *key == '\0') {
+        return APP_CONTROL_ERROR_INVALID_PARAMETER;
+    }
+    const bool isInternal = std::any_of(std::begin(internalKeys), std::end(internalKeys), [&](const char* beginning) {
+        return std::strncmp(key, beginning, std::strlen(beginning)) == 0;
+    });
+    return isInternal ? APP_CONTROL_ERROR_KEY_REJECTED : APP_CONTROL_ERROR_NONE;
+}
 
 // Runs a function's body with the control that a handle stands for. A handle that stands for none is refused.
 template <class Body>
@@ -43,10 +59,7 @@ int app_control_destroy(app_control_h app_control) {
 
 int app_control_set_app_id(app_control_h app_control, const char* app_id) {
     return withControl(__func__, app_control, [&](app_control_s& control) {
-        if (app_id == nullptr) {
-            return APP_CONTROL_ERROR_INVALID_PARAMETER;
-        }
-        control.appId = app_id;
+        control.appId = app_id != nullptr ? std::optional<std::string>(app_id) : std::nullopt;
         return APP_CONTROL_ERROR_NONE;
     });
 }
@@ -63,18 +76,23 @@ int app_control_get_app_id(app_control_h app_control, char** app_id) {
 
 int app_control_add_extra_data(app_control_h app_control, const char* key, const char* value) {
     return withControl(__func__, app_control, [&](app_control_s& control) {
-        if (key == nullptr || value == nullptr) {
+        if (value == nullptr || *value == '\0') {
             return APP_CONTROL_ERROR_INVALID_PARAMETER;
         }
-        control.extraData.set(key, value);
-        return APP_CONTROL_ERROR_NONE;
+        const auto verdict = verdictOnKey(key);
+        if (verdict == APP_CONTROL_ERROR_NONE) {
+            control.extraData.remove(key);
+            control.extraData.set(key, value);
+        }
+        return verdict;
     });
 }
 
 int app_control_get_extra_data(app_control_h app_control, const char* key, char** value) {
     return withControl(__func__, app_control, [&](app_control_s& control) {
-        if (key == nullptr || value == nullptr) {
-            return APP_CONTROL_ERROR_INVALID_PARAMETER;
+        const auto verdict = value != nullptr ? verdictOnKey(key) : APP_CONTROL_ERROR_INVALID_PARAMETER;
+        if (verdict != APP_CONTROL_ERROR_NONE) {
+            return verdict;
         }
         const std::string* found = control.extraData.find(key);
         if (found == nullptr) {
@@ -103,8 +121,11 @@ int app_control_foreach_extra_data(app_control_h app_control, app_control_extra_
 int app_control_send_launch_request(app_control_h app_control, app_control_reply_cb callback, void* user_data) {
     return guarded<int>(__func__, APP_CONTROL_ERROR_LAUNCH_FAILED, [&]() -> int {
         const app_control_s* control = AppControls::get().find(app_control);
-        if (control == nullptr || !control->appId) {
+        if (control == nullptr) {
             return APP_CONTROL_ERROR_INVALID_PARAMETER;
+        }
+        if (!control->appId) {
+            return APP_CONTROL_ERROR_APP_NOT_FOUND;
         }
         return Launcher::get().send(*control, callback, user_data);
     });

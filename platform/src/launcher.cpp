@@ -70,7 +70,7 @@ Launcher::~Launcher() {
 }
 
 int Launcher::send(const app_control_s& request, app_control_reply_cb callback, void* userData) {
-    if (!request.appId || !request.extraData.isUtf8()) {
+    if (!request.extraData.isUtf8()) {
         return APP_CONTROL_ERROR_INVALID_PARAMETER;
     }
     const bool isRunning = bus_.hasOwner(*request.appId);

@@ -43,4 +43,8 @@ void StringMap::set(const std::string& key, const std::string& value) {
     }
 }
 
+void StringMap::remove(const std::string& key) {
+    pairs_.remove_if([&](const auto& pair) { return pair.first == key; });
+}
+
 } // namespace host

@@ -32,6 +32,9 @@ public:
     /// Adds a pair, or replaces the value of a key that is there.
     void set(const std::string& key, const std::string& value);
 
+    /// Removes the pair of a key, if there is one.
+    void remove(const std::string& key);
+
     const Pairs& pairs() const { return pairs_; }
 
 private:

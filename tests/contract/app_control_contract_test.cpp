@@ -65,15 +65,32 @@ TEST_F(AppControlContract, MissingKeyIsNotFound) {
     EXPECT_EQ(value, nullptr);
 }
 
-TEST_F(AppControlContract, WalksTheKeysInTheOrderInWhichTheyCame) {
-    app_control_add_extra_data(control(), "b", "1");
-    app_control_add_extra_data(control(), "a", "2");
-    app_control_add_extra_data(control(), "b", "3");
+TEST_F(AppControlContract, EmptyKeyOrValueIsInvalid) {
+    app_control_add_extra_data(control(), "key", "full");
+    EXPECT_EQ(app_control_add_extra_data(control(), "key", ""), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(extraData("key"), "full");
+    EXPECT_EQ(app_control_add_extra_data(control(), "", "value"), APP_CONTROL_ERROR_INVALID_PARAMETER);
+    char* value = nullptr;
+    EXPECT_EQ(app_control_get_extra_data(control(), "", &value), APP_CONTROL_ERROR_INVALID_PARAMETER);
+}
 
+TEST_F(AppControlContract, KeyOfThePlatformIsRejected) {
+    char* value = nullptr;
+    for (const char* key : {"__AUL_X", "__APP_SVC_X"}) {
+        EXPECT_EQ(app_control_add_extra_data(control(), key, "value"), APP_CONTROL_ERROR_KEY_REJECTED) << key;
+        EXPECT_EQ(app_control_get_extra_data(control(), key, &value), APP_CONTROL_ERROR_KEY_REJECTED) << key;
+    }
+}
+
+TEST_F(AppControlContract, WalksTheKeysInTheOrderOfTheirValues) {
+    for (const char* key : {"b", "a", "c"}) {
+        app_control_add_extra_data(control(), key, "1");
+    }
     std::vector<std::string> keys;
     EXPECT_EQ(app_control_foreach_extra_data(control(), collectKey, &keys), APP_CONTROL_ERROR_NONE);
-
-    EXPECT_EQ(keys, (std::vector<std::string>{"b", "a"}));
+    app_control_add_extra_data(control(), "b", "2");
+    app_control_foreach_extra_data(control(), collectKey, &keys);
+    EXPECT_EQ(keys, (std::vector<std::string>{"b", "a", "c", "a", "c", "b"}));
 }
 
 TEST_F(AppControlContract, WalkEndsWhenTheCallbackSaysSo) {
@@ -86,8 +103,19 @@ TEST_F(AppControlContract, WalkEndsWhenTheCallbackSaysSo) {
     EXPECT_EQ(keys, std::vector<std::string>{"a"});
 }
 
-TEST_F(AppControlContract, LaunchOfNoApplicationIsInvalid) {
-    EXPECT_EQ(app_control_send_launch_request(control(), nullptr, nullptr), APP_CONTROL_ERROR_INVALID_PARAMETER);
+TEST_F(AppControlContract, NullIdNamesNoApplicationAndAnEmptyOneStays) {
+    app_control_set_app_id(control(), "com.example.first");
+    EXPECT_EQ(app_control_set_app_id(control(), nullptr), APP_CONTROL_ERROR_NONE);
+    EXPECT_EQ(appId(), "(null)");
+    EXPECT_EQ(app_control_set_app_id(control(), ""), APP_CONTROL_ERROR_NONE);
+    EXPECT_EQ(appId(), "");
+}
+
+TEST_F(AppControlContract, LaunchOfNoApplicationIsNotFound) {
+    for (const char* id : {static_cast<const char*>(nullptr), "", "com.example.nobody"}) {
+        app_control_set_app_id(control(), id);
+        EXPECT_EQ(app_control_send_launch_request(control(), nullptr, nullptr), APP_CONTROL_ERROR_APP_NOT_FOUND);
+    }
 }
 
 TEST_F(AppControlContract, NullArgumentsAreInvalid) {
