@@ -34,7 +34,9 @@ int message_port_unregister_local_port(int local_port_id);
 /// Whether an application has that port open now. Returns 0 or a message_port_error_e.
 int message_port_check_remote_port(const char* remote_app_id, const char* remote_port, bool* exist);
 
-/// Delivers only to a port that is open now; starts nothing. Returns 0 or a message_port_error_e at once.
+/// Delivers only to a port that is open now; starts nothing. A message of more than 16 KiB after base64 encoding
+/// answers MESSAGE_PORT_ERROR_MAX_EXCEEDED: 12223 bytes of one value with a key of three letters are the most. Returns
+/// 0 or a message_port_error_e at once.
 int message_port_send_message(const char* remote_app_id, const char* remote_port, bundle* message);
 
 #ifdef __cplusplus

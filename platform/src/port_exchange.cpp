@@ -1,9 +1,12 @@
 #include "port_exchange.h"
 
+#include <numeric>
+
 #include "bundle_handle.h"
 #include "environment.h"
 #include "guard.h"
 #include "host_bus.h"
+#include "message_size.h"
 #include "text.h"
 
 namespace host {
@@ -14,6 +17,13 @@ void onSent(GObject* proxy, GAsyncResult* outcome, gpointer /*data*/) {
     if (!platform_bus_message_port_call_send_finish(PLATFORM_BUS_MESSAGE_PORT(proxy), outcome, &error)) {
         report(std::string("a message was not handled: ") + error->message);
     }
+}
+
+std::size_t sizeOf(const bundle& message) {
+    const auto& pairs = message.pairs.pairs();
+    return std::accumulate(pairs.begin(), pairs.end(), message_size::empty, [](std::size_t sum, const auto& pair) {
+        return sum + message_size::ofEntry(pair.first, pair.second);
+    });
 }
 
 c::ObjectOwner<PlatformBusMessagePort> portObjectOf(const Bus& bus, const std::string& busName) {
@@ -58,6 +68,7 @@ int PortExchange::open(const std::string& name, message_port_message_cb callback
         report("cannot open the port " + name + ": another process of this application has it open");
         return MESSAGE_PORT_ERROR_RESOURCE_UNAVAILABLE;
     }
+    g_idle_add_full(G_PRIORITY_DEFAULT, onBegin, this, nullptr);
     return ports_.set(name, callback, userData);
 }
 
@@ -93,12 +104,20 @@ int PortExchange::send(const std::string& application, const std::string& port, 
     if (!isOpen(application, port)) {
         return MESSAGE_PORT_ERROR_PORT_NOT_FOUND;
     }
+    if (sizeOf(message) > message_size::limit) {
+        return MESSAGE_PORT_ERROR_MAX_EXCEEDED;
+    }
     const auto object = portObjectOf(bus_, busName(application, port));
     platform_bus_message_port_call_send(object.get(), port.c_str(), Environment::get().applicationId().c_str(),
                                         message.pairs.toVariant(), G_DBUS_CALL_FLAGS_NO_AUTO_START, G_MAXINT, nullptr,
                                         onSent, nullptr);
     bus_.flush();
     return MESSAGE_PORT_ERROR_NONE;
+}
+
+gboolean PortExchange::onBegin(gpointer self) {
+    static_cast<PortExchange*>(self)->ports_.beginNext();
+    return G_SOURCE_REMOVE;
 }
 
 gboolean PortExchange::onSend(PlatformBusMessagePort* object, GDBusMethodInvocation* invocation, const char* port,

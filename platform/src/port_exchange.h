@@ -44,6 +44,7 @@ private:
     /// Lets messages arrive, from the first call on.
     void exportObject();
 
+    static gboolean onBegin(gpointer self);
     static gboolean onSend(PlatformBusMessagePort* object, GDBusMethodInvocation* invocation, const char* port,
                            const char* sender, GVariant* message, gpointer self);
 

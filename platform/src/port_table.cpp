@@ -26,7 +26,7 @@ int PortTable::set(const std::string& name, message_port_message_cb callback, vo
 
 bool PortTable::deliver(const std::string& name, const char* sender, GVariant* message) const {
     const auto id = find(name);
-    if (!id) {
+    if (!id || *id > lastBegun_) {
         return false;
     }
     const Port target = ports_.at(*id); // a copy, since the callback may close the port

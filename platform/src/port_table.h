@@ -12,6 +12,8 @@
 namespace host {
 
 /// The ports that a process has open: their ids and names, and who gets the messages. Knows nothing of the bus.
+///
+/// A port takes messages once it has begun, so that those for an earlier port of its name do not reach it.
 class PortTable {
 public:
     /// The id of an open port, if it is open.
@@ -23,10 +25,13 @@ public:
     /// Adds a port, or gives an open one another callback. Returns its id.
     int set(const std::string& name, message_port_message_cb callback, void* userData);
 
+    /// Lets the next port in order of opening take messages.
+    void beginNext() { ++lastBegun_; }
+
     void remove(int id) { ports_.erase(id); }
 
     /// Hands a message in its bus form, a(ss), to a port's callback, which may close the port. False when no port of
-    /// that name is open.
+    /// that name has begun.
     bool deliver(const std::string& name, const char* sender, GVariant* message) const;
 
 private:
@@ -38,6 +43,7 @@ private:
 
     std::map<int, Port> ports_;
     int lastId_ = 0;
+    int lastBegun_ = 0;
 };
 
 } // namespace host

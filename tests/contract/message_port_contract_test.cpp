@@ -2,6 +2,7 @@
 #include <message_port.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "contract_environment.h"
@@ -84,6 +85,57 @@ TEST(MessagePortContract, KeepsTheOrderOfMessages) {
 
     ASSERT_TRUE(received(inbox, sent.size()));
     EXPECT_EQ(inbox.texts, sent);
+}
+
+TEST(MessagePortContract, LongestMessageArrivesAndOneByteMoreIsRefused) {
+    Inbox inbox;
+    message_port_register_local_port(port, receive, &inbox);
+    const std::string longest(12223, 'x');
+    const std::string beside(12173, 'x');
+    const auto sendEntries = [](const std::vector<std::pair<std::string, std::string>>& entries) {
+        return message_port_send_message(self, port, bundleOf(entries).get());
+    };
+
+    EXPECT_EQ(sendEntries({{"msg", longest}}), MESSAGE_PORT_ERROR_NONE);
+    EXPECT_EQ(sendEntries({{"msg", longest + "x"}}), MESSAGE_PORT_ERROR_MAX_EXCEEDED);
+    EXPECT_EQ(sendEntries({{"req", "req_update_policy"}, {"msg", beside}}), MESSAGE_PORT_ERROR_NONE);
+    EXPECT_EQ(sendEntries({{"req", "req_update_policy"}, {"msg", beside + "x"}}), MESSAGE_PORT_ERROR_MAX_EXCEEDED);
+    EXPECT_EQ(send("after it"), MESSAGE_PORT_ERROR_NONE);
+
+    ASSERT_TRUE(received(inbox, 3));
+    contract::runPending();
+    EXPECT_EQ(inbox.texts, (std::vector<std::string>{"(null)", "(null)", "after it"}));
+}
+
+TEST(MessagePortContract, MessageMayBeEmpty) {
+    Inbox inbox;
+    message_port_register_local_port(port, receive, &inbox);
+    EXPECT_EQ(message_port_send_message(self, port, bundleOf({}).get()), MESSAGE_PORT_ERROR_NONE);
+    EXPECT_EQ(send(""), MESSAGE_PORT_ERROR_NONE);
+    ASSERT_TRUE(received(inbox, 2));
+    EXPECT_EQ(inbox.texts, (std::vector<std::string>{"(null)", ""}));
+}
+
+TEST(MessagePortContract, PortClosesOnce) {
+    EXPECT_EQ(message_port_unregister_local_port(1), MESSAGE_PORT_ERROR_PORT_NOT_FOUND);
+    const int id = message_port_register_local_port(port, receive, nullptr);
+    EXPECT_EQ(message_port_unregister_local_port(id + 1), MESSAGE_PORT_ERROR_PORT_NOT_FOUND);
+    EXPECT_EQ(message_port_unregister_local_port(id), MESSAGE_PORT_ERROR_NONE);
+    EXPECT_EQ(message_port_unregister_local_port(id), MESSAGE_PORT_ERROR_PORT_NOT_FOUND);
+    EXPECT_NE(message_port_register_local_port(port, receive, nullptr), id);
+}
+
+TEST(MessagePortContract, MessageForAClosedPortIsLostEvenWhenTheNameIsOpenedAgain) {
+    Inbox closed;
+    Inbox opened;
+    const int id = message_port_register_local_port(port, receive, &closed);
+    send("before");
+    message_port_unregister_local_port(id);
+    message_port_register_local_port(port, receive, &opened);
+    send("after");
+    ASSERT_TRUE(received(opened, 1));
+    EXPECT_EQ(opened.texts, std::vector<std::string>{"after"});
+    EXPECT_TRUE(closed.texts.empty());
 }
 
 TEST(MessagePortContract, PortThatNobodyOpenedIsNotFound) {

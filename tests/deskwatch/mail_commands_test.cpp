@@ -40,6 +40,21 @@ TEST_F(MailCommands, RawFilesAreOfferedWhereTheyCanBeSent) {
     EXPECT_EQ(accounts.errors.find("--raw"), std::string::npos) << accounts.errors;
 }
 
+TEST_F(MailCommands, MessageThatIsTooLongForThePortIsRefusedAndNothingIsSent) {
+    boot();
+    const auto longest = write("longest.json", "\"" + std::string(12171, 'x') + "\"").string();
+    const auto tooLong = write("long.json", "\"" + std::string(12172, 'x') + "\"").string();
+
+    const auto refused = deskwatchProgram({"mail", "policy", longest, tooLong});
+    const bool wasSent = status()["serviceRunning"];
+
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_NE(refused.errors.find(": the message has 12174 bytes; the port takes at most 12173\n"), std::string::npos)
+        << refused.errors;
+    EXPECT_FALSE(wasSent);
+    EXPECT_EQ(deskwatchProgram({"mail", "policy", longest}).status, 0);
+}
+
 TEST_F(MailCommands, FileWithoutAKindIsRefused) {
     boot();
     for (const char* text : {"[]", "{}", R"({"msgId": 4})"}) {

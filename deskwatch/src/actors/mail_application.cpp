@@ -3,11 +3,13 @@
 #include <app_control.h>
 #include <message_port.h>
 
+#include <algorithm>
 #include <set>
 #include <stdexcept>
 
 #include "c_owners.h"
 #include "device/application_ids.h"
+#include "message_size.h"
 
 namespace deskwatch {
 namespace {
@@ -15,6 +17,18 @@ namespace {
 void expectSuccess(int result, const std::string& what) {
     if (result != 0) {
         throw std::runtime_error("cannot " + what + ": the platform answers " + std::to_string(result));
+    }
+}
+
+/// What the port refuses is refused before anything is sent.
+void expectSendable(const Request& request) {
+    const std::size_t others =
+        message_size::empty + message_size::ofEntry("req", request.name) + message_size::ofEntry("msg", "");
+    const std::size_t most = others < message_size::limit ? message_size::limit - others : 0;
+    if (request.argument.size() > most) {
+        throw std::runtime_error("cannot send " + request.name + ": the message has " +
+                                 std::to_string(request.argument.size()) + " bytes; the port takes at most " +
+                                 std::to_string(most));
     }
 }
 
@@ -40,6 +54,7 @@ void sendAsMailApplication(const Device& device, const std::vector<Request>& req
 }
 
 void sendAsMailApplication(const DeviceSession& session, const std::vector<Request>& requests) {
+    std::for_each(requests.begin(), requests.end(), expectSendable);
     launchService();
     const auto firstLaunched = session.settle(ids::service); // its port is open now
     std::set<std::string> launched(firstLaunched.begin(), firstLaunched.end());
