@@ -41,11 +41,19 @@ TEST_F(KeyCommands, TextThatIsNoKeyIsRefused) {
     }
 }
 
+TEST_F(KeyCommands, KeyThatWasNeverSetCannotBeWatched) {
+    boot();
+    const auto outcome = deskwatchProgram({"key", "watch", "db/test/text"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.errors.find("cannot watch db/test/text: it was never set"), std::string::npos) << outcome.errors;
+}
+
 TEST_F(KeyCommands, WatchTellsTheValueAndItsChanges) {
     boot();
+    run({"key", "set", "db/test/text", "old"});
     RunningProgram watch({"key", "watch", "--count", "4", "db/setting/lock_type", "db/test/text"});
     EXPECT_EQ(watch.nextLine(), "db/setting/lock_type 0");
-    EXPECT_EQ(watch.nextLine(), "db/test/text -");
+    EXPECT_EQ(watch.nextLine(), "db/test/text old");
 
     run({"lock", "pin"});
     run({"key", "set", "db/test/text", "new"});

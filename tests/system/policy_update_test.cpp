@@ -9,6 +9,7 @@ namespace {
 
 TEST(PolicyUpdate, HardenedPolicyAsksForALockAndOffersEncryption) {
     const TestDevice device;
+    setKey(keys::inputFinished, 7);
     device.launchService();
 
     device.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
@@ -16,7 +17,7 @@ TEST(PolicyUpdate, HardenedPolicyAsksForALockAndOffersEncryption) {
     EXPECT_EQ(settings(), hardenedSettings);
     EXPECT_EQ(key(keys::passwordApplied), 0);
     EXPECT_EQ(key(keys::encryptionApplied), 0);
-    EXPECT_EQ(key(keys::inputFinished), std::nullopt);
+    EXPECT_EQ(key(keys::inputFinished), 7);
     EXPECT_EQ(enforcingAccount(), 1);
     EXPECT_EQ(device.companions().launches(ids::popup), std::vector({Launch{ids::service,
                                                                             true,

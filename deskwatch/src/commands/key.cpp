@@ -66,7 +66,7 @@ void addSet(CLI::App& key, const CommonOptions& common) {
 }
 
 void addWatch(CLI::App& key, const CommonOptions& common) {
-    auto* command = key.add_subcommand("watch", "Print the values of keys now, and again after each change");
+    auto* command = key.add_subcommand("watch", "Print the values of keys now, and again each time they are set");
     auto options = std::make_shared<KeyOptions>();
     command->add_option("KEY", options->keys, "The keys")->required();
     command->add_option("--count", options->count, "End after this many lines (default: run until interrupted)")

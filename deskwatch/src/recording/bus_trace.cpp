@@ -144,12 +144,16 @@ void BusTrace::takeChanges(GDBusMessage* message) {
     const c::VariantOwner changes(
         g_variant_ref_sink(g_variant_new_from_data(G_VARIANT_TYPE("a{smv}"), g_variant_get_data(bytes.get()),
                                                    g_variant_get_size(bytes.get()), FALSE, nullptr, nullptr)));
+    // What changes in one step has no order of its own.
+    std::map<std::string, c::VariantOwner> values;
     GVariantIter iterator;
     g_variant_iter_init(&iterator, changes.get());
-    const char* key = nullptr;
+    const char* changedKey = nullptr;
     GVariant* changed = nullptr;
-    while (g_variant_iter_next(&iterator, "{&smv}", &key, &changed) != FALSE) {
-        const c::VariantOwner value(changed);
+    while (g_variant_iter_next(&iterator, "{&smv}", &changedKey, &changed) != FALSE) {
+        values[changedKey].reset(changed);
+    }
+    for (const auto& [key, value] : values) {
         if (startsWith(key, host_bus::keyMarksPath)) {
             continue; // goes with the key
         }

@@ -58,7 +58,9 @@ void followKeys(const std::vector<std::string>& keys,
                 const std::function<bool(const std::string& key, const Value& value)>& tell) {
     Watching watching{tell};
     for (const auto& key : keys) {
-        pathOf(key);
+        if (std::holds_alternative<std::monostate>(readKey(key))) {
+            throw std::runtime_error("cannot watch " + key + ": it was never set (deskwatch key set makes it)");
+        }
         if (vconf_notify_key_changed(key.c_str(), onChanged, &watching) != 0) {
             throw std::runtime_error("cannot watch " + key);
         }

@@ -19,8 +19,8 @@ Value readKey(const std::string& key);
 /// written.
 void writeKey(const std::string& key, const Value& value);
 
-/// Reports the values of keys in order, and then each value that a key is set to, until `tell` returns false. Throws
-/// std::runtime_error when one of the texts is not a key.
+/// Reports the values of keys in order, and then each value that a key is set to, the same one included, until `tell`
+/// returns false. Throws std::runtime_error when one of the texts is not a key or was never set.
 void followKeys(const std::vector<std::string>& keys,
                 const std::function<bool(const std::string& key, const Value& value)>& tell);
 
