@@ -25,11 +25,19 @@ void Launches::answer(std::size_t index, const std::optional<std::string>& resul
 namespace {
 
 std::string textOf(const app_control_s& request) {
-    std::string text = request.appId;
+    std::string text = request.appId.value_or("");
     for (const auto& [key, value] : request.extraData) {
         text.append(" ").append(key).append("=").append(value);
     }
     return text;
+}
+
+int verdictOnKey(const std::string& key) {
+    if (key.empty()) {
+        return invalidParameter;
+    }
+    const bool isInternal = key.rfind("__AUL_", 0) == 0 || key.rfind("__APP_SVC_", 0) == 0;
+    return isInternal ? APP_CONTROL_ERROR_KEY_REJECTED : APP_CONTROL_ERROR_NONE;
 }
 
 template <typename ExtraData>
@@ -55,28 +63,35 @@ int app_control_destroy(app_control_h app_control) {
 }
 
 int app_control_set_app_id(app_control_h app_control, const char* app_id) {
-    return answer({"app_control_set_app_id", app_id}, {app_control, app_id}, [&] { app_control->appId = app_id; });
+    return answer({"app_control_set_app_id", app_id}, {app_control},
+                  [&] { app_control->appId = app_id != nullptr ? std::optional<std::string>(app_id) : std::nullopt; });
 }
 
 int app_control_get_app_id(app_control_h app_control, char** app_id) {
     return answer({"app_control_get_app_id"}, {app_control, app_id}, [&] {
-        *app_id = app_control->appId.empty() ? nullptr : FakePlatform::current().handOut(app_control->appId);
+        *app_id = app_control->appId ? FakePlatform::current().handOut(*app_control->appId) : nullptr;
     });
 }
 
 int app_control_add_extra_data(app_control_h app_control, const char* key, const char* value) {
     return answer({"app_control_add_extra_data", key, value}, {app_control, key, value}, [&] {
-        const auto pair = findKey(app_control->extraData, key);
-        if (pair != app_control->extraData.end()) {
-            pair->second = value;
-        } else {
+        const int verdict = *value == '\0' ? invalidParameter : verdictOnKey(key);
+        if (verdict == APP_CONTROL_ERROR_NONE) {
+            const auto pair = findKey(app_control->extraData, key);
+            if (pair != app_control->extraData.end()) {
+                app_control->extraData.erase(pair);
+            }
             app_control->extraData.emplace_back(key, value);
         }
+        return verdict;
     });
 }
 
 int app_control_get_extra_data(app_control_h app_control, const char* key, char** value) {
     return answer({"app_control_get_extra_data", key}, {app_control, key, value}, [&]() -> int {
+        if (const int verdict = verdictOnKey(key)) {
+            return verdict;
+        }
         const auto pair = findKey(app_control->extraData, key);
         if (pair == app_control->extraData.end()) {
             return APP_CONTROL_ERROR_KEY_NOT_FOUND;
@@ -103,11 +118,11 @@ int app_control_foreach_extra_data(app_control_h app_control, app_control_extra_
 int app_control_send_launch_request(app_control_h app_control, app_control_reply_cb callback, void* user_data) {
     const auto text = app_control == nullptr ? std::string("(null)") : textOf(*app_control);
     return answer({"app_control_send_launch_request", text}, {app_control}, [&]() -> int {
-        if (app_control->appId.empty()) {
-            return invalidParameter;
+        if (app_control->appId.value_or("").empty()) {
+            return APP_CONTROL_ERROR_APP_NOT_FOUND;
         }
         FakePlatform::current().launches.sent.push_back(
-            {app_control->appId, app_control->extraData, callback, user_data});
+            {*app_control->appId, app_control->extraData, callback, user_data});
         return APP_CONTROL_ERROR_NONE;
     });
 }

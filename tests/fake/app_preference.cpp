@@ -7,9 +7,28 @@ using fake::FakePlatform;
 
 namespace {
 
+int store(const std::string& key, const fake::PreferenceStore::mapped_type& value) {
+    if (key.empty()) {
+        return PREFERENCE_ERROR_IO_ERROR;
+    }
+    FakePlatform::current().preferences[key] = value;
+    return PREFERENCE_ERROR_NONE;
+}
+
+void overwrite(int& value) {
+    value = fake::overwritten;
+}
+void overwrite(bool& value) {
+    value = !value;
+}
+void overwrite(double& value) {
+    value = fake::overwritten;
+}
+void overwrite(std::string& /*value*/) {} // a text stays as it is
+
 template <typename Value, typename Argument>
 int set(const char* function, const char* key, const Argument& value) {
-    return answer({function, key, value}, {key}, [&] { FakePlatform::current().preferences[key] = Value(value); });
+    return answer({function, key, value}, {key}, [&] { return store(key, Value(value)); });
 }
 
 template <typename Value>
@@ -21,7 +40,8 @@ int get(const char* function, const char* key, Value* value) {
             return PREFERENCE_ERROR_NO_KEY;
         }
         if (!std::holds_alternative<Value>(stored->second)) {
-            return PREFERENCE_ERROR_IO_ERROR;
+            overwrite(*value);
+            return PREFERENCE_ERROR_INVALID_PARAMETER;
         }
         *value = std::get<Value>(stored->second);
         return PREFERENCE_ERROR_NONE;
@@ -50,8 +70,7 @@ int preference_get_double(const char* key, double* value) {
 }
 
 int preference_set_string(const char* key, const char* value) {
-    return answer({"preference_set_string", key, value}, {key, value},
-                  [&] { FakePlatform::current().preferences[key] = std::string(value); });
+    return answer({"preference_set_string", key, value}, {key, value}, [&] { return store(key, std::string(value)); });
 }
 
 int preference_get_string(const char* key, char** value) {

@@ -22,7 +22,7 @@ public:
     /// "internal_storage_encrypted" for the state; "messaging_state sim1" for the messages of one SIM.
     std::map<std::string, int> settings;
 
-    /// Name and user id of each administrator; while there is none, setters and wipes are refused.
+    /// Name and user id of each administrator; while the caller is none, setters are refused.
     std::set<std::pair<std::string, uid_t>> clients;
 
     /// The types of the wipes that were carried out.
@@ -33,6 +33,13 @@ public:
 
     /// Lets the service administer the device, as when it registered in an earlier run.
     void registerService() { clients.emplace("com.velmor.tesk-agent", 5001); }
+
+    /// Whether there is an administrator of that name.
+    bool isClient(const std::string& name) const;
+
+    /// Takes an administrator's registration back; the rules for the password go with the last one. False when there is
+    /// none.
+    bool endClient(const std::string& name, uid_t uid);
 
     /// A setting's value; a restriction that was never set allows, everything else is 0.
     int setting(const std::string& name) const;

@@ -4,6 +4,9 @@
 #include <dpm/restriction.h>
 #include <dpm/security.h>
 
+#include <algorithm>
+#include <optional>
+
 #include "fake_platform.h"
 
 using fake::answer;
@@ -23,6 +26,21 @@ int DevicePolicy::setting(const std::string& name) const {
     const bool allows = name.size() > restriction.size() &&
                         name.compare(name.size() - restriction.size(), std::string::npos, restriction) == 0;
     return allows ? 1 : 0;
+}
+
+bool DevicePolicy::isClient(const std::string& name) const {
+    return std::any_of(clients.begin(), clients.end(), [&](const auto& client) { return client.first == name; });
+}
+
+bool DevicePolicy::endClient(const std::string& name, uid_t uid) {
+    const bool wasClient = clients.erase({name, uid}) != 0;
+    if (wasClient && clients.empty()) {
+        for (const char* rule : {"quality", "minimum_length", "min_complex_chars", "maximum_failed_attempts_for_wipe",
+                                 "expires", "history", "max_inactivity_time_device_lock"}) {
+            settings.erase(rule);
+        }
+    }
+    return wasClient;
 }
 
 void DevicePolicy::setMessaging(const std::string& sim, int allow) {
@@ -45,6 +63,8 @@ bool isOpen(device_policy_manager_h handle) {
     return FakePlatform::current().devicePolicy.handles.count(handle) != 0;
 }
 
+constexpr int lengthOfSimplePasswords = 4;
+
 /// Does what only an administrator may do.
 template <typename Act>
 int administer(device_policy_manager_h handle, const Act& act) {
@@ -52,16 +72,42 @@ int administer(device_policy_manager_h handle, const Act& act) {
         return DPM_ERROR_INVALID_PARAMETER;
     }
     auto& policy = FakePlatform::current().devicePolicy;
-    if (policy.clients.empty()) {
-        return DPM_ERROR_PERMISSION_DENIED;
+    if (!policy.isClient(FakePlatform::current().appId)) {
+        return DPM_ERROR_NOT_PERMITTED;
     }
     act(policy);
     return DPM_ERROR_NONE;
 }
 
-int set(const std::string& function, const std::string& name, device_policy_manager_h handle, int value) {
-    return answer({function, value}, {}, [&] {
-        return administer(handle, [&](fake::DevicePolicy& policy) { policy.settings[name] = value; });
+/// What a setting keeps of a value; none when it is refused with `refusal`.
+struct Kept {
+    std::optional<int> value;
+    int refusal = DPM_ERROR_INVALID_PARAMETER;
+};
+
+Kept keptOf(const std::string& group, const std::string& name, int value) {
+    if (group != "password") {
+        const bool isRefused = group == "security" && value < 0;
+        return {isRefused ? std::nullopt : std::optional(value != 0 ? 1 : 0), DPM_ERROR_NOT_PERMITTED};
+    }
+    constexpr int tooLarge = 32767;
+    const bool isSmall =
+        name == "maximum_failed_attempts_for_wipe" || name == "expires" || name == "max_inactivity_time_device_lock";
+    return {value < 0 ? std::nullopt : std::optional(isSmall && value >= tooLarge ? 0 : value)};
+}
+
+int set(const std::string& group, const std::string& name, device_policy_manager_h handle, int value) {
+    return answer({"dpm_" + group + "_set_" + name, value}, {}, [&] {
+        const Kept kept = keptOf(group, name, value);
+        if (isOpen(handle) && !kept.value) {
+            return kept.refusal;
+        }
+        return administer(handle, [&](fake::DevicePolicy& policy) {
+            policy.settings[name] = *kept.value;
+            if (name == "quality" && value % 2 == 1) {
+                policy.settings["minimum_length"] = lengthOfSimplePasswords;
+            }
+        });
     });
 }
 
@@ -97,10 +143,14 @@ int dpm_manager_destroy(device_policy_manager_h handle) {
 
 int dpm_admin_register_client(device_policy_manager_h handle, const char* name, uid_t uid) {
     return answer({"dpm_admin_register_client", name, uid}, {name}, [&]() -> int {
-        if (!isOpen(handle) || *name == '\0' || uid == static_cast<uid_t>(-1)) {
+        if (!isOpen(handle) || uid == 0 || uid == static_cast<uid_t>(-1)) {
             return DPM_ERROR_INVALID_PARAMETER;
         }
-        FakePlatform::current().devicePolicy.clients.emplace(name, uid);
+        auto& policy = FakePlatform::current().devicePolicy;
+        if (policy.isClient(name)) {
+            return DPM_ERROR_NOT_PERMITTED;
+        }
+        policy.clients.emplace(name, uid);
         return DPM_ERROR_NONE;
     });
 }
@@ -110,15 +160,14 @@ int dpm_admin_deregister_client(device_policy_manager_h handle, const char* name
         if (!isOpen(handle)) {
             return DPM_ERROR_INVALID_PARAMETER;
         }
-        const bool wasClient = FakePlatform::current().devicePolicy.clients.erase({name, uid}) != 0;
-        return wasClient ? DPM_ERROR_NONE : DPM_ERROR_NOT_PERMITTED;
+        return FakePlatform::current().devicePolicy.endClient(name, uid) ? DPM_ERROR_NONE : DPM_ERROR_NOT_PERMITTED;
     });
 }
 
 // The functions of the rules that are one number each; their parameters are named as in the platform's headers.
 #define FAKE_SETTER(group, name, value)                                                                                \
     int dpm_##group##_set_##name(device_policy_manager_h handle, int value) {                                          \
-        return set("dpm_" #group "_set_" #name, #name, handle, value);                                                 \
+        return set(#group, #name, handle, value);                                                                      \
     }
 #define FAKE_GETTER(group, name, value)                                                                                \
     int dpm_##group##_get_##name(device_policy_manager_h handle, int* value) {                                         \
@@ -148,7 +197,7 @@ FAKE_SETTER(security, external_storage_encryption, encrypt)
 
 int dpm_restriction_set_messaging_state(device_policy_manager_h handle, const char* sim_id, int allow) {
     return answer({"dpm_restriction_set_messaging_state", sim_id, allow}, {sim_id}, [&] {
-        return administer(handle, [&](fake::DevicePolicy& policy) { policy.setMessaging(sim_id, allow); });
+        return administer(handle, [&](fake::DevicePolicy& policy) { policy.setMessaging(sim_id, allow != 0 ? 1 : 0); });
     });
 }
 
@@ -172,9 +221,11 @@ int dpm_security_is_external_storage_encrypted(device_policy_manager_h handle, i
 
 int dpm_security_wipe_data(device_policy_manager_h handle, dpm_security_wipe_type_e type) {
     return answer({"dpm_security_wipe_data", static_cast<int>(type)}, {}, [&]() -> int {
-        if (type != DPM_SECURITY_WIPE_INTERNAL_STORAGE && type != DPM_SECURITY_WIPE_EXTERNAL_STORAGE) {
+        constexpr unsigned storages = DPM_SECURITY_WIPE_INTERNAL_STORAGE | DPM_SECURITY_WIPE_EXTERNAL_STORAGE;
+        if (!isOpen(handle) || (static_cast<unsigned>(type) & storages) == 0) {
             return DPM_ERROR_INVALID_PARAMETER;
         }
-        return administer(handle, [&](fake::DevicePolicy& policy) { policy.wipes.push_back(type); });
+        FakePlatform::current().devicePolicy.wipes.push_back(type);
+        return DPM_ERROR_NONE;
     });
 }

@@ -27,6 +27,10 @@ FakePlatform::FakePlatform() {
     }
     dataPath = folder_ + "/data/";
     std::filesystem::create_directory(dataPath);
+    for (const char* key : {"db/eas/password_policy_applied", "db/eas/device_encryption_applied",
+                            "db/eas/is_pwd_input_finished", "db/setting/lock_type"}) {
+        settings.setKeyAsDevice(key, 0);
+    }
     slot() = this;
 }
 

@@ -26,7 +26,7 @@ namespace fake {
 /// time. The service keeps process-wide instances, so each test runs in a process of its own.
 class FakePlatform {
 public:
-    /// Makes the application's data folder and becomes the platform of the process.
+    /// Makes the application's data folder and the keys of a device's image, and becomes the platform of the process.
     FakePlatform();
     ~FakePlatform();
     FakePlatform(const FakePlatform&) = delete;
@@ -101,6 +101,9 @@ struct Call {
 
     std::optional<int> fault;
 };
+
+/// What a getter leaves behind that finds a value of another type.
+inline constexpr int overwritten = 1970037110;
 
 /// The code of an invalid argument, the same for all of the platform's functions that have codes.
 inline constexpr int invalidParameter = -22;

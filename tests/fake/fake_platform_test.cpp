@@ -102,6 +102,7 @@ TEST_F(FakePlatformTest, FaultZeroClaimsSuccessAndDoesNothing) {
 }
 
 TEST_F(FakePlatformTest, WatchFiresWhenTheTestDeliversTheChange) {
+    platform.settings.setKeyAsDevice("db/a", 0);
     int fired = 0;
     vconf_notify_key_changed(
         "db/a", [](keynode_t*, void* count) { ++*static_cast<int*>(count); }, &fired);

@@ -10,7 +10,7 @@
 #include <vector>
 
 struct app_control_s {
-    std::string appId;
+    std::optional<std::string> appId;
     std::vector<std::pair<std::string, std::string>> extraData;
 };
 

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "fake_platform.h"
+#include "message_size.h"
 
 using fake::answer;
 using fake::FakePlatform;
@@ -43,12 +44,12 @@ void MessagePorts::deliver(const std::optional<std::string>& request, const std:
 
 void MessagePorts::deliverOwn() {
     while (!pending.empty()) {
-        const SentMessage message = pending.front();
+        const auto [id, message] = pending.front();
         pending.pop_front();
-        int id = 0;
-        if (const auto* found = find(message.port, &id)) {
+        const auto found = localPorts.find(id);
+        if (found != localPorts.end()) {
             bundle content{{message.entries.begin(), message.entries.end()}};
-            const LocalPort port = *found;
+            const LocalPort port = found->second;
             port.callback(id, message.appId.c_str(), nullptr, false, &content, port.userData);
         }
     }
@@ -82,6 +83,9 @@ static const std::string* findEntry(const bundle& b, const std::string& key) {
 
 int bundle_add_str(bundle* b, const char* key, const char* str) {
     return answer({"bundle_add_str", key, str}, {b, key, str}, [&]() -> int {
+        if (*key == '\0') {
+            return invalidParameter;
+        }
         if (findEntry(*b, key) != nullptr) {
             return BUNDLE_ERROR_KEY_EXISTS;
         }
@@ -93,8 +97,11 @@ int bundle_add_str(bundle* b, const char* key, const char* str) {
 int bundle_get_str(bundle* b, const char* key, char** str) {
     return answer({"bundle_get_str", key}, {b, key, str}, [&]() -> int {
         const auto* value = findEntry(*b, key);
-        *str = value == nullptr ? nullptr : const_cast<char*>(value->c_str());
-        return value == nullptr ? BUNDLE_ERROR_KEY_NOT_AVAILABLE : BUNDLE_ERROR_NONE;
+        if (value == nullptr) {
+            return BUNDLE_ERROR_KEY_NOT_AVAILABLE;
+        }
+        *str = const_cast<char*>(value->c_str());
+        return BUNDLE_ERROR_NONE;
     });
 }
 
@@ -104,8 +111,10 @@ int message_port_register_local_port(const char* local_port, message_port_messag
             return invalidParameter;
         }
         auto& ports = FakePlatform::current().ports;
-        int id = ports.localPorts.empty() ? 1 : ports.localPorts.rbegin()->first + 1;
-        ports.find(local_port, &id);
+        int id = 0;
+        if (ports.find(local_port, &id) == nullptr) {
+            id = ++ports.lastId;
+        }
         ports.localPorts[id] = {local_port, callback, user_data};
         return id;
     });
@@ -119,6 +128,14 @@ int message_port_unregister_local_port(int local_port_id) {
         const bool wasOpen = FakePlatform::current().ports.localPorts.erase(local_port_id) != 0;
         return wasOpen ? MESSAGE_PORT_ERROR_NONE : MESSAGE_PORT_ERROR_PORT_NOT_FOUND;
     });
+}
+
+static std::size_t sizeOf(const bundle& message) {
+    std::size_t size = message_size::empty;
+    for (const auto& [key, value] : message.entries) {
+        size += message_size::ofEntry(key, value);
+    }
+    return size;
 }
 
 /// Whether an application has such a port open, which may be the service itself.
@@ -142,8 +159,13 @@ int message_port_send_message(const char* remote_app_id, const char* remote_port
             if (!isOpen(remote_app_id, remote_port)) {
                 return MESSAGE_PORT_ERROR_PORT_NOT_FOUND;
             }
+            if (sizeOf(*message) > message_size::limit) {
+                return MESSAGE_PORT_ERROR_MAX_EXCEEDED;
+            }
             if (platform.appId == remote_app_id) {
-                ports.pending.push_back(ports.sent.back());
+                int id = 0;
+                ports.find(remote_port, &id);
+                ports.pending.emplace_back(id, ports.sent.back());
             }
             return MESSAGE_PORT_ERROR_NONE;
         });

@@ -55,8 +55,11 @@ public:
     /// Delivers a message to the service's port as the mail application would; a missing text stays out of it.
     void deliver(const std::optional<std::string>& request, const std::optional<std::string>& argument);
 
-    /// Messages that the service sent to itself and that are still to be delivered.
-    std::deque<SentMessage> pending;
+    /// Messages that the service sent to ports of its own, by their ids, and that are still to be delivered.
+    std::deque<std::pair<int, SentMessage>> pending;
+
+    /// The id of the port that was opened last.
+    int lastId = 0;
 };
 
 } // namespace fake

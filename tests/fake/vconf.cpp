@@ -13,21 +13,37 @@ namespace fake {
 
 void SettingsStore::setKeyAsDevice(const std::string& key, const Value& value) {
     values_[key] = value;
-    changes_.push_back(key);
+    ++writes_;
+    const bool isWatched =
+        std::any_of(watches_.begin(), watches_.end(), [&](const Watch& watch) { return watch.key == key; });
+    if (!isWatched) {
+        return;
+    }
+    if (!changes_.empty() && changes_.back().key == key) {
+        changes_.pop_back();
+    }
+    changes_.push_back({key, writes_});
 }
 
 void SettingsStore::deliverChanges() {
     while (!changes_.empty()) {
-        keynode_t node{changes_.front(), values_[changes_.front()]};
+        const Change change = changes_.front();
         changes_.pop_front();
+        // A copy: one that a callback ends is called once more, as on devices.
         const auto watches = watches_;
         for (const auto& watch : watches) {
-            // A callback may end another watch.
-            if (watch.key == node.name && isWatched(watch)) {
+            const auto present = value(change.key);
+            if (watch.key == change.key && watch.writesBefore < change.write && present) {
+                keynode_t node{change.key, *present};
                 watch.callback(&node, watch.userData);
             }
         }
     }
+}
+
+std::optional<SettingsStore::Value> SettingsStore::value(const std::string& key) const {
+    const auto found = values_.find(key);
+    return found == values_.end() ? std::nullopt : std::optional(found->second);
 }
 
 std::optional<int> SettingsStore::integer(const std::string& key) const {
@@ -50,14 +66,15 @@ bool SettingsStore::isKey(const char* key) {
            text.back() != '/' && text.find("//") == std::string::npos;
 }
 
-bool SettingsStore::isWatched(const Watch& watch) const {
-    return std::any_of(watches_.begin(), watches_.end(), [&](const Watch& candidate) {
-        return candidate.key == watch.key && candidate.callback == watch.callback;
+bool SettingsStore::watch(const std::string& key, vconf_callback_fn callback, void* userData) {
+    const bool isWatching = std::any_of(watches_.begin(), watches_.end(), [&](const Watch& watch) {
+        return watch.key == key && watch.callback == callback;
     });
-}
-
-void SettingsStore::watch(const std::string& key, vconf_callback_fn callback, void* userData) {
-    watches_.push_back({key, callback, userData});
+    if (isWatching || !value(key)) {
+        return false;
+    }
+    watches_.push_back({key, callback, userData, writes_});
+    return true;
 }
 
 bool SettingsStore::ignore(const std::string& key, vconf_callback_fn callback) {
@@ -82,12 +99,13 @@ int vconf_get_int(const char* in_key, int* intval) {
     if (const auto fault = platform.call("vconf_get_int", in_key)) {
         return *fault;
     }
-    const auto value = in_key == nullptr ? std::nullopt : platform.settings.integer(in_key);
+    const auto value = in_key == nullptr ? std::nullopt : platform.settings.value(in_key);
     if (!value || intval == nullptr) {
         return -1;
     }
-    *intval = *value;
-    return 0;
+    const int* number = std::get_if<int>(&*value);
+    *intval = number != nullptr ? *number : fake::overwritten;
+    return number != nullptr ? 0 : -1;
 }
 
 int vconf_set_int(const char* in_key, const int intval) {
@@ -128,11 +146,8 @@ int vconf_notify_key_changed(const char* in_key, vconf_callback_fn cb, void* use
     if (const auto fault = platform.call("vconf_notify_key_changed", in_key)) {
         return *fault;
     }
-    if (!fake::SettingsStore::isKey(in_key) || cb == nullptr) {
-        return -1;
-    }
-    platform.settings.watch(in_key, cb, user_data);
-    return 0;
+    const bool isValid = fake::SettingsStore::isKey(in_key) && cb != nullptr;
+    return isValid && platform.settings.watch(in_key, cb, user_data) ? 0 : -1;
 }
 
 int vconf_ignore_key_changed(const char* in_key, vconf_callback_fn cb) {
@@ -148,8 +163,11 @@ char* vconf_keynode_get_name(keynode_t* keynode) {
 }
 
 int vconf_keynode_get_int(keynode_t* keynode) {
-    const auto* value = keynode == nullptr ? nullptr : std::get_if<int>(&keynode->value);
-    return value == nullptr ? 0 : *value;
+    if (keynode == nullptr) {
+        return 0;
+    }
+    const auto* value = std::get_if<int>(&keynode->value);
+    return value == nullptr ? -1 : *value;
 }
 
 char* vconf_keynode_get_str(keynode_t* keynode) {

@@ -41,6 +41,7 @@ protected:
 };
 
 TEST_F(LockMgrTest, WatchesTheLockTypeAndReturnsThePlatformsCode) {
+    platform.settings.ignoreAll();
     EXPECT_EQ(manager.init(), 0);
     EXPECT_EQ(journal.calls(), Lines{"vconf_notify_key_changed db/setting/lock_type"});
 

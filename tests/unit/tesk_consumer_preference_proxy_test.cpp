@@ -53,8 +53,8 @@ TEST_F(PreferenceProxyTest, MissingValuesReadAsTheirFallbacks) {
     EXPECT_EQ(proxy.get<std::string>("text"), "");
 
     EXPECT_EQ(journal.logs(),
-              (Lines{"W preference_get_int failed: [-126]", "W preference_get_boolean failed: [-126]",
-                     "W preference_get_double failed: [-126]", "W preference_get_string failed: [-126]"}));
+              (Lines{"W preference_get_int failed: [-17825744]", "W preference_get_boolean failed: [-17825744]",
+                     "W preference_get_double failed: [-17825744]", "W preference_get_string failed: [-17825744]"}));
 }
 
 TEST_F(PreferenceProxyTest, UnknownExistenceCountsAsAbsence) {

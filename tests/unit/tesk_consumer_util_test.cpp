@@ -178,11 +178,13 @@ TEST_F(LaunchPopupTest, AccountWithoutANameIsCalledEas) {
 }
 
 TEST_F(LaunchPopupTest, AccountAndPolicyAreReadOnTheWay) {
-    store({passwordAccount(4)});
+    auto data = passwordAccount(4);
+    data.accountName = "alice";
+    store({data});
     platform.preferences[enforcingKey] = 4;
 
     const std::string request =
-        "app_control_send_launch_request com.velmor.tesk-popup OPERATION=SET_PRIVACY_LOCK ACCOUNT_NAME=EAS "
+        "app_control_send_launch_request com.velmor.tesk-popup OPERATION=SET_PRIVACY_LOCK ACCOUNT_NAME=alice "
         "password_min_length=4 password_max_length=16 allow_simple=1 password_required=0";
 
     TeskConsumerUtil::launchPopup();
@@ -193,7 +195,7 @@ TEST_F(LaunchPopupTest, AccountAndPolicyAreReadOnTheWay) {
                "app_control_set_app_id com.velmor.tesk-popup", "app_control_add_extra_data OPERATION SET_PRIVACY_LOCK",
                std::string("preference_get_int ") + enforcingKey,
                "sqlite3_prepare_v2 select * from eas_policy_tbl where account_id=?;",
-               "app_control_add_extra_data ACCOUNT_NAME EAS", "dpm_manager_create",
+               "app_control_add_extra_data ACCOUNT_NAME alice", "dpm_manager_create",
                "sqlite3_prepare_v2 select * from eas_policy_tbl;", "vconf_get_str db/rgn/country_iso",
                "app_control_add_extra_data password_min_length 4", "app_control_add_extra_data password_max_length 16",
                "app_control_add_extra_data allow_simple 1", "app_control_add_extra_data password_required 0", request,
