@@ -72,7 +72,7 @@ std::vector<FaultStory> makeStories() {
         {{"RemoteWipe", {office(1)}, {wipeIsOrdered()}}, 30},
         {{"TestPolicy", {office(1)}, {developerSendsPolicy(bank(testAccountId))}}, 1300},
         {{"TestRemoval", {office(1), bank(testAccountId)}, {developerRemovesAccount(testAccountId)}}, 1300},
-        {{"IdleEnd", {office(1)}, idle}, 60, false, true},
+        {{"IdleEnd", {office(1)}, idle}, 50, false, true},
     };
 }
 

@@ -61,7 +61,7 @@ INSTANTIATE_TEST_SUITE_P(, MalformedInput, testing::ValuesIn(messages()),
 TEST(OddInput, LongNameOfOddCharactersReachesThePopupWhole) {
     const TestDevice device;
     device.launchService();
-    const std::string name = "j\u00fcrgen\u20ac'); drop table eas_policy_tbl; --%s%n" + std::string(10'000, 'n');
+    const std::string name = "j\u00fcrgen\u20ac'); drop table eas_policy_tbl; --%s%n" + std::string(5'000, 'n');
 
     device.send("req_update_policy", policyUpdate({{1, name, pinPolicy}}));
 
