@@ -35,7 +35,7 @@ constexpr char maxPasswordLength[] = "16";
 constexpr char unknownAccountName[] = "EAS";
 constexpr std::size_t numberTextSize = 16;
 constexpr long fallbackUserBufferSize = 16384;
-constexpr std::size_t maxUserBufferSize = 1024 * 1024;
+constexpr std::size_t maxUserBufferSize = 1UL << 20U;
 
 struct AppControlDestroyer {
     void operator()(app_control_h request) const { app_control_destroy(request); }

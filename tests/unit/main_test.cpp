@@ -1,4 +1,5 @@
 #include <array>
+#include <csignal>
 #include <string>
 
 #include "unit_test.h"
@@ -30,6 +31,13 @@ TEST_F(MainTest, GreetsThenRegistersThenRunsThenTakesItsLeave) {
     EXPECT_EQ(journal.all().front(), "W Hello World!");
     EXPECT_EQ(journal.all().back(), "W Goodbye World!");
     EXPECT_EQ(journal.logsOf("teskMain"), (Lines{"W Hello World!", "W Goodbye World!"}));
+}
+
+TEST_F(MainTest, OutlivesAReaderThatWentAway) {
+    std::signal(SIGPIPE, SIG_DFL);
+    platform.service.duringMainLoop = [] { std::raise(SIGPIPE); };
+
+    EXPECT_EQ(runMain(), 0);
 }
 
 TEST_F(MainTest, EndsWithTheFrameworksResult) {

@@ -96,6 +96,16 @@ TEST_F(IpcMgrTest, MissingArgumentCountsAsAnEmptyText) {
     EXPECT_EQ(journal.warnings().front(), "E accountId is invalid");
 }
 
+TEST_F(IpcMgrTest, PortWithoutABundleIsAnUnsupportedRequest) {
+    manager.init();
+    const auto& port = *platform.ports.find("eas-itpolicy-port");
+
+    port.callback(1, "com.velmor.quillon.consumer", nullptr, false, nullptr, port.userData);
+
+    EXPECT_EQ(journal.warnings(), Lines{"E Unsupported request : "});
+    EXPECT_EQ(journal.calls({"bundle_get_str"}), Lines{}) << "nothing is asked of it";
+}
+
 TEST_F(IpcMgrTest, RequestGoesToTheMailApplicationAndIsReleased) {
     platform.faults.always("message_port_send_message", MESSAGE_PORT_ERROR_IO_ERROR);
 

@@ -67,6 +67,9 @@ TEST_F(LockMgrTest, LockTypeIsReadFromItsKeyAndNoneWithoutIt) {
 
     platform.settings.unset(lockType);
     EXPECT_EQ(manager.getLockType(), lock::none);
+
+    platform.settings.setKeyAsDevice(lockType, "a text");
+    EXPECT_EQ(manager.getLockType(), lock::none) << "the getter that fails has overwritten the value";
 }
 
 TEST_F(LockMgrTest, NewLockSatisfiesThePolicyAndReturnsToMail) {

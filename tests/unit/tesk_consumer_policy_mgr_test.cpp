@@ -120,6 +120,16 @@ INSTANTIATE_TEST_SUITE_P(, PolicyMgrClientTest,
 
 using PolicyMgrLifeTest = UnitTest;
 
+TEST_F(PolicyMgrLifeTest, MissingDeviceManagerStopsNeitherTheKeysNorThePopup) {
+    platform.faults.always("dpm_manager_create");
+    TeskConsumerPolicyMgr manager;
+    store({passwordAccount(1)});
+
+    EXPECT_EQ(manager.applyPolicy(), TESK_POLICY_PASSWORD_REQUIRED);
+    EXPECT_EQ(platform.settings.integer("db/eas/password_policy_applied"), 0);
+    EXPECT_EQ(platform.launches.sent.size(), 1U);
+}
+
 TEST_F(PolicyMgrLifeTest, HandleLivesAsLongAsTheManager) {
     { const TeskConsumerPolicyMgr manager; }
 
@@ -279,6 +289,15 @@ TEST_F(PolicyMgrTest, FailedReadOfACurrentRuleDemandsAPassword) {
         EXPECT_EQ(reasons(), Lines{"E Failed to get password " + std::string(rule) + ". [-13]"});
         EXPECT_EQ(journal.calls({"dpm_password_get"}).back(), function) << "nothing is read after it";
     }
+}
+
+TEST_F(PolicyMgrTest, RulesThatMayNotBeReadCountAsNone) {
+    constexpr int notPermitted = -1001; // what getters answer, with success, to a caller without the privilege
+    setCurrent(currentRules(notPermitted, notPermitted, notPermitted));
+    store({passwordAccount(1)});
+
+    EXPECT_EQ(manager.applyPolicy(), TESK_POLICY_PASSWORD_REQUIRED);
+    EXPECT_EQ(journal.deviceSettings().size(), 11U);
 }
 
 TEST_F(PolicyMgrTest, ComparedValuesAreLoggedInOrder) {

@@ -57,6 +57,15 @@ TEST_F(PreferenceProxyTest, MissingValuesReadAsTheirFallbacks) {
                      "W preference_get_double failed: [-17825744]", "W preference_get_string failed: [-17825744]"}));
 }
 
+TEST_F(PreferenceProxyTest, ValueThatAFailedGetterLeavesBehindIsNotTaken) {
+    proxy.set("number", "a text");
+    proxy.set<int>("flag", 7);
+
+    EXPECT_EQ(proxy.get<int>("number"), 0);
+    EXPECT_EQ(proxy.get<double>("number"), 0.0);
+    EXPECT_TRUE(proxy.get<bool>("flag"));
+}
+
 TEST_F(PreferenceProxyTest, UnknownExistenceCountsAsAbsence) {
     proxy.set<int>("int", 0);
     EXPECT_TRUE(proxy.exist("int"));

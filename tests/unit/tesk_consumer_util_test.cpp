@@ -309,6 +309,24 @@ TEST_F(GetUserIdTest, FailedLookUpHasNone) {
     EXPECT_EQ(TeskConsumerUtil::getUserId("owner"), -1);
 }
 
+TEST_F(GetUserIdTest, InterruptedLookUpIsMadeAgain) {
+    platform.faults.atCall("getpwnam_r", 1, EINTR);
+
+    EXPECT_EQ(TeskConsumerUtil::getUserId("owner"), 5001);
+}
+
+TEST_F(GetUserIdTest, LongEntryIsReadWithALargerBufferUpToOneMebibyte) {
+    platform.system.userEntrySize = 1024;
+    platform.faults.atCall("getpwnam_r", 1, ERANGE);
+    EXPECT_EQ(TeskConsumerUtil::getUserId("owner"), 5001);
+    EXPECT_EQ(journal.calls(), (Lines{"getpwnam_r owner 1024", "getpwnam_r owner 2048"}));
+
+    platform.faults.always("getpwnam_r", ERANGE);
+    journal.clear();
+    EXPECT_EQ(TeskConsumerUtil::getUserId("owner"), -1);
+    EXPECT_EQ(journal.calls().back(), "getpwnam_r owner 1048576");
+}
+
 TEST_F(GetUserIdTest, BufferHasTheSystemsSizeOr16384Bytes) {
     platform.system.userEntrySize = 777;
     EXPECT_EQ(TeskConsumerUtil::getUserId("owner"), 5001);

@@ -6,7 +6,7 @@
 
 namespace {
 
-struct Releaser {
+struct ParserRelease {
     void operator()(gpointer object) const { g_object_unref(object); }
 };
 
@@ -20,7 +20,7 @@ struct ParsedText {
     }
 
     const std::string text;
-    const std::unique_ptr<JsonParser, Releaser> parser;
+    const std::unique_ptr<JsonParser, ParserRelease> parser;
 };
 
 /// The parser of a text, shared with the envelope that was made last when that one lives and has the same text.

@@ -109,7 +109,7 @@ private:
             forecast_.remarks.push_back(source + " wipes the internal storage at once");
         }
         for (const auto& warning : warnings.others) {
-            forecast_.remarks.push_back(source + ": " + warning);
+            forecast_.remarks.push_back(std::string(source).append(": ").append(warning));
         }
     }
 
