@@ -74,7 +74,7 @@ protected:
         vconf_set_int(otherKey, 0);
     }
 
-    static int watch(const char* key, News& news) { return vconf_notify_key_changed(key, record, &news); }
+    static int watch(const char* name, News& news) { return vconf_notify_key_changed(name, record, &news); }
 };
 
 TEST(VconfContract, KeepsAnInteger) {

@@ -36,38 +36,38 @@ private:
 
 TEST_F(MessageFile, JsonIsReadAsItStands) {
     const std::string text = "{\n  \"msgId\": \"email-itpolicy-ind\" }\n";
-    EXPECT_EQ(readMessageFile(write(text), Check::Json), text);
+    EXPECT_EQ(readMessageFile(write(text), Check::ValidJson), text);
 }
 
 TEST_F(MessageFile, WrongCharacterIsRefusedWithItsLineAndColumn) {
-    const auto text = refusal("{\n  \"a\": 1,\n  \"b\": x\n}\n", Check::Json);
+    const auto text = refusal("{\n  \"a\": 1,\n  \"b\": x\n}\n", Check::ValidJson);
     EXPECT_EQ(text.find(place("3:8") + "not valid JSON"), 0U) << text;
 }
 
 TEST_F(MessageFile, WrongCharacterInTheFirstLineHasItsColumn) {
-    const auto text = refusal("{]", Check::Json);
+    const auto text = refusal("{]", Check::ValidJson);
     EXPECT_EQ(text.find(place("1:2")), 0U) << text;
 }
 
 TEST_F(MessageFile, TextThatEndsTooEarlyIsRefusedAtItsEnd) {
-    const auto text = refusal("{\"a\":\n1", Check::Json);
+    const auto text = refusal("{\"a\":\n1", Check::ValidJson);
     EXPECT_EQ(text.find(place("2:2")), 0U) << text;
 }
 
 TEST_F(MessageFile, EmptyFileIsNoJson) {
-    EXPECT_EQ(refusal("", Check::Json).find(place("1:1")), 0U);
+    EXPECT_EQ(refusal("", Check::ValidJson).find(place("1:1")), 0U);
 }
 
 TEST_F(MessageFile, TextBehindTheJsonIsRefused) {
-    EXPECT_EQ(refusal("{} {}", Check::Json).find(place("1:4")), 0U);
+    EXPECT_EQ(refusal("{} {}", Check::ValidJson).find(place("1:4")), 0U);
 }
 
 TEST_F(MessageFile, TextThatIsNotUtf8IsNoJson) {
-    EXPECT_EQ(refusal("{\"a\":\"\xff\"}", Check::Json).find(place("1:7")), 0U);
+    EXPECT_EQ(refusal("{\"a\":\"\xff\"}", Check::ValidJson).find(place("1:7")), 0U);
 }
 
 TEST_F(MessageFile, NumberBeyondAllBoundsIsRefused) {
-    EXPECT_NE(refusal("{\"a\":1e999}", Check::Json).find("not valid JSON"), std::string::npos);
+    EXPECT_NE(refusal("{\"a\":1e999}", Check::ValidJson).find("not valid JSON"), std::string::npos);
 }
 
 TEST_F(MessageFile, UncheckedTextIsReadAsItStands) {

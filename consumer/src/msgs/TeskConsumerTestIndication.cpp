@@ -10,7 +10,7 @@ namespace {
 
 constexpr char accountName[] = "test@tesk.example";
 constexpr int sequenceId = 999;
-constexpr int alphanumericMode = 64;
+constexpr int alphanumericPasswordMode = 64;
 
 struct JsonRelease {
     void operator()(JsonObject* object) const { json_object_unref(object); }
@@ -60,7 +60,7 @@ JsonObject* newPolicySet(const TeskPolicyData& record) {
     if (record.devicePasswordEnabled == 0) {
         json_object_set_int_member(policySet, "PasswordMode", 0);
     } else if (record.alphanumericDevicePasswordRequired != 0) {
-        json_object_set_int_member(policySet, "PasswordMode", alphanumericMode);
+        json_object_set_int_member(policySet, "PasswordMode", alphanumericPasswordMode);
     }
     for (const auto& member : policyMembers) {
         const std::int32_t value = record.*member.field;

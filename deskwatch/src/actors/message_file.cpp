@@ -49,7 +49,7 @@ std::string readMessageFile(const std::filesystem::path& file, Check check) {
     if (!stream.is_open() || stream.bad() || std::filesystem::is_directory(file)) {
         throw std::runtime_error("cannot read " + file.string());
     }
-    if (check == Check::Json) {
+    if (check == Check::ValidJson) {
         refuseOtherThanJson(file, text, " (--raw sends it as it is)");
     }
     if (const auto null = text.find('\0'); null != std::string::npos) {

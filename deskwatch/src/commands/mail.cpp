@@ -17,7 +17,7 @@ void addPolicyCommand(CLI::App& mail, const CommonOptions& common) {
     command->callback([&common, files, isRaw] {
         std::vector<Request> requests;
         for (const auto& file : *files) {
-            requests.push_back({"req_update_policy", readMessageFile(file, *isRaw ? Check::None : Check::Json)});
+            requests.push_back({"req_update_policy", readMessageFile(file, *isRaw ? Check::None : Check::ValidJson)});
         }
         sendAsMailApplication(chosenDevice(common), requests);
     });

@@ -32,7 +32,7 @@ void addWhatifCommand(CLI::App& program, const CommonOptions& common) {
                     "A fault with --nth counts the calls on the copy.\n"
                     "Example:\n  deskwatch whatif samples/strictest.json");
     command->callback([&common, files, isJson, isRaw] {
-        const auto messages = readMessages(*files, *isRaw ? Check::None : Check::Json);
+        const auto messages = readMessages(*files, *isRaw ? Check::None : Check::ValidJson);
         const auto result = forecast(chosenDevice(common), messages);
         std::cout << (*isJson ? forecastJson(result) : forecastText(result));
     });
