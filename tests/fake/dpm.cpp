@@ -165,6 +165,7 @@ int dpm_admin_deregister_client(device_policy_manager_h handle, const char* name
 }
 
 // The functions of the rules that are one number each; their parameters are named as in the platform's headers.
+// NOLINTBEGIN(bugprone-macro-parentheses): the name of a parameter takes none
 #define FAKE_SETTER(group, name, value)                                                                                \
     int dpm_##group##_set_##name(device_policy_manager_h handle, int value) {                                          \
         return set(#group, #name, handle, value);                                                                      \
@@ -173,6 +174,7 @@ int dpm_admin_deregister_client(device_policy_manager_h handle, const char* name
     int dpm_##group##_get_##name(device_policy_manager_h handle, int* value) {                                         \
         return get("dpm_" #group "_get_" #name, #name, handle, value);                                                 \
     }
+// NOLINTEND(bugprone-macro-parentheses)
 
 FAKE_SETTER(password, quality, value)
 FAKE_GETTER(password, quality, value)

@@ -13,9 +13,7 @@
 #include "TeskConsumerLockMgr.h"
 #include "TeskConsumerPolicyMgr.h"
 #include "glib_warnings.h"
-
-/// The service's main, which the build gives this name.
-int teskMain(int argc, char** argv);
+#include "service_main.h"
 
 namespace harness {
 

@@ -33,10 +33,8 @@
 #include "req_workers/TeskConsumerReqFactory.h"
 #include "rules/TeskPolicyTable.h"
 #include "sample_policies.h"
+#include "service_main.h"
 #include "unit_test.h"
-
-/// The service's main, which the build gives this name so that GoogleTest's stays the only one.
-int teskMain(int argc, char** argv);
 
 namespace {
 namespace log_lines { // its many short names would meet those of other tests in a unity build

@@ -2,10 +2,8 @@
 #include <csignal>
 #include <string>
 
+#include "service_main.h"
 #include "unit_test.h"
-
-/// The service's main, which the build gives this name so that GoogleTest's stays the only one.
-int teskMain(int argc, char** argv);
 
 namespace {
 
