@@ -81,7 +81,7 @@ TEST_F(DpmContract, EverySettingStartsWithItsDefault) {
     EXPECT_EQ(messaging("*"), 1);
 }
 
-// Two is no quality that sets the length.
+// A quality of 2 does not set the length.
 TEST_F(DpmContract, EverySettingKeepsItsOwnValue) {
     registerClient();
     for (const Setting& setting : settings()) {

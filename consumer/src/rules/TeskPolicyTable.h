@@ -29,7 +29,7 @@ struct TeskPolicyText {
     std::string TeskPolicyData::*field;
 };
 
-/// The fields of a policy in the order of the table's columns: the numbers first, the texts behind them. Storing,
+/// The fields of a policy in the order of the table's columns: the numbers first, the texts after them. Storing,
 /// reading and merging follow these rows.
 namespace TeskPolicyTable {
 
