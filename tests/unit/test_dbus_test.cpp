@@ -345,6 +345,9 @@ TEST_F(TestDbusTest, AnswerComesBeforeTheWorkIsDone) {
 
     EXPECT_TRUE(waitUntil([&] { return hasSlept; }));
 
+    if (developer.joinable()) {
+        developer.join();
+    }
     EXPECT_TRUE(answered);
 }
 
