@@ -61,7 +61,10 @@ void readLaunch(GVariant* pairs) {
     const auto collect = [](app_control_h request, const char* key, void* collected) {
         static_cast<std::set<std::string>*>(collected)->insert(key);
         char* value = nullptr;
-        require(app_control_get_extra_data(request, key, &value) == APP_CONTROL_ERROR_NONE, "a named key has a value");
+        const int code = app_control_get_extra_data(request, key, &value);
+        const bool isRefused = code == APP_CONTROL_ERROR_KEY_REJECTED || code == APP_CONTROL_ERROR_INVALID_PARAMETER;
+        require((value != nullptr) == (code == APP_CONTROL_ERROR_NONE), "a value comes with success alone");
+        require(code == APP_CONTROL_ERROR_NONE || isRefused, "a named key has a value, or is one that nobody may read");
         free(value); // NOLINT(cppcoreguidelines-no-malloc): that is how the platform's texts are released
         return true;
     };
