@@ -14,7 +14,7 @@ using host::SettingsStore;
 
 namespace {
 
-// What a getter leaves behind that finds a value of another type.
+// What a getter leaves in *value when it finds a value of another type.
 constexpr int overwritten = 1970037110;
 
 // Runs a function's body with the path of a preference. A key that cannot be one is refused.

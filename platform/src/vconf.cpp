@@ -19,7 +19,7 @@ namespace {
 
 constexpr int failure = -1;
 
-// What a getter leaves behind that finds a text: the number is lost on devices, too.
+// What a getter leaves in *intval when it finds a text: the number is lost on devices, too.
 constexpr int overwritten = 1970037110;
 
 std::string keyPath(const char* key) {

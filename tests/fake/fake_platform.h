@@ -102,7 +102,7 @@ struct Call {
     std::optional<int> fault;
 };
 
-/// What a getter leaves behind that finds a value of another type.
+/// What a getter leaves in its argument when it finds a value of another type.
 inline constexpr int overwritten = 1970037110;
 
 /// The code of an invalid argument, the same for all of the platform's functions that have codes.
