@@ -4,6 +4,8 @@
 install(TARGETS tesk-agent deskwatch RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT desk)
 install(TARGETS tesk-platform LIBRARY DESTINATION ${tesk_library_folder} COMPONENT desk)
 
+set(document_folder ${CMAKE_INSTALL_DATADIR}/doc/tesk-agent-desk)
+
 find_program(GZIP gzip REQUIRED)
 configure_file(desk/tesk-agent.1.in ${CMAKE_CURRENT_BINARY_DIR}/tesk-agent.1 @ONLY)
 configure_file(desk/changelog.in ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian @ONLY)
@@ -26,12 +28,20 @@ add_custom_target(desk-documents ALL DEPENDS deskwatch.1.gz tesk-agent.1.gz chan
 
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/deskwatch.1.gz ${CMAKE_CURRENT_BINARY_DIR}/tesk-agent.1.gz
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT desk)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian.gz DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tesk-agent-desk COMPONENT desk)
-install(FILES desk/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tesk-agent-desk COMPONENT desk)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian.gz DESTINATION ${document_folder} COMPONENT desk)
+install(FILES desk/copyright DESTINATION ${document_folder} COMPONENT desk)
 install(FILES ${deskwatch_documents}/deskwatch.bash RENAME deskwatch
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT desk)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/samples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tesk-agent-desk/examples
-    COMPONENT desk FILES_MATCHING PATTERN *.json PATTERN *.xml)
+# As in the sources, so that the pages' links lead somewhere.
+install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${document_folder} COMPONENT desk)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/samples DESTINATION ${document_folder} COMPONENT desk)
+
+# For those who write applications of a watch: the platform's C API, and what its processes say to each other on a desk.
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/platform/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tesk-agent-desk COMPONENT desk)
+install(FILES ${PROJECT_SOURCE_DIR}/platform/bus/tesk-host.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/interfaces
+    COMPONENT desk RENAME tesk.host.xml)
+install(FILES ${PROJECT_SOURCE_DIR}/deskwatch/bus/companion.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/interfaces
+    COMPONENT desk RENAME tesk.desk.Companion.xml)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)

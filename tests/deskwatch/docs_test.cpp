@@ -58,6 +58,13 @@ TEST_F(Docs, ManualPageHasEveryCommandAndNoneThatIsHidden) {
     EXPECT_EQ(page.find("companion"), std::string::npos);
 }
 
+TEST_F(Docs, ManualPageTellsWhatHoldsForEveryCommand) {
+    const auto page = run({"docs", "--man"});
+    for (const auto* heading : {"ENVIRONMENT", "FILES", "EXIT STATUS", "EXAMPLES"}) {
+        EXPECT_NE(page.find(std::string("\n.SH ") + heading + "\n"), std::string::npos) << heading;
+    }
+}
+
 TEST_F(Docs, CompletionKnowsEveryCommand) {
     const auto script = run({"docs", "--completion"});
     for (const auto& command : commands()) {

@@ -58,10 +58,59 @@ void writeManCommand(const CLI::App& command, const std::string& path) {
     std::cout << ".fi\n";
 }
 
+/// What holds for every command.
+constexpr char commonSections[] = R"(.SH ENVIRONMENT
+.TP
+.B DESKWATCH_DEVICE
+Folder of the watch that a command is about, as the option \-\-device.
+.TP
+.B XDG_STATE_HOME
+Folder with the list of the user's watches and the default watch. Without it: ~/.local/state.
+.TP
+.B DLOG_LEVEL
+Lowest level that the applications of a watch log from its boot on: V, D, I, W, E, F, or S for silence.
+.SH FILES
+.TP
+.I DIR/log
+What the service and the other applications of the watch in DIR log.
+.TP
+.I DIR/apps/com.velmor.tesk\-agent/data/dbspace/.tesk.db
+The policy set of each account, an SQLite database.
+.TP
+.I DIR/config/dconf/user
+The settings of the watch.
+.TP
+.I /usr/share/doc/tesk\-agent\-desk
+Samples of messages, their schemas, and what they mean.
+.SH EXIT STATUS
+.TP
+.B 0
+The command did what it says.
+.TP
+.B 1
+It could not; standard error has the reason.
+.TP
+.B 2
+The arguments are wrong.
+.TP
+.B 3
+The watch refused what was asked of it, or what was compared differs.
+.SH EXAMPLES
+.nf
+deskwatch boot /tmp/watch
+deskwatch mail policy /usr/share/doc/tesk\-agent\-desk/samples/hardened.json
+deskwatch status
+deskwatch popup ok
+deskwatch lock password \-\-length 8
+deskwatch off
+.fi
+)";
+
 void writeMan(const CLI::App& program) {
     std::cout << ".TH DESKWATCH 1\n.SH NAME\ndeskwatch \\- " << roff(program.get_description())
               << "\n.SH SYNOPSIS\n.B deskwatch\n[\\-\\-device DIR] COMMAND [ARGUMENT...]\n.SH COMMANDS\n";
     visit(program, "", writeManCommand);
+    std::cout << commonSections;
 }
 
 /// The values between which an option chooses, named `one|another`.
