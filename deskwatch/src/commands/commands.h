@@ -46,6 +46,7 @@ void addEventCommand(CLI::App& program, const CommonOptions& common);
 void addBusCommand(CLI::App& program, const CommonOptions& common);
 void addFaultCommand(CLI::App& program, const CommonOptions& common);
 void addLogCommand(CLI::App& program, const CommonOptions& common);
+void addTimelineCommand(CLI::App& program, const CommonOptions& common);
 void addListCommand(CLI::App& program);
 
 void addImportCommand(CLI::App& program);

@@ -27,6 +27,7 @@ void addCommands(CLI::App& program, CommonOptions& common) {
     addExplainCommand(program, common);
     addWhatifCommand(program, common);
     addLogCommand(program, common);
+    addTimelineCommand(program, common);
     addKeyCommand(program, common);
     addEventCommand(program, common);
     addBusCommand(program, common);

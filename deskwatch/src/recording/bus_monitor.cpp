@@ -17,6 +17,7 @@ GDBusMessage* keep(GDBusConnection* /*connection*/, GDBusMessage* message, gbool
     const auto type = g_dbus_message_get_message_type(message);
     const bool isAnswer = type == G_DBUS_MESSAGE_TYPE_METHOD_RETURN || type == G_DBUS_MESSAGE_TYPE_ERROR;
     g_async_queue_push(static_cast<GAsyncQueue*>(queue), g_object_ref(message));
+    g_main_context_wakeup(nullptr);
     if (isAnswer) {
         return message;
     }

@@ -8,7 +8,8 @@
 
 namespace deskwatch {
 
-/// Sees every message that passes the bus of a watch from now on, in order. Says nothing itself.
+/// Sees every message that passes the bus of a watch from now on, in order. Says nothing itself. Each message wakes the
+/// process's main context, so that a main loop may wait for messages beside other things.
 class BusMonitor {
 public:
     /// Throws std::runtime_error when nobody answers at that address or the bus lets nobody watch.

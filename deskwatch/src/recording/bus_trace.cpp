@@ -1,5 +1,7 @@
 #include "recording/bus_trace.h"
 
+#include <app_common.h>
+
 #include <algorithm>
 #include <array>
 
@@ -55,6 +57,13 @@ bool isKnownApplication(const std::string& name) {
            std::find(ids::companions.begin(), ids::companions.end(), name) != ids::companions.end();
 }
 
+constexpr char faultsPath[] = "/faults/";
+
+constexpr std::array<std::pair<int, const char*>, 3> systemEvents{
+    {{APP_EVENT_LOW_MEMORY, "low memory"},
+     {APP_EVENT_LOW_BATTERY, "low battery"},
+     {APP_EVENT_DEVICE_ORIENTATION_CHANGED, "orientation changed"}}};
+
 bool startsWith(const std::string& text, const std::string& start) {
     return text.compare(0, start.size(), start) == 0;
 }
@@ -86,6 +95,7 @@ void BusTrace::take(GDBusMessage* message) {
         break;
     case G_DBUS_MESSAGE_TYPE_SIGNAL:
         takeOwnerChange(message);
+        takeSystemEvent(message);
         break;
     default:
         break;
@@ -101,6 +111,8 @@ void BusTrace::takeCall(GDBusMessage* message) {
         takePortMessage(message);
     } else if (interface == "ca.desrt.dconf.Writer" && member == "Change" && isBodyOf(message, "(ay)")) {
         takeChanges(message);
+    } else if (interface == "tesk.consumer.test") {
+        sink_({{"around", "call"}, {"method", member}});
     }
 }
 
@@ -162,8 +174,33 @@ void BusTrace::takeChanges(GDBusMessage* message) {
             sink_({{"out", "write"}, {"key", key}, {"value", shown}});
         } else if (startsWith(key, host_bus::sharedKeysPath)) {
             sink_({{"in", "key"}, {"key", key}, {"value", valueOf(value.get())}});
+        } else if (startsWith(key, faultsPath)) {
+            takeFault(key, value.get());
         }
     }
+}
+
+void BusTrace::takeFault(const std::string& key, GVariant* value) {
+    const auto name = key.substr(key.rfind('/') + 1);
+    TraceEvent event{{"around", "fault"},
+                     {"function", name.empty() ? "every function" : name},
+                     {"code", nullptr}, // all faults are removed by their folder
+                     {"nth", 0}};
+    if (value != nullptr && g_variant_is_of_type(value, G_VARIANT_TYPE("(ii)")) != FALSE) {
+        event["code"] = g_variant_get_int32(child(value, 0).get());
+        event["nth"] = g_variant_get_int32(child(value, 1).get());
+    }
+    sink_(event);
+}
+
+void BusTrace::takeSystemEvent(GDBusMessage* message) {
+    if (textOf(g_dbus_message_get_interface(message)) != "tesk.host.System" || !isBodyOf(message, "(i)")) {
+        return;
+    }
+    const int type = g_variant_get_int32(child(g_dbus_message_get_body(message), 0).get());
+    const auto* known = std::find_if(systemEvents.begin(), systemEvents.end(),
+                                     [type](const auto& event) { return event.first == type; });
+    sink_({{"around", "event"}, {"type", known != systemEvents.end() ? known->second : std::to_string(type).c_str()}});
 }
 
 void BusTrace::takeReply(GDBusMessage* message) {

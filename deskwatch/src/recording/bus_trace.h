@@ -25,6 +25,12 @@ namespace deskwatch {
 ///     {"out": "write", "key": PATH, "value": VALUE}          a setting, a key or a preference
 ///     {"out": "launch", "to": ID, "replyWanted": BOOL, "extraData": {...}}
 ///     {"out": "message", "to": ID, "port": PORT, "entries": {...}}
+///
+/// What was done to the watch from outside ("around") is in no recording, because a replay cannot repeat it:
+///
+///     {"around": "event", "type": NAME}                      a system event
+///     {"around": "fault", "function": NAME, "code": NUMBER or null, "nth": NUMBER}
+///     {"around": "call", "method": NAME}                     a call of the interface for diagnosis
 using TraceEvent = nlohmann::ordered_json;
 
 /// Makes events of the messages on a bus.
@@ -45,6 +51,8 @@ private:
     void takeLaunch(GDBusMessage* message);
     void takePortMessage(GDBusMessage* message);
     void takeChanges(GDBusMessage* message);
+    void takeSystemEvent(GDBusMessage* message);
+    void takeFault(const std::string& key, GVariant* value);
     std::string nameOf(const char* busName) const;
     bool isService(const char* busName) const;
 

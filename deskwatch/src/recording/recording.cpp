@@ -92,7 +92,11 @@ void record(const Device& device, const std::filesystem::path& file) {
         }
     };
     const BusMonitor monitor(device.busAddress());
-    BusTrace trace(BusClient(device.busAddress()).daemon(), write);
+    BusTrace trace(BusClient(device.busAddress()).daemon(), [&write](const TraceEvent& event) {
+        if (!event.contains("around")) {
+            write(event);
+        }
+    });
     write(head);
     bool isOver = false;
     while (!isOver) {

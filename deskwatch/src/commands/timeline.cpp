@@ -1,0 +1,40 @@
+#include "recording/timeline.h"
+
+#include <iostream>
+#include <memory>
+
+#include "commands.h"
+
+namespace deskwatch {
+namespace {
+
+struct TimelineOptions {
+    bool isFollowed = false;
+    bool isNew = false;
+    bool isJson = false;
+};
+
+void showTimeline(const CommonOptions& common, const TimelineOptions& options) {
+    tellTimeline(chosenDevice(common), {!options.isNew, options.isFollowed}, [&](const TimelineEntry& entry) {
+        std::cout << (options.isJson ? timelineJson(entry) : timelineText(entry));
+        if (options.isFollowed) {
+            std::cout << std::flush;
+        }
+    });
+}
+
+} // namespace
+
+void addTimelineCommand(CLI::App& program, const CommonOptions& common) {
+    auto* command = program.add_subcommand("timeline", "Show what happened: requests, effects, keys, launches, log");
+    auto options = std::make_shared<TimelineOptions>();
+    auto* follow = command->add_flag("--follow", options->isFollowed,
+                                     "Continue with what happens, until interrupted or the watch is switched off");
+    command->add_flag("--new", options->isNew, "Leave out what happened before")->needs(follow);
+    command->add_flag("--json", options->isJson, "One JSON object for each entry");
+    command->footer("What happened before is the log and what the mail application received; its times are not known.\n"
+                    "Example:\n  deskwatch timeline --follow");
+    command->callback([&common, options] { showTimeline(common, *options); });
+}
+
+} // namespace deskwatch

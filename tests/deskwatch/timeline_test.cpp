@@ -1,0 +1,97 @@
+#include "recording/timeline.h"
+
+#include <csignal>
+
+#include "commands_fixture.h"
+#include "running_program.h"
+
+namespace deskwatch {
+namespace {
+
+struct Row {
+    const char* event;
+    const char* kind;
+    const char* text;
+};
+
+class TimelineWords : public testing::TestWithParam<Row> {};
+
+TEST_P(TimelineWords, TellWhatHappened) {
+    const auto entry = timelineEntry(TraceEvent::parse(GetParam().event));
+    EXPECT_EQ(entry.kind, GetParam().kind);
+    EXPECT_EQ(entry.text, GetParam().text);
+    EXPECT_EQ(entry.detail, GetParam().event);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Events, TimelineWords,
+    testing::Values(
+        Row{R"({"in":"launch","from":"mail","extraData":{}})", "request", "mail launches the service"},
+        Row{R"({"in":"message","from":"mail","entries":{"req":"go","msg":"abc"}})", "request",
+            "mail sends go with 3 bytes"},
+        Row{R"({"in":"reply","from":"popup","extraData":{"result":"ok"}})", "answer", "popup answers ok"},
+        Row{R"({"in":"reply","from":"popup","extraData":{}})", "answer", "popup is closed without an answer"},
+        Row{R"({"in":"key","key":"/vconf/db/a","value":1})", "key", "/vconf/db/a = 1"},
+        Row{R"({"in":"start","application":"mail"})", "process", "mail starts"},
+        Row{R"({"in":"end","application":"agent"})", "process", "agent ends"},
+        Row{R"({"out":"write","key":"/dpm/a","value":null})", "effect", "/dpm/a is removed"},
+        Row{R"({"out":"launch","to":"popup","replyWanted":true,"extraData":{}})", "launch",
+            "the service launches popup"},
+        Row{R"({"out":"message","to":"mail","entries":{"req":"stop"}})", "message", "the service sends stop to mail"},
+        Row{R"({"around":"fault","function":"f","code":-13,"nth":2})", "fault", "f returns -13 at call 2"},
+        Row{R"({"around":"fault","function":"f","code":null,"nth":0})", "fault", "f works again"},
+        Row{R"({"around":"call","method":"ping"})", "call", "diagnostic method ping"}));
+
+TEST(TimelineOutput, TimeIsToldInUtcAndLeftOutWhereItIsNotKnown) {
+    auto entry = timelineEntry(std::string_view("W/TESK_CONSUMER(1): a \xff"));
+    EXPECT_EQ(timelineJson(entry), "{\"time\":null,\"kind\":\"log\",\"level\":\"W\","
+                                   "\"text\":\"W/TESK_CONSUMER(1): a \xEF\xBF\xBD\",\"detail\":null}\n");
+    EXPECT_EQ(timelineText(entry), "-             log     W/TESK_CONSUMER(1): a \xEF\xBF\xBD\n");
+    entry.time = std::chrono::system_clock::time_point(std::chrono::milliseconds(1'700'000'000'007));
+    EXPECT_EQ(timelineJson(entry).find(R"({"time":"2023-11-14T22:13:20.007Z")"), 0U) << timelineJson(entry);
+}
+
+class TimelineCommand : public Commands {};
+
+/// Waits for an entry of that kind whose text has that part.
+void await(RunningProgram& program, const std::string& kind, const std::string& part) {
+    const auto line = program.awaitLine([&](const std::string& text) {
+        const auto entry = Json::parse(text);
+        return entry["kind"] == kind && entry["text"].get<std::string>().find(part) != std::string::npos;
+    });
+    EXPECT_TRUE(Json::parse(line)["time"].is_string()) << line;
+}
+
+TEST_F(TimelineCommand, FollowsAllThatHappensUntilTheWatchIsOff) {
+    boot();
+    RunningProgram timeline({"timeline", "--follow", "--json"});
+    EXPECT_EQ(Json::parse(timeline.nextLine())["time"], nullptr); // it listens before it tells the past
+    RunningProgram fresh({"timeline", "--follow", "--json", "--new"});
+
+    run({"fault", "dpm_password_set_history", "-1"});
+    await(timeline, "fault", "dpm_password_set_history returns -1 at every call");
+    run({"mail", "policy", sample("hardened.json")});
+    await(timeline, "request", "req_update_policy");
+    await(timeline, "effect", "/dpm/password/minimum-length = 4");
+    run({"popup", "sync-off"});
+    await(timeline, "answer", "sync_off_ok");
+    await(timeline, "message", "req_disable_password_eas_accounts");
+    run({"event", "low-memory"});
+    await(timeline, "event", "low memory");
+    await(timeline, "log", "Low memory!");
+    run({"off"});
+    EXPECT_EQ(timeline.waitForEnd(), 0);
+    EXPECT_TRUE(Json::parse(fresh.nextLine())["time"].is_string());
+}
+
+TEST_F(TimelineCommand, PastIsTheLogAndTheInbox) {
+    boot();
+    run({"mail", "policy", sample("hardened.json")});
+    run({"popup", "sync-off"});
+    const auto text = run({"timeline"});
+    EXPECT_NE(text.find("-             log     W/TESK_CONSUMER("), std::string::npos) << text;
+    EXPECT_NE(text.find("message the service sends req_disable_password_eas_accounts"), std::string::npos) << text;
+}
+
+} // namespace
+} // namespace deskwatch
