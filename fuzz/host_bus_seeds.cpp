@@ -6,6 +6,7 @@
 
 #include "fuzz_target.h"
 #include "sample_policies.h"
+#include "text_pairs.h"
 
 namespace {
 
@@ -36,11 +37,7 @@ std::string callOf(const char* interface, const char* method, GVariant* argument
 }
 
 GVariant* pairsOf(const std::string& message) {
-    GVariantBuilder builder;
-    g_variant_builder_init(&builder, G_VARIANT_TYPE("a(ss)"));
-    g_variant_builder_add(&builder, "(ss)", "req", "req_update_policy");
-    g_variant_builder_add(&builder, "(ss)", "msg", message.c_str());
-    return g_variant_builder_end(&builder);
+    return text_pairs::toVariant(std::map<std::string, std::string>{{"req", "req_update_policy"}, {"msg", message}});
 }
 
 /// A value as it is kept, after the place of its type in the target's list.
@@ -57,10 +54,10 @@ std::map<std::string, std::string> fuzz::hostBusSeeds() {
     const std::string name = "db/setting/lock_type";
     return {
         {"send", callOf("tesk.host.MessagePort", "Send",
-                        g_variant_new("(ss@a(ss))", "eas-itpolicy-port", "com.example.mail", pairsOf(message)))},
+                        g_variant_new("(ss@a(ayay))", "eas-itpolicy-port", "com.example.mail", pairsOf(message)))},
         {"short-send", callOf("tesk.host.MessagePort", "Send",
-                              g_variant_new("(ss@a(ss))", "eas-itpolicy-port", "a.b", pairsOf("1")))},
-        {"launch", callOf("tesk.host.Application", "Launch", g_variant_new("(s@a(ss)b)", "a.b", pairsOf(""), TRUE))},
+                              g_variant_new("(ss@a(ayay))", "eas-itpolicy-port", "a.b", pairsOf("1")))},
+        {"launch", callOf("tesk.host.Application", "Launch", g_variant_new("(s@a(ayay)b)", "a.b", pairsOf(""), TRUE))},
         {"event",
          blobOf(g_dbus_message_new_signal("/tesk/host/system", "tesk.host.System", "Event"), g_variant_new("(i)", 1))},
         {"pairs", settingOf(0, pairsOf("1"))},

@@ -157,7 +157,7 @@ int app_control_is_reply_requested(app_control_h app_control, bool* requested) {
 int app_control_reply_to_launch_request(app_control_h reply, app_control_h request, app_control_result_e result) {
     return withControl(__func__, request, [&](app_control_s& received) {
         const app_control_s* answer = AppControls::get().find(reply);
-        if (answer == nullptr || received.answer == nullptr || !answer->extraData.isUtf8()) {
+        if (answer == nullptr || received.answer == nullptr) {
             return APP_CONTROL_ERROR_INVALID_PARAMETER;
         }
         host::answerLaunch(received.answer.release(), result, answer->extraData);

@@ -70,9 +70,6 @@ Launcher::~Launcher() {
 }
 
 int Launcher::send(const app_control_s& request, app_control_reply_cb callback, void* userData) {
-    if (!request.extraData.isUtf8()) {
-        return APP_CONTROL_ERROR_INVALID_PARAMETER;
-    }
     const bool isRunning = bus_.hasOwner(*request.appId);
     if (!isRunning && !bus_.isActivatable(*request.appId)) {
         return APP_CONTROL_ERROR_APP_NOT_FOUND;

@@ -98,7 +98,7 @@ bool PortExchange::isOpen(const std::string& application, const std::string& por
 }
 
 int PortExchange::send(const std::string& application, const std::string& port, const bundle& message) {
-    if (!isUtf8(port) || !message.pairs.isUtf8()) {
+    if (!isUtf8(port)) {
         return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
     }
     if (!isOpen(application, port)) {

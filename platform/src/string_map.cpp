@@ -2,32 +2,18 @@
 
 #include <algorithm>
 
-#include "text.h"
+#include "text_pairs.h"
 
 namespace host {
 
 StringMap::StringMap(GVariant* pairs) {
-    GVariantIter iterator;
-    g_variant_iter_init(&iterator, pairs);
-    const char* key = nullptr;
-    const char* value = nullptr;
-    while (g_variant_iter_next(&iterator, "(&s&s)", &key, &value)) {
+    for (const auto& [key, value] : text_pairs::read(pairs)) {
         set(key, value);
     }
 }
 
 GVariant* StringMap::toVariant() const {
-    GVariantBuilder builder;
-    g_variant_builder_init(&builder, G_VARIANT_TYPE("a(ss)"));
-    for (const auto& [key, value] : pairs_) {
-        g_variant_builder_add(&builder, "(ss)", key.c_str(), value.c_str());
-    }
-    return g_variant_builder_end(&builder);
-}
-
-bool StringMap::isUtf8() const {
-    return std::all_of(pairs_.begin(), pairs_.end(),
-                       [](const auto& pair) { return host::isUtf8(pair.first) && host::isUtf8(pair.second); });
+    return text_pairs::toVariant(pairs_);
 }
 
 std::string* StringMap::find(const std::string& key) {

@@ -9,8 +9,8 @@
 
 namespace host {
 
-/// An ordered map from string to string, and its form on the bus, an array of pairs: a(ss). A value stays at its
-/// address until it is replaced.
+/// An ordered map from string to string, and its form on the bus, an array of pairs (text_pairs.h). A value stays
+/// at its address until it is replaced.
 class StringMap {
 public:
     using Pairs = std::list<std::pair<std::string, std::string>>;
@@ -20,11 +20,8 @@ public:
     /// Reads the bus form; of a key that comes twice, the later value counts.
     explicit StringMap(GVariant* pairs);
 
-    /// The bus form, a floating reference. Every text must be UTF-8.
+    /// The bus form, a floating reference.
     GVariant* toVariant() const;
-
-    /// Whether every text can travel over the bus.
-    bool isUtf8() const;
 
     /// The value of a key, or null.
     std::string* find(const std::string& key);

@@ -53,6 +53,11 @@ TEST_F(AppControlContract, KeepsExtraData) {
     EXPECT_EQ(extraData("account"), "alice");
 }
 
+TEST_F(AppControlContract, KeepsBytesThatAreNotUtf8) {
+    EXPECT_EQ(app_control_add_extra_data(control(), "\xfe", "caf\xe9"), APP_CONTROL_ERROR_NONE);
+    EXPECT_EQ(extraData("\xfe"), "caf\xe9");
+}
+
 TEST_F(AppControlContract, LaterValueReplacesTheEarlier) {
     app_control_add_extra_data(control(), "account", "alice");
     EXPECT_EQ(app_control_add_extra_data(control(), "account", "bob"), APP_CONTROL_ERROR_NONE);

@@ -116,6 +116,14 @@ TEST(MessagePortContract, MessageMayBeEmpty) {
     EXPECT_EQ(inbox.texts, (std::vector<std::string>{"(null)", ""}));
 }
 
+TEST(MessagePortContract, BytesThatAreNotUtf8ArriveUnchanged) {
+    Inbox inbox;
+    message_port_register_local_port(port, receive, &inbox);
+    EXPECT_EQ(send("caf\xe9"), MESSAGE_PORT_ERROR_NONE);
+    ASSERT_TRUE(received(inbox, 1));
+    EXPECT_EQ(inbox.texts, std::vector<std::string>{"caf\xe9"});
+}
+
 TEST(MessagePortContract, PortClosesOnce) {
     EXPECT_EQ(message_port_unregister_local_port(1), MESSAGE_PORT_ERROR_PORT_NOT_FOUND);
     const int id = message_port_register_local_port(port, receive, nullptr);

@@ -102,7 +102,8 @@ TEST_F(Commands, PopupsOkOpensTheLockSettings) {
     settle(ids::service);
     settle(ids::lockSettings);
 
-    EXPECT_EQ(ask(ids::lockSettings, "Launches"), "([('com.velmor.tesk-agent', false, [('setting_state', 'eas')])],)");
+    EXPECT_EQ(ask(ids::lockSettings, "Launches"),
+              "([('com.velmor.tesk-agent', false, [(b'setting_state', b'eas')])],)");
     EXPECT_EQ(ask(ids::popup, "Launches").find("true"), std::string::npos) << "no answer is owed any more";
 }
 
@@ -116,7 +117,7 @@ TEST_F(Commands, PopupsRefusalReachesTheMailApplication) {
     settle(ids::mail);
 
     EXPECT_EQ(ask(ids::mail, "Messages"),
-              "([('com.velmor.tesk-agent', [('req', 'req_disable_password_eas_accounts'), ('msg', '')])],)");
+              "([('com.velmor.tesk-agent', [(b'req', b'req_disable_password_eas_accounts'), (b'msg', b'')])],)");
 }
 
 TEST_F(Commands, AnswerThatNobodyWaitsForIsRefused) {

@@ -5,6 +5,7 @@
 
 #include "c_owners.h"
 #include "commands_fixture.h"
+#include "recording/recorded_text.h"
 
 namespace deskwatch {
 namespace {
@@ -109,12 +110,38 @@ TEST_F(Recordings, EndOfTheServiceIsReplayed) {
     const auto service = ProcessHandle::open(pid.value());
     service->signal(SIGTERM);
     ASSERT_TRUE(service->waitForEnd(timeout));
-    run({"mail", "delete", "2"});
+    run({"mail", "send", "req_delete_account", "2\xff"});
     recording.interrupt();
     EXPECT_EQ(recording.status(), 0);
 
-    EXPECT_NE(contents(file).find(R"({"in":"end","application":"com.velmor.tesk-agent"})"), std::string::npos);
+    const auto text = contents(file);
+    EXPECT_NE(text.find(R"({"in":"end","application":"com.velmor.tesk-agent"})"), std::string::npos);
+    EXPECT_NE(text.find(R"("msg":"2\u001aff")"), std::string::npos) << text;
     EXPECT_EQ(run({"replay", file.string()}).find("all "), 0U);
+}
+
+TEST(RecordedText, EveryTextComesBackAndUtf8IsReadable) {
+    EXPECT_EQ(recordedText("Gr\xc3\xbc\xc3\x9f"
+                           "e\n"),
+              "Gr\xc3\xbc\xc3\x9f"
+              "e\n");
+    for (const std::string text : {"", "\xff", "caf\xe9", "\xc3", "a\x1a",
+                                   "\x1a"
+                                   "1a",
+                                   "\x1a"
+                                   "f",
+                                   "\xed\xa0\x80", "\xf4\x90\x80\x80"}) {
+        const auto recorded = recordedText(text);
+        EXPECT_TRUE(g_utf8_validate(recorded.c_str(), -1, nullptr)) << recorded;
+        EXPECT_EQ(textOfRecorded(recorded), text);
+    }
+}
+
+TEST(RecordedText, MarkWithoutDigitsIsItselfInAnEarlierRecording) {
+    EXPECT_EQ(textOfRecorded("\x1a and \x1a"
+                             "0"),
+              "\x1a and \x1a"
+              "0");
 }
 
 TEST_F(Recordings, WatchWithAccountsIsNotRecorded) {

@@ -45,7 +45,7 @@ TEST_F(WearerCommands, PopupsSyncOffReachesTheMailApplication) {
     run({"popup", "sync-off"});
 
     EXPECT_EQ(ask(ids::mail, "Messages"),
-              "([('com.velmor.tesk-agent', [('req', 'req_disable_password_eas_accounts'), ('msg', '')])],)");
+              "([('com.velmor.tesk-agent', [(b'req', b'req_disable_password_eas_accounts'), (b'msg', b'')])],)");
     EXPECT_EQ(launchesOf(status(), ids::lockSettings), 0);
 }
 

@@ -51,7 +51,8 @@ std::string callerOf(app_control_h control) {
 
 void answer(app_control_h request) {
     const AppControlOwner reply = newAppControl();
-    app_control_add_extra_data(reply.get(), "answer", "yes");
+    const std::string text = extraData(request, "text");
+    app_control_add_extra_data(reply.get(), "answer", text.empty() ? "yes" : text.c_str());
     app_control_reply_to_launch_request(reply.get(), request, APP_CONTROL_RESULT_SUCCEEDED);
 }
 

@@ -10,6 +10,7 @@
 #include "session/companion_bus.h"
 #include "tesk-desk-bus.h"
 #include "tesk-host-bus.h"
+#include "text_pairs.h"
 
 namespace system_test {
 namespace {
@@ -27,15 +28,10 @@ void require(bool isDone, const std::string& what, GError* error) {
     }
 }
 
-Entries entriesOf(GVariantIter* pairs) {
-    Entries entries;
-    const char* key = nullptr;
-    const char* value = nullptr;
-    while (g_variant_iter_next(pairs, "(&s&s)", &key, &value) != FALSE) {
-        entries.emplace(key, value);
-    }
-    g_variant_iter_free(pairs);
-    return entries;
+Entries entriesOf(GVariant* pairs) {
+    const c::VariantOwner owner(pairs);
+    const auto texts = text_pairs::read(pairs);
+    return {texts.begin(), texts.end()};
 }
 
 /// Lets the platform take the answers to this process's own requests, which have arrived and wait for the main loop. At
@@ -87,8 +83,8 @@ std::vector<Launch> Companions::launches(const std::string& id) const {
     g_variant_iter_init(&iterator, list.get());
     const char* caller = nullptr;
     gboolean waits = FALSE;
-    GVariantIter* pairs = nullptr;
-    while (g_variant_iter_next(&iterator, "(&sba(ss))", &caller, &waits, &pairs) != FALSE) {
+    GVariant* pairs = nullptr;
+    while (g_variant_iter_next(&iterator, "(&sb@a(ayay))", &caller, &waits, &pairs) != FALSE) {
         launches.push_back({caller, waits != FALSE, entriesOf(pairs)});
     }
     return launches;

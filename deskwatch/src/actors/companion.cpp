@@ -15,6 +15,7 @@
 #include "device/application_ids.h"
 #include "session/companion_bus.h"
 #include "tesk-desk-bus.h"
+#include "text_pairs.h"
 
 namespace deskwatch {
 namespace {
@@ -67,14 +68,6 @@ Message readMessage(const char* sender, bundle* message) {
         }
     }
     return result;
-}
-
-void addEntries(GVariantBuilder* builder, const Entries& entries) {
-    g_variant_builder_open(builder, G_VARIANT_TYPE("a(ss)"));
-    for (const auto& [key, value] : entries) {
-        g_variant_builder_add(builder, "(ss)", key.c_str(), value.c_str());
-    }
-    g_variant_builder_close(builder);
 }
 
 class Companion {
@@ -147,13 +140,10 @@ void Companion::onMessage(int /*port*/, const char* sender, const char* /*sender
 
 gboolean Companion::onLaunches(TeskDeskCompanion* object, GDBusMethodInvocation* call, gpointer self) {
     GVariantBuilder builder;
-    g_variant_builder_init(&builder, G_VARIANT_TYPE("a(sba(ss))"));
+    g_variant_builder_init(&builder, G_VARIANT_TYPE("a(sba(ayay))"));
     for (const auto& launch : static_cast<Companion*>(self)->launches_) {
-        g_variant_builder_open(&builder, G_VARIANT_TYPE("(sba(ss))"));
-        g_variant_builder_add(&builder, "s", launch.caller.c_str());
-        g_variant_builder_add(&builder, "b", launch.waiting != nullptr ? TRUE : FALSE);
-        addEntries(&builder, launch.extraData);
-        g_variant_builder_close(&builder);
+        g_variant_builder_add(&builder, "(sb@a(ayay))", launch.caller.c_str(), launch.waiting != nullptr ? TRUE : FALSE,
+                              text_pairs::toVariant(launch.extraData));
     }
     tesk_desk_companion_complete_launches(object, call, g_variant_builder_end(&builder));
     return TRUE;
@@ -161,12 +151,9 @@ gboolean Companion::onLaunches(TeskDeskCompanion* object, GDBusMethodInvocation*
 
 gboolean Companion::onMessages(TeskDeskCompanion* object, GDBusMethodInvocation* call, gpointer self) {
     GVariantBuilder builder;
-    g_variant_builder_init(&builder, G_VARIANT_TYPE("a(sa(ss))"));
+    g_variant_builder_init(&builder, G_VARIANT_TYPE("a(sa(ayay))"));
     for (const auto& message : static_cast<Companion*>(self)->messages_) {
-        g_variant_builder_open(&builder, G_VARIANT_TYPE("(sa(ss))"));
-        g_variant_builder_add(&builder, "s", message.sender.c_str());
-        addEntries(&builder, message.entries);
-        g_variant_builder_close(&builder);
+        g_variant_builder_add(&builder, "(s@a(ayay))", message.sender.c_str(), text_pairs::toVariant(message.entries));
     }
     tesk_desk_companion_complete_messages(object, call, g_variant_builder_end(&builder));
     return TRUE;

@@ -8,6 +8,8 @@
 #include "c_owners.h"
 #include "device/application_ids.h"
 #include "host_bus.h"
+#include "recording/recorded_text.h"
+#include "text_pairs.h"
 
 namespace deskwatch {
 namespace {
@@ -18,19 +20,6 @@ std::string textOf(const char* text) {
 
 c::VariantOwner child(GVariant* tuple, gsize index) {
     return c::VariantOwner(g_variant_get_child_value(tuple, index));
-}
-
-/// The entries of an a(ss).
-TraceEvent entriesOf(GVariant* list) {
-    TraceEvent entries = TraceEvent::object();
-    GVariantIter iterator;
-    g_variant_iter_init(&iterator, list);
-    const char* key = nullptr;
-    const char* value = nullptr;
-    while (g_variant_iter_next(&iterator, "(&s&s)", &key, &value) != FALSE) {
-        entries[key] = value;
-    }
-    return entries;
 }
 
 TraceEvent valueOf(GVariant* value) {
@@ -75,6 +64,14 @@ bool isUserNumber(const std::string& key) {
 
 } // namespace
 
+TraceEvent recordedEntries(GVariant* pairs) {
+    TraceEvent entries = TraceEvent::object();
+    for (const auto& [key, value] : text_pairs::read(pairs)) {
+        entries[recordedText(key)] = recordedText(value);
+    }
+    return entries;
+}
+
 BusTrace::BusTrace(const BusDaemon& daemon, Sink sink) : sink_(std::move(sink)) {
     for (const auto& name : daemon.ownedNames()) {
         const auto owner = isKnownApplication(name) ? daemon.ownerOf(name) : std::nullopt;
@@ -105,9 +102,9 @@ void BusTrace::take(GDBusMessage* message) {
 void BusTrace::takeCall(GDBusMessage* message) {
     const std::string interface = textOf(g_dbus_message_get_interface(message));
     const std::string member = textOf(g_dbus_message_get_member(message));
-    if (interface == "tesk.host.Application" && member == "Launch" && isBodyOf(message, "(sa(ss)b)")) {
+    if (interface == "tesk.host.Application" && member == "Launch" && isBodyOf(message, "(sa(ayay)b)")) {
         takeLaunch(message);
-    } else if (interface == "tesk.host.MessagePort" && member == "Send" && isBodyOf(message, "(ssa(ss))")) {
+    } else if (interface == "tesk.host.MessagePort" && member == "Send" && isBodyOf(message, "(ssa(ayay))")) {
         takePortMessage(message);
     } else if (interface == "ca.desrt.dconf.Writer" && member == "Change" && isBodyOf(message, "(ay)")) {
         takeChanges(message);
@@ -118,7 +115,7 @@ void BusTrace::takeCall(GDBusMessage* message) {
 
 void BusTrace::takeLaunch(GDBusMessage* message) {
     GVariant* body = g_dbus_message_get_body(message);
-    const auto extraData = entriesOf(child(body, 1).get());
+    const auto extraData = recordedEntries(child(body, 1).get());
     const std::string target = nameOf(g_dbus_message_get_destination(message));
     if (target == ids::service) {
         sink_({{"in", "launch"},
@@ -141,7 +138,7 @@ void BusTrace::takePortMessage(GDBusMessage* message) {
     GVariant* body = g_dbus_message_get_body(message);
     const std::string target = nameOf(g_dbus_message_get_destination(message));
     const TraceEvent port = g_variant_get_string(child(body, 0).get(), nullptr);
-    const TraceEvent entries = entriesOf(child(body, 2).get());
+    const TraceEvent entries = recordedEntries(child(body, 2).get());
     if (target == ids::service) {
         const TraceEvent sender = g_variant_get_string(child(body, 1).get(), nullptr);
         sink_({{"in", "message"}, {"from", sender}, {"port", port}, {"entries", entries}});
@@ -211,8 +208,8 @@ void BusTrace::takeReply(GDBusMessage* message) {
     }
     const std::string application = call->second;
     waiting_.erase(call);
-    if (isBodyOf(message, "(ia(ss))")) {
-        const auto extraData = entriesOf(child(g_dbus_message_get_body(message), 1).get());
+    if (isBodyOf(message, "(ia(ayay))")) {
+        const auto extraData = recordedEntries(child(g_dbus_message_get_body(message), 1).get());
         sink_({{"in", "reply"}, {"from", application}, {"extraData", extraData}});
     }
 }

@@ -14,7 +14,8 @@
 
 namespace deskwatch {
 
-/// Something that came to the service ("in") or that it did ("out"), as one line of a recording:
+/// Something that came to the service ("in") or that it did ("out"), as one line of a recording; recorded_text.h says
+/// how texts stand in extra data and entries:
 ///
 ///     {"in": "start", "application": ID}                     an application came up
 ///     {"in": "end", "application": ID}                       the service ended
@@ -32,6 +33,9 @@ namespace deskwatch {
 ///     {"around": "fault", "function": NAME, "code": NUMBER or null, "nth": NUMBER}
 ///     {"around": "call", "method": NAME}                     a call of the interface for diagnosis
 using TraceEvent = nlohmann::ordered_json;
+
+/// The extra data or entries of an event, of pairs of texts in their bus form (text_pairs.h).
+TraceEvent recordedEntries(GVariant* pairs);
 
 /// Makes events of the messages on a bus.
 class BusTrace {

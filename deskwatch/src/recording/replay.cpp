@@ -12,7 +12,9 @@
 #include "device/bus_client.h"
 #include "host_bus.h"
 #include "recording/bus_monitor.h"
+#include "recording/recorded_text.h"
 #include "session/companion_bus.h"
+#include "text_pairs.h"
 
 namespace deskwatch {
 namespace {
@@ -40,12 +42,11 @@ std::vector<Effect> effectsOf(const Recording& recording) {
 }
 
 GVariant* entries(const TraceEvent& object) {
-    GVariantBuilder builder;
-    g_variant_builder_init(&builder, G_VARIANT_TYPE("a(ss)"));
+    std::vector<std::pair<std::string, std::string>> texts;
     for (const auto& [key, value] : object.items()) {
-        g_variant_builder_add(&builder, "(ss)", key.c_str(), value.get<std::string>().c_str());
+        texts.emplace_back(textOfRecorded(key), textOfRecorded(value.get<std::string>()));
     }
-    return g_variant_builder_end(&builder);
+    return text_pairs::toVariant(texts);
 }
 
 GVariant* settingOf(const TraceEvent& value) {
@@ -75,7 +76,7 @@ public:
 
     void launch(const std::string& caller, const TraceEvent& extraData) const {
         bus_.call({ids::service, host_bus::applicationPath, "tesk.host.Application", "Launch"},
-                  g_variant_new("(s@a(ss)b)", caller.c_str(), entries(extraData), FALSE), replayTimeout);
+                  g_variant_new("(s@a(ayay)b)", caller.c_str(), entries(extraData), FALSE), replayTimeout);
     }
 
     /// Does what came in.
@@ -119,7 +120,7 @@ private:
 
     void send(const TraceEvent& event) const {
         bus_.call({ids::service, host_bus::applicationPath, "tesk.host.MessagePort", "Send"},
-                  g_variant_new("(ss@a(ss))", event.at("port").get<std::string>().c_str(),
+                  g_variant_new("(ss@a(ayay))", event.at("port").get<std::string>().c_str(),
                                 event.at("from").get<std::string>().c_str(), entries(event.at("entries"))),
                   replayTimeout);
     }

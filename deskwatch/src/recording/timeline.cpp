@@ -25,18 +25,12 @@ std::vector<TraceEvent> inboxOf(const BusClient& bus) {
     const auto answer =
         bus.call({ids::mail, companion_bus::path, "tesk.desk.Companion", "Messages"}, nullptr, inboxTimeout);
     GVariantIter* messages = nullptr;
-    g_variant_get(answer.get(), "(a(sa(ss)))", &messages);
-    GVariantIter* entries = nullptr;
-    while (g_variant_iter_next(messages, "(&sa(ss))", nullptr, &entries) != FALSE) {
-        TraceEvent event{
-            {"out", "message"}, {"to", ids::mail}, {"port", ids::policyPort}, {"entries", TraceEvent::object()}};
-        const char* key = nullptr;
-        const char* value = nullptr;
-        while (g_variant_iter_next(entries, "(&s&s)", &key, &value) != FALSE) {
-            event["entries"][key] = value;
-        }
-        g_variant_iter_free(entries);
-        events.push_back(event);
+    g_variant_get(answer.get(), "(a(sa(ayay)))", &messages);
+    GVariant* entries = nullptr;
+    while (g_variant_iter_next(messages, "(&s@a(ayay))", nullptr, &entries) != FALSE) {
+        const c::VariantOwner owner(entries);
+        events.push_back(
+            {{"out", "message"}, {"to", ids::mail}, {"port", ids::policyPort}, {"entries", recordedEntries(entries)}});
     }
     g_variant_iter_free(messages);
     return events;

@@ -18,6 +18,7 @@
 #include "session/setting_value.h"
 #include "status/policy_database.h"
 #include "tesk-desk-bus.h"
+#include "text_pairs.h"
 
 namespace deskwatch {
 namespace {
@@ -45,16 +46,12 @@ ScreenLaunch readLaunch(const std::string& application, GVariant* entry) {
     launch.application = application;
     const char* caller = nullptr;
     gboolean waiting = FALSE;
-    GVariantIter* extraData = nullptr;
-    g_variant_get(entry, "(&sba(ss))", &caller, &waiting, &extraData);
+    GVariant* extraData = nullptr;
+    g_variant_get(entry, "(&sb@a(ayay))", &caller, &waiting, &extraData);
+    const c::VariantOwner owner(extraData);
     launch.caller = caller;
     launch.waiting = waiting != FALSE;
-    const char* key = nullptr;
-    const char* value = nullptr;
-    while (g_variant_iter_next(extraData, "(&s&s)", &key, &value) != FALSE) {
-        launch.extraData.emplace_back(key, value);
-    }
-    g_variant_iter_free(extraData);
+    launch.extraData = text_pairs::read(extraData);
     return launch;
 }
 
