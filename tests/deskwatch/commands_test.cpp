@@ -82,7 +82,9 @@ TEST_F(Commands, FileThatIsNoJsonIsRefusedAndNothingOfTheOthersIsSent) {
 TEST_F(Commands, FileThatIsNoJsonIsSentAllTheSameWhenAskedFor) {
     boot();
     const auto file = write("broken.json", "{\n  \"msgId\" \"x\"\n}\n");
-    run({"mail", "policy", "--raw", file.string()});
+    const auto outcome = deskwatchProgram({"mail", "policy", "--raw", file.string()});
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.errors, "deskwatch: mail policy: " + file.string() + ": passed over: it is not valid JSON\n");
     EXPECT_TRUE(status()["serviceRunning"]) << "the service has survived it";
 }
 

@@ -1,4 +1,4 @@
-#include "status/idle_exit.h"
+#include "records/idle_exit.h"
 
 #include <gtest/gtest.h>
 

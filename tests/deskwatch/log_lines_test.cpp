@@ -1,4 +1,4 @@
-#include "status/log_lines.h"
+#include "records/log_lines.h"
 
 #include <gtest/gtest.h>
 

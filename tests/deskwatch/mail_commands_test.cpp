@@ -1,7 +1,13 @@
+#include <sqlite3.h>
+
 #include <algorithm>
+#include <csignal>
 
 #include "commands_fixture.h"
 #include "device/application_ids.h"
+#include "device/process_handle.h"
+#include "records/policy_database.h"
+#include "running_program.h"
 
 namespace deskwatch {
 namespace {
@@ -52,7 +58,8 @@ TEST_F(MailCommands, MessageThatIsTooLongForThePortIsRefusedAndNothingIsSent) {
     EXPECT_NE(refused.errors.find(": the message has 12174 bytes; the port takes at most 12173\n"), std::string::npos)
         << refused.errors;
     EXPECT_FALSE(wasSent);
-    EXPECT_EQ(deskwatchProgram({"mail", "policy", longest}).status, 0);
+    EXPECT_NE(deskwatchProgram({"mail", "policy", longest}).errors.find("passed over: it is not a JSON object"),
+              std::string::npos);
 }
 
 TEST_F(MailCommands, FileWithoutAKindIsRefused) {
@@ -73,6 +80,97 @@ TEST_F(MailCommands, WipeEmptiesTheInternalStorage) {
     run({"mail", "wipe"});
 
     EXPECT_FALSE(std::filesystem::exists(note));
+}
+
+TEST_F(MailCommands, WhatBecameOfEachRequestIsTold) {
+    boot();
+    EXPECT_EQ(run({"mail", "policy", sample("hardened.json"), sample("three-accounts.json")}),
+              sample("hardened.json") + ": account 2 (bob@bank.example): stored\n" + sample("three-accounts.json") +
+                  ": account 1 (alice@contoso.example): stored\n" + sample("three-accounts.json") +
+                  ": account 2 (bob@bank.example): unchanged\n" + sample("three-accounts.json") +
+                  ": account 3 (carol@university.example): stored\n");
+    EXPECT_EQ(run({"mail", "delete", "2"}), "account 2: deleted\n");
+    EXPECT_EQ(run({"mail", "wipe"}), "the internal storage: wiped\n");
+}
+
+TEST_F(MailCommands, WhatTheWatchDidNotDoEndsWithThreeAndTheReason) {
+    boot();
+    run({"mail", "policy", sample("hardened.json")});
+    run({"fault", "dpm_security_wipe_data", "-13"});
+    run({"fault", "dpm_password_set_history", "-1"});
+    const auto folder = write("broken.json", "{}").string();
+    const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
+        {{"mail", "wipe"}, "refused: the platform does not wipe the internal storage: [-13]"},
+        {{"mail", "policy", sample("exchange-default.json")},
+         "refused by the platform: [EAS] Failed setPasswordHistory"},
+        {{"mail", "delete", "7"}, "account 7: passed over: no such account is stored"},
+        {{"mail", "delete", "abc"}, "\"abc\" is not an account's number"},
+        {{"mail", "send", "req_unknown"}, "the service does not know this request"},
+        {{"mail", "check-encryption"}, "a lock comes first"},
+        {{"mail", "policy", folder}, "its \"msgId\" is none that the service knows"},
+        {{"bus", "usingFile"}, "usingFile: the service cannot open its policy file"},
+    };
+    for (const auto& [arguments, reason] : cases) {
+        const auto outcome = deskwatchProgram(arguments);
+        EXPECT_EQ(outcome.status, 3) << reason;
+        EXPECT_NE(outcome.errors.find(reason), std::string::npos) << outcome.errors;
+    }
+}
+
+TEST_F(MailCommands, NumberThatTheServiceWouldTakeForAnotherIsNotSent) {
+    boot();
+    run({"mail", "policy", sample("hardened.json")});
+    for (const char* number : {"2x", "4294967298", "2 "}) {
+        EXPECT_EQ(deskwatchProgram({"mail", "delete", number}).status, 2) << number;
+    }
+    EXPECT_EQ(status()["accounts"].size(), 1U);
+}
+
+/// Keeps the service from writing its store while it lives; reading goes on.
+class LockedStore {
+public:
+    explicit LockedStore(const Device& device) {
+        EXPECT_EQ(sqlite3_open(policyDatabase(device.layout()).c_str(), &store_), SQLITE_OK);
+        EXPECT_EQ(sqlite3_exec(store_, "begin immediate", nullptr, nullptr, nullptr), SQLITE_OK);
+    }
+    ~LockedStore() { sqlite3_close(store_); }
+    LockedStore(const LockedStore&) = delete;
+    LockedStore& operator=(const LockedStore&) = delete;
+
+private:
+    sqlite3* store_ = nullptr;
+};
+
+TEST_F(MailCommands, UpdateThatCannotBeStoredIsRefused) {
+    boot();
+    run({"mail", "policy", sample("hardened.json")});
+    const LockedStore lock(device());
+
+    const auto outcome = deskwatchProgram({"mail", "policy", sample("three-accounts.json")});
+
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_NE(
+        outcome.errors.find("account 1 (alice@contoso.example): refused: the store cannot be written: database is "
+                            "locked\n"),
+        std::string::npos)
+        << outcome.errors;
+}
+
+TEST_F(MailCommands, RequestThatAServiceLeftUnhandledIsSentAgainToTheNext) {
+    boot();
+    run({"bus", "ping"});
+    RunningProgram log({"log", "--follow"});
+    auto lock = std::make_unique<LockedStore>(device());
+    RunningProgram mail({"mail", "policy", sample("hardened.json")});
+    log.awaitLine([](const std::string& line) { return line.find("busy handler called") != std::string::npos; });
+
+    const auto service = ProcessHandle::open(BusClient(device().busAddress()).daemon().processOf(ids::service).value());
+    service->signal(SIGKILL);
+    lock.reset();
+
+    EXPECT_NE(mail.nextLine().find("account 2 (bob@bank.example): stored"), std::string::npos);
+    EXPECT_NE(mail.nextLine().find("sent again"), std::string::npos);
+    EXPECT_EQ(mail.waitForEnd(), 0);
 }
 
 TEST_F(MailCommands, CheckOfThePasswordOpensThePopup) {

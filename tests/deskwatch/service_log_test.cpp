@@ -1,6 +1,8 @@
-#include "forecast/service_log.h"
+#include "records/service_log.h"
 
 #include <gtest/gtest.h>
+
+#include <fstream>
 
 #include "temporary_folder.h"
 

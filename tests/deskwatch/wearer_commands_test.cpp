@@ -1,7 +1,9 @@
 #include <algorithm>
+#include <csignal>
 
 #include "commands_fixture.h"
 #include "device/application_ids.h"
+#include "device/process_handle.h"
 
 namespace deskwatch {
 namespace {
@@ -73,8 +75,21 @@ TEST_F(WearerCommands, PopupThatIsNotOpenTakesNoAnswer) {
     outcome = deskwatchProgram({"popup", "dismiss"});
 
     EXPECT_EQ(outcome.status, refused);
-    EXPECT_EQ(outcome.errors,
-              "deskwatch: popup dismiss: the popup does not accept an answer: no launch request waits for an answer\n");
+    EXPECT_EQ(outcome.errors, "deskwatch: popup dismiss: nobody waits for an answer of the popup\n");
+}
+
+TEST_F(WearerCommands, AnswerReachesTheServiceThatRunsNowAndNoneThatHasEnded) {
+    boot();
+    run({"mail", "policy", sample("hardened.json")});
+    const auto service = ProcessHandle::open(BusClient(device().busAddress()).daemon().processOf(ids::service).value());
+    service->signal(SIGKILL);
+    ASSERT_TRUE(service->waitForEnd(timeout));
+    EXPECT_EQ(deskwatchProgram({"popup", "ok"}).status, refused) << "who asked is no more";
+    run({"bus", "ping"}); // the service starts, and asks anew
+
+    run({"popup", "ok"});
+
+    EXPECT_EQ(launchesOf(status(), ids::lockSettings), 1);
 }
 
 TEST_F(WearerCommands, DemandedLockIsSetAndTheServiceHearsOfIt) {

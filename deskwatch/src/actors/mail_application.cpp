@@ -4,12 +4,17 @@
 #include <message_port.h>
 
 #include <algorithm>
+#include <chrono>
+#include <optional>
 #include <set>
 #include <stdexcept>
 
 #include "c_owners.h"
 #include "device/application_ids.h"
+#include "device/process_handle.h"
 #include "message_size.h"
+#include "records/policy_database.h"
+#include "records/service_log.h"
 
 namespace deskwatch {
 namespace {
@@ -40,32 +45,117 @@ void launchService() {
     expectSuccess(app_control_send_launch_request(request.get(), nullptr, nullptr), "launch the service");
 }
 
-void send(const Request& request) {
+/// False when the service's port is not open.
+bool send(const Request& request) {
     const c::Owner<bundle, bundle_free> message(bundle_create());
     expectSuccess(bundle_add_str(message.get(), "req", request.name.c_str()), "write the request's name");
     expectSuccess(bundle_add_str(message.get(), "msg", request.argument.c_str()), "write the request's argument");
-    expectSuccess(message_port_send_message(ids::service, ids::policyPort, message.get()), "send " + request.name);
+    const int result = message_port_send_message(ids::service, ids::policyPort, message.get());
+    if (result != MESSAGE_PORT_ERROR_PORT_NOT_FOUND) {
+        expectSuccess(result, "send " + request.name);
+    }
+    return result == MESSAGE_PORT_ERROR_NONE;
 }
+
+std::optional<std::vector<StoredAccount>> storedAccounts(const DeviceLayout& layout) {
+    try {
+        return readStoredAccounts(policyDatabase(layout));
+    } catch (const std::runtime_error&) {
+        return std::nullopt; // the service's log tells why
+    }
+}
+
+/// Who sends, and whom the service has launched meanwhile.
+class Sender {
+public:
+    explicit Sender(const DeviceSession& session) : session_(session), log_(session.device().layout().log()) {
+        log_.skip();
+        launch();
+    }
+
+    RequestOutcome carryOut(const Request& request) {
+        const auto& layout = session_.device().layout();
+        RequestTraces traces{storedAccounts(layout), {}, {}};
+        log_.skip();
+        int repetitions = 0;
+        while (!deliver(request, traces)) {
+            if (++repetitions > mostRepetitions) {
+                throw std::runtime_error("the service ends each time before it has handled " + request.name + ", see " +
+                                         layout.log().string());
+            }
+            launch();
+        }
+        traces.after = storedAccounts(layout);
+        auto outcome = outcomeOf(request, traces);
+        outcome.repetitions = repetitions;
+        return outcome;
+    }
+
+    void settleLaunched() const {
+        for (const auto& id : launched_) {
+            session_.settle(id);
+        }
+    }
+
+private:
+    static constexpr int mostRepetitions = 3;
+    static constexpr std::chrono::seconds endTimeout{20};
+
+    void launch() {
+        launchService();
+        settleService(); // its port is open now
+    }
+
+    void settleService() {
+        const auto more = session_.settle(ids::service);
+        launched_.insert(more.begin(), more.end());
+    }
+
+    /// Whether the service has handled the request, or must not get it again. It ends itself when nothing is left to
+    /// wait for, and a request that is on its way then is handled by the process that ends, or by nobody.
+    bool deliver(const Request& request, RequestTraces& traces) {
+        const auto pid = session_.daemon().processOf(ids::service);
+        const auto service = pid ? ProcessHandle::open(*pid) : std::nullopt;
+        if (!service || !send(request)) {
+            return false;
+        }
+        try {
+            settleService();
+        } catch (const std::runtime_error&) {
+            if (!service->waitForEnd(endTimeout)) {
+                throw;
+            }
+        }
+        const bool isSame = session_.daemon().processOf(ids::service) == pid;
+        if (!isSame) {
+            service->waitForEnd(endTimeout); // it may be handling the request still
+        }
+        const auto lines = log_.takeLines();
+        traces.log.insert(traces.log.end(), lines.begin(), lines.end());
+        return isSame || isWipe(request) || isHandled(traces.log);
+    }
+
+    const DeviceSession& session_;
+    ServiceLog log_;
+    std::set<std::string> launched_;
+};
 
 } // namespace
 
-void sendAsMailApplication(const Device& device, const std::vector<Request>& requests) {
-    sendAsMailApplication(DeviceSession(device, ids::mail), requests);
+std::vector<RequestOutcome> sendAsMailApplication(const Device& device, const std::vector<Request>& requests) {
+    return sendAsMailApplication(DeviceSession(device, ids::mail), requests);
 }
 
-void sendAsMailApplication(const DeviceSession& session, const std::vector<Request>& requests) {
+std::vector<RequestOutcome> sendAsMailApplication(const DeviceSession& session, const std::vector<Request>& requests) {
     std::for_each(requests.begin(), requests.end(), expectSendable);
-    launchService();
-    const auto firstLaunched = session.settle(ids::service); // its port is open now
-    std::set<std::string> launched(firstLaunched.begin(), firstLaunched.end());
+    Sender sender(session);
+    std::vector<RequestOutcome> outcomes;
+    outcomes.reserve(requests.size());
     for (const auto& request : requests) {
-        send(request);
-        const auto more = session.settle(ids::service);
-        launched.insert(more.begin(), more.end());
+        outcomes.push_back(sender.carryOut(request));
     }
-    for (const auto& id : launched) {
-        session.settle(id);
-    }
+    sender.settleLaunched();
+    return outcomes;
 }
 
 } // namespace deskwatch

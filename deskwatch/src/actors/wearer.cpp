@@ -2,6 +2,7 @@
 
 #include <vconf.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <string>
@@ -50,6 +51,16 @@ bool send(TeskDeskCompanion* popup, PopupAnswer answer, GError** error) {
                                                 nullptr, error) != FALSE;
 }
 
+/// How many of the service's launch requests the popup has still to answer. What asked before the service started
+/// anew waits for nobody.
+std::ptrdiff_t openQuestions(const DeviceSession& session) {
+    if (!session.daemon().isOwned(ids::service)) {
+        return 0;
+    }
+    const auto outstanding = session.settle(ids::service);
+    return std::count(outstanding.begin(), outstanding.end(), ids::popup);
+}
+
 } // namespace
 
 void answerPopup(const Device& device, PopupAnswer answer) {
@@ -61,11 +72,18 @@ void answerPopup(const Device& device, PopupAnswer answer) {
     if (answer == PopupAnswer::SyncOff) {
         session.settle(ids::mail); // its port gets the service's request only while it runs
     }
-    GError* error = nullptr;
-    if (!send(popupOf(session).get(), answer, &error)) {
-        throw Refusal("the popup does not accept an answer: " + c::takeMessage(error));
+    const auto questions = openQuestions(session);
+    if (questions == 0) {
+        throw Refusal("nobody waits for an answer of the popup");
     }
-    session.settleService();
+    const auto popup = popupOf(session);
+    do {
+        GError* error = nullptr;
+        if (!send(popup.get(), answer, &error)) {
+            throw Refusal("the popup does not accept an answer: " + c::takeMessage(error));
+        }
+        session.settleService();
+    } while (openQuestions(session) == questions);
     if (answer == PopupAnswer::SyncOff) {
         session.settle(ids::mail);
     }

@@ -16,7 +16,7 @@ enum class PopupAnswer { Ok, SyncOff, Dismiss };
 // allow it, and std::runtime_error when the watch is not booted or an application does not answer.
 
 /// Answers the popup's oldest question. Starts the mail application if it may receive a message. Refused when no popup
-/// asks.
+/// asks, or nobody waits for the answer any more.
 void answerPopup(const Device& device, PopupAnswer answer);
 
 /// Sets the screen's lock as the lock settings would. Without a length it is the shortest that is allowed. Returns the

@@ -1,7 +1,10 @@
 #include <iostream>
 #include <memory>
 
+#include "actors/refusal.h"
+#include "actors/request_outcome.h"
 #include "commands.h"
+#include "records/service_log.h"
 #include "session/platform_events.h"
 
 namespace deskwatch {
@@ -11,6 +14,18 @@ struct BusOptions {
     std::string method;
     std::optional<int> value;
 };
+
+/// Calls a method and prints what it returns. The service answers before it does what it was called for, so whether it
+/// did is in its log.
+void callMethod(const Device& device, const BusOptions& options) {
+    ServiceLog log(device.layout().log());
+    log.skip();
+    const int answer = callDiagnosticMethod(device, options.method, options.value);
+    if (const auto reason = reasonToPassOver(log.takeLines()); !reason.empty()) {
+        throw Refusal(options.method + ": " + reason);
+    }
+    std::cout << answer << '\n';
+}
 
 } // namespace
 
@@ -34,12 +49,12 @@ void addBusCommand(CLI::App& program, const CommonOptions& common) {
         ->add_option("METHOD", options->method, "ping, removeAccount, usingFile, or a policy field such as allowWifi")
         ->required();
     command->add_option("VALUE", options->value, "The field's value");
-    command->footer("Starts the service when it does not run; prints what the method returns.\n"
-                    "usingFile makes the service read its policy from /opt/usr/media/policy.json.\n"
-                    "Example:\n  deskwatch bus allowWifi 0");
-    command->callback([&common, options] {
-        std::cout << callDiagnosticMethod(chosenDevice(common), options->method, options->value) << '\n';
-    });
+    command->footer(
+        "Starts the service when it does not run; prints what the method returns.\n"
+        "usingFile makes the service read its policy from /opt/usr/media/policy.json; fails with 3 when the\n"
+        "service does not take it.\n"
+        "Example:\n  deskwatch bus allowWifi 0");
+    command->callback([&common, options] { callMethod(chosenDevice(common), *options); });
 }
 
 } // namespace deskwatch

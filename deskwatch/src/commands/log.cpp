@@ -4,8 +4,8 @@
 
 #include "c_owners.h"
 #include "commands.h"
+#include "records/log_lines.h"
 #include "status/followed_file.h"
-#include "status/log_lines.h"
 
 namespace deskwatch {
 namespace {

@@ -1,11 +1,57 @@
+#include <cctype>
+#include <charconv>
+#include <iostream>
 #include <memory>
 
 #include "actors/mail_application.h"
 #include "actors/message_file.h"
+#include "actors/refusal.h"
 #include "commands.h"
 
 namespace deskwatch {
 namespace {
+
+/// A request and where it comes from: a file, or nothing where the command says it all.
+struct SourcedRequest {
+    std::string source;
+    Request request;
+};
+
+/// Sends requests and prints what became of each. What the watch did not do is thrown as one Refusal.
+void sendAndTell(const CommonOptions& common, const std::vector<SourcedRequest>& sourced) {
+    std::vector<Request> requests;
+    requests.reserve(sourced.size());
+    for (const auto& entry : sourced) {
+        requests.push_back(entry.request);
+    }
+    const auto outcomes = sendAsMailApplication(chosenDevice(common), requests);
+    std::string refusals;
+    for (std::size_t index = 0; index < outcomes.size(); ++index) {
+        const auto& source = sourced[index].source;
+        const std::string prefix = source.empty() ? "" : source + ": ";
+        for (const auto& line : outcomes[index].done()) {
+            std::cout << prefix << line << '\n';
+        }
+        for (const auto& line : outcomes[index].notDone()) {
+            refusals.append(refusals.empty() ? "" : "\n  ").append(prefix).append(line);
+        }
+    }
+    if (!refusals.empty()) {
+        throw Refusal(refusals);
+    }
+}
+
+/// The service takes the digits that a text begins with, and their lowest 32 bits, for the number of the account to
+/// delete. So a slip of the finger must not reach it.
+std::string checkAccountNumber(const std::string& text) {
+    const auto* digits = text.data() + (text.empty() || text[0] != '-' ? 0 : 1);
+    int number = 0;
+    const auto* const end = text.data() + text.size();
+    const auto [last, error] = std::from_chars(text.data(), end, number);
+    const bool isNumber = error == std::errc() && last == end;
+    const bool looksLikeOne = digits != end && std::isdigit(static_cast<unsigned char>(*digits)) != 0;
+    return isNumber || !looksLikeOne ? "" : text + " is not an account's number, which is 1 to 2147483647";
+}
 
 void addPolicyCommand(CLI::App& mail, const CommonOptions& common) {
     auto* command = mail.add_subcommand("policy", "Send message files, in order, as policy updates");
@@ -15,20 +61,21 @@ void addPolicyCommand(CLI::App& mail, const CommonOptions& common) {
     command->add_flag("--raw", *isRaw, "Send the files as they are, even if they are not valid JSON");
     command->footer("Example:\n  deskwatch mail policy samples/hardened.json");
     command->callback([&common, files, isRaw] {
-        std::vector<Request> requests;
+        std::vector<SourcedRequest> sourced;
         for (const auto& file : *files) {
-            requests.push_back({"req_update_policy", readMessageFile(file, *isRaw ? Check::None : Check::ValidJson)});
+            const auto text = readMessageFile(file, *isRaw ? Check::None : Check::ValidJson);
+            sourced.push_back({file, requests::policyUpdate(text)});
         }
-        sendAsMailApplication(chosenDevice(common), requests);
+        sendAndTell(common, sourced);
     });
 }
 
 void addDeleteCommand(CLI::App& mail, const CommonOptions& common) {
     auto* command = mail.add_subcommand("delete", "Tell the service that an account was deleted");
     auto id = std::make_shared<std::string>();
-    command->add_option("ID", *id, "The account's number")->required();
+    command->add_option("ID", *id, "The account's number")->required()->check(checkAccountNumber, "");
     command->footer("Example:\n  deskwatch mail delete 2");
-    command->callback([&common, id] { sendAsMailApplication(chosenDevice(common), {{"req_delete_account", *id}}); });
+    command->callback([&common, id] { sendAndTell(common, {{"", {requests::deleteAccount, *id}}}); });
 }
 
 void addSendCommand(CLI::App& mail, const CommonOptions& common) {
@@ -37,7 +84,7 @@ void addSendCommand(CLI::App& mail, const CommonOptions& common) {
     command->add_option("REQ", request->name, "The request's name")->required();
     command->add_option("TEXT", request->argument, "Its argument (default: empty)");
     command->footer("Example:\n  deskwatch mail send chk_password_policy");
-    command->callback([&common, request] { sendAsMailApplication(chosenDevice(common), {*request}); });
+    command->callback([&common, request] { sendAndTell(common, {{"", *request}}); });
 }
 
 /// A message that is in files and goes out as a policy update when it is of the right kind.
@@ -54,11 +101,11 @@ void addKindCommand(CLI::App& mail, const CommonOptions& common, const Kind& kin
     command->add_option("FILE", *files, std::string("Message files of the kind ") + kind.id)->required();
     command->footer(std::string("Example:\n  deskwatch mail ") + kind.command + " " + kind.example);
     command->callback([&common, files, id = std::string(kind.id)] {
-        std::vector<Request> requests;
+        std::vector<SourcedRequest> sourced;
         for (const auto& file : *files) {
-            requests.push_back({"req_update_policy", readMessageOfKind(file, id)});
+            sourced.push_back({file, requests::policyUpdate(readMessageOfKind(file, id))});
         }
-        sendAsMailApplication(chosenDevice(common), requests);
+        sendAndTell(common, sourced);
     });
 }
 
@@ -72,7 +119,7 @@ struct FixedRequest {
 void addFixedCommand(CLI::App& mail, const CommonOptions& common, const FixedRequest& fixed) {
     auto* command = mail.add_subcommand(fixed.command, fixed.description);
     command->footer(std::string("Example:\n  deskwatch mail ") + fixed.command);
-    command->callback([&common, request = fixed.request] { sendAsMailApplication(chosenDevice(common), {request}); });
+    command->callback([&common, request = fixed.request] { sendAndTell(common, {{"", request}}); });
 }
 
 } // namespace
@@ -89,17 +136,16 @@ void addMailCommand(CLI::App& program, const CommonOptions& common) {
                     "samples/init-response.json"});
     addDeleteCommand(*command, common);
     addFixedCommand(*command, common,
-                    {"check-password", "Ask for the lock that the policies require", {"chk_password_policy", ""}});
+                    {"check-password", "Ask for the lock that the policies require", {requests::checkPassword, ""}});
     addFixedCommand(
         *command, common,
-        {"check-encryption", "Ask for the encryption that the policies require", {"chk_device_encryption_policy", ""}});
-    addFixedCommand(*command, common,
-                    {"wipe",
-                     "Wipe the watch's internal storage at once",
-                     {"req_update_policy", R"({"msgId":"eas-remote-wipe","seqId":1,"param":{}})"}});
+        {"check-encryption", "Ask for the encryption that the policies require", {requests::checkEncryption, ""}});
+    addFixedCommand(*command, common, {"wipe", "Wipe the watch's internal storage at once", requests::remoteWipe()});
     addSendCommand(*command, common);
-    command->footer("Returns when the service has handled the request.\n"
-                    "Example:\n  deskwatch mail policy samples/hardened.json");
+    command->footer(
+        "Returns when the service has handled the request and tells what became of it; fails with 3 and the\n"
+        "reason when the watch did not do it.\n"
+        "Example:\n  deskwatch mail policy samples/hardened.json");
 }
 
 } // namespace deskwatch

@@ -7,8 +7,8 @@
 #include "actors/mail_application.h"
 #include "device/application_ids.h"
 #include "device/bus_client.h"
+#include "records/policy_database.h"
 #include "session/platform_faults.h"
-#include "status/policy_database.h"
 
 namespace deskwatch {
 namespace {

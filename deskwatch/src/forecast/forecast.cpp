@@ -10,7 +10,7 @@
 #include "device/application_ids.h"
 #include "explain/device_facts.h"
 #include "forecast/device_copy.h"
-#include "forecast/service_log.h"
+#include "records/service_log.h"
 #include "rules/TeskPolicyMerge.h"
 
 namespace deskwatch {

@@ -5,9 +5,9 @@
 #include "device/application_ids.h"
 #include "device/bus_client.h"
 #include "recording/bus_monitor.h"
+#include "records/log_lines.h"
 #include "session/companion_bus.h"
 #include "status/followed_file.h"
-#include "status/log_lines.h"
 
 namespace deskwatch {
 namespace {

@@ -11,12 +11,12 @@
 #include "c_owners.h"
 #include "device/application_ids.h"
 #include "explain/device_facts.h"
+#include "records/policy_database.h"
 #include "rules/TeskPolicyMerge.h"
 #include "rules/TeskPolicyTable.h"
 #include "session/companion_bus.h"
 #include "session/device_policy.h"
 #include "session/setting_value.h"
-#include "status/policy_database.h"
 #include "tesk-desk-bus.h"
 #include "text_pairs.h"
 

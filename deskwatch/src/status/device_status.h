@@ -6,10 +6,10 @@
 #include <utility>
 #include <vector>
 
+#include "records/idle_exit.h"
 #include "session/device_session.h"
 #include "session/device_settings.h"
 #include "session/value.h"
-#include "status/idle_exit.h"
 
 namespace deskwatch {
 

@@ -1,4 +1,4 @@
-#include "status/policy_database.h"
+#include "records/policy_database.h"
 
 #include <sqlite3.h>
 

@@ -2,13 +2,20 @@
 #define DESKWATCH_SERVICE_LOG_H
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
-#include "status/log_lines.h"
+#include "records/log_lines.h"
 
 namespace deskwatch {
+
+/// A line of the service's log: `W/TESK_CONSUMER(  123): File.cpp: function(45) >  text`.
+struct ServiceLine {
+    char level = 'I';
+    std::string file;
+    std::string function;
+    std::string text;
+};
 
 /// What the service has warned of while it handled something.
 struct ServiceWarnings {
@@ -20,18 +27,27 @@ struct ServiceWarnings {
     std::vector<std::string> others;
 };
 
-/// Reads the service's warnings and errors from a watch's log as it grows.
+/// What these lines warn of.
+ServiceWarnings warningsOf(const std::vector<ServiceLine>& lines);
+
+/// Reads the service's lines from a watch's log as it grows.
 class ServiceLog {
 public:
     explicit ServiceLog(std::filesystem::path file) : file_(std::move(file)) {}
 
+    /// Passes over what was logged until now.
+    void skip();
+
     /// Takes what was logged since the last time.
-    ServiceWarnings take();
+    std::vector<ServiceLine> takeLines();
+
+    /// The same as warnings.
+    ServiceWarnings take() { return warningsOf(takeLines()); }
 
 private:
     std::filesystem::path file_;
     std::streamoff position_ = 0;
-    LogLines lines_{'W'};
+    LogLines lines_{std::nullopt};
 };
 
 } // namespace deskwatch

@@ -1,6 +1,7 @@
-#include "forecast/service_log.h"
+#include "records/service_log.h"
 
 #include <array>
+#include <fstream>
 #include <iterator>
 #include <optional>
 #include <sstream>
@@ -9,24 +10,25 @@
 namespace deskwatch {
 namespace {
 
-/// A line of the service's log: `W/TESK_CONSUMER(  123): File.cpp: function(45) >  text`.
-struct ServiceLine {
-    std::string_view file;
-    std::string_view text;
-};
+constexpr std::string_view tag = "/TESK_CONSUMER(";
 
+/// The parts of a line; none when another program wrote it.
 std::optional<ServiceLine> parse(std::string_view line) {
-    constexpr std::string_view tag = "/TESK_CONSUMER(";
     constexpr std::string_view processEnd = "): ";
     constexpr std::string_view textStart = " >  ";
-    const auto file = line.find(processEnd);
-    const auto fileEnd = line.find(": ", file + processEnd.size());
+    const auto process = line.find(processEnd);
+    const auto file = process + processEnd.size();
+    const auto fileEnd = line.find(": ", file);
+    const auto functionEnd = line.find('(', fileEnd);
     const auto text = line.find(textStart);
-    if (line.find(tag) != 1 || file == std::string_view::npos || text == std::string_view::npos) {
+    if (line.find(tag) != 1 || process == std::string_view::npos || text == std::string_view::npos ||
+        fileEnd == std::string_view::npos || functionEnd > text) {
         return std::nullopt;
     }
-    const auto fileStart = file + processEnd.size();
-    return ServiceLine{line.substr(fileStart, fileEnd - fileStart), line.substr(text + textStart.size())};
+    const auto function = fileEnd + 2;
+    return ServiceLine{line.front(), std::string(line.substr(file, fileEnd - file)),
+                       std::string(line.substr(function, functionEnd - function)),
+                       std::string(line.substr(text + textStart.size()))};
 }
 
 bool endsWith(std::string_view text, std::string_view end) {
@@ -75,19 +77,35 @@ void add(ServiceWarnings& warnings, const ServiceLine& line) {
 
 } // namespace
 
-ServiceWarnings ServiceLog::take() {
+ServiceWarnings warningsOf(const std::vector<ServiceLine>& lines) {
+    ServiceWarnings warnings;
+    for (const auto& line : lines) {
+        if (line.level != 'V' && line.level != 'D' && line.level != 'I') {
+            add(warnings, line);
+        }
+    }
+    return warnings;
+}
+
+void ServiceLog::skip() {
+    std::error_code missing;
+    const auto size = std::filesystem::file_size(file_, missing);
+    position_ = missing ? 0 : static_cast<std::streamoff>(size);
+}
+
+std::vector<ServiceLine> ServiceLog::takeLines() {
     std::ifstream stream(file_, std::ios::binary);
     stream.seekg(position_);
     const std::string text(std::istreambuf_iterator<char>(stream), {});
     position_ += static_cast<std::streamoff>(text.size());
-    std::istringstream lines(lines_.add(text));
-    ServiceWarnings warnings;
-    for (std::string line; std::getline(lines, line);) {
-        if (const auto parsed = parse(line)) {
-            add(warnings, *parsed);
+    std::istringstream wanted(lines_.add(text));
+    std::vector<ServiceLine> lines;
+    for (std::string line; std::getline(wanted, line);) {
+        if (auto parsed = parse(line)) {
+            lines.push_back(std::move(*parsed));
         }
     }
-    return warnings;
+    return lines;
 }
 
 } // namespace deskwatch

@@ -1,0 +1,302 @@
+#include "actors/request_outcome.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <string_view>
+
+#include "messages/message.h"
+
+namespace deskwatch {
+namespace {
+
+bool startsWith(std::string_view text, std::string_view start) {
+    return text.substr(0, start.size()) == start;
+}
+
+/// What the service logs when it does not take a request or a message, and what that means.
+struct PassedOver {
+    std::string_view logged;
+    const char* words;
+};
+
+constexpr std::array<PassedOver, 7> passedOver{{
+    {"Failed to open file.", "the service cannot open its policy file"},
+    {"Failed to get string from file.", "the service's policy file is empty"},
+    {"Unsupported request : ", "the service does not know this request"},
+    {"json_parser_get_root failed", "it is not valid JSON"},
+    {"json_node_get_object failed", "it is not a JSON object"},
+    {"this is not request msgId: ", "its \"msgId\" is none that the service knows"},
+    {"json_object_get_object_member failed", "its \"param\" is missing or of the wrong type"},
+}};
+
+} // namespace
+
+std::string reasonToPassOver(const std::vector<ServiceLine>& log) {
+    for (const auto& line : log) {
+        for (const auto& entry : passedOver) {
+            if (startsWith(line.text, entry.logged)) {
+                return entry.words;
+            }
+        }
+    }
+    return "";
+}
+
+namespace {
+
+constexpr std::string_view wipeFailed = "Failed to wipe internal storage. : ";
+
+/// What the platform refused, as the service logs it; the rest of the line has the code. A registration that fails is
+/// left out: either the service is registered already, or the platform refuses every setting after it.
+constexpr std::array<std::string_view, 3> refusedByPlatform{"[EAS] Failed ", "vconf_set_int(",
+                                                            "app_control_send_launch_request() failed: "};
+
+std::vector<std::string> refusalsIn(const std::vector<ServiceLine>& log) {
+    std::vector<std::string> refusals;
+    for (const auto& line : log) {
+        if (std::any_of(refusedByPlatform.begin(), refusedByPlatform.end(),
+                        [&](std::string_view start) { return startsWith(line.text, start); })) {
+            refusals.push_back("refused by the platform: " + line.text);
+        }
+    }
+    return refusals;
+}
+
+/// A failure to write the store; empty when there was none.
+std::string storeFailure(const std::vector<ServiceLine>& log) {
+    std::string cause;
+    for (const auto& line : log) {
+        constexpr std::string_view failure = "db failure: ";
+        if (startsWith(line.text, failure)) {
+            cause = line.text.substr(failure.size());
+        }
+        for (const auto* text :
+             {"_db_insert_policy_data failed", "_db_update_rule_data failed", "deletePolicyByAccountId failed"}) {
+            if (startsWith(line.text, text) && !cause.empty()) {
+                return "the store cannot be written: " + cause;
+            }
+        }
+    }
+    return "";
+}
+
+/// The lines of each account that the service takes, in order. One part with all lines where the log does not show the
+/// functions that the service enters.
+std::vector<std::vector<ServiceLine>> splitByAccount(const std::vector<ServiceLine>& log) {
+    std::vector<std::vector<ServiceLine>> parts;
+    for (const auto& line : log) {
+        if (line.function == "addAccount" && line.text == "Enter") {
+            parts.emplace_back();
+        }
+        if (!parts.empty()) {
+            parts.back().push_back(line);
+        }
+    }
+    return parts;
+}
+
+bool contains(const std::vector<ServiceLine>& log, std::string_view function, std::string_view text) {
+    return std::any_of(log.begin(), log.end(),
+                       [&](const ServiceLine& line) { return line.function == function && line.text == text; });
+}
+
+const StoredAccount* rowOf(const std::optional<std::vector<StoredAccount>>& accounts, int id) {
+    if (accounts) {
+        for (const auto& account : *accounts) {
+            if (!account.empty() && account.front().value == Value(id)) {
+                return &account;
+            }
+        }
+    }
+    return nullptr;
+}
+
+const char* const tooLittleLogged =
+    "the log of this watch does not show what the service does (DLOG_LEVEL, a full disk)";
+
+Effect effectOnStore(const RequestTraces& traces, const MessageAccount& account, const std::vector<ServiceLine>* log) {
+    Effect effect{Became::Unknown, account.id, account.name, ""};
+    const auto* const before = rowOf(traces.before, account.id);
+    const auto* const after = rowOf(traces.after, account.id);
+    if (!account.hasPolicySet) {
+        effect.became = Became::Unchanged;
+        effect.reason = "it comes without a \"policySet\"";
+    } else if (account.id < 1) {
+        effect.became = Became::PassedOver;
+        effect.reason = "an account's number is 1 or more";
+    } else if (const auto failure = storeFailure(log != nullptr ? *log : traces.log); !failure.empty()) {
+        effect.became = Became::Refused;
+        effect.reason = failure;
+    } else if (after != nullptr && (before == nullptr || *before != *after)) {
+        effect.became = before == nullptr ? Became::Stored : Became::Updated;
+    } else if (after != nullptr && log != nullptr) {
+        effect.became = Became::Unchanged;
+    } else {
+        effect.reason = traces.after ? tooLittleLogged : "the store cannot be read";
+    }
+    return effect;
+}
+
+std::vector<Effect> effectsOfMessage(const Message& message, const RequestTraces& traces) {
+    std::vector<Effect> effects;
+    const auto parts = splitByAccount(traces.log);
+    std::size_t taken = 0;
+    for (const auto& account : message.accounts) {
+        const bool isLogged = account.hasPolicySet && taken < parts.size();
+        effects.push_back(effectOnStore(traces, account, isLogged ? &parts[taken] : nullptr));
+        taken += account.hasPolicySet ? 1 : 0;
+    }
+    if (effects.empty()) {
+        effects.push_back({Became::PassedOver, std::nullopt, "",
+                           message.hasAccounts ? "it names no account"
+                                               : "its \"" + std::string(message.kind->accounts) + "\" is no array"});
+    }
+    return effects;
+}
+
+Effect effectOfWipe(const std::vector<ServiceLine>& log) {
+    for (const auto& line : log) {
+        if (startsWith(line.text, wipeFailed)) {
+            return {Became::Refused, std::nullopt, "",
+                    "the platform does not wipe the internal storage: " + line.text.substr(wipeFailed.size())};
+        }
+    }
+    if (!contains(log, "factoryReset", "Enter")) {
+        return {Became::Unknown, std::nullopt, "", tooLittleLogged};
+    }
+    return {Became::Wiped, std::nullopt, "", ""};
+}
+
+Effect effectOfDeletion(const std::string& argument, const RequestTraces& traces) {
+    constexpr int decimal = 10;
+    const int id = static_cast<int>(std::strtol(argument.c_str(), nullptr, decimal)); // as the service reads it
+    if (id < 1) {
+        return {Became::PassedOver, std::nullopt, "", "\"" + argument + "\" is not an account's number, 1 or more"};
+    }
+    const auto* const before = rowOf(traces.before, id);
+    Effect effect{Became::Deleted, id, "", ""};
+    if (const auto failure = storeFailure(traces.log); !failure.empty()) {
+        effect.became = Became::Refused;
+        effect.reason = failure;
+    } else if (!traces.before || !traces.after) {
+        effect.became = Became::Unknown;
+        effect.reason = "the store cannot be read";
+    } else if (before == nullptr) {
+        effect.became = Became::PassedOver;
+        effect.reason = "no such account is stored";
+    } else if (rowOf(traces.after, id) != nullptr) {
+        effect.became = Became::Refused;
+        effect.reason = "it is still stored";
+    }
+    return effect;
+}
+
+std::vector<Effect> effectsOfUpdate(const Request& request, const RequestTraces& traces) {
+    const Message message = readMessage(request.argument);
+    if (message.kind == nullptr) {
+        return {{Became::Unknown, std::nullopt, "", "it cannot be told what the service makes of this text"}};
+    }
+    if (message.kind->id == remoteWipeKind) {
+        return {effectOfWipe(traces.log)};
+    }
+    return effectsOfMessage(message, traces);
+}
+
+Effect effectOfCheck(const Request& request, const std::vector<ServiceLine>& log) {
+    if (warningsOf(log).isTutorialShown) {
+        return {Became::PassedOver, std::nullopt, "", "no screen opens while the tutorial is shown"};
+    }
+    if (!isHandled(log)) {
+        return {Became::Unknown, std::nullopt, "", tooLittleLogged};
+    }
+    if (request.name == requests::checkEncryption && !contains(log, "launchOdePopup", "Enter")) {
+        return {Became::PassedOver, std::nullopt, "",
+                "a lock comes first: db/eas/password_policy_applied is 0 or not set"};
+    }
+    return {Became::Handled, std::nullopt, "", ""};
+}
+
+std::vector<Effect> effectsOf(const Request& request, const RequestTraces& traces) {
+    if (const auto reason = reasonToPassOver(traces.log); !reason.empty()) {
+        return {{Became::PassedOver, std::nullopt, "", reason}};
+    }
+    if (request.name == requests::updatePolicy) {
+        return effectsOfUpdate(request, traces);
+    }
+    if (request.name == requests::deleteAccount) {
+        return {effectOfDeletion(request.argument, traces)};
+    }
+    return {effectOfCheck(request, traces.log)};
+}
+
+bool isDone(const Effect& effect) {
+    return effect.became != Became::PassedOver && effect.became != Became::Refused && effect.became != Became::Unknown;
+}
+
+const char* wordsOf(Became became) {
+    constexpr std::array<const char*, 9> words{"stored",      "updated", "unchanged",
+                                               "deleted",     "wiped",   "handled",
+                                               "passed over", "refused", "sent, and what became of it is unknown"};
+    return words.at(static_cast<std::size_t>(became));
+}
+
+std::string lineOf(const Effect& effect) {
+    std::string line;
+    if (effect.account) {
+        line = "account " + std::to_string(*effect.account) +
+               (effect.accountName.empty() ? "" : " (" + effect.accountName + ")") + ": ";
+    } else if (effect.became == Became::Wiped) {
+        line = "the internal storage: ";
+    }
+    return line + wordsOf(effect.became) + (effect.reason.empty() ? "" : ": " + effect.reason);
+}
+
+} // namespace
+
+bool RequestOutcome::isDone() const {
+    return refusals.empty() &&
+           std::all_of(effects.begin(), effects.end(), [](const Effect& effect) { return deskwatch::isDone(effect); });
+}
+
+std::vector<std::string> RequestOutcome::done() const {
+    std::vector<std::string> lines;
+    for (const auto& effect : effects) {
+        if (deskwatch::isDone(effect)) {
+            lines.push_back(lineOf(effect));
+        }
+    }
+    if (repetitions > 0) {
+        lines.emplace_back("the service had ended itself; it was launched again and the request sent again");
+    }
+    return lines;
+}
+
+std::vector<std::string> RequestOutcome::notDone() const {
+    std::vector<std::string> lines;
+    for (const auto& effect : effects) {
+        if (!deskwatch::isDone(effect)) {
+            lines.push_back(lineOf(effect));
+        }
+    }
+    lines.insert(lines.end(), refusals.begin(), refusals.end());
+    return lines;
+}
+
+bool isWipe(const Request& request) {
+    const auto message = readMessage(request.argument);
+    return request.name == requests::updatePolicy && message.kind != nullptr && message.kind->id == remoteWipeKind;
+}
+
+bool isHandled(const std::vector<ServiceLine>& log) {
+    return contains(log, "__teskItpolicyReqCb", "Leave");
+}
+
+RequestOutcome outcomeOf(const Request& request, const RequestTraces& traces) {
+    RequestOutcome outcome;
+    outcome.effects = effectsOf(request, traces);
+    outcome.refusals = refusalsIn(traces.log);
+    return outcome;
+}
+
+} // namespace deskwatch
