@@ -8,7 +8,7 @@ class FaultCommands : public Commands {};
 TEST_F(FaultCommands, FunctionFailsForTheServiceAloneUntilItIsCleared) {
     boot();
     run({"fault", "dpm_password_set_quality", "-13"});
-    run({"mail", "policy", sample("hardened.json")});
+    EXPECT_EQ(deskwatchProgram({"mail", "policy", sample("hardened.json")}).status, 3);
     EXPECT_EQ(status()["settings"]["quality"], 0);
     EXPECT_EQ(status()["settings"]["minimum_length"], 4) << "the later settings are applied";
     EXPECT_NE(run({"log", "--level", "W"}).find("-13"), std::string::npos) << "the service tells the code";
