@@ -1,0 +1,182 @@
+#include "exchange/http_client.h"
+
+#include <libsoup/soup.h>
+
+#include <array>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <stdexcept>
+#include <thread>
+
+#include "c_owners.h"
+
+namespace deskwatch {
+namespace {
+
+using Message = c::ObjectOwner<SoupMessage>;
+using Stream = c::ObjectOwner<GInputStream>;
+
+/// Cancels what takes longer than it may. The library's own time limit is for one read, and so a server that sends a
+/// byte now and then would never meet it.
+class Deadline {
+public:
+    explicit Deadline(int seconds)
+        : watch_([this, seconds] {
+              std::unique_lock<std::mutex> lock(mutex_);
+              if (!over_.wait_for(lock, std::chrono::seconds(seconds), [this] { return isOver_; })) {
+                  g_cancellable_cancel(cancellable_.get());
+              }
+          }) {}
+
+    ~Deadline() {
+        {
+            const std::lock_guard<std::mutex> lock(mutex_);
+            isOver_ = true;
+        }
+        over_.notify_one();
+        watch_.join();
+    }
+    Deadline(const Deadline&) = delete;
+    Deadline& operator=(const Deadline&) = delete;
+
+    GCancellable* get() const { return cancellable_.get(); }
+
+private:
+    c::ObjectOwner<GCancellable> cancellable_{g_cancellable_new()};
+    std::mutex mutex_;
+    std::condition_variable over_;
+    bool isOver_ = false;
+    std::thread watch_;
+};
+
+/// Why a certificate is not accepted, for a reader.
+std::string certificateFault(GTlsCertificateFlags errors) {
+    const std::pair<GTlsCertificateFlags, const char*> faults[] = {
+        {G_TLS_CERTIFICATE_BAD_IDENTITY, "it is for another name"},
+        {G_TLS_CERTIFICATE_EXPIRED, "it has expired"},
+        {G_TLS_CERTIFICATE_NOT_ACTIVATED, "it is not valid yet"},
+        {G_TLS_CERTIFICATE_REVOKED, "it was revoked"},
+        {G_TLS_CERTIFICATE_INSECURE, "its signature is not safe"},
+        {G_TLS_CERTIFICATE_UNKNOWN_CA, "nobody that is trusted signed it; --cacert FILE names a private authority"},
+    };
+    for (const auto& [flag, words] : faults) {
+        if ((errors & flag) != 0) {
+            return words;
+        }
+    }
+    return "it is not valid";
+}
+
+/// The handler of a certificate that is not valid notes why and refuses it.
+gboolean onCertificate(SoupMessage* /*message*/, GTlsCertificate* /*certificate*/, GTlsCertificateFlags errors,
+                       gpointer fault) {
+    *static_cast<std::string*>(fault) = certificateFault(errors);
+    return FALSE;
+}
+
+Message makeMessage(const HttpRequest& request, std::string& certificateFault) {
+    Message message(soup_message_new(request.method.c_str(), request.url.c_str()));
+    if (message == nullptr) {
+        throw std::runtime_error("not a URL: " + request.url);
+    }
+    // A redirected POST would go out without its body and its credentials, but with its policy key.
+    soup_message_add_flags(message.get(), SOUP_MESSAGE_NO_REDIRECT);
+    auto* const headers = soup_message_get_request_headers(message.get());
+    for (const auto& [name, value] : request.headers) {
+        soup_message_headers_replace(headers, name.c_str(), value.c_str());
+    }
+    if (!request.body.empty()) {
+        const c::Owner<GBytes, g_bytes_unref> body(g_bytes_new(request.body.data(), request.body.size()));
+        const char* type = soup_message_headers_get_one(headers, "Content-Type");
+        soup_message_set_request_body_from_bytes(message.get(), type, body.get());
+    }
+    g_signal_connect(message.get(), "accept-certificate", G_CALLBACK(onCertificate), &certificateFault);
+    return message;
+}
+
+void addHeader(const char* name, const char* value, gpointer reply) {
+    auto& taken = *static_cast<HttpReply*>(reply);
+    const c::MemoryOwner<char> lower(g_ascii_strdown(name, -1));
+    taken.headers[lower.get()] = value;
+    if (std::string(lower.get()) == "set-cookie") {
+        const std::string cookie = value;
+        const auto equals = cookie.find('=');
+        if (equals != std::string::npos && equals > 0) {
+            taken.cookies[cookie.substr(0, equals)] = cookie.substr(equals + 1, cookie.find(';') - equals - 1);
+        }
+    }
+}
+
+[[noreturn]] void fail(const HttpRequest& request, const std::string& reason) {
+    throw std::runtime_error("cannot get an answer of " + request.url.substr(0, request.url.find('?')) + ": " + reason);
+}
+
+/// What went wrong, with the reason that is known better than the library's own words.
+std::string reasonOf(GError* error, const std::string& certificateFault, int seconds) {
+    const bool isTooLate = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) != FALSE ||
+                           g_error_matches(error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT) != FALSE;
+    const std::string message = c::takeMessage(error);
+    if (!certificateFault.empty()) {
+        return "its certificate is refused: " + certificateFault;
+    }
+    return isTooLate ? "the answer is not complete after " + std::to_string(seconds) + " seconds" : message;
+}
+
+} // namespace
+
+struct HttpClient::Session {
+    c::ObjectOwner<SoupSession> session{soup_session_new()};
+};
+
+HttpClient::HttpClient(const std::string& authorities, HttpLimits limits)
+    : session_(std::make_unique<Session>()), limits_(limits) {
+    soup_session_set_timeout(session_->session.get(), static_cast<guint>(limits.seconds));
+    soup_session_remove_feature_by_type(session_->session.get(), SOUP_TYPE_CONTENT_DECODER);
+    if (authorities.empty()) {
+        return;
+    }
+    GError* error = nullptr;
+    const c::MemoryOwner<char> path(g_canonicalize_filename(authorities.c_str(), nullptr));
+    const c::ObjectOwner<GTlsDatabase> database(g_tls_file_database_new(path.get(), &error));
+    if (database == nullptr) {
+        throw std::runtime_error("cannot read certificates from " + authorities + ": " + c::takeMessage(error));
+    }
+    soup_session_set_tls_database(session_->session.get(), database.get());
+}
+
+HttpClient::~HttpClient() = default;
+
+HttpReply HttpClient::send(const HttpRequest& request) {
+    std::string certificateFault;
+    const Message message = makeMessage(request, certificateFault);
+    const Deadline deadline(limits_.seconds);
+    GError* error = nullptr;
+    const Stream stream(soup_session_send(session_->session.get(), message.get(), deadline.get(), &error));
+    if (stream == nullptr) {
+        fail(request, reasonOf(error, certificateFault, limits_.seconds));
+    }
+    HttpReply reply;
+    reply.status = static_cast<int>(soup_message_get_status(message.get()));
+    soup_message_headers_foreach(soup_message_get_response_headers(message.get()), addHeader, &reply);
+    std::array<char, 16384> buffer{};
+    for (;;) {
+        const gssize count = g_input_stream_read(stream.get(), buffer.data(), buffer.size(), deadline.get(), &error);
+        if (count < 0) {
+            fail(request, reasonOf(error, "", limits_.seconds));
+        }
+        if (count == 0) {
+            return reply;
+        }
+        reply.body.append(buffer.data(), static_cast<std::size_t>(count));
+        if (reply.body.size() > limits_.bytes) {
+            fail(request, "the answer has more than " + std::to_string(limits_.bytes) + " bytes");
+        }
+    }
+}
+
+void HttpClient::pause(int seconds) {
+    std::this_thread::sleep_for(std::chrono::seconds(seconds));
+}
+
+} // namespace deskwatch
