@@ -59,7 +59,7 @@ std::string Conversation::offeredVersions() {
     if (reply.status != 200) {
         throw std::runtime_error(httpWords(reply.status));
     }
-    const auto offered = reply.header("ms-asprotocolversions");
+    auto offered = reply.header("ms-asprotocolversions");
     if (offered.empty()) {
         throw std::runtime_error("the server at this address does not speak ActiveSync: check the URL");
     }
@@ -80,7 +80,7 @@ HttpReply Conversation::send(const std::string& method, const std::string& comma
                              const std::string& policyKey) {
     int pauses = 0;
     for (int moves = 0;;) {
-        const auto reply = transport_.send(request(method, command, body, policyKey));
+        auto reply = transport_.send(request(method, command, body, policyKey));
         for (const auto& [name, value] : reply.cookies) {
             account_.cookies[name] = value;
         }

@@ -93,7 +93,7 @@ public:
     std::string text() {
         const std::size_t size = byte();
         isCut_ = isCut_ || size > bytes_.size() - at_;
-        const std::string text = bytes_.substr(at_, size);
+        std::string text = bytes_.substr(at_, size);
         at_ += text.size();
         return text;
     }

@@ -1,0 +1,140 @@
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+#include <stdexcept>
+
+#include "exchange_server/desk_server.h"
+#include "text/text_table.h"
+#include "wbxml/wbxml_codec.h"
+
+namespace deskwatch {
+namespace {
+
+/// What an order needs after its name.
+enum class Needs { Nothing, Number, Text };
+
+struct OrderRow {
+    const char* name;
+    Needs needs;
+    const char* effect;
+    /// Whether it changes the next answer, and is not about the devices.
+    bool isDisturbance;
+};
+
+constexpr OrderRow orderRows[] = {
+    {"wipe", Needs::Nothing, "have the user's devices wiped", false},
+    {"account-wipe", Needs::Nothing, "have the account wiped from the user's devices", false},
+    {"forget", Needs::Nothing, "forget the user's devices, their wipe included", false},
+    {"http", Needs::Number, "answer the next request with this HTTP status", true},
+    {"status", Needs::Number, "answer the next request with this Status", true},
+    {"policy-status", Needs::Number, "answer the next request with this Status of the policy", true},
+    {"busy", Needs::Number, "answer the next request with 503 and this number of seconds to wait", true},
+    {"redirect", Needs::Text, "answer the next request with 451 and this URL", true},
+    {"slow", Needs::Number, "answer the next request after this number of seconds", true},
+    {"cut", Needs::Nothing, "break off in the middle of the next answer", true},
+    {"broken", Needs::Nothing, "spoil the WBXML of the next answer", true},
+};
+
+const OrderRow* rowOf(const std::string& name) {
+    const auto* const found = std::find_if(std::begin(orderRows), std::end(orderRows),
+                                           [&name](const OrderRow& row) { return name == row.name; });
+    return found != std::end(orderRows) ? found : nullptr;
+}
+
+std::optional<int> numberOf(const std::string& text) {
+    int number = 0;
+    const auto* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && stop == end && number >= 0 && number < 1000 ? std::optional(number) : std::nullopt;
+}
+
+void requireValid(const ServerOrder& order, const OrderRow* row) {
+    if (row == nullptr) {
+        std::string names;
+        for (const auto& known : orderRows) {
+            names.append(names.empty() ? "" : ", ").append(known.name);
+        }
+        throw std::runtime_error("\"" + order.name + "\" is not an order; the orders are " + names);
+    }
+    const bool isValid = row->needs == Needs::Number ? numberOf(order.value).has_value()
+                         : row->needs == Needs::Text ? !order.value.empty() && printable(order.value) == order.value
+                                                     : order.value.empty();
+    if (!isValid) {
+        throw std::runtime_error("the order " + order.name + " takes " +
+                                 (row->needs == Needs::Number ? "a number below 1000"
+                                  : row->needs == Needs::Text ? "a URL"
+                                                              : "no value"));
+    }
+}
+
+std::string provisionWith(const std::string& status, const std::string& policyStatus) {
+    using Elements = std::vector<WbxmlElement>;
+    Elements content{provisionElement("Status", status)};
+    if (!policyStatus.empty()) {
+        content.push_back(provisionElement(
+            "Policies", Elements{provisionElement("Policy", Elements{provisionElement("Status", policyStatus)})}));
+    }
+    return encodeWbxml(provisionElement("Provision", std::move(content)));
+}
+
+} // namespace
+
+std::string DeskServer::orderHelp() {
+    std::vector<std::vector<std::string>> rows;
+    for (const auto& row : orderRows) {
+        const std::string value = row.needs == Needs::Number ? " N" : row.needs == Needs::Text ? " URL" : "";
+        rows.push_back({"  " + (row.name + value), row.effect});
+    }
+    return textTable(rows);
+}
+
+void DeskServer::order(const ServerOrder& order) {
+    const auto* const row = rowOf(order.name);
+    requireValid(order, row);
+    if (row->isDisturbance) {
+        disturbances_[order.user] = order;
+        return;
+    }
+    for (auto device = devices_.begin(); device != devices_.end();) {
+        if (device->first.first != order.user) {
+            ++device;
+        } else if (order.name == "forget") {
+            device = devices_.erase(device);
+        } else {
+            device->second.wipe = order.name == "wipe" ? WipeOrder::Device : WipeOrder::Account;
+            device->second.wipeReport.reset();
+            ++device;
+        }
+    }
+}
+
+ServerAnswer DeskServer::disturbed(const std::string& user, ServerAnswer answer) {
+    const auto found = disturbances_.find(user);
+    if (found == disturbances_.end()) {
+        return answer;
+    }
+    const auto order = found->second;
+    disturbances_.erase(found);
+    answer.remark += " (" + order.name + (order.value.empty() ? "" : " ") + order.value + ")";
+    const int number = numberOf(order.value).value_or(0);
+    if (order.name == "slow") {
+        answer.delay = number;
+    } else if (order.name == "cut") {
+        answer.isCut = true;
+    } else if (order.name == "broken") {
+        answer.body = answer.body.substr(0, answer.body.size() / 2) + "\xFF\xFF";
+    } else if (order.name == "status") {
+        answer.body = provisionWith(order.value, "");
+    } else if (order.name == "policy-status") {
+        answer.body = provisionWith("1", order.value);
+    } else {
+        answer.body.clear();
+        answer.status = order.name == "busy" ? 503 : order.name == "redirect" ? 451 : number;
+        if (order.name != "http") {
+            answer.headers.emplace_back(order.name == "busy" ? "Retry-After" : "X-MS-Location", order.value);
+        }
+    }
+    return answer;
+}
+
+} // namespace deskwatch
