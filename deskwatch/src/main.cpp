@@ -4,6 +4,7 @@
 
 #include "actors/refusal.h"
 #include "commands/commands.h"
+#include "commands/output.h"
 
 namespace {
 
@@ -30,7 +31,9 @@ int report(const CLI::App& program, const std::exception& error, int status) {
 int reportUsage(const CLI::App& program, const CLI::ParseError& error) {
     const auto unknown = program.remaining(true);
     if (dynamic_cast<const CLI::RequiredError*>(&error) == nullptr || unknown.empty()) {
-        return program.exit(error) == 0 ? 0 : usage;
+        const int status = program.exit(error) == 0 ? 0 : usage;
+        deskwatch::flushOutput(); // help is output, too
+        return status;
     }
     const std::string outer = commandName(program);
     const std::string& word = unknown.front();
@@ -43,6 +46,7 @@ int reportUsage(const CLI::App& program, const CLI::ParseError& error) {
 int run(CLI::App& program, int argc, char** argv) {
     try {
         program.parse(argc, argv);
+        deskwatch::flushOutput();
         return 0;
     } catch (const CLI::ParseError& error) {
         return reportUsage(program, error);
@@ -57,6 +61,7 @@ int run(CLI::App& program, int argc, char** argv) {
 
 int main(int argc, char** argv) {
     try {
+        deskwatch::reserveOutput();
         CLI::App program("A watch on the desk: boots it, plays its mail application, shows its state");
         deskwatch::CommonOptions options;
         deskwatch::addCommands(program, options);

@@ -11,7 +11,8 @@ struct Outcome {
     std::string errors;
 };
 
-/// Runs the deskwatch program with these arguments, in this process's environment, until it ends.
-Outcome deskwatchProgram(const std::vector<std::string>& arguments);
+/// Runs the deskwatch program with these arguments, in this process's environment, until it ends. With a file, its
+/// output goes there and is not in the outcome.
+Outcome deskwatchProgram(const std::vector<std::string>& arguments, const std::string& outputFile = "");
 
 #endif

@@ -25,6 +25,9 @@ public:
 
     void signal(int number) const { g_subprocess_send_signal(process_.get(), number); }
 
+    /// Stops reading: what it writes from now on fails.
+    void closeReader() const { g_input_stream_close(g_subprocess_get_stdout_pipe(process_.get()), nullptr, nullptr); }
+
     /// Waits for its end, with what it writes until then left unread; returns its exit status, -1 when
     /// a signal ended it.
     int waitForEnd();

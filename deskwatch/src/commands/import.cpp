@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "commands.h"
+#include "commands/output.h"
 #include "provisioning/provisioning_import.h"
 
 namespace deskwatch {
@@ -20,7 +21,8 @@ struct ImportOptions {
 
 void writeMessage(const std::string& output, const std::string& message) {
     if (output.empty()) {
-        std::cout << message << std::flush;
+        std::cout << message;
+        flushOutput();
         return;
     }
     std::ofstream stream(output, std::ios::binary | std::ios::trunc);

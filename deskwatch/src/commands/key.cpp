@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "commands.h"
+#include "commands/output.h"
 #include "session/observer.h"
 #include "session/shared_keys.h"
 #include "text/value_output.h"
@@ -39,8 +40,10 @@ void set(const CommonOptions& common, const KeyOptions& options) {
 
 void followAll(const CommonOptions& common, const KeyOptions& options) {
     const DeviceSession session(chosenDevice(common), observerId);
+    endWithReader();
     followKeys(options.keys, [&, left = options.count](const std::string& key, const Value& value) mutable {
-        std::cout << (options.isJson ? asLine(key, value) : key + " " + valueText(value)) << std::endl;
+        std::cout << (options.isJson ? asLine(key, value) : key + " " + valueText(value)) << '\n';
+        flushFollowed();
         return left == 0 || --left > 0;
     });
 }

@@ -4,6 +4,7 @@
 
 #include "c_owners.h"
 #include "commands.h"
+#include "commands/output.h"
 #include "records/log_lines.h"
 #include "status/followed_file.h"
 
@@ -21,9 +22,13 @@ void showLog(const CommonOptions& common, const LogOptions& options) {
         throw std::runtime_error(file.string() + " does not exist: the watch has not been booted yet");
     }
     LogLines lines(options.level.empty() ? std::nullopt : std::optional(options.level.front()));
-    FollowedFile log(file, [&](const std::string& text) { std::cout << lines.add(text) << std::flush; });
+    FollowedFile log(file, [&](const std::string& text) {
+        std::cout << lines.add(text);
+        flushFollowed();
+    });
     log.read();
     if (options.isFollowed) {
+        endWithReader();
         const c::MainLoopOwner loop(g_main_loop_new(nullptr, FALSE));
         g_main_loop_run(loop.get());
     }

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "commands.h"
+#include "commands/output.h"
 #include "session/observer.h"
 #include "status/device_status.h"
 #include "status/status_follower.h"
@@ -30,7 +31,8 @@ public:
             return;
         }
         const bool isTerminal = isatty(STDOUT_FILENO) == 1;
-        std::cout << (isJson_ ? "" : isTerminal ? "\x1b[H\x1b[2J" : shown_.empty() ? "" : "\n") << text << std::flush;
+        std::cout << (isJson_ ? "" : isTerminal ? "\x1b[H\x1b[2J" : shown_.empty() ? "" : "\n") << text;
+        flushFollowed();
         shown_ = text;
     }
 
@@ -43,6 +45,7 @@ private:
 void showStatus(const CommonOptions& common, const StatusOptions& options) {
     const DeviceSession session(chosenDevice(common), observerId);
     if (options.isFollowed) {
+        endWithReader();
         StatusDisplay display(options.isJson);
         followStatus(session, [&](const DeviceStatus& status) { display.show(status); });
     }

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "commands.h"
+#include "commands/output.h"
 
 namespace deskwatch {
 namespace {
@@ -15,10 +16,13 @@ struct TimelineOptions {
 };
 
 void showTimeline(const CommonOptions& common, const TimelineOptions& options) {
+    if (options.isFollowed) {
+        endWithReader();
+    }
     tellTimeline(chosenDevice(common), {!options.isNew, options.isFollowed}, [&](const TimelineEntry& entry) {
         std::cout << (options.isJson ? timelineJson(entry) : timelineText(entry));
         if (options.isFollowed) {
-            std::cout << std::flush;
+            flushFollowed();
         }
     });
 }

@@ -1,0 +1,22 @@
+#ifndef DESKWATCH_OUTPUT_H
+#define DESKWATCH_OUTPUT_H
+
+namespace deskwatch {
+
+/// Keeps the output from ending in a connection that happens to get the number of a closed standard output.
+void reserveOutput();
+
+/// Hands over what was written to standard output. Throws std::runtime_error with the reason when that fails. A reader
+/// that went away ends the process by SIGPIPE, as it ends other programs.
+void flushOutput();
+
+/// For a command that goes on writing as things happen: it ends when its reader goes away, even if nothing happens any
+/// more. Lives until the process ends.
+void endWithReader();
+
+/// The same as flushOutput for what is called by C, which lets no exception pass: a failure ends the process with 1.
+void flushFollowed();
+
+} // namespace deskwatch
+
+#endif
