@@ -1,6 +1,5 @@
 #include "actors/mail_application.h"
 
-#include <app_control.h>
 #include <message_port.h>
 
 #include <algorithm>
@@ -15,6 +14,7 @@
 #include "message_size.h"
 #include "records/policy_database.h"
 #include "records/service_log.h"
+#include "session/launch_request.h"
 
 namespace deskwatch {
 namespace {
@@ -35,14 +35,6 @@ void expectSendable(const Request& request) {
                                  std::to_string(request.argument.size()) + " bytes; the port takes at most " +
                                  std::to_string(most));
     }
-}
-
-void launchService() {
-    app_control_h created = nullptr;
-    expectSuccess(app_control_create(&created), "make a launch request");
-    const c::Owner<app_control_s, app_control_destroy> request(created);
-    expectSuccess(app_control_set_app_id(request.get(), ids::service), "address a launch request");
-    expectSuccess(app_control_send_launch_request(request.get(), nullptr, nullptr), "launch the service");
 }
 
 /// False when the service's port is not open.
@@ -102,7 +94,7 @@ private:
     static constexpr std::chrono::seconds endTimeout{20};
 
     void launch() {
-        launchService();
+        sendLaunchRequest(ids::service, {});
         settleService(); // its port is open now
     }
 

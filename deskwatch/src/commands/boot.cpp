@@ -1,8 +1,10 @@
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <optional>
 
 #include "commands.h"
+#include "device/application_ids.h"
 #include "device/registry.h"
 
 namespace deskwatch {
@@ -11,6 +13,7 @@ namespace {
 struct BootOptions {
     std::string folder;
     std::string service;
+    std::string mail;
     std::string country;
     std::optional<Lock> lock;
     bool isEncrypted = false;
@@ -24,6 +27,15 @@ std::filesystem::path ownProgram() {
 std::filesystem::path serviceProgram(const BootOptions& options) {
     return options.service.empty() ? ownProgram().parent_path() / "tesk-agent"
                                    : std::filesystem::absolute(options.service);
+}
+
+std::vector<Application> applications(const BootOptions& options) {
+    auto all = standardApplications(serviceProgram(options), {ownProgram().string(), "companion"});
+    if (!options.mail.empty()) {
+        const auto mail = std::find_if(all.begin(), all.end(), [](const auto& one) { return one.id == ids::mail; });
+        mail->command = {std::filesystem::absolute(options.mail).string()};
+    }
+    return all;
 }
 
 Device bootedDevice(const CommonOptions& common, const BootOptions& options) {
@@ -44,8 +56,7 @@ DeviceState deviceState(const BootOptions& options) {
 
 void boot(const CommonOptions& common, const BootOptions& options) {
     const Device device = bootedDevice(common, options);
-    device.boot(standardApplications(serviceProgram(options), {ownProgram().string(), "companion"}),
-                deviceState(options));
+    device.boot(applications(options), deviceState(options));
     Registry::ofUser().add(device.layout().folder());
     std::cout << "booted " << device.layout().folder().string() << '\n';
 }
@@ -66,6 +77,8 @@ void addBootCommand(CLI::App& program, const CommonOptions& common) {
     command->add_flag("--encrypted", options->isEncrypted, "The internal storage is encrypted");
     command->add_flag("--tutorial", options->isTutorialShown, "The tutorial of the first use is being shown");
     command->add_option("--service", options->service, "Program of the service (default: tesk-agent beside deskwatch)")
+        ->type_name("PATH");
+    command->add_option("--mail", options->mail, "Program of the mail application (default: a stand-in)")
         ->type_name("PATH");
     command->footer("Example:\n  deskwatch boot /tmp/watch --country KR --lock pin");
     command->callback([&common, options] { boot(common, *options); });

@@ -41,6 +41,7 @@ void addPopupCommand(CLI::App& program, const CommonOptions& common);
 void addLockCommand(CLI::App& program, const CommonOptions& common);
 void addEncryptCommand(CLI::App& program, const CommonOptions& common);
 void addTutorialCommand(CLI::App& program, const CommonOptions& common);
+void addLaunchCommand(CLI::App& program, const CommonOptions& common);
 void addKeyCommand(CLI::App& program, const CommonOptions& common);
 void addEventCommand(CLI::App& program, const CommonOptions& common);
 void addBusCommand(CLI::App& program, const CommonOptions& common);

@@ -28,6 +28,7 @@ void addCommands(CLI::App& program, CommonOptions& common) {
     addWhatifCommand(program, common);
     addLogCommand(program, common);
     addTimelineCommand(program, common);
+    addLaunchCommand(program, common);
     addKeyCommand(program, common);
     addEventCommand(program, common);
     addBusCommand(program, common);

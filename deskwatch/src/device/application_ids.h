@@ -12,6 +12,9 @@ inline constexpr char service[] = "com.velmor.tesk-agent";
 /// The mail application, which talks to the servers.
 inline constexpr char mail[] = "com.velmor.quillon.consumer";
 
+/// The home screen, from which the wearer opens applications.
+inline constexpr char home[] = "com.velmor.hearth";
+
 /// The popup that asks for a lock.
 inline constexpr char popup[] = "com.velmor.tesk-popup";
 

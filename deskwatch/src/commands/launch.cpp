@@ -1,0 +1,44 @@
+#include <memory>
+
+#include "actors/message_file.h"
+#include "commands.h"
+#include "device/application_ids.h"
+#include "session/launch_request.h"
+
+namespace deskwatch {
+namespace {
+
+struct LaunchOptions {
+    std::string application;
+    std::vector<std::string> entries;
+};
+
+/// KEY=VALUE, or KEY=@FILE for the content of a file.
+std::pair<std::string, std::string> parseEntry(const std::string& text) {
+    const auto equals = text.find('=');
+    if (equals == 0 || equals == std::string::npos) {
+        throw CLI::ValidationError(text + " is not KEY=VALUE");
+    }
+    const auto value = text.substr(equals + 1);
+    return {text.substr(0, equals), value.rfind('@', 0) == 0 ? readMessageFile(value.substr(1), Check::None) : value};
+}
+
+} // namespace
+
+void addLaunchCommand(CLI::App& program, const CommonOptions& common) {
+    auto* command = program.add_subcommand("launch", "Launch an application of the watch, as its home screen does");
+    auto options = std::make_shared<LaunchOptions>();
+    command->add_option("APPLICATION", options->application, "The application's id")->required();
+    command->add_option("KEY=VALUE", options->entries,
+                        "Extra data of the request; KEY=@FILE takes the value from a file");
+    command->footer(std::string("Example:\n  deskwatch launch ") + ids::service);
+    command->callback([&common, options] {
+        ExtraData extraData;
+        for (const auto& entry : options->entries) {
+            extraData.push_back(parseEntry(entry));
+        }
+        launchFromHome(chosenDevice(common), options->application, extraData);
+    });
+}
+
+} // namespace deskwatch
