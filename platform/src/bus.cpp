@@ -112,6 +112,22 @@ bool Bus::hasOwner(const std::string& name) {
     return owned != FALSE;
 }
 
+std::optional<std::string> Bus::ownerOf(const std::string& name) {
+    g_autoptr(GError) error = nullptr;
+    const c::VariantOwner answer =
+        ask("GetNameOwner", g_variant_new("(s)", name.c_str()), "(s)", libraryTimeout, &error);
+    if (g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_NAME_HAS_NO_OWNER)) {
+        return std::nullopt;
+    }
+    if (answer == nullptr) {
+        check(error);
+        throw HostError("cannot ask the bus daemon who owns " + name + ": " + error->message);
+    }
+    const char* owner = nullptr;
+    g_variant_get(answer.get(), "(&s)", &owner);
+    return owner;
+}
+
 bool Bus::isActivatable(const std::string& name) {
     const c::VariantOwner answer =
         demand("ListActivatableNames", nullptr, "(as)", "ask the bus daemon what it can start");

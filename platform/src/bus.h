@@ -1,6 +1,7 @@
 #ifndef PLATFORM_BUS_H
 #define PLATFORM_BUS_H
 
+#include <optional>
 #include <set>
 #include <string>
 
@@ -38,6 +39,9 @@ public:
 
     /// Whether a process owns the name now; also false for what cannot be a name.
     bool hasOwner(const std::string& name);
+
+    /// The unique name of the process that owns a name now.
+    std::optional<std::string> ownerOf(const std::string& name);
 
     /// Whether the daemon could start a process for the name.
     bool isActivatable(const std::string& name);

@@ -31,6 +31,14 @@ bool isAdministrator() {
     return SettingsStore::get().read(clientPath(Environment::get().applicationId())) != nullptr;
 }
 
+bool isDaemonThere() noexcept {
+    try {
+        return SettingsStore::get().isReachable();
+    } catch (...) {
+        return false;
+    }
+}
+
 int set(const char* function, device_policy_manager_h handle, const Setting& setting, int value) {
     return set(function, handle, {{setting.path, value}});
 }

@@ -23,6 +23,9 @@ void endClient(const std::string& clientPath);
 /// Whether this process may administer the device: a client has the name of its application.
 bool isAdministrator();
 
+/// Whether the daemon of the device policy manager is there, which is the writer of the store.
+bool isDaemonThere() noexcept;
+
 /// How the store keeps a yes or no: 1 or 0.
 inline int truth(int value) {
     return value != 0 ? 1 : 0;

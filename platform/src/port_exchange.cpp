@@ -1,43 +1,11 @@
 #include "port_exchange.h"
 
-#include <numeric>
-
-#include "bundle_handle.h"
 #include "environment.h"
 #include "guard.h"
 #include "host_bus.h"
-#include "message_size.h"
 #include "text.h"
 
 namespace host {
-namespace {
-
-void onSent(GObject* proxy, GAsyncResult* outcome, gpointer /*data*/) {
-    g_autoptr(GError) error = nullptr;
-    if (!platform_bus_message_port_call_send_finish(PLATFORM_BUS_MESSAGE_PORT(proxy), outcome, &error)) {
-        report(std::string("a message was not handled: ") + error->message);
-    }
-}
-
-std::size_t sizeOf(const bundle& message) {
-    const auto& pairs = message.pairs.pairs();
-    return std::accumulate(pairs.begin(), pairs.end(), message_size::empty, [](std::size_t sum, const auto& pair) {
-        return sum + message_size::ofEntry(pair.first, pair.second);
-    });
-}
-
-c::ObjectOwner<PlatformBusMessagePort> portObjectOf(const Bus& bus, const std::string& busName) {
-    g_autoptr(GError) error = nullptr;
-    c::ObjectOwner<PlatformBusMessagePort> object(platform_bus_message_port_proxy_new_sync(
-        bus.connection(), callsAlone, busName.c_str(), host_bus::applicationPath, nullptr, &error));
-    if (object == nullptr) {
-        throw HostError("cannot speak to " + busName + ": " + error->message);
-    }
-    return object;
-}
-
-} // namespace
-
 PortExchange& PortExchange::get() {
     static PortExchange exchange(Bus::get());
     return exchange;
@@ -47,8 +15,9 @@ std::string PortExchange::busName(const std::string& application, const std::str
     return application + ".port_" + escapedForBusName(port);
 }
 
-PortExchange::PortExchange(Bus& bus) : bus_(bus), skeleton_(platform_bus_message_port_skeleton_new()) {
+PortExchange::PortExchange(Bus& bus) : bus_(bus), skeleton_(platform_bus_message_port_skeleton_new()), sender_(bus) {
     g_signal_connect(skeleton_.get(), "handle-send", G_CALLBACK(onSend), this);
+    g_signal_connect(skeleton_.get(), "handle-send-unreadable", G_CALLBACK(onSendUnreadable), this);
 }
 
 PortExchange::~PortExchange() {
@@ -101,18 +70,9 @@ int PortExchange::send(const std::string& application, const std::string& port, 
     if (!isUtf8(port)) {
         return MESSAGE_PORT_ERROR_INVALID_PARAMETER;
     }
-    if (!isOpen(application, port)) {
-        return MESSAGE_PORT_ERROR_PORT_NOT_FOUND;
-    }
-    if (sizeOf(message) > message_size::limit) {
-        return MESSAGE_PORT_ERROR_MAX_EXCEEDED;
-    }
-    const auto object = portObjectOf(bus_, busName(application, port));
-    platform_bus_message_port_call_send(object.get(), port.c_str(), Environment::get().applicationId().c_str(),
-                                        message.pairs.toVariant(), G_DBUS_CALL_FLAGS_NO_AUTO_START, G_MAXINT, nullptr,
-                                        onSent, nullptr);
-    bus_.flush();
-    return MESSAGE_PORT_ERROR_NONE;
+    const std::string name = busName(application, port);
+    return application == Environment::get().applicationId() ? sender_.sendToSelf(name, port, message)
+                                                             : sender_.send(name, port, message);
 }
 
 gboolean PortExchange::onBegin(gpointer self) {
@@ -120,11 +80,23 @@ gboolean PortExchange::onBegin(gpointer self) {
     return G_SOURCE_REMOVE;
 }
 
-gboolean PortExchange::onSend(PlatformBusMessagePort* object, GDBusMethodInvocation* invocation, const char* port,
+gboolean PortExchange::onSend(PlatformBusMessagePort* /*object*/, GDBusMethodInvocation* invocation, const char* port,
                               const char* sender, GVariant* message, gpointer self) {
+    static_cast<PortExchange*>(self)->deliver(invocation, port, sender, message);
+    return TRUE;
+}
+
+gboolean PortExchange::onSendUnreadable(PlatformBusMessagePort* /*object*/, GDBusMethodInvocation* invocation,
+                                        const char* port, const char* sender, gpointer self) {
+    static_cast<PortExchange*>(self)->deliver(invocation, port, sender, nullptr);
+    return TRUE;
+}
+
+void PortExchange::deliver(GDBusMethodInvocation* invocation, const char* port, const char* sender,
+                           GVariant* message) const {
     try {
-        if (static_cast<PortExchange*>(self)->ports_.deliver(port, sender, message)) {
-            platform_bus_message_port_complete_send(object, invocation);
+        if (ports_.deliver(port, sender, message)) {
+            g_dbus_method_invocation_return_value(invocation, nullptr);
         } else {
             g_dbus_method_invocation_return_dbus_error(invocation, "tesk.host.Error.PortNotFound",
                                                        "the port is not open");
@@ -134,7 +106,6 @@ gboolean PortExchange::onSend(PlatformBusMessagePort* object, GDBusMethodInvocat
         g_dbus_method_invocation_return_error_literal(invocation, G_DBUS_ERROR, G_DBUS_ERROR_FAILED,
                                                       "the application failed to handle the message");
     }
-    return TRUE;
 }
 
 } // namespace host

@@ -6,6 +6,7 @@
 #include "bus.h"
 #include "message_port.h"
 #include "platform-bus.h"
+#include "port_sender.h"
 #include "port_table.h"
 
 namespace host {
@@ -47,10 +48,16 @@ private:
     static gboolean onBegin(gpointer self);
     static gboolean onSend(PlatformBusMessagePort* object, GDBusMethodInvocation* invocation, const char* port,
                            const char* sender, GVariant* message, gpointer self);
+    static gboolean onSendUnreadable(PlatformBusMessagePort* object, GDBusMethodInvocation* invocation,
+                                     const char* port, const char* sender, gpointer self);
+
+    /// Hands a message, or none, to a port, and answers the call that brought it.
+    void deliver(GDBusMethodInvocation* invocation, const char* port, const char* sender, GVariant* message) const;
 
     Bus& bus_;
     c::ObjectOwner<PlatformBusMessagePort> skeleton_;
     PortTable ports_;
+    PortSender sender_;
 };
 
 } // namespace host

@@ -30,8 +30,8 @@ bool PortTable::deliver(const std::string& name, const char* sender, GVariant* m
         return false;
     }
     const Port target = ports_.at(*id); // a copy, since the callback may close the port
-    bundle content{StringMap(message)};
-    target.callback(*id, sender, nullptr, false, &content, target.userData);
+    bundle content{message != nullptr ? StringMap(message) : StringMap()};
+    target.callback(*id, sender, nullptr, false, message != nullptr ? &content : nullptr, target.userData);
     return true;
 }
 

@@ -30,7 +30,7 @@ public:
 
     void remove(int id) { ports_.erase(id); }
 
-    /// Hands a message in its bus form to a port's callback, which may close the port. False when no port of
+    /// Hands a message in its bus form, or none, to a port's callback, which may close the port. False when no port of
     /// that name has begun.
     bool deliver(const std::string& name, const char* sender, GVariant* message) const;
 

@@ -31,6 +31,13 @@ std::string newsOf(const std::string& path) {
            writerPath + "',arg0path=" + quoted(path);
 }
 
+// Whether the writer answered.
+bool callWriter(const Bus& bus, GDBusCallFlags flags) {
+    const c::VariantOwner answer(g_dbus_connection_call_sync(bus.connection(), writerName, writerPath, writerInterface,
+                                                             "Init", nullptr, nullptr, flags, -1, nullptr, nullptr));
+    return answer != nullptr;
+}
+
 } // namespace
 
 SettingsStore& SettingsStore::get() {
@@ -108,9 +115,11 @@ void SettingsStore::unwatch(const std::string& key) {
 
 // A writer that does not run has nothing to tell.
 void SettingsStore::awaitNews() {
-    const c::VariantOwner answer(g_dbus_connection_call_sync(bus_.connection(), writerName, writerPath, writerInterface,
-                                                             "Init", nullptr, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START,
-                                                             -1, nullptr, nullptr));
+    callWriter(bus_, G_DBUS_CALL_FLAGS_NO_AUTO_START);
+}
+
+bool SettingsStore::isReachable() {
+    return callWriter(bus_, G_DBUS_CALL_FLAGS_NONE);
 }
 
 void SettingsStore::onNews(GDBusConnection* /*connection*/, const char* /*sender*/, const char* /*path*/,

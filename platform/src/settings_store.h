@@ -64,6 +64,9 @@ public:
     /// it.
     void awaitNews();
 
+    /// Whether the store's writer answers, started when it does not run.
+    bool isReachable();
+
     /// Adds a listener to the changes of all watched keys. Listeners are told in the order in which they were added.
     Listeners::iterator addListener(Listener listener) {
         return listeners_.insert(listeners_.end(), std::move(listener));

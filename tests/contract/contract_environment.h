@@ -2,6 +2,8 @@
 #define CONTRACT_ENVIRONMENT_H
 
 #include <functional>
+#include <string>
+#include <vector>
 
 /// What the contract tests need of the platform that they run against. Each platform brings one source for it.
 ///
@@ -23,6 +25,27 @@ void tearDown();
 
 /// Runs the main loop until all that was due when this was called has been handled.
 void runPending();
+
+/// Takes the daemon of the device policy manager away. False where that cannot be done.
+[[nodiscard]] bool removePolicyDaemon();
+
+/// Another application, with a port. Its functions do not run the main loop.
+namespace remote {
+
+inline constexpr char id[] = "com.example.remote";
+inline constexpr char port[] = "control";
+
+/// Starts it, anew after its end, and returns when its port is open. False where that cannot be done.
+[[nodiscard]] bool start();
+
+/// Kills it, and returns when its port is gone.
+void kill();
+
+/// The texts of the messages that it got in all its lives: what they have under "text". "no message" stands for one
+/// that it could not read.
+std::vector<std::string> texts();
+
+} // namespace remote
 
 } // namespace contract
 

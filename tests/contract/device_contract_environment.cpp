@@ -34,6 +34,23 @@ void runPending() {
     }
 }
 
+bool removePolicyDaemon() {
+    return false;
+}
+
+namespace remote {
+
+bool start() {
+    return false;
+}
+
+void kill() {}
+
+std::vector<std::string> texts() {
+    return {};
+}
+
+} // namespace remote
 } // namespace contract
 
 extern "C" {

@@ -174,6 +174,21 @@ TEST_F(DpmContract, AdministratorOfAnotherNameLetsTheCallerSetNothing) {
     EXPECT_EQ(valueOf(dpm_password_get_quality), 0);
 }
 
+TEST_F(DpmContract, WithoutItsDaemonOnlyTheMinimumLengthSeemsToBeSet) {
+    if (!contract::removePolicyDaemon()) {
+        GTEST_SKIP() << "the daemon cannot be taken away here";
+    }
+    EXPECT_EQ(dpm_admin_register_client(handle(), client, user), DPM_ERROR_NOT_PERMITTED);
+    EXPECT_EQ(dpm_admin_deregister_client(handle(), client, user), DPM_ERROR_NOT_PERMITTED);
+    for (const Setting& setting : settings()) {
+        const bool isLength = std::string(setting.name) == "minimum length";
+        EXPECT_EQ(setting.set(handle(), 2), isLength ? DPM_ERROR_NONE : DPM_ERROR_NOT_PERMITTED) << setting.name;
+        EXPECT_EQ(valueOf(setting.get), setting.byDefault) << setting.name;
+    }
+    EXPECT_EQ(dpm_restriction_set_messaging_state(handle(), "*", 0), DPM_ERROR_NOT_PERMITTED);
+    EXPECT_EQ(dpm_security_set_internal_storage_encryption(handle(), 1), DPM_ERROR_NOT_PERMITTED);
+}
+
 TEST_F(DpmContract, SettersAreRefusedAgainWhenTheClientIsGone) {
     registerClient();
     EXPECT_EQ(dpm_admin_deregister_client(handle(), client, user), DPM_ERROR_NONE);

@@ -1,8 +1,14 @@
-#include <glib.h>
+#include <fcntl.h>
+#include <message_port.h>
+#include <sys/stat.h>
 
+#include <filesystem>
+#include <fstream>
 #include <memory>
 
+#include "c_owners.h"
 #include "contract_environment.h"
+#include "host_bus.h"
 #include "main_loop.h"
 #include "private_device.h"
 
@@ -14,6 +20,27 @@ std::unique_ptr<PrivateDevice>& device() {
     return instance;
 }
 
+/// What the remote application and its earlier lives said.
+std::filesystem::path remoteLog() {
+    return device()->folder() / "remote";
+}
+
+c::ObjectOwner<GSubprocess>& remoteProcess() {
+    static c::ObjectOwner<GSubprocess> process;
+    return process;
+}
+
+/// Asks until the remote's port is open, or until it is not.
+bool awaitRemotePort(bool open) {
+    constexpr gint64 limit = gint64{10} * G_USEC_PER_SEC;
+    const gint64 deadline = g_get_monotonic_time() + limit;
+    bool isOpen = !open;
+    while (isOpen != open && g_get_monotonic_time() < deadline) {
+        message_port_check_remote_port(remote::id, remote::port, &isOpen);
+    }
+    return isOpen == open;
+}
+
 } // namespace
 
 void setUp() {
@@ -22,6 +49,7 @@ void setUp() {
 }
 
 void tearDown() {
+    remote::kill();
     device().reset();
 }
 
@@ -34,4 +62,42 @@ void runPending() {
     }
 }
 
+// The store's writer is the daemon; this is before the first write, which starts it.
+bool removePolicyDaemon() {
+    return std::filesystem::remove(device()->folder() / "services" / "ca.desrt.dconf.service");
+}
+
+namespace remote {
+
+bool start() {
+    const c::ObjectOwner<GSubprocessLauncher> launcher(g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_NONE));
+    g_subprocess_launcher_setenv(launcher.get(), host_bus::appIdVariable, id, TRUE);
+    g_subprocess_launcher_take_stderr_fd(launcher.get(),
+                                         open(remoteLog().c_str(), O_CREAT | O_APPEND | O_WRONLY, S_IRUSR | S_IWUSR));
+    remoteProcess().reset(g_subprocess_launcher_spawn(launcher.get(), nullptr, REMOTE_APPLICATION, "serve", nullptr));
+    return remoteProcess() != nullptr && awaitRemotePort(true);
+}
+
+void kill() {
+    if (remoteProcess() != nullptr) {
+        g_subprocess_force_exit(remoteProcess().get());
+        g_subprocess_wait(remoteProcess().get(), nullptr, nullptr);
+        remoteProcess().reset();
+        awaitRemotePort(false);
+    }
+}
+
+std::vector<std::string> texts() {
+    const std::string beginning = std::string("message from ") + applicationId + ": ";
+    std::vector<std::string> texts;
+    std::ifstream log(remoteLog());
+    for (std::string line; std::getline(log, line);) {
+        if (line.rfind(beginning, 0) == 0) {
+            texts.push_back(line.substr(beginning.size()));
+        }
+    }
+    return texts;
+}
+
+} // namespace remote
 } // namespace contract

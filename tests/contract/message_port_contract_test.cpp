@@ -188,6 +188,66 @@ TEST(MessagePortContract, SecondRegistrationKeepsTheIdAndTakesTheNewCallback) {
     EXPECT_TRUE(first.texts.empty());
 }
 
+/// Another application has got one message from here.
+class RemotePortContract : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!contract::remote::start()) {
+            GTEST_SKIP() << "no other application can be started here";
+        }
+        ASSERT_EQ(send("one"), MESSAGE_PORT_ERROR_NONE);
+        ASSERT_TRUE(arrived({"one"}));
+    }
+
+    void TearDown() override { contract::remote::kill(); }
+
+    static int send(const std::string& text) {
+        return message_port_send_message(contract::remote::id, contract::remote::port, messageOf(text).get());
+    }
+
+    static bool arrived(const std::vector<std::string>& texts) {
+        return contract::runUntil([&] { return contract::remote::texts() == texts; });
+    }
+};
+
+TEST_F(RemotePortContract, DeadRemoteFailsUntilTheMainLoopHasRun) {
+    contract::remote::kill();
+    EXPECT_EQ(send("two"), MESSAGE_PORT_ERROR_IO_ERROR);
+    EXPECT_EQ(send("three"), MESSAGE_PORT_ERROR_IO_ERROR);
+    contract::runPending();
+    EXPECT_EQ(send("four"), MESSAGE_PORT_ERROR_PORT_NOT_FOUND);
+}
+
+TEST_F(RemotePortContract, RestartedRemoteIsReachedOnceTheMainLoopHasRun) {
+    contract::remote::kill();
+    ASSERT_TRUE(contract::remote::start());
+    contract::runPending();
+    EXPECT_EQ(send("two"), MESSAGE_PORT_ERROR_NONE);
+    EXPECT_TRUE(arrived({"one", "two"}));
+}
+
+TEST_F(RemotePortContract, RestartedRemoteMissesOneMessageUnlessTheMainLoopHasRun) {
+    contract::remote::kill();
+    ASSERT_TRUE(contract::remote::start());
+    EXPECT_EQ(send("two"), MESSAGE_PORT_ERROR_IO_ERROR);
+    EXPECT_EQ(send("three"), MESSAGE_PORT_ERROR_NONE);
+    EXPECT_TRUE(arrived({"one", "three"}));
+}
+
+TEST_F(RemotePortContract, TooLongMessageRuinsTheConnectionUntilTheRemoteStartsAnew) {
+    EXPECT_EQ(send(std::string(13000, 'x')), MESSAGE_PORT_ERROR_MAX_EXCEEDED);
+    EXPECT_EQ(send("two"), MESSAGE_PORT_ERROR_NONE);
+    EXPECT_EQ(send("three"), MESSAGE_PORT_ERROR_IO_ERROR);
+    EXPECT_EQ(send("four"), MESSAGE_PORT_ERROR_IO_ERROR);
+    EXPECT_TRUE(arrived({"one", "no message"}));
+
+    contract::remote::kill();
+    ASSERT_TRUE(contract::remote::start());
+    contract::runPending();
+    EXPECT_EQ(send("five"), MESSAGE_PORT_ERROR_NONE);
+    EXPECT_TRUE(arrived({"one", "no message", "five"}));
+}
+
 TEST(MessagePortContract, NullArgumentsAreInvalid) {
     bool exists = false;
     const BundleOwner message = messageOf("hello");

@@ -25,6 +25,9 @@ public:
     /// Name and user id of each administrator; while the caller is none, setters are refused.
     std::set<std::pair<std::string, uid_t>> clients;
 
+    /// Without its daemon nothing is kept; getters answer what no one has set.
+    bool hasDaemon = true;
+
     /// The types of the wipes that were carried out.
     std::vector<int> wipes;
 

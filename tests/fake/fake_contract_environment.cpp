@@ -32,4 +32,28 @@ void runPending() {
     platform()->deliverPending();
 }
 
+bool removePolicyDaemon() {
+    platform()->devicePolicy.hasDaemon = false;
+    return true;
+}
+
+namespace remote {
+
+bool start() {
+    return platform()->ports.remotePorts.emplace(id, port).second;
+}
+
+void kill() {
+    platform()->ports.killRemote(id);
+}
+
+std::vector<std::string> texts() {
+    std::vector<std::string> texts;
+    for (const auto& message : platform()->ports.arrived) {
+        texts.push_back(message ? message->entries.at(0).second : "no message");
+    }
+    return texts;
+}
+
+} // namespace remote
 } // namespace contract

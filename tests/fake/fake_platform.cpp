@@ -58,6 +58,7 @@ FakePlatform& FakePlatform::current() {
 
 void FakePlatform::deliverPending() {
     settings.deliverChanges();
+    ports.tellEnds();
     ports.deliverOwn();
 }
 

@@ -1,6 +1,7 @@
 #include <message_port.h>
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
 
 #include "fake_platform.h"
@@ -40,6 +41,55 @@ void MessagePorts::deliver(const std::optional<std::string>& request, const std:
     }
     const LocalPort port = *found;
     port.callback(id, "com.velmor.quillon.consumer", name.c_str(), false, &message, port.userData);
+}
+
+int MessagePorts::sendToRemote(const SentMessage& message, bool isTooLong) {
+    const std::pair remote(message.appId, message.port);
+    const bool isOpen = remotePorts.count(remote) != 0;
+    const auto known = connections_.find(remote);
+    if (known == connections_.end()) {
+        if (!isOpen || isTooLong) {
+            return isOpen ? MESSAGE_PORT_ERROR_MAX_EXCEEDED : MESSAGE_PORT_ERROR_PORT_NOT_FOUND;
+        }
+        connections_[remote] = Connection::Sound;
+        arrived.emplace_back(message);
+        return MESSAGE_PORT_ERROR_NONE;
+    }
+    Connection& connection = known->second;
+    if (connection == Connection::Lost && isOpen) {
+        connection = Connection::Sound;
+    }
+    if (connection == Connection::Garbled) {
+        connection = Connection::Ruined;
+        arrived.emplace_back();
+        return MESSAGE_PORT_ERROR_NONE;
+    }
+    if (connection != Connection::Sound) {
+        connection = connection == Connection::Broken ? Connection::Lost : connection;
+        return MESSAGE_PORT_ERROR_IO_ERROR;
+    }
+    if (isTooLong) {
+        connection = Connection::Garbled;
+        return MESSAGE_PORT_ERROR_MAX_EXCEEDED;
+    }
+    arrived.emplace_back(message);
+    return MESSAGE_PORT_ERROR_NONE;
+}
+
+void MessagePorts::killRemote(const std::string& appId) {
+    for (auto& [remote, connection] : connections_) {
+        connection = remote.first == appId ? Connection::Broken : connection;
+    }
+    for (auto port = remotePorts.begin(); port != remotePorts.end();) {
+        port = port->first == appId ? remotePorts.erase(port) : std::next(port);
+    }
+}
+
+void MessagePorts::tellEnds() {
+    for (auto known = connections_.begin(); known != connections_.end();) {
+        const bool isDead = known->second == Connection::Broken || known->second == Connection::Lost;
+        known = isDead ? connections_.erase(known) : std::next(known);
+    }
 }
 
 void MessagePorts::deliverOwn() {
@@ -156,17 +206,18 @@ int message_port_send_message(const char* remote_app_id, const char* remote_port
             auto& platform = FakePlatform::current();
             auto& ports = platform.ports;
             ports.sent.push_back({remote_app_id, remote_port, {message->entries.begin(), message->entries.end()}});
-            if (!isOpen(remote_app_id, remote_port)) {
+            const bool isTooLong = sizeOf(*message) > message_size::limit;
+            if (platform.appId != remote_app_id) {
+                return ports.sendToRemote(ports.sent.back(), isTooLong);
+            }
+            int id = 0;
+            if (ports.find(remote_port, &id) == nullptr) {
                 return MESSAGE_PORT_ERROR_PORT_NOT_FOUND;
             }
-            if (sizeOf(*message) > message_size::limit) {
+            if (isTooLong) {
                 return MESSAGE_PORT_ERROR_MAX_EXCEEDED;
             }
-            if (platform.appId == remote_app_id) {
-                int id = 0;
-                ports.find(remote_port, &id);
-                ports.pending.emplace_back(id, ports.sent.back());
-            }
+            ports.pending.emplace_back(id, ports.sent.back());
             return MESSAGE_PORT_ERROR_NONE;
         });
 }

@@ -46,6 +46,20 @@ public:
     /// The bundles that were created and not freed.
     std::set<bundle*> bundles;
 
+    /// What of it arrived at ports of other applications; none stands for a message that cannot be read.
+    std::vector<std::optional<SentMessage>> arrived;
+
+    /// Sends to a port of another application. The service stays connected with the process that it reached first, as
+    /// on a device: sending fails after that one's end, until the service hears of it or has tried once and reaches the
+    /// next one. A message that is too long for a connection spoils it.
+    int sendToRemote(const SentMessage& message, bool isTooLong);
+
+    /// Ends an application, which the service hears of later.
+    void killRemote(const std::string& appId);
+
+    /// Lets the service hear of the ends of other applications.
+    void tellEnds();
+
     /// Delivers what the service sent to ports of its own.
     void deliverOwn();
 
@@ -60,6 +74,12 @@ public:
 
     /// The id of the port that was opened last.
     int lastId = 0;
+
+private:
+    enum class Connection { Sound, Garbled, Ruined, Broken, Lost };
+
+    /// By application and port.
+    std::map<std::pair<std::string, std::string>, Connection> connections_;
 };
 
 } // namespace fake

@@ -102,7 +102,8 @@ void onMessage(int /*port*/, const char* sender, const char* /*remotePort*/, boo
     } else if (todo == "throw") {
         throw std::runtime_error("the application gave up");
     } else {
-        say(std::string("message from ") + sender + ": " + textOf(message, "text"));
+        say(std::string("message from ") + sender + ": " +
+            (message != nullptr ? textOf(message, "text") : "no message"));
     }
 }
 

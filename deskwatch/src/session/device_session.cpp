@@ -67,6 +67,9 @@ std::vector<std::string> DeviceSession::settle(const std::string& id) const {
         ids.emplace_back(*entry);
     }
     g_strfreev(launched);
+    // The platform hears from the main loop that an application started anew, and reaches it only then.
+    while (g_main_context_iteration(nullptr, FALSE) != FALSE) {
+    }
     return ids;
 }
 
