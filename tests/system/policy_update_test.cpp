@@ -31,6 +31,23 @@ TEST(PolicyUpdate, HardenedPolicyAsksForALockAndOffersEncryption) {
               std::vector({Launch{ids::service, false, {{"__OPERATION__", "__ENABLE_ENCRYPTION_MENU__"}}}}));
 }
 
+TEST(PolicyUpdate, LongerPinInPlaceOfAShorterOneIsHeard) {
+    const TestDevice device;
+    device.launchService();
+    device.send("req_update_policy", policyUpdate({alice(pinPolicy)}));
+    setKey(keys::lockType, static_cast<int>(deskwatch::Lock::Pin));
+    device.waitUntil("the first PIN is applied", [] { return key(keys::passwordApplied) == 1; });
+    std::string eightDigits = pinPolicy;
+    const std::string length = "\"minDevicePasswordLength\":";
+    eightDigits.replace(eightDigits.find(length + "0"), length.size() + 1, length + "8");
+    device.send("req_update_policy", policyUpdate({alice(eightDigits.c_str())}));
+    ASSERT_EQ(key(keys::passwordApplied), 0);
+
+    setKey(keys::lockType, static_cast<int>(deskwatch::Lock::Pin));
+
+    device.waitUntil("the longer PIN is applied", [] { return key(keys::passwordApplied) == 1; });
+}
+
 TEST(PolicyUpdate, RegionAndEncryptionOfTheWatchCount) {
     const TestDevice device({deskwatch::Lock::None, true, "KR", false});
     device.launchService();
