@@ -33,7 +33,7 @@ std::vector<std::string> allCommands() {
 class Output : public Commands {
 protected:
     /// A call of every command that writes something, in an order in which each has something to write.
-    std::vector<Words> calls() const {
+    std::vector<Words> calls(const std::string& server) const {
         const auto folder = device().layout().folder().string();
         return {{"boot", folder},
                 {"mail", "policy", sample("hardened.json")},
@@ -58,6 +58,11 @@ protected:
                 {"fault"},
                 {"ls"},
                 {"replay", std::string(SOURCE_FOLDER) + "/tests/recordings/wearer-story.jsonl"},
+                {"mail", "connect", server, "--user", "bob", "--account", "7", "--no-wait"},
+                {"mail", "refresh", "7", "--no-wait"},
+                {"mail", "disconnect", "7"},
+                {"exchange", "show", server},
+                {"exchange", "serve", sample("provision-hardened.xml")},
                 {"off"}};
     }
 };
@@ -68,16 +73,19 @@ std::string nameOf(const Words& call, const std::vector<std::string>& commands) 
 }
 
 TEST_F(Output, EveryCommandFailsWhenItsOutputCannotBeWritten) {
+    setenv("DESKWATCH_PASSWORD", "any", 1);
+    RunningProgram server({"exchange", "serve", sample("provision-hardened.xml")});
+    const auto listening = server.nextLine();
     auto silent = allCommands();
-    for (const auto& call : calls()) {
+    for (const auto& call : calls(listening.substr(listening.find("http")))) {
         silent.erase(std::remove(silent.begin(), silent.end(), nameOf(call, allCommands())), silent.end());
         const auto outcome = deskwatchProgram(call, "/dev/full");
         EXPECT_EQ(outcome.status, 1) << call[0];
         EXPECT_NE(outcome.errors.find("cannot write the output: No space left on device\n"), std::string::npos)
             << call[0] << ": " << outcome.errors;
     }
-    EXPECT_EQ(silent, (Words{"popup ok", "popup sync-off", "popup dismiss", "tutorial done", "tutorial start",
-                             "key set", "event", "record"}))
+    EXPECT_EQ(silent, (Words{"popup ok", "popup sync-off", "popup dismiss", "tutorial done", "tutorial start", "launch",
+                             "key set", "event", "exchange order", "record"}))
         << "each other command is called above";
     EXPECT_EQ(deskwatchProgram({"status", "--help"}, "/dev/full").status, 1);
 }

@@ -117,5 +117,19 @@ TEST_F(ProvisioningDocument, MissingFileIsNamed) {
     EXPECT_THROW(readProvisioningDocument("/tmp"), std::runtime_error);
 }
 
+TEST_F(ProvisioningDocument, LastPolicyOfATraceCountsAsAClientTakesIt) {
+    const auto policy = [](const std::string& length) {
+        return "< 200\n<| <?xml version=\"1.0\"?>\n<| <Provision><EASProvisionDoc>\n<|   <MinDevicePasswordLength>" +
+               length + "</MinDevicePasswordLength>\n<|   <MinDevicePasswordLength>" + length +
+               "</MinDevicePasswordLength>\n<| </EASProvisionDoc></Provision>\n<= 03 01\n\n";
+    };
+    const std::string head = "# deskwatch exchange trace\n\n> POST\n>| <Provision><EASProvisionDoc/></Provision>\n";
+    const auto elements = read(head + policy("6") + policy("99") + "< 200\n<| <Provision/>\n");
+    ASSERT_EQ(elements.size(), 1U);
+    EXPECT_EQ(elements[0].value, "16");
+    EXPECT_EQ(elements[0].line, 16);
+    EXPECT_EQ(refusal(head), ": no server sent a policy in this trace");
+}
+
 } // namespace
 } // namespace deskwatch

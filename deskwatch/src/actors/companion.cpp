@@ -1,5 +1,6 @@
 #include "actors/companion.h"
 
+#include <app_common.h>
 #include <message_port.h>
 #include <service_app.h>
 
@@ -11,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "actors/synchronisation_stops.h"
 #include "c_owners.h"
 #include "device/application_ids.h"
 #include "session/companion_bus.h"
@@ -68,6 +70,14 @@ Message readMessage(const char* sender, bundle* message) {
         }
     }
     return result;
+}
+
+/// What the service tells only once has to be known after this process has ended.
+void countStop(const Message& message) {
+    if (!message.entries.empty() &&
+        message.entries.front() == std::pair<std::string, std::string>("req", stopSynchronising)) {
+        countSynchronisationStop(takeText(app_get_data_path()));
+    }
 }
 
 class Companion {
@@ -135,6 +145,7 @@ void Companion::onMessage(int /*port*/, const char* sender, const char* /*sender
                           bundle* message, void* self) {
     auto& companion = *static_cast<Companion*>(self);
     companion.messages_.push_back(readMessage(sender, message));
+    countStop(companion.messages_.back());
     tesk_desk_companion_emit_changed(companion.object_.get());
 }
 

@@ -34,6 +34,9 @@ Device chosenDevice(const CommonOptions& common);
 void addBootCommand(CLI::App& program, const CommonOptions& common);
 void addOffCommand(CLI::App& program, const CommonOptions& common);
 void addMailCommand(CLI::App& program, const CommonOptions& common);
+/// Adds the commands for servers to the command `mail`.
+void addMailServerCommands(CLI::App& mail, const CommonOptions& common);
+void addExchangeCommand(CLI::App& program);
 void addStatusCommand(CLI::App& program, const CommonOptions& common);
 void addExplainCommand(CLI::App& program, const CommonOptions& common);
 void addWhatifCommand(CLI::App& program, const CommonOptions& common);

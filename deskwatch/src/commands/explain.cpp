@@ -1,9 +1,6 @@
 #include <iostream>
 #include <memory>
-#include <optional>
-#include <vector>
 
-#include "TeskConsumerKeys.h"
 #include "commands.h"
 #include "explain/explanation.h"
 #include "session/observer.h"
@@ -11,25 +8,6 @@
 
 namespace deskwatch {
 namespace {
-
-std::optional<std::string> textOf(const std::vector<NamedValue>& values, const std::string& name) {
-    for (const auto& value : values) {
-        const auto* text = value.name == name ? std::get_if<std::string>(&value.value) : nullptr;
-        if (text != nullptr) {
-            return *text;
-        }
-    }
-    return std::nullopt;
-}
-
-DeviceFacts deviceFacts(const DeviceStatus& status) {
-    DeviceFacts facts;
-    facts.accounts = policyRecords(status.accounts);
-    facts.settings = status.settings;
-    facts.country = textOf(status.keys, TeskConsumerKeys::countryIso);
-    facts.cryptoState = textOf(status.keys, TeskConsumerKeys::cryptoState);
-    return facts;
-}
 
 DeviceFacts readFacts(const CommonOptions& common) {
     return deviceFacts(readStatus(DeviceSession(chosenDevice(common), observerId)));

@@ -44,7 +44,9 @@ void addImportCommand(CLI::App& program) {
     auto* command = program.add_subcommand("import", "Turn an Exchange provisioning document into a policy update");
     auto options = std::make_shared<ImportOptions>();
     command
-        ->add_option("FILE", options->file, "XML with an EASProvisionDoc element, alone or inside a Provision element")
+        ->add_option(
+            "FILE", options->file,
+            "XML with an EASProvisionDoc element, alone or inside a Provision element, or a trace of mail connect")
         ->required();
     command->add_option("--account", options->target.account, "The account's number (default: 1)")
         ->check(CLI::PositiveNumber)

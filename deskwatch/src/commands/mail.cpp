@@ -142,6 +142,7 @@ void addMailCommand(CLI::App& program, const CommonOptions& common) {
         {"check-encryption", "Ask for the encryption that the policies require", {requests::checkEncryption, ""}});
     addFixedCommand(*command, common, {"wipe", "Wipe the watch's internal storage at once", requests::remoteWipe()});
     addSendCommand(*command, common);
+    addMailServerCommands(*command, common);
     command->footer(
         "Returns when the service has handled the request and tells what became of it; fails with 3 and the\n"
         "reason when the watch did not do it.\n"

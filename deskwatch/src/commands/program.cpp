@@ -33,6 +33,7 @@ void addCommands(CLI::App& program, CommonOptions& common) {
     addEventCommand(program, common);
     addBusCommand(program, common);
     addImportCommand(program);
+    addExchangeCommand(program);
     addRecordCommand(program, common);
     addReplayCommand(program);
     addFaultCommand(program, common);

@@ -7,6 +7,8 @@
 #include <stdexcept>
 
 #include "c_owners.h"
+#include "provisioning/exchange_trace_format.h"
+#include "provisioning/provisioning_tolerance.h"
 
 namespace deskwatch {
 namespace {
@@ -57,8 +59,16 @@ void stopAtDocumentType(void* parser, const xmlChar* /*name*/, const xmlChar* /*
     xmlStopParser(context);
 }
 
-Document parse(const std::filesystem::path& file) {
-    const std::string text = readText(file);
+/// The XML in a trace, with its lines.
+std::string xmlInTrace(const std::filesystem::path& file, const std::string& trace) {
+    auto xml = exchange_trace::lastPolicy(trace);
+    if (xml.empty()) {
+        throw std::runtime_error(file.string() + ": no server sent a policy in this trace");
+    }
+    return xml;
+}
+
+Document parse(const std::filesystem::path& file, const std::string& text) {
     const Context context(xmlNewParserCtxt());
     if (context == nullptr) {
         throw std::runtime_error("cannot read " + file.string() + ": out of memory");
@@ -112,7 +122,9 @@ ProvisioningElement readElement(xmlNode* node) {
 } // namespace
 
 std::vector<ProvisioningElement> readProvisioningDocument(const std::filesystem::path& file) {
-    const Document document = parse(file);
+    const auto text = readText(file);
+    const bool isTraceOfServer = exchange_trace::isTrace(text);
+    const Document document = parse(file, isTraceOfServer ? xmlInTrace(file, text) : text);
     std::vector<xmlNode*> found;
     findDocuments(xmlDocGetRootElement(document.get()), found);
     if (found.empty()) {
@@ -125,7 +137,7 @@ std::vector<ProvisioningElement> readProvisioningDocument(const std::filesystem:
     for (auto* child = xmlFirstElementChild(found.front()); child != nullptr; child = xmlNextElementSibling(child)) {
         elements.push_back(readElement(child));
     }
-    return elements;
+    return isTraceOfServer ? tolerated(elements).elements : elements;
 }
 
 } // namespace deskwatch

@@ -10,7 +10,6 @@
 #include "TeskConsumerKeys.h"
 #include "c_owners.h"
 #include "device/application_ids.h"
-#include "explain/device_facts.h"
 #include "records/policy_database.h"
 #include "rules/TeskPolicyMerge.h"
 #include "rules/TeskPolicyTable.h"
@@ -113,6 +112,16 @@ StoredAccount mergedPolicy(const std::vector<StoredAccount>& accounts) {
     return merged;
 }
 
+std::optional<std::string> textOf(const std::vector<NamedValue>& values, const std::string& name) {
+    for (const auto& value : values) {
+        const auto* text = value.name == name ? std::get_if<std::string>(&value.value) : nullptr;
+        if (text != nullptr) {
+            return *text;
+        }
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 DeviceStatus readStatus(const DeviceSession& session) {
@@ -134,6 +143,15 @@ DeviceStatus readStatus(const DeviceSession& session) {
         }
     }
     return status;
+}
+
+DeviceFacts deviceFacts(const DeviceStatus& status) {
+    DeviceFacts facts;
+    facts.accounts = policyRecords(status.accounts);
+    facts.settings = status.settings;
+    facts.country = textOf(status.keys, TeskConsumerKeys::countryIso);
+    facts.cryptoState = textOf(status.keys, TeskConsumerKeys::cryptoState);
+    return facts;
 }
 
 } // namespace deskwatch

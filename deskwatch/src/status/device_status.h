@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "explain/device_facts.h"
 #include "records/idle_exit.h"
 #include "session/device_session.h"
 #include "session/device_settings.h"
@@ -44,6 +45,9 @@ struct DeviceStatus {
 
 /// Looks at a booted watch; starts nothing and changes nothing there. Throws std::runtime_error.
 DeviceStatus readStatus(const DeviceSession& session);
+
+/// What of it decides how the watch takes a policy.
+DeviceFacts deviceFacts(const DeviceStatus& status);
 
 /// The status as tables for a reader. With an earlier one, settings and keys that had another value then are marked
 /// with it.

@@ -1,0 +1,39 @@
+#ifndef DESKWATCH_MAIL_ACCOUNT_H
+#define DESKWATCH_MAIL_ACCOUNT_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "exchange/conversation.h"
+#include "provisioning/provisioning_document.h"
+
+namespace deskwatch {
+
+/// A policy that the server waits to hear about.
+struct PendingPolicy {
+    std::string temporaryKey;
+    /// How often the wearer had stopped synchronising when the service got the policy; none before it got it.
+    std::optional<int> stopsBefore;
+};
+
+/// An account of the watch's mail application. Its password is never part of it.
+struct MailAccount {
+    int id = 0;
+    std::string name;
+    ServerAccount server;
+    /// The elements of the server's last policy and the message that carries it to the service; empty without one.
+    std::vector<ProvisioningElement> elements;
+    std::string message;
+    std::optional<PendingPolicy> pending;
+    /// What the server was last told.
+    std::optional<int> acknowledged;
+};
+
+/// An account as JSON, and back. Reading throws std::runtime_error when the text is not that of an account.
+std::string accountJson(const MailAccount& account);
+MailAccount readAccountJson(const std::string& text);
+
+} // namespace deskwatch
+
+#endif

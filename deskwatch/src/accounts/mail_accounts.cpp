@@ -1,0 +1,258 @@
+#include "accounts/mail_accounts.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "accounts/watch_answer.h"
+#include "actors/mail_application.h"
+#include "actors/refusal.h"
+#include "actors/synchronisation_stops.h"
+#include "device/application_ids.h"
+#include "exchange/protocol_version.h"
+#include "provisioning/provisioning_import.h"
+#include "provisioning/provisioning_tolerance.h"
+#include "records/policy_database.h"
+#include "text/text_table.h"
+#include "text/value_text.h"
+
+namespace deskwatch {
+namespace {
+
+using Kind = ServerDemand::Kind;
+
+/// Unique, of one case, and of letters and digits alone, because servers treat the rest differently.
+std::string newDeviceId() {
+    std::string id = "desk";
+    constexpr char digits[] = "0123456789abcdef";
+    while (id.size() < 24) {
+        id += digits[g_random_int_range(0, 16)];
+    }
+    return id;
+}
+
+const char* words(Compliance compliance) {
+    switch (compliance) {
+    case Compliance::Applied:
+        return "the policy is applied";
+    case Compliance::Partly:
+        return "the policy is applied in part";
+    case Compliance::Refused:
+        return "the policy is refused";
+    case Compliance::ManagedElsewhere:
+        break;
+    }
+    return "something else manages the watch";
+}
+
+std::string messageFor(const MailAccount& account) {
+    return importProvisioning(account.server.url, account.elements, {account.id, account.name, false}).message;
+}
+
+bool hasAccount(const std::vector<StoredAccount>& accounts, int id) {
+    return std::any_of(accounts.begin(), accounts.end(), [id](const StoredAccount& account) {
+        return std::find(account.begin(), account.end(), NamedValue{"account_id", id}) != account.end();
+    });
+}
+
+} // namespace
+
+MailAccounts::MailAccounts(const DeviceSession& session, Surroundings surroundings)
+    : session_(session), surroundings_(std::move(surroundings)), store_(session.device().layout()) {}
+
+void MailAccounts::connect(const NewAccount& wanted) {
+    auto account = newAccount(wanted);
+    const auto lock = store_.lock(account.id);
+    const auto ids = store_.ids();
+    if (std::find(ids.begin(), ids.end(), account.id) != ids.end()) {
+        throw std::runtime_error("account " + std::to_string(account.id) + " is connected to " +
+                                 store_.read(account.id).server.url + "; mail disconnect removes it");
+    }
+    Handshake handshake(surroundings_.transport, account.server, surroundings_.password(account));
+    const auto demand = handshake.connect(wanted.version);
+    say(account, "connected to " + account.server.url + " with version " + versionText(account.server.version));
+    obey(account, handshake, demand);
+}
+
+void MailAccounts::refresh(int id) {
+    const auto lock = store_.lock(id);
+    auto account = store_.read(id);
+    Handshake handshake(surroundings_.transport, account.server, surroundings_.password(account));
+    if (account.pending) {
+        say(account, "goes on with the policy that the server waits to hear about");
+        finish(account, handshake, true);
+        return;
+    }
+    const auto demand = handshake.refresh();
+    store_.write(account); // the server may have moved
+    obey(account, handshake, demand);
+}
+
+void MailAccounts::disconnect(int id) {
+    const auto lock = store_.lock(id);
+    const auto account = store_.read(id);
+    sendToService(account, requests::deleteAccount, std::to_string(id));
+    store_.remove(id);
+}
+
+void MailAccounts::obey(MailAccount& account, Handshake& handshake, const ServerDemand& demand) {
+    switch (demand.kind) {
+    case Kind::Nothing:
+        say(account, "nothing has changed");
+        return;
+    case Kind::NoPolicy:
+        takeNoPolicy(account);
+        return;
+    case Kind::Policy:
+        takePolicy(account, demand);
+        finish(account, handshake, true);
+        return;
+    case Kind::WipeDevice:
+        wipe(account, handshake, WipeOrder::Device);
+        return;
+    case Kind::WipeAccount:
+        wipe(account, handshake, WipeOrder::Account);
+        return;
+    }
+}
+
+void MailAccounts::takePolicy(MailAccount& account, const ServerDemand& demand) {
+    const auto taken = tolerated(demand.elements);
+    for (const auto& remark : taken.remarks) {
+        say(account, "the server's " + remark);
+    }
+    const auto known = account.message;
+    account.elements = taken.elements;
+    account.message = messageFor(account);
+    account.pending = PendingPolicy{demand.temporaryKey, std::nullopt};
+    const bool isInForce = account.acknowledged && *account.acknowledged <= static_cast<int>(Compliance::Partly);
+    const bool isKnown = isInForce && account.message == known &&
+                         hasAccount(readStoredAccounts(policyDatabase(session_.device().layout())), account.id);
+    if (isKnown) {
+        say(account, "the server sends the policy that the watch has");
+        account.pending->stopsBefore = stopsNow();
+    }
+    store_.write(account);
+}
+
+void MailAccounts::takeNoPolicy(MailAccount& account) {
+    if (!account.message.empty()) {
+        sendToService(account, requests::deleteAccount, std::to_string(account.id));
+    }
+    account.elements.clear();
+    account.message.clear();
+    account.pending.reset();
+    account.server.policyKey = "0";
+    store_.write(account);
+    say(account, "the server has no policy for this user, so there is nothing to apply");
+}
+
+void MailAccounts::finish(MailAccount& account, Handshake& handshake, bool mayStartOver) {
+    if (!account.pending->stopsBefore) {
+        account.pending->stopsBefore = stopsNow();
+        sendToService(account, requests::updatePolicy, account.message);
+        store_.write(account);
+    } else if (!session_.daemon().isOwned(ids::service)) {
+        // the watch was off meanwhile, and nobody has looked at the lock since
+        sendToService(account, requests::checkPassword, "");
+    }
+    const auto verdict =
+        awaitVerdict(session_, account.elements, *account.pending->stopsBefore, surroundings_.patience);
+    if (!verdict && surroundings_.patience == 0) {
+        say(account, "the wearer is asked; mail refresh " + std::to_string(account.id) + " tells the server later");
+        return;
+    }
+    if (!verdict) {
+        throw Refusal("the wearer has not answered in " + std::to_string(surroundings_.patience) +
+                      " seconds; mail refresh " + std::to_string(account.id) + " goes on");
+    }
+    const auto answer = handshake.acknowledge(account.pending->temporaryKey, verdict->compliance);
+    if (answer.isOutdated && mayStartOver) {
+        say(account, "the server has another policy by now");
+        const auto demand = handshake.askForPolicy();
+        if (demand.kind == Kind::Policy) {
+            takePolicy(account, demand);
+            finish(account, handshake, false);
+        } else {
+            account.pending.reset();
+            obey(account, handshake, demand);
+        }
+        return;
+    }
+    account.pending.reset();
+    account.acknowledged = static_cast<int>(verdict->compliance);
+    store_.write(account);
+    const auto told = "acknowledged with " + std::to_string(*account.acknowledged) + ", " + words(verdict->compliance) +
+                      (verdict->reasons.empty() ? "" : ": " + joined(verdict->reasons, ", "));
+    if (!answer.isAccepted) {
+        throw std::runtime_error(told + "; " + answer.words);
+    }
+    if (verdict->compliance == Compliance::Refused || verdict->compliance == Compliance::ManagedElsewhere) {
+        throw Refusal(told);
+    }
+    say(account, told);
+    handshake.describeDevice();
+}
+
+void MailAccounts::wipe(MailAccount& account, Handshake& handshake, WipeOrder order) {
+    handshake.reportWipe(order);
+    if (order == WipeOrder::Account) {
+        say(account, "the server orders to remove this account from the watch");
+        sendToService(account, requests::deleteAccount, std::to_string(account.id));
+        store_.remove(account.id);
+        return;
+    }
+    say(account, "the server orders to wipe the watch");
+    const auto wipeRequest = requests::remoteWipe();
+    sendToService(account, wipeRequest.name, wipeRequest.argument);
+    for (const int id : store_.ids()) {
+        store_.remove(id);
+    }
+}
+
+void MailAccounts::sendToService(const MailAccount& account, const std::string& request, const std::string& argument) {
+    for (const auto& outcome : sendAsMailApplication(session_, {{request, argument}})) {
+        for (const auto& line : outcome.done()) {
+            say(account, line);
+        }
+        for (const auto& line : outcome.notDone()) {
+            say(account, line);
+        }
+    }
+}
+
+void MailAccounts::say(const MailAccount& account, const std::string& text) const {
+    surroundings_.tell(printable(account.name + ": " + text));
+}
+
+MailAccount MailAccounts::newAccount(const NewAccount& wanted) const {
+    MailAccount account;
+    account.id = wanted.id.value_or(0) > 0 ? *wanted.id : freeId();
+    account.server.url = serverAddress(wanted.url, wanted.allowsPlain);
+    account.server.user = wanted.user;
+    account.server.deviceId = newDeviceId();
+    account.server.form = wanted.form;
+    account.server.allowsPlain = wanted.allowsPlain;
+    const auto start = account.server.url.find("://") + 3;
+    const auto host = account.server.url.substr(start, account.server.url.find_first_of(":/", start) - start);
+    const bool isAddress = wanted.user.find('@') != std::string::npos;
+    account.name = !wanted.name.empty() ? wanted.name : isAddress ? wanted.user : wanted.user + "@" + host;
+    return account;
+}
+
+int MailAccounts::stopsNow() const {
+    return synchronisationStops(session_.device().layout().applicationData(ids::mail));
+}
+
+int MailAccounts::freeId() const {
+    const auto connected = store_.ids();
+    const auto stored = readStoredAccounts(policyDatabase(session_.device().layout()));
+    int id = 1;
+    while (hasAccount(stored, id) || std::find(connected.begin(), connected.end(), id) != connected.end()) {
+        ++id;
+    }
+    return id;
+}
+
+} // namespace deskwatch

@@ -1,0 +1,33 @@
+#include "provisioning/exchange_trace_format.h"
+
+#include <sstream>
+
+namespace deskwatch::exchange_trace {
+
+bool isTrace(const std::string& text) {
+    return text.rfind(firstLine, 0) == 0;
+}
+
+std::string lastPolicy(const std::string& trace) {
+    const std::string prefix = std::string("<") + xmlMark + " ";
+    std::string last;
+    std::string reply;
+    bool hasPolicy = false;
+    std::string lineBreaks;
+    std::istringstream stream(trace + "\n\n");
+    for (std::string line; std::getline(stream, line); lineBreaks += '\n') {
+        if (line.rfind(prefix, 0) == 0) {
+            const auto xml = line.substr(prefix.size());
+            hasPolicy = hasPolicy || xml.find("<EASProvisionDoc") != std::string::npos;
+            // the declaration would have to be the first thing of all, and nobody needs it
+            reply += (reply.empty() ? lineBreaks : "") + (xml.rfind("<?xml", 0) == 0 ? "" : xml) + "\n";
+        } else {
+            last = hasPolicy ? reply : last;
+            reply.clear();
+            hasPolicy = false;
+        }
+    }
+    return last;
+}
+
+} // namespace deskwatch::exchange_trace
