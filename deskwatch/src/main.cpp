@@ -22,8 +22,19 @@ std::string commandName(const CLI::App& program) {
     return name;
 }
 
-int report(const CLI::App& program, const std::exception& error, int status) {
+void print(const CLI::App& program, const std::exception& error) {
     std::cerr << "deskwatch: " << commandName(program) << ": " << error.what() << '\n';
+}
+
+/// What a command wrote before it failed must not be lost either.
+int report(const CLI::App& program, const std::exception& error, int status) {
+    print(program, error);
+    try {
+        deskwatch::flushOutput();
+    } catch (const std::runtime_error& lost) {
+        print(program, lost);
+        return failed;
+    }
     return status;
 }
 

@@ -55,6 +55,7 @@ protected:
                 {"key", "watch", "db/setting/lock_type"},
                 {"bus", "ping"},
                 {"import", sample("provision-hardened.xml")},
+                {"lint", std::string(SOURCE_FOLDER) + "/tests/schema/odd/misspelt_member.json"},
                 {"fault"},
                 {"ls"},
                 {"replay", std::string(SOURCE_FOLDER) + "/tests/recordings/wearer-story.jsonl"},

@@ -3,10 +3,10 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string_view>
+
+#include "text/input_file.h"
 
 namespace deskwatch {
 namespace {
@@ -35,25 +35,21 @@ void refuseOtherThanJson(const std::filesystem::path& file, const std::string& t
         const auto parsed = nlohmann::json::parse(text);
     } catch (const nlohmann::json::parse_error& error) {
         const auto offset = error.byte > 0 ? error.byte - 1 : 0;
-        refuse(file.string() + ":" + position(text, offset), remark, error);
+        refuse(inputName(file) + ":" + position(text, offset), remark, error);
     } catch (const nlohmann::json::exception& error) {
-        refuse(file.string(), remark, error); // a number out of range: the library does not say where
+        refuse(inputName(file), remark, error); // a number out of range: the library does not say where
     }
 }
 
 } // namespace
 
 std::string readMessageFile(const std::filesystem::path& file, Check check) {
-    std::ifstream stream(file, std::ios::binary);
-    std::string text(std::istreambuf_iterator<char>(stream), {});
-    if (!stream.is_open() || stream.bad() || std::filesystem::is_directory(file)) {
-        throw std::runtime_error("cannot read " + file.string());
-    }
+    std::string text = readInput(file);
     if (check == Check::ValidJson) {
         refuseOtherThanJson(file, text, " (--raw sends it as it is)");
     }
     if (const auto null = text.find('\0'); null != std::string::npos) {
-        throw std::runtime_error(file.string() + ":" + position(text, null) +
+        throw std::runtime_error(inputName(file) + ":" + position(text, null) +
                                  ": a message cannot carry a null character");
     }
     return text;
@@ -65,10 +61,10 @@ std::string readMessageOfKind(const std::filesystem::path& file, const std::stri
     const auto message = nlohmann::json::parse(text);
     const auto found = message.is_object() ? message.find("msgId") : message.end();
     if (found == message.end() || !found->is_string()) {
-        throw std::runtime_error(file.string() + ": not a message: it has no \"msgId\"");
+        throw std::runtime_error(inputName(file) + ": not a message: it has no \"msgId\"");
     }
     if (*found != kind) {
-        throw std::runtime_error(file.string() + ": a message of the kind " + found->get<std::string>() +
+        throw std::runtime_error(inputName(file) + ": a message of the kind " + found->get<std::string>() +
                                  "; this command takes " + kind);
     }
     return text;

@@ -6,6 +6,7 @@
 #include <map>
 #include <string>
 
+#include "actors/message_file.h"
 #include "device/device.h"
 
 namespace deskwatch {
@@ -25,6 +26,12 @@ void chooseByName(CLI::Option* option, const std::map<std::string, Type>& values
 
 /// Makes an option accept the name of a lock.
 void chooseLock(CLI::Option* option);
+
+/// Prints to standard error what lint would remark on a message.
+void warnOf(const std::string& file, const std::string& message);
+
+/// The text of a message file. Prints to standard error what lint would remark.
+std::string readMessageAndWarn(const std::string& file, Check check);
 
 /// The watch that a command applies to. Throws std::runtime_error when none is named and none is booted.
 Device chosenDevice(const CommonOptions& common);
@@ -53,6 +60,7 @@ void addLogCommand(CLI::App& program, const CommonOptions& common);
 void addTimelineCommand(CLI::App& program, const CommonOptions& common);
 void addListCommand(CLI::App& program);
 
+void addLintCommand(CLI::App& program);
 void addImportCommand(CLI::App& program);
 void addRecordCommand(CLI::App& program, const CommonOptions& common);
 void addReplayCommand(CLI::App& program);

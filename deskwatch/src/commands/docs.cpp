@@ -1,10 +1,12 @@
 #include <algorithm>
+#include <fstream>
 #include <functional>
 #include <iostream>
 #include <memory>
 #include <sstream>
 
 #include "commands.h"
+#include "messages/message_schema.h"
 
 namespace deskwatch {
 namespace {
@@ -161,23 +163,44 @@ complete -o bashdefault -o default -F _deskwatch deskwatch
 )";
 }
 
+void writeSchemas(const std::filesystem::path& folder) {
+    for (const auto& file : schemaFiles()) {
+        std::ofstream stream(folder / file.name);
+        stream << file.text << std::flush;
+        if (!stream) {
+            throw std::runtime_error("cannot write " + (folder / file.name).string());
+        }
+    }
+}
+
 } // namespace
 
 void addDocsCommand(CLI::App& program) {
-    auto* command = program.add_subcommand("docs", "Write the manual page or the completion");
+    auto* command =
+        program.add_subcommand("docs", "Write the manual page, the completion, the schemas or the table of members");
     command->group(""); // not in the help: the build calls it
     auto isMan = std::make_shared<bool>(false);
     auto isCompletion = std::make_shared<bool>(false);
     auto* kind = command->add_option_group("kind");
     kind->add_flag("--man", *isMan, "The manual page");
     kind->add_flag("--completion", *isCompletion, "The completion for bash");
+    auto schemas = std::make_shared<std::string>();
+    auto isMembers = std::make_shared<bool>(false);
+    kind->add_option("--schemas", *schemas, "The schemas of messages, into this folder");
+    kind->add_flag("--members", *isMembers, "The members of a policy set and their names elsewhere");
     kind->require_option(1);
-    command->callback([&program, isMan, isCompletion] {
+    command->callback([=, &program] {
         if (*isMan) {
             writeMan(program);
         }
         if (*isCompletion) {
             writeCompletion(program);
+        }
+        if (!schemas->empty()) {
+            writeSchemas(*schemas);
+        }
+        if (*isMembers) {
+            std::cout << memberTable();
         }
     });
 }

@@ -7,6 +7,7 @@
 #include "actors/message_file.h"
 #include "actors/refusal.h"
 #include "commands.h"
+#include "text/input_file.h"
 
 namespace deskwatch {
 namespace {
@@ -57,14 +58,14 @@ void addPolicyCommand(CLI::App& mail, const CommonOptions& common) {
     auto* command = mail.add_subcommand("policy", "Send message files, in order, as policy updates");
     auto files = std::make_shared<std::vector<std::string>>();
     auto isRaw = std::make_shared<bool>(false);
-    command->add_option("FILE", *files, "Message files")->required();
+    command->add_option("FILE", *files, "Message files; - is standard input")->required();
     command->add_flag("--raw", *isRaw, "Send the files as they are, even if they are not valid JSON");
     command->footer("Example:\n  deskwatch mail policy samples/hardened.json");
     command->callback([&common, files, isRaw] {
         std::vector<SourcedRequest> sourced;
         for (const auto& file : *files) {
-            const auto text = readMessageFile(file, *isRaw ? Check::None : Check::ValidJson);
-            sourced.push_back({file, requests::policyUpdate(text)});
+            const auto text = readMessageAndWarn(file, *isRaw ? Check::None : Check::ValidJson);
+            sourced.push_back({inputName(file), requests::policyUpdate(text)});
         }
         sendAndTell(common, sourced);
     });
@@ -103,7 +104,9 @@ void addKindCommand(CLI::App& mail, const CommonOptions& common, const Kind& kin
     command->callback([&common, files, id = std::string(kind.id)] {
         std::vector<SourcedRequest> sourced;
         for (const auto& file : *files) {
-            sourced.push_back({file, requests::policyUpdate(readMessageOfKind(file, id))});
+            auto text = readMessageOfKind(file, id);
+            warnOf(file, text);
+            sourced.push_back({inputName(file), requests::policyUpdate(std::move(text))});
         }
         sendAndTell(common, sourced);
     });

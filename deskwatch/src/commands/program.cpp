@@ -32,6 +32,7 @@ void addCommands(CLI::App& program, CommonOptions& common) {
     addKeyCommand(program, common);
     addEventCommand(program, common);
     addBusCommand(program, common);
+    addLintCommand(program);
     addImportCommand(program);
     addExchangeCommand(program);
     addRecordCommand(program, common);

@@ -2,9 +2,9 @@
 #include <memory>
 #include <vector>
 
-#include "actors/message_file.h"
 #include "commands.h"
 #include "forecast/forecast.h"
+#include "text/input_file.h"
 
 namespace deskwatch {
 namespace {
@@ -13,7 +13,7 @@ std::vector<SourcedMessage> readMessages(const std::vector<std::string>& files, 
     std::vector<SourcedMessage> messages;
     messages.reserve(files.size());
     for (const auto& file : files) {
-        messages.push_back({file, readMessageFile(file, check)});
+        messages.push_back({inputName(file), readMessageAndWarn(file, check)});
     }
     return messages;
 }
@@ -25,7 +25,7 @@ void addWhatifCommand(CLI::App& program, const CommonOptions& common) {
     auto files = std::make_shared<std::vector<std::string>>();
     auto isJson = std::make_shared<bool>(false);
     auto isRaw = std::make_shared<bool>(false);
-    command->add_option("FILE", *files, "Message files, in order")->required();
+    command->add_option("FILE", *files, "Message files, in order; - is standard input")->required();
     command->add_flag("--json", *isJson, "One JSON object instead of tables");
     command->add_flag("--raw", *isRaw, "Take the files as they are, even if they are not valid JSON");
     command->footer("Runs the service on a copy of the watch and compares. The watch itself is not touched.\n"
