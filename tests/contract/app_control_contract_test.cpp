@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "contract_environment.h"
 #include "platform_owners.h"
 
 namespace {
@@ -121,6 +122,17 @@ TEST_F(AppControlContract, LaunchOfNoApplicationIsNotFound) {
         app_control_set_app_id(control(), id);
         EXPECT_EQ(app_control_send_launch_request(control(), nullptr, nullptr), APP_CONTROL_ERROR_APP_NOT_FOUND);
     }
+}
+
+TEST_F(AppControlContract, MissingApplicationIsNotFoundAndGivesNoReply) {
+    app_control_set_app_id(control(), "com.example.nobody");
+    const auto note = [](app_control_h, app_control_h, app_control_result_e, void* data) {
+        *static_cast<bool*>(data) = true;
+    };
+    bool hasReplied = false;
+    EXPECT_EQ(app_control_send_launch_request(control(), note, &hasReplied), APP_CONTROL_ERROR_APP_NOT_FOUND);
+    contract::runPending();
+    EXPECT_FALSE(hasReplied);
 }
 
 TEST_F(AppControlContract, NullArgumentsAreInvalid) {

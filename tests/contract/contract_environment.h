@@ -38,6 +38,9 @@ inline constexpr char port[] = "control";
 /// Starts it, anew after its end, and returns when its port is open. False where that cannot be done.
 [[nodiscard]] bool start();
 
+/// Lets it write a shared key. False where that cannot be done.
+[[nodiscard]] bool setKey(const std::string& key, int value);
+
 /// Kills it, and returns when its port is gone.
 void kill();
 

@@ -44,6 +44,10 @@ bool start() {
     return false;
 }
 
+bool setKey(const std::string& /*key*/, int /*value*/) {
+    return false;
+}
+
 void kill() {}
 
 std::vector<std::string> texts() {

@@ -78,6 +78,13 @@ bool start() {
     return remoteProcess() != nullptr && awaitRemotePort(true);
 }
 
+bool setKey(const std::string& key, int value) {
+    const c::ObjectOwner<GSubprocess> process(g_subprocess_new(G_SUBPROCESS_FLAGS_NONE, nullptr, REMOTE_APPLICATION,
+                                                               "set-key", key.c_str(), std::to_string(value).c_str(),
+                                                               nullptr));
+    return process != nullptr && g_subprocess_wait_check(process.get(), nullptr, nullptr) != FALSE;
+}
+
 void kill() {
     if (remoteProcess() != nullptr) {
         g_subprocess_force_exit(remoteProcess().get());

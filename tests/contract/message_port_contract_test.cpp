@@ -150,6 +150,9 @@ TEST(MessagePortContract, PortThatNobodyOpenedIsNotFound) {
     EXPECT_EQ(send("hello"), MESSAGE_PORT_ERROR_PORT_NOT_FOUND);
     EXPECT_EQ(message_port_send_message("com.example.nobody", port, messageOf("hello").get()),
               MESSAGE_PORT_ERROR_PORT_NOT_FOUND);
+    bool exists = true;
+    EXPECT_EQ(message_port_check_remote_port("com.example.nobody", port, &exists), MESSAGE_PORT_ERROR_NONE);
+    EXPECT_FALSE(exists);
 }
 
 TEST(MessagePortContract, ClosedPortIsNotFound) {
@@ -195,6 +198,7 @@ protected:
         if (!contract::remote::start()) {
             GTEST_SKIP() << "no other application can be started here";
         }
+        ASSERT_EQ(send(std::string(12223, 'x')), MESSAGE_PORT_ERROR_MAX_EXCEEDED) << "the first leaves nothing behind";
         ASSERT_EQ(send("one"), MESSAGE_PORT_ERROR_NONE);
         ASSERT_TRUE(arrived({"one"}));
     }
@@ -210,6 +214,15 @@ protected:
     }
 };
 
+TEST_F(RemotePortContract, ManyMessagesAtOnceAllArriveInOrder) {
+    std::vector<std::string> sent{"one"};
+    for (int i = 0; i < 200; ++i) {
+        sent.push_back(std::to_string(i) + std::string(2000, 'x'));
+        ASSERT_EQ(send(sent.back()), MESSAGE_PORT_ERROR_NONE);
+    }
+    EXPECT_TRUE(arrived(sent));
+}
+
 TEST_F(RemotePortContract, DeadRemoteFailsUntilTheMainLoopHasRun) {
     contract::remote::kill();
     EXPECT_EQ(send("two"), MESSAGE_PORT_ERROR_IO_ERROR);
@@ -223,7 +236,9 @@ TEST_F(RemotePortContract, RestartedRemoteIsReachedOnceTheMainLoopHasRun) {
     ASSERT_TRUE(contract::remote::start());
     contract::runPending();
     EXPECT_EQ(send("two"), MESSAGE_PORT_ERROR_NONE);
-    EXPECT_TRUE(arrived({"one", "two"}));
+    const std::string longest(12222, 'x');
+    EXPECT_EQ(send(longest), MESSAGE_PORT_ERROR_NONE);
+    EXPECT_TRUE(arrived({"one", "two", longest}));
 }
 
 TEST_F(RemotePortContract, RestartedRemoteMissesOneMessageUnlessTheMainLoopHasRun) {

@@ -181,6 +181,16 @@ TEST_F(VconfWatchContract, WriteOfTheSameValueIsHeard) {
     EXPECT_EQ(news.numbers, std::vector<int>{1});
 }
 
+TEST_F(VconfWatchContract, WriteOfTheSameValueByAnotherApplicationIsHeard) {
+    News news;
+    watch(exampleKey, news);
+    if (!contract::remote::setKey(exampleKey, 0)) {
+        GTEST_SKIP() << "no other application can be started here";
+    }
+    settle();
+    EXPECT_EQ(news.numbers, std::vector<int>{0});
+}
+
 TEST_F(VconfWatchContract, WriteBeforeTheWatchIsNotHeard) {
     News first;
     News second;

@@ -118,11 +118,11 @@ int app_control_foreach_extra_data(app_control_h app_control, app_control_extra_
 int app_control_send_launch_request(app_control_h app_control, app_control_reply_cb callback, void* user_data) {
     const auto text = app_control == nullptr ? std::string("(null)") : textOf(*app_control);
     return answer({"app_control_send_launch_request", text}, {app_control}, [&]() -> int {
-        if (app_control->appId.value_or("").empty()) {
+        auto& launches = FakePlatform::current().launches;
+        if (launches.missing.count(app_control->appId.value_or("")) != 0) {
             return APP_CONTROL_ERROR_APP_NOT_FOUND;
         }
-        FakePlatform::current().launches.sent.push_back(
-            {*app_control->appId, app_control->extraData, callback, user_data});
+        launches.sent.push_back({*app_control->appId, app_control->extraData, callback, user_data});
         return APP_CONTROL_ERROR_NONE;
     });
 }

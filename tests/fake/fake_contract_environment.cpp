@@ -43,6 +43,11 @@ bool start() {
     return platform()->ports.remotePorts.emplace(id, port).second;
 }
 
+bool setKey(const std::string& key, int value) {
+    platform()->settings.setKeyAsDevice(key, value);
+    return true;
+}
+
 void kill() {
     platform()->ports.killRemote(id);
 }

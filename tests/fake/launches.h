@@ -31,6 +31,9 @@ class Launches {
 public:
     std::vector<Launch> sent;
 
+    /// The applications that the device lacks.
+    std::set<std::string> missing{"", "com.example.nobody"};
+
     /// The handles that were created and not destroyed.
     std::set<app_control_h> handles;
 

@@ -44,17 +44,6 @@ TEST_F(VconfWatches, KeyChangeOfTheOtherProcessReachesThisOne) {
     EXPECT_EQ(value, 7);
 }
 
-TEST_F(VconfWatches, SameValueFromAnotherProcessIsHeard) {
-    std::vector<int> numbers;
-    EXPECT_EQ(run({"set-key", "db/example/key", "7"})->status(), 0);
-    vconf_notify_key_changed("db/example/key", recordNumber, &numbers);
-
-    EXPECT_EQ(run({"set-key", "db/example/key", "7"})->status(), 0);
-
-    ASSERT_TRUE(runMainLoopUntil([&] { return !numbers.empty(); }));
-    EXPECT_EQ(numbers, std::vector<int>{7});
-}
-
 TEST_F(VconfWatches, NewsOfAnotherFormIsIgnored) {
     std::vector<int> numbers;
     vconf_set_int("db/example/key", 0);

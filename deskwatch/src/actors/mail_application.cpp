@@ -37,13 +37,13 @@ void expectSendable(const Request& request) {
     }
 }
 
-/// False when the service's port is not open.
+/// False when the service's port is not open, or its process has ended a moment ago.
 bool send(const Request& request) {
     const c::Owner<bundle, bundle_free> message(bundle_create());
     expectSuccess(bundle_add_str(message.get(), "req", request.name.c_str()), "write the request's name");
     expectSuccess(bundle_add_str(message.get(), "msg", request.argument.c_str()), "write the request's argument");
     const int result = message_port_send_message(ids::service, ids::policyPort, message.get());
-    if (result != MESSAGE_PORT_ERROR_PORT_NOT_FOUND) {
+    if (result != MESSAGE_PORT_ERROR_PORT_NOT_FOUND && result != MESSAGE_PORT_ERROR_IO_ERROR) {
         expectSuccess(result, "send " + request.name);
     }
     return result == MESSAGE_PORT_ERROR_NONE;
