@@ -46,6 +46,7 @@ void addMailServerCommands(CLI::App& mail, const CommonOptions& common);
 void addExchangeCommand(CLI::App& program);
 void addStatusCommand(CLI::App& program, const CommonOptions& common);
 void addExplainCommand(CLI::App& program, const CommonOptions& common);
+void addCheckCommand(CLI::App& program, const CommonOptions& common);
 void addWhatifCommand(CLI::App& program, const CommonOptions& common);
 void addPopupCommand(CLI::App& program, const CommonOptions& common);
 void addLockCommand(CLI::App& program, const CommonOptions& common);

@@ -25,6 +25,7 @@ void addCommands(CLI::App& program, CommonOptions& common) {
     addTutorialCommand(program, common);
     addStatusCommand(program, common);
     addExplainCommand(program, common);
+    addCheckCommand(program, common);
     addWhatifCommand(program, common);
     addLogCommand(program, common);
     addTimelineCommand(program, common);

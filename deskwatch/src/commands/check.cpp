@@ -1,0 +1,45 @@
+#include <iostream>
+#include <memory>
+
+#include "actors/refusal.h"
+#include "check/evidence.h"
+#include "check/findings.h"
+#include "commands.h"
+#include "session/observer.h"
+
+namespace deskwatch {
+namespace {
+
+struct CheckOptions {
+    std::string copy;
+    bool isJson = false;
+};
+
+Evidence evidenceOf(const CommonOptions& common, const CheckOptions& options) {
+    return options.copy.empty() ? readEvidence(DeviceSession(chosenDevice(common), observerId))
+                                : readEvidence(std::filesystem::path(options.copy));
+}
+
+} // namespace
+
+void addCheckCommand(CLI::App& program, const CommonOptions& common) {
+    auto* command = program.add_subcommand("check", "Say in what the watch is weaker than its accounts want, and why");
+    auto options = std::make_shared<CheckOptions>();
+    command
+        ->add_option("--copy", options->copy,
+                     "Instead of a watch, a folder copied from a device: .tesk.db, settings.json and log")
+        ->type_name("DIR");
+    command->add_flag("--json", options->isJson, "One JSON object instead of text");
+    command->footer("Starts nothing and changes nothing. settings.json is what status --json writes; of a device its\n"
+                    "\"settings\" and \"keys\" suffice. Exit status 3 when something is found.\n"
+                    "Example:\n  deskwatch check");
+    command->callback([&common, options] {
+        const auto findings = findingsOf(evidenceOf(common, *options));
+        std::cout << (options->isJson ? findingsJson(findings) : findingsText(findings));
+        if (!findings.empty()) {
+            throw Refusal("the watch is weaker than its accounts want");
+        }
+    });
+}
+
+} // namespace deskwatch
