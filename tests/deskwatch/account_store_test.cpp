@@ -26,7 +26,7 @@ MailAccount fullAccount() {
                       true};
     account.elements = {{"AllowCamera", "0", false, 0}, {"ApprovedApplicationList", "", true, 0}};
     account.message = "{\"msgId\":\"email-itpolicy-ind\"}";
-    account.pending = PendingPolicy{"17", 3};
+    account.pending = PendingPolicy{"17", 3, true};
     account.acknowledged = 2;
     return account;
 }
@@ -44,7 +44,7 @@ TEST_F(TheAccountStore, AccountIsReadAsItWasWritten) {
     store().write(fullAccount());
     auto other = fullAccount();
     other.id = 10;
-    other.pending = PendingPolicy{"18", std::nullopt};
+    other.pending = PendingPolicy{"18", std::nullopt, false};
     store().write(other);
     EXPECT_EQ(store().ids(), (std::vector<int>{2, 10}));
     EXPECT_EQ(accountJson(store().read(2)), accountJson(fullAccount()));

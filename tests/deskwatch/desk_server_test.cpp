@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "exchange/provision_messages.h"
+#include "hexadecimal.h"
 #include "temporary_folder.h"
 #include "wbxml/element_xml.h"
 #include "wbxml/wbxml_codec.h"
@@ -25,11 +26,13 @@ protected:
     ServerAnswer send(const std::string& command, const std::string& body, const std::string& key,
                       const std::string& user = "bob") {
         const std::string authorization = user == "bob" ? "Basic Ym9iOg==" : "Basic YWxpY2U6"; // without a password
-        return server_.answer(
-            {"POST",
-             "Cmd=" + command + "&User=" + user + "&DeviceId=desk1&DeviceType=DeskWatch",
-             {{"authorization", authorization}, {"ms-asprotocolversion", version_}, {"x-ms-policykey", key}},
-             body});
+        return server_.answer({"POST",
+                               "Cmd=" + command + "&User=" + user + "&DeviceId=desk1&DeviceType=DeskWatch",
+                               {{"authorization", authorization},
+                                {"content-type", "application/vnd.ms-sync.wbxml"},
+                                {"ms-asprotocolversion", version_},
+                                {"x-ms-policykey", key}},
+                               body});
     }
 
     ProvisionReply provision(const WbxmlElement& request, const std::string& key = "0") {
@@ -130,6 +133,15 @@ TEST_F(TheDeskServer, OrderSpoilsTheNextAnswerAlone) {
     EXPECT_EQ(provision(policyRequest(141, true)).status, 1);
     EXPECT_THROW(server().order({"bob", "smile", ""}), std::runtime_error);
     EXPECT_THROW(server().order({"bob", "http", "many"}), std::runtime_error);
+}
+
+TEST_F(TheDeskServer, RequestOfAnotherClientIsUnderstood) {
+    const auto request = bytesOf("03 01 6A 00 00 0E 45 00 12 56 48 57 03 57 61 74 63 68 00 01 01 01 00 0E 46 47 " +
+                                 wbxmlTypeBytes + "01 01 01");
+    const auto reply = readProvisionReply(decodeWbxml(send("Provision", request, "0").body), 141);
+    EXPECT_EQ(reply.policyStatus, 1);
+    EXPECT_TRUE(reply.hasDocument);
+    EXPECT_EQ(send("Provision", request, "0").headers.front().second, "application/vnd.ms-sync.wbxml");
 }
 
 } // namespace

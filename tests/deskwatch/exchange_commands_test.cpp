@@ -75,6 +75,7 @@ TEST_F(ExchangeCommands, TwoAccountsFromTheFirstPolicyToTheWipe) {
         EXPECT_EQ(bob.waitForEnd(), 3);
     }
     awaitServer("bob", "acknowledges the policy with 3");
+    EXPECT_EQ(run({"mail", "refresh", "1"}), "alice@127.0.0.1: nothing has changed\n");
 
     run({"exchange", "order", url(), "alice", "wipe"});
     EXPECT_EQ(run({"mail", "refresh", "1"}), "alice@127.0.0.1: the server orders to wipe the watch\n"

@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 
+#include "hexadecimal.h"
 #include "scripted_transport.h"
 #include "wbxml/element_xml.h"
 
@@ -270,6 +271,27 @@ TEST(Handshake, OldestVersionBringsItsPolicyAsXml) {
     EXPECT_EQ(read, "DevicePasswordEnabled=1 AlphanumericDevicePasswordRequired=0 MinDevicePasswordLength=6 "
                     "MaxDevicePasswordFailedAttempts=8 MaxInactivityTimeDeviceLock=300 ");
     EXPECT_EQ(server.document(0).at({"Policies", "Policy", "PolicyType"})->text, "MS-WAP-Provisioning-XML");
+}
+
+/// What a server that others wrote has sent, byte for byte.
+TEST(Handshake, RecordedRepliesAreUnderstood) {
+    const auto policyBytes = "03 01 6A 00 00 0E 45 4B 03 31 00 01 46 47 " + wbxmlTypeBytes +
+                             "4B 03 31 00 01 49 03 31 39 32 30 31 30 39 31 33 30 00 01 4A 4D 4E 03 31 00 01 54 03 34 "
+                             "00 01 53 03 31 00 01 01 01 01 01 ";
+    const auto notProvisioned = http(449, {}, bytesOf("03 01 6A 00 00 07 56 00 00 4E 03 31 34 32 00 01 01"));
+    const auto wipeOrdered = http(200, {}, bytesOf("03 01 6A 00 00 07 56 00 00 4E 03 31 34 30 00 01 01"));
+    const std::tuple<HttpReply, std::string, Kind> rows[] = {
+        {notProvisioned, policyBytes + "01", Kind::Policy},
+        {wipeOrdered, policyBytes + "0C 01", Kind::WipeDevice},
+        {notProvisioned, "03 01 6A 00 00 0E 45 4B 03 31 00 01 46 47 4B 03 32 00 01 01 01 01", Kind::NoPolicy},
+    };
+    for (const auto& [refusal, reply, kind] : rows) {
+        ScriptedTransport server({refusal, http(200, {}, bytesOf(reply))});
+        auto bob = account(141);
+        const auto demand = Handshake(server, bob, "").refresh();
+        EXPECT_EQ(demand.kind, kind);
+        EXPECT_EQ(demand.temporaryKey, kind == Kind::Policy ? "1920109130" : "");
+    }
 }
 
 } // namespace

@@ -5,9 +5,9 @@
 
 #include <cstdlib>
 #include <memory>
-#include <sstream>
 #include <stdexcept>
 
+#include "hexadecimal.h"
 #include "wbxml/element_xml.h"
 #include "wbxml/wbxml_tokens.h"
 
@@ -15,18 +15,6 @@ namespace deskwatch {
 namespace {
 
 const WbxmlElement wbxmlType = provisionElement("PolicyType", "MS-EAS-Provisioning-WBXML");
-const std::string wbxmlTypeBytes =
-    "48 03 4D 53 2D 45 41 53 2D 50 72 6F 76 69 73 69 6F 6E 69 6E 67 2D 57 42 58 4D 4C 00 01 ";
-
-std::string bytesOf(const std::string& hexadecimal) {
-    std::istringstream stream(hexadecimal);
-    std::string bytes;
-    for (unsigned int byte = 0; stream >> std::hex >> byte;) {
-        bytes += static_cast<char>(byte);
-    }
-    return bytes;
-}
-
 WbxmlElement settings(std::string name, std::vector<WbxmlElement> children) {
     return {"Settings:", std::move(name), "", std::move(children)};
 }

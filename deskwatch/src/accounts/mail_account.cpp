@@ -30,7 +30,9 @@ ServerAccount readServer(const Json& json) {
 }
 
 Json pendingJson(const PendingPolicy& pending) {
-    return {{"temporaryKey", pending.temporaryKey}, {"stopsBefore", numberJson(pending.stopsBefore)}};
+    return {{"temporaryKey", pending.temporaryKey},
+            {"stopsBefore", numberJson(pending.stopsBefore)},
+            {"wasApplied", pending.wasApplied}};
 }
 
 std::optional<int> numberIn(const Json& json) {
@@ -66,8 +68,8 @@ MailAccount readAccountJson(const std::string& text) {
         }
         account.message = json.at("message").get<std::string>();
         if (const auto& pending = json.at("pending"); !pending.is_null()) {
-            account.pending =
-                PendingPolicy{pending.at("temporaryKey").get<std::string>(), numberIn(pending.at("stopsBefore"))};
+            account.pending = PendingPolicy{pending.at("temporaryKey").get<std::string>(),
+                                            numberIn(pending.at("stopsBefore")), pending.at("wasApplied").get<bool>()};
         }
         account.acknowledged = numberIn(json.at("acknowledged"));
         return account;

@@ -15,6 +15,9 @@ struct PendingPolicy {
     std::string temporaryKey;
     /// How often the wearer had stopped synchronising when the service got the policy; none before it got it.
     std::optional<int> stopsBefore;
+    /// Whether the watch had applied this very policy before: the lock that it demanded is there, even if another
+    /// account demands a better one by now.
+    bool wasApplied = false;
 };
 
 /// An account of the watch's mail application. Its password is never part of it.

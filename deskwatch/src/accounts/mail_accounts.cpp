@@ -125,13 +125,14 @@ void MailAccounts::takePolicy(MailAccount& account, const ServerDemand& demand) 
     const auto known = account.message;
     account.elements = taken.elements;
     account.message = messageFor(account);
-    account.pending = PendingPolicy{demand.temporaryKey, std::nullopt};
+    account.pending = PendingPolicy{demand.temporaryKey, std::nullopt, false};
     const bool isInForce = account.acknowledged && *account.acknowledged <= static_cast<int>(Compliance::Partly);
     const bool isKnown = isInForce && account.message == known &&
                          hasAccount(readStoredAccounts(policyDatabase(session_.device().layout())), account.id);
     if (isKnown) {
         say(account, "the server sends the policy that the watch has");
         account.pending->stopsBefore = stopsNow();
+        account.pending->wasApplied = true;
     }
     store_.write(account);
 }
@@ -157,8 +158,7 @@ void MailAccounts::finish(MailAccount& account, Handshake& handshake, bool maySt
         // the watch was off meanwhile, and nobody has looked at the lock since
         sendToService(account, requests::checkPassword, "");
     }
-    const auto verdict =
-        awaitVerdict(session_, account.elements, *account.pending->stopsBefore, surroundings_.patience);
+    const auto verdict = awaitVerdict(session_, account, surroundings_.patience);
     if (!verdict && surroundings_.patience == 0) {
         say(account, "the wearer is asked; mail refresh " + std::to_string(account.id) + " tells the server later");
         return;

@@ -19,16 +19,16 @@ bool isZero(const DeviceStatus& status, const char* key) {
     return std::find(status.keys.begin(), status.keys.end(), NamedValue{key, 0}) != status.keys.end();
 }
 
-std::optional<Verdict> verdictNow(const DeviceSession& session, const std::vector<ProvisioningElement>& elements,
-                                  int stopsBefore) {
+std::optional<Verdict> verdictNow(const DeviceSession& session, const MailAccount& account) {
     session.settleService();
     const auto status = readStatus(session);
     const auto explanation = explain(deviceFacts(status));
     ComplianceFacts facts;
-    facts.elements = elements;
-    facts.isSynchronisationStopped =
-        synchronisationStops(session.device().layout().applicationData(ids::mail)) > stopsBefore;
-    facts.isLockMissing = isZero(status, TeskConsumerKeys::passwordPolicyApplied);
+    facts.elements = account.elements;
+    const int stops = synchronisationStops(session.device().layout().applicationData(ids::mail));
+    facts.isSynchronisationStopped = stops > account.pending->stopsBefore.value_or(stops);
+    facts.isLockMissing = isZero(status, TeskConsumerKeys::passwordPolicyApplied) &&
+                          (!account.pending->wasApplied || isZero(status, TeskConsumerKeys::lockType));
     facts.isEncryptionMissing = isZero(status, TeskConsumerKeys::deviceEncryptionApplied);
     facts.written = explanation.written;
     facts.held = explanation.now;
@@ -86,11 +86,10 @@ private:
 
 } // namespace
 
-std::optional<Verdict> awaitVerdict(const DeviceSession& session, const std::vector<ProvisioningElement>& elements,
-                                    int stopsBefore, int seconds) {
+std::optional<Verdict> awaitVerdict(const DeviceSession& session, const MailAccount& account, int seconds) {
     Changes changes(session.device().layout(), seconds);
     do {
-        if (auto verdict = verdictNow(session, elements, stopsBefore)) {
+        if (auto verdict = verdictNow(session, account)) {
             return verdict;
         }
     } while (seconds > 0 && changes.next());

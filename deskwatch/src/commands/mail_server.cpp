@@ -1,8 +1,11 @@
+#include <algorithm>
 #include <iostream>
 #include <memory>
+#include <stdexcept>
 
 #include "accounts/mail_accounts.h"
 #include "accounts/password_source.h"
+#include "actors/refusal.h"
 #include "commands.h"
 #include "device/application_ids.h"
 #include "exchange/exchange_trace.h"
@@ -135,6 +138,30 @@ void addConnectCommand(CLI::App& mail, const CommonOptions& common) {
         [&common, options] { ServerCommand(common, options->server).accounts().connect(options->account); });
 }
 
+/// Refreshes accounts, of which none keeps the others waiting by its failure. Throws what went wrong with all of them.
+void refreshEach(MailAccounts& accounts, const std::vector<int>& ids) {
+    std::string failures;
+    bool isRefused = true;
+    for (const int id : ids) {
+        try {
+            if (const auto known = accounts.store().ids();
+                std::count(known.begin(), known.end(), id) > 0 || ids.size() == 1) {
+                accounts.refresh(id); // an earlier one may have had the watch wiped
+            }
+        } catch (const std::runtime_error& error) {
+            isRefused = isRefused && dynamic_cast<const Refusal*>(&error) != nullptr;
+            const std::string prefix = ids.size() > 1 ? "account " + std::to_string(id) + ": " : "";
+            failures += (failures.empty() ? "" : "\n  ") + prefix + error.what();
+        }
+    }
+    if (!failures.empty() && isRefused) {
+        throw Refusal(failures);
+    }
+    if (!failures.empty()) {
+        throw std::runtime_error(failures);
+    }
+}
+
 struct RefreshOptions {
     ServerOptions server;
     std::optional<int> account;
@@ -150,9 +177,7 @@ void addRefreshCommand(CLI::App& mail, const CommonOptions& common) {
     command->footer("Goes on where an earlier command ended.\nExample:\n  deskwatch mail refresh 2");
     command->callback([&common, options] {
         ServerCommand server(common, options->server);
-        for (const int account : server.chosen(options->account)) {
-            server.accounts().refresh(account);
-        }
+        refreshEach(server.accounts(), server.chosen(options->account));
     });
 }
 

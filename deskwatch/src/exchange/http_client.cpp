@@ -88,8 +88,10 @@ Message makeMessage(const HttpRequest& request, std::string& certificateFault) {
     }
     if (!request.body.empty()) {
         const c::Owner<GBytes, g_bytes_unref> body(g_bytes_new(request.body.data(), request.body.size()));
-        const char* type = soup_message_headers_get_one(headers, "Content-Type");
-        soup_message_set_request_body_from_bytes(message.get(), type, body.get());
+        // the library frees the header that it is given back as the type
+        const char* const given = soup_message_headers_get_one(headers, "Content-Type");
+        const std::string type = given != nullptr ? given : "application/octet-stream";
+        soup_message_set_request_body_from_bytes(message.get(), type.c_str(), body.get());
     }
     g_signal_connect(message.get(), "accept-certificate", G_CALLBACK(onCertificate), &certificateFault);
     return message;

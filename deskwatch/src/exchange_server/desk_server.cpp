@@ -112,6 +112,9 @@ ServerAnswer DeskServer::answerCommand(const ServerRequest& request) {
     if (!query || !isDeviceId(query->deviceId) || query->user.empty()) {
         return plain(400, "a request whose query cannot be read");
     }
+    if (!request.body.empty() && request.header("content-type").rfind("application/vnd.ms-sync", 0) != 0) {
+        return plain(400, query->user + ": a body of the kind " + printable(request.header("content-type")));
+    }
     const bool isPlain = query->version == 0;
     const auto version = versionOf(isPlain ? request.header("ms-asprotocolversion") : versionText(query->version));
     const std::pair id(query->user, query->deviceId);
