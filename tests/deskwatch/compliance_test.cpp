@@ -56,22 +56,35 @@ TEST(Compliance, ServerIsToldWhatTheWatchDid) {
         {"a password setting differs", withHeld(1, 4), 4},
         {"the last password setting differs", withHeld(6, 4), 4},
         {"a password setting cannot be read", withHeld(1, std::nullopt), 3},
-        {"the camera is forbidden", policyOf({{"AllowCamera", "0"}}), 2},
         {"the camera is allowed", policyOf({{"AllowCamera", "1"}}), 1},
         {"hands-free Bluetooth alone is allowed", policyOf({{"AllowBluetooth", "1"}}), 2},
         {"Bluetooth is allowed", policyOf({{"AllowBluetooth", "2"}}), 1},
         {"an element is empty", policyOf({{"AllowCamera", ""}}), 1},
         {"password recovery is offered", policyOf({{"PasswordRecoveryEnabled", "1"}}), 1},
         {"the storage card must be encrypted", policyOf({{"RequireStorageCardEncryption", "1"}}), 2},
-        {"only some applications may run", policyOf({{"ApprovedApplicationList", "list"}}), 2},
-        {"a list is empty", policyOf({{"ApprovedApplicationList", ""}}), 1},
-        {"the mail application has to see to it", policyOf({{"AllowHTMLEmail", "0"}}), 1},
+        {"a list of applications is empty", policyOf({{"ApprovedApplicationList", ""}}), 1},
         {"Wi-Fi is forbidden", policyOf({{"AllowWifi", "0"}}), 1},
     };
     for (const auto& row : rows) {
         const auto verdict = verdictOf(row.facts);
         EXPECT_EQ(verdict ? static_cast<int>(verdict->compliance) : 0, row.told) << row.what;
         EXPECT_EQ(verdict && verdict->reasons.empty(), row.told == 1) << row.what;
+    }
+    for (const auto* const stored : {"AllowCamera", "AllowBluetooth", "AllowBrowser", "AllowDesktopSync",
+                                     "AllowInternetSharing", "AllowStorageCard"}) {
+        EXPECT_EQ(verdictOf(policyOf({{stored, "0"}}))->compliance, Compliance::Partly) << stored;
+    }
+    for (const auto* const list : {"ApprovedApplicationList", "UnapprovedInROMApplicationList"}) {
+        EXPECT_EQ(verdictOf(policyOf({{list, "list"}}))->compliance, Compliance::Partly) << list;
+    }
+    for (const auto* const other :
+         {"AllowConsumerEmail", "AllowHTMLEmail", "AllowIrDA", "AllowRemoteDesktop", "AllowSMIMESoftCerts",
+          "AllowUnsignedApplications", "AllowUnsignedInstallationPackages", "AttachmentsEnabled",
+          "RequireManualSyncWhenRoaming", "RequireSignedSMIMEMessages", "RequireEncryptedSMIMEMessages",
+          "AllowSMIMEEncryptionAlgorithmNegotiation", "RequireSignedSMIMEAlgorithm", "RequireEncryptionSMIMEAlgorithm",
+          "MaxAttachmentSize", "MaxCalendarAgeFilter", "MaxEmailAgeFilter", "MaxEmailBodyTruncationSize",
+          "MaxEmailHTMLBodyTruncationSize"}) {
+        EXPECT_EQ(verdictOf(policyOf({{other, "0"}}))->compliance, Compliance::Applied) << other;
     }
     auto restriction = policyOf({});
     restriction.written.at(7) = 0;

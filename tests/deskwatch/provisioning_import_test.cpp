@@ -101,7 +101,7 @@ TEST(ProvisioningImport, FateOfEachElementIsTold) {
     EXPECT_EQ(elements[1].support, Support::Stored);
     EXPECT_EQ(elements[2].support, Support::NotDeliverable);
     EXPECT_EQ(elements[2].member, "");
-    EXPECT_EQ(elements[3].support, Support::Unknown);
+    EXPECT_EQ(elements[3].support, Support::NotThere);
     EXPECT_EQ(elements[3].remark, "");
     EXPECT_EQ(elements[4].remark, "not an element of a provisioning document");
 }
@@ -168,7 +168,7 @@ TEST(ProvisioningImport, MessageGoesToAFileAndTheReportToStandardError) {
     EXPECT_EQ(report["elements"][5], Json::parse(R"({"line": 16, "element": "AllowBluetooth", "value": "1",
         "watch": "stored, not enforced", "member": "allowBluetoothMode", "carried": true,
         "remark": "hands-free only (1) and allowed (2) are sent as the same value"})"));
-    EXPECT_EQ(report["elements"][6]["watch"], "unknown to the watch");
+    EXPECT_EQ(report["elements"][6]["watch"], "not deliverable to the watch");
 }
 
 } // namespace

@@ -36,7 +36,9 @@ bool isOnlyStored(const ProvisioningElement& element) {
                                           [&element](const ElementRule& row) { return element.name == row.name; });
     if (rule == elementRules.end()) {
         return element.isList &&
-               (element.name == "ApprovedApplicationList" || element.name == "UnapprovedInROMApplicationList");
+               std::any_of(otherElements.begin(), otherElements.end(), [&element](const OtherElement& row) {
+                   return element.name == row.name && row.support == Support::NotDeliverable;
+               });
     }
     if (rule->support == Support::NotDeliverable) {
         return element.value == "1";

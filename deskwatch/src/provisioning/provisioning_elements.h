@@ -1,32 +1,12 @@
+// Written by script/protocol from docs/protocol.json.
 #ifndef DESKWATCH_PROVISIONING_ELEMENTS_H
 #define DESKWATCH_PROVISIONING_ELEMENTS_H
 
 #include <array>
-#include <limits>
 
-#include "provisioning/provisioning_import.h"
+#include "provisioning/element_rule.h"
 
 namespace deskwatch {
-
-/// How an element's number becomes a member's value.
-enum class Conversion { None, Flag, Number, PasswordMode };
-
-/// An element that a provisioning document may hold.
-struct ElementRule {
-    const char* name;
-    Support support;
-    Conversion conversion;
-    const char* member;
-    int least;
-    int most;
-    /// What an absent or empty element means.
-    int absent;
-    /// Whether it means nothing in a document that requires no password.
-    bool isPasswordRule;
-    const char* remark;
-};
-
-inline constexpr int anyNumber = std::numeric_limits<int>::max();
 
 /// The elements with a value that this watch or the protocol looks at, in the order of the policy set's members.
 inline constexpr std::array<ElementRule, 21> elementRules{{
@@ -60,30 +40,30 @@ inline constexpr std::array<ElementRule, 21> elementRules{{
     {"RequireStorageCardEncryption", Support::NotDeliverable, Conversion::None, "", 0, 1, 0, false, ""},
 }};
 
-/// The elements of the protocol that no watch of this kind ever hears of.
-inline constexpr std::array<const char*, 21> unknownElements{
-    "AllowConsumerEmail",
-    "AllowHTMLEmail",
-    "AllowIrDA",
-    "AllowRemoteDesktop",
-    "AllowSMIMESoftCerts",
-    "AllowUnsignedApplications",
-    "AllowUnsignedInstallationPackages",
-    "AttachmentsEnabled",
-    "RequireManualSyncWhenRoaming",
-    "RequireSignedSMIMEMessages",
-    "RequireEncryptedSMIMEMessages",
-    "AllowSMIMEEncryptionAlgorithmNegotiation",
-    "RequireSignedSMIMEAlgorithm",
-    "RequireEncryptionSMIMEAlgorithm",
-    "MaxAttachmentSize",
-    "MaxCalendarAgeFilter",
-    "MaxEmailAgeFilter",
-    "MaxEmailBodyTruncationSize",
-    "MaxEmailHTMLBodyTruncationSize",
-    "ApprovedApplicationList",
-    "UnapprovedInROMApplicationList",
-};
+/// The elements that this watch never hears of.
+inline constexpr std::array<OtherElement, 21> otherElements{{
+    {"AllowConsumerEmail", Support::MailApplication},
+    {"AllowHTMLEmail", Support::MailApplication},
+    {"AllowIrDA", Support::NotThere},
+    {"AllowRemoteDesktop", Support::NotThere},
+    {"AllowSMIMESoftCerts", Support::MailApplication},
+    {"AllowUnsignedApplications", Support::NotThere},
+    {"AllowUnsignedInstallationPackages", Support::NotThere},
+    {"AttachmentsEnabled", Support::MailApplication},
+    {"RequireManualSyncWhenRoaming", Support::MailApplication},
+    {"RequireSignedSMIMEMessages", Support::MailApplication},
+    {"RequireEncryptedSMIMEMessages", Support::MailApplication},
+    {"AllowSMIMEEncryptionAlgorithmNegotiation", Support::MailApplication},
+    {"RequireSignedSMIMEAlgorithm", Support::MailApplication},
+    {"RequireEncryptionSMIMEAlgorithm", Support::MailApplication},
+    {"MaxAttachmentSize", Support::MailApplication},
+    {"MaxCalendarAgeFilter", Support::MailApplication},
+    {"MaxEmailAgeFilter", Support::MailApplication},
+    {"MaxEmailBodyTruncationSize", Support::MailApplication},
+    {"MaxEmailHTMLBodyTruncationSize", Support::MailApplication},
+    {"ApprovedApplicationList", Support::NotDeliverable},
+    {"UnapprovedInROMApplicationList", Support::NotDeliverable},
+}};
 
 } // namespace deskwatch
 

@@ -145,9 +145,11 @@ std::string remarkOf(const ProvisioningElement& element, const ElementRule& rule
 ImportedElement imported(const ProvisioningElement& element, const PolicySet& policySet) {
     const auto* const rule = ruleOf(element.name);
     if (rule == nullptr) {
-        const bool isOfTheProtocol =
-            std::find(unknownElements.begin(), unknownElements.end(), element.name) != unknownElements.end();
-        return {element, Support::Unknown, "", "", isOfTheProtocol ? "" : "not an element of a provisioning document"};
+        const auto* const other = std::find_if(otherElements.begin(), otherElements.end(),
+                                               [&](const OtherElement& row) { return element.name == row.name; });
+        return other != otherElements.end()
+                   ? ImportedElement{element, other->support, "", "", ""}
+                   : ImportedElement{element, Support::Unknown, "", "", "not an element of a provisioning document"};
     }
     const bool isCarried = rule->conversion != Conversion::None;
     return {element, rule->support, rule->member, isCarried ? policySet.carried(*rule).dump() : "",

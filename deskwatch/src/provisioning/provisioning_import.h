@@ -4,12 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "provisioning/element_rule.h"
 #include "provisioning/provisioning_document.h"
 
 namespace deskwatch {
-
-/// What a watch does with an element of a provisioning document.
-enum class Support { Enforced, Stored, NotDeliverable, Unknown };
 
 /// What became of one element.
 struct ImportedElement {

@@ -16,6 +16,10 @@ const char* supportText(Support support) {
         return "stored, not enforced";
     case Support::NotDeliverable:
         return "not deliverable to the watch";
+    case Support::MailApplication:
+        return "left to the mail application";
+    case Support::NotThere:
+        return "the watch has no such thing";
     case Support::Unknown:
         break;
     }

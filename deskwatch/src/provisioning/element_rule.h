@@ -1,0 +1,40 @@
+#ifndef DESKWATCH_ELEMENT_RULE_H
+#define DESKWATCH_ELEMENT_RULE_H
+
+#include <limits>
+
+namespace deskwatch {
+
+/// What a watch does with an element of a provisioning document. MailApplication: the mail application has to see to
+/// it. NotThere: the watch has nothing that it is about. Unknown: it is not an element of a provisioning document.
+enum class Support { Enforced, Stored, NotDeliverable, MailApplication, NotThere, Unknown };
+
+/// How an element's number becomes a member's value.
+enum class Conversion { None, Flag, Number, PasswordMode };
+
+/// An element that a provisioning document may hold.
+struct ElementRule {
+    const char* name;
+    Support support;
+    Conversion conversion;
+    const char* member;
+    int least;
+    int most;
+    /// What an absent or empty element means.
+    int absent;
+    /// Whether it means nothing in a document that requires no password.
+    bool isPasswordRule;
+    const char* remark;
+};
+
+/// An element that no message carries.
+struct OtherElement {
+    const char* name;
+    Support support;
+};
+
+inline constexpr int anyNumber = std::numeric_limits<int>::max();
+
+} // namespace deskwatch
+
+#endif
