@@ -1,4 +1,5 @@
 #include "commands_fixture.h"
+#include "running_program.h"
 
 namespace deskwatch {
 namespace {
@@ -50,6 +51,16 @@ TEST_F(Commands, ExplainOfAFreshWatchSaysThatNothingIsWritten) {
     EXPECT_TRUE(explained["settings"]["quality"]["written"].is_null());
     EXPECT_NE(run({"explain"}).find("no account requires one"), std::string::npos);
     EXPECT_FALSE(status()["serviceRunning"]);
+}
+
+TEST_F(Commands, FollowedExplanationTellsEachThatDiffers) {
+    boot();
+    RunningProgram follower({"explain", "--follow", "--json"});
+    EXPECT_TRUE(Json::parse(follower.nextLine())["accounts"].empty());
+    run({"mail", "policy", sample("hardened.json")});
+    const auto line = follower.awaitLine(
+        [](const std::string& text) { return Json::parse(text)["settings"]["quality"]["now"] == 128; });
+    EXPECT_EQ(Json::parse(line)["password"]["enforcingAccount"], 2);
 }
 
 } // namespace

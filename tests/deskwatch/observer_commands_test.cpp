@@ -52,6 +52,15 @@ TEST_F(ObserverCommands, DiagnosticMethodSaysWhetherItTakesAValue) {
     EXPECT_EQ(deskwatchProgram({"bus", "ping", "1"}).errors, "deskwatch: bus: ping does not take a value\n");
 }
 
+TEST_F(ObserverCommands, KilledServiceIsStartedByTheNextRequest) {
+    boot();
+    EXPECT_EQ(run({"kill"}), "the service did not run\n");
+    run({"bus", "ping"});
+    EXPECT_EQ(run({"kill"}), "the service was ended\n");
+    EXPECT_FALSE(status()["serviceRunning"]);
+    EXPECT_EQ(run({"bus", "ping"}), "0\n");
+}
+
 TEST_F(ObserverCommands, LogShowsTheWantedLevels) {
     boot();
     run({"mail", "policy", sample("hardened.json")});

@@ -22,6 +22,7 @@ DeviceStatus fullStatus() {
     status.keys = {{"db/a", std::string("text")}, {"db/b", {}}};
     status.enforcingAccount.value = 2;
     status.screens = {{"com.example.popup", "com.example.agent", true, {{"OPERATION", "X"}}}};
+    status.faults = {{"vconf_get_int", -1, 2}};
     return status;
 }
 
@@ -49,7 +50,9 @@ TEST(StatusOutput, TablesShowEachAccountInAColumn) {
                                           "\nLaunch requests\n"
                                           "  com.example.popup, launched by com.example.agent, which waits for the "
                                           "answer\n"
-                                          "    OPERATION  X\n");
+                                          "    OPERATION  X\n"
+                                          "\nFunctions of the platform that fail\n"
+                                          "  vconf_get_int  -1  call 2\n");
 }
 
 TEST(StatusOutput, TablesOfAFreshWatchSayThatThereIsNothing) {
@@ -70,7 +73,8 @@ TEST(StatusOutput, JsonHoldsTheSame) {
             "internal_storage_encryption": null},
         "keys": {"db/a": "text", "db/b": null}, "enforcingAccount": 2,
         "launches": [{"application": "com.example.popup", "caller": "com.example.agent", "waiting": true,
-                      "extraData": {"OPERATION": "X"}}]})"));
+                      "extraData": {"OPERATION": "X"}}],
+        "faults": [{"function": "vconf_get_int", "code": -1, "nth": 2}]})"));
 }
 
 TEST(StatusOutput, JsonOfTextThatIsNotUtf8IsStillJson) {

@@ -8,13 +8,17 @@
 namespace deskwatch {
 namespace {
 
-struct Row {
+struct TimelineRow {
     const char* event;
     const char* kind;
     const char* text;
 };
 
-class TimelineWords : public testing::TestWithParam<Row> {};
+std::ostream& operator<<(std::ostream& stream, const TimelineRow& row) {
+    return stream << row.text;
+}
+
+class TimelineWords : public testing::TestWithParam<TimelineRow> {};
 
 TEST_P(TimelineWords, TellWhatHappened) {
     const auto entry = timelineEntry(TraceEvent::parse(GetParam().event));
@@ -26,21 +30,22 @@ TEST_P(TimelineWords, TellWhatHappened) {
 INSTANTIATE_TEST_SUITE_P(
     Events, TimelineWords,
     testing::Values(
-        Row{R"({"in":"launch","from":"mail","extraData":{}})", "request", "mail launches the service"},
-        Row{R"({"in":"message","from":"mail","entries":{"req":"go","msg":"abc"}})", "request",
-            "mail sends go with 3 bytes"},
-        Row{R"({"in":"reply","from":"popup","extraData":{"result":"ok"}})", "answer", "popup answers ok"},
-        Row{R"({"in":"reply","from":"popup","extraData":{}})", "answer", "popup is closed without an answer"},
-        Row{R"({"in":"key","key":"/vconf/db/a","value":1})", "key", "/vconf/db/a = 1"},
-        Row{R"({"in":"start","application":"mail"})", "process", "mail starts"},
-        Row{R"({"in":"end","application":"agent"})", "process", "agent ends"},
-        Row{R"({"out":"write","key":"/dpm/a","value":null})", "effect", "/dpm/a is removed"},
-        Row{R"({"out":"launch","to":"popup","replyWanted":true,"extraData":{}})", "launch",
-            "the service launches popup"},
-        Row{R"({"out":"message","to":"mail","entries":{"req":"stop"}})", "message", "the service sends stop to mail"},
-        Row{R"({"around":"fault","function":"f","code":-13,"nth":2})", "fault", "f returns -13 at call 2"},
-        Row{R"({"around":"fault","function":"f","code":null,"nth":0})", "fault", "f works again"},
-        Row{R"({"around":"call","method":"ping"})", "call", "diagnostic method ping"}));
+        TimelineRow{R"({"in":"launch","from":"mail","extraData":{}})", "request", "mail launches the service"},
+        TimelineRow{R"({"in":"message","from":"mail","entries":{"req":"go","msg":"abc"}})", "request",
+                    "mail sends go with 3 bytes"},
+        TimelineRow{R"({"in":"reply","from":"popup","extraData":{"result":"ok"}})", "answer", "popup answers ok"},
+        TimelineRow{R"({"in":"reply","from":"popup","extraData":{}})", "answer", "popup is closed without an answer"},
+        TimelineRow{R"({"in":"key","key":"/vconf/db/a","value":1})", "key", "/vconf/db/a = 1"},
+        TimelineRow{R"({"in":"start","application":"mail"})", "process", "mail starts"},
+        TimelineRow{R"({"in":"end","application":"agent"})", "process", "agent ends"},
+        TimelineRow{R"({"out":"write","key":"/dpm/a","value":null})", "effect", "/dpm/a is removed"},
+        TimelineRow{R"({"out":"launch","to":"popup","replyWanted":true,"extraData":{}})", "launch",
+                    "the service launches popup"},
+        TimelineRow{R"({"out":"message","to":"mail","entries":{"req":"stop"}})", "message",
+                    "the service sends stop to mail"},
+        TimelineRow{R"({"around":"fault","function":"f","code":-13,"nth":2})", "fault", "f returns -13 at call 2"},
+        TimelineRow{R"({"around":"fault","function":"f","code":null,"nth":0})", "fault", "f works again"},
+        TimelineRow{R"({"around":"call","method":"ping"})", "call", "diagnostic method ping"}));
 
 TEST(TimelineOutput, TimeIsToldInUtcAndLeftOutWhereItIsNotKnown) {
     auto entry = timelineEntry(std::string_view("W/TESK_CONSUMER(1): a \xff"));

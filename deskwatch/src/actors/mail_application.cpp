@@ -27,9 +27,7 @@ void expectSuccess(int result, const std::string& what) {
 
 /// What the port refuses is refused before anything is sent.
 void expectSendable(const Request& request) {
-    const std::size_t others =
-        message_size::empty + message_size::ofEntry("req", request.name) + message_size::ofEntry("msg", "");
-    const std::size_t most = others < message_size::limit ? message_size::limit - others : 0;
+    const std::size_t most = largestArgument(request.name);
     if (request.argument.size() > most) {
         throw std::runtime_error("cannot send " + request.name + ": the message has " +
                                  std::to_string(request.argument.size()) + " bytes; the port takes at most " +
@@ -133,6 +131,12 @@ private:
 };
 
 } // namespace
+
+std::size_t largestArgument(const std::string& request) {
+    const std::size_t others =
+        message_size::empty + message_size::ofEntry("req", request) + message_size::ofEntry("msg", "");
+    return others < message_size::limit ? message_size::limit - others : 0;
+}
 
 std::vector<RequestOutcome> sendAsMailApplication(const Device& device, const std::vector<Request>& requests) {
     return sendAsMailApplication(DeviceSession(device, ids::mail), requests);

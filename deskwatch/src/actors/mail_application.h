@@ -9,6 +9,9 @@
 
 namespace deskwatch {
 
+/// The most bytes that the argument of a request may have, for the message to fit the port.
+std::size_t largestArgument(const std::string& request);
+
 /// Sends requests to the service as the mail application of the watch, in order, and tells what became of each. Returns
 /// when the service has handled them and the applications that it launched have received their launch requests. A
 /// service that ends before it has handled a request is launched again and gets it once more, except for a wipe. Throws

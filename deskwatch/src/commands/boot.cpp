@@ -54,14 +54,22 @@ DeviceState deviceState(const BootOptions& options) {
     return state;
 }
 
-void boot(const CommonOptions& common, const BootOptions& options) {
-    const Device device = bootedDevice(common, options);
+void bootAs(const Device& device, const BootOptions& options) {
     device.boot(applications(options), deviceState(options));
     Registry::ofUser().add(device.layout().folder());
+}
+
+void boot(const CommonOptions& common, const BootOptions& options) {
+    const Device device = bootedDevice(common, options);
+    bootAs(device, options);
     std::cout << "booted " << device.layout().folder().string() << '\n';
 }
 
 } // namespace
+
+void bootWithDefaults(const Device& device) {
+    bootAs(device, {});
+}
 
 void addBootCommand(CLI::App& program, const CommonOptions& common) {
     auto* command = program.add_subcommand("boot", "Boot a watch in a folder, which keeps its state");

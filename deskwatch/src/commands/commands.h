@@ -36,6 +36,10 @@ std::string readMessageAndWarn(const std::string& file, Check check);
 /// The watch that a command applies to. Throws std::runtime_error when none is named and none is booted.
 Device chosenDevice(const CommonOptions& common);
 
+/// Boots a watch as `deskwatch boot` does without options, and remembers it as the newest one. Throws
+/// std::runtime_error as Device::boot does.
+void bootWithDefaults(const Device& device);
+
 // Each adds one command to the program. Parsing the arguments runs the command, which throws std::runtime_error when it
 // fails. The options are read then and must outlive the program.
 void addBootCommand(CLI::App& program, const CommonOptions& common);
@@ -59,6 +63,8 @@ void addBusCommand(CLI::App& program, const CommonOptions& common);
 void addFaultCommand(CLI::App& program, const CommonOptions& common);
 void addLogCommand(CLI::App& program, const CommonOptions& common);
 void addTimelineCommand(CLI::App& program, const CommonOptions& common);
+void addKillCommand(CLI::App& program, const CommonOptions& common);
+void addPanelCommand(CLI::App& program, const CommonOptions& common);
 void addListCommand(CLI::App& program);
 
 void addLintCommand(CLI::App& program);

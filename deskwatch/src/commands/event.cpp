@@ -57,4 +57,12 @@ void addBusCommand(CLI::App& program, const CommonOptions& common) {
     command->callback([&common, options] { callMethod(chosenDevice(common), *options); });
 }
 
+void addKillCommand(CLI::App& program, const CommonOptions& common) {
+    auto* command = program.add_subcommand("kill", "End the service suddenly, as a crash would");
+    command->footer("The next request starts it again.\nExample:\n  deskwatch kill");
+    command->callback([&common] {
+        std::cout << (killService(chosenDevice(common)) ? "the service was ended\n" : "the service did not run\n");
+    });
+}
+
 } // namespace deskwatch

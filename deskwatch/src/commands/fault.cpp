@@ -4,7 +4,7 @@
 #include "commands.h"
 #include "session/observer.h"
 #include "session/platform_faults.h"
-#include "text/text_table.h"
+#include "status/device_status.h"
 #include "text/value_output.h"
 
 namespace deskwatch {
@@ -16,24 +16,6 @@ struct FaultOptions {
     bool isJson = false;
 };
 
-std::string asTable(const std::vector<PlatformFault>& faults) {
-    std::vector<std::vector<std::string>> rows;
-    rows.reserve(faults.size());
-    for (const auto& fault : faults) {
-        rows.push_back({fault.function, std::to_string(fault.code),
-                        fault.nth == 0 ? "every call" : "call " + std::to_string(fault.nth)});
-    }
-    return rows.empty() ? "  none\n" : textTable(rows);
-}
-
-std::string asJson(const std::vector<PlatformFault>& faults) {
-    auto list = nlohmann::ordered_json::array();
-    for (const auto& fault : faults) {
-        list.push_back({{"function", fault.function}, {"code", fault.code}, {"nth", fault.nth}});
-    }
-    return jsonText(list, 2) + "\n";
-}
-
 void changeFaults(const CommonOptions& common, const FaultOptions& options) {
     const DeviceSession session(chosenDevice(common), observerId);
     if (options.isCleared) {
@@ -42,7 +24,7 @@ void changeFaults(const CommonOptions& common, const FaultOptions& options) {
         setFault(session, options.fault);
     } else {
         const auto faults = readFaults();
-        std::cout << (options.isJson ? asJson(faults) : asTable(faults));
+        std::cout << (options.isJson ? jsonText(faultsJson(faults), 2) + "\n" : faultTable(faults));
     }
 }
 

@@ -39,6 +39,8 @@ void addCommands(CLI::App& program, CommonOptions& common) {
     addRecordCommand(program, common);
     addReplayCommand(program);
     addFaultCommand(program, common);
+    addKillCommand(program, common);
+    addPanelCommand(program, common);
     addCompanionCommand(program);
     addDocsCommand(program);
     program.footer("Exit status: 0 success, 1 the command failed, 2 wrong arguments, 3 refused by the watch.\n"

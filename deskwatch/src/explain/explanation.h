@@ -69,6 +69,9 @@ std::string explanationText(const Explanation& explanation);
 /// The explanation as one JSON object.
 std::string explanationJson(const Explanation& explanation);
 
+/// The same on one line.
+std::string explanationJsonLine(const Explanation& explanation);
+
 } // namespace deskwatch
 
 #endif

@@ -144,15 +144,7 @@ Json passwordJson(const Explanation& explanation) {
     return {{"enforcingAccount", explanation.enforcingAccount}, {"scores", scores}};
 }
 
-} // namespace
-
-std::string explanationText(const Explanation& explanation) {
-    return "Stored accounts\n" + accountLines(explanation) + "\nMerged fields\n" + fieldTable(explanation) +
-           "\nSettings of the device policy manager\n" + settingTable(explanation) + "\nPassword\n" +
-           passwordText(explanation) + "\nWorth knowing\n" + noteLines(explanation);
-}
-
-std::string explanationJson(const Explanation& explanation) {
+Json explanationObject(const Explanation& explanation) {
     Json object{{"accounts", Json::array()}, {"fields", Json::array()}, {"settings", Json::object()}};
     for (const auto& [id, name] : explanation.accounts) {
         object["accounts"].push_back({{"account", id}, {"name", name}});
@@ -169,7 +161,23 @@ std::string explanationJson(const Explanation& explanation) {
     for (const auto& note : explanation.notes) {
         object["notes"].push_back({{"accounts", note.accounts}, {"text", note.text}});
     }
-    return object.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    return object;
+}
+
+} // namespace
+
+std::string explanationText(const Explanation& explanation) {
+    return "Stored accounts\n" + accountLines(explanation) + "\nMerged fields\n" + fieldTable(explanation) +
+           "\nSettings of the device policy manager\n" + settingTable(explanation) + "\nPassword\n" +
+           passwordText(explanation) + "\nWorth knowing\n" + noteLines(explanation);
+}
+
+std::string explanationJson(const Explanation& explanation) {
+    return jsonText(explanationObject(explanation), 2) + "\n";
+}
+
+std::string explanationJsonLine(const Explanation& explanation) {
+    return jsonText(explanationObject(explanation)) + "\n";
 }
 
 } // namespace deskwatch

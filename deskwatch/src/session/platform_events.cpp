@@ -1,5 +1,6 @@
 #include "session/platform_events.h"
 
+#include <csignal>
 #include <stdexcept>
 
 #include "device/application_ids.h"
@@ -59,6 +60,20 @@ int callDiagnosticMethod(const Device& device, const std::string& method, std::o
     int result = 0;
     g_variant_get(answer.get(), "(i)", &result);
     return result;
+}
+
+bool killService(const Device& device) {
+    const DeviceSession session(device, observerId);
+    const auto pid = session.daemon().processOf(ids::service);
+    const auto service = pid ? ProcessHandle::open(*pid) : std::nullopt;
+    if (!service) {
+        return false;
+    }
+    service->signal(SIGKILL);
+    if (!service->waitForEnd(eventTimeout)) {
+        throw std::runtime_error("the service does not end");
+    }
+    return true;
 }
 
 } // namespace deskwatch

@@ -19,6 +19,10 @@ void announceEvent(const Device& device, app_event_type_e type);
 /// the bus's reason, as for a method that does not exist.
 int callDiagnosticMethod(const Device& device, const std::string& method, std::optional<int> value);
 
+/// Ends the service suddenly, as a crash would. False when it did not run. Throws std::runtime_error when the watch is
+/// not booted or the service does not end.
+bool killService(const Device& device);
+
 } // namespace deskwatch
 
 #endif

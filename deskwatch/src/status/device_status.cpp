@@ -137,6 +137,7 @@ DeviceStatus readStatus(const DeviceSession& session) {
     status.keys = readKeys(store.get());
     status.enforcingAccount = {enforcingAccountKey, readSetting(store.get(), std::string("/apps/") + ids::service +
                                                                                  "/" + enforcingAccountKey)};
+    status.faults = readFaults();
     for (const auto* application : ids::companions) {
         if (session.daemon().isOwned(application)) {
             readLaunches(session, application, status.screens);

@@ -1,6 +1,8 @@
 #ifndef DESKWATCH_DEVICE_STATUS_H
 #define DESKWATCH_DEVICE_STATUS_H
 
+#include <nlohmann/json.hpp>
+
 #include <optional>
 #include <string>
 #include <utility>
@@ -10,6 +12,7 @@
 #include "records/idle_exit.h"
 #include "session/device_session.h"
 #include "session/device_settings.h"
+#include "session/platform_faults.h"
 #include "session/value.h"
 
 namespace deskwatch {
@@ -41,6 +44,8 @@ struct DeviceStatus {
     NamedValue enforcingAccount;
     /// The launch requests of the applications that run, in order within each.
     std::vector<ScreenLaunch> screens;
+    /// The functions of the platform that fail.
+    std::vector<PlatformFault> faults;
 };
 
 /// Looks at a booted watch; starts nothing and changes nothing there. Throws std::runtime_error.
@@ -58,6 +63,10 @@ std::string statusJson(const DeviceStatus& status);
 
 /// The same on one line.
 std::string statusJsonLine(const DeviceStatus& status);
+
+/// Functions that fail, as a table for a reader and as a JSON array.
+std::string faultTable(const std::vector<PlatformFault>& faults);
+nlohmann::ordered_json faultsJson(const std::vector<PlatformFault>& faults);
 
 } // namespace deskwatch
 

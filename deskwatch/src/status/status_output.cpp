@@ -123,17 +123,37 @@ Json statusObject(const DeviceStatus& status) {
     for (const auto& screen : status.screens) {
         object["launches"].push_back(screenJson(screen));
     }
+    object["faults"] = faultsJson(status.faults);
     return object;
 }
 
 } // namespace
+
+std::string faultTable(const std::vector<PlatformFault>& faults) {
+    std::vector<std::vector<std::string>> rows;
+    rows.reserve(faults.size());
+    for (const auto& fault : faults) {
+        rows.push_back({fault.function, std::to_string(fault.code),
+                        fault.nth == 0 ? "every call" : "call " + std::to_string(fault.nth)});
+    }
+    return rows.empty() ? "  none\n" : textTable(rows);
+}
+
+nlohmann::ordered_json faultsJson(const std::vector<PlatformFault>& faults) {
+    auto list = nlohmann::ordered_json::array();
+    for (const auto& fault : faults) {
+        list.push_back({{"function", fault.function}, {"code", fault.code}, {"nth", fault.nth}});
+    }
+    return list;
+}
 
 std::string statusTables(const DeviceStatus& status, const DeviceStatus* earlier) {
     const DeviceStatus& before = earlier != nullptr ? *earlier : status;
     return "Watch " + status.folder + ", " + serviceText(status) + "\n\nStored accounts\n" + accountTable(status) +
            "\nSettings of the device policy manager\n" + namedValues(named(status.settings), named(before.settings)) +
            "\nKeys\n" + namedValues(keysOf(status), keysOf(before)) + "\nLaunch requests\n" +
-           screenTable(status.screens);
+           screenTable(status.screens) +
+           (status.faults.empty() ? "" : "\nFunctions of the platform that fail\n" + faultTable(status.faults));
 }
 
 std::string statusJson(const DeviceStatus& status) {

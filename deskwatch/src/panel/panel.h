@@ -1,0 +1,26 @@
+#ifndef DESKWATCH_PANEL_H
+#define DESKWATCH_PANEL_H
+
+#include <functional>
+#include <string>
+
+#include "device/device.h"
+
+namespace deskwatch {
+
+/// How the panel is run.
+struct PanelOptions {
+    /// Any free one for 0.
+    unsigned port = 0;
+    /// Called with the address when pages can be opened, and with a file that leads a browser there without showing the
+    /// token on a command line.
+    std::function<void(const std::string& address, const std::string& file)> onReady;
+};
+
+/// Serves the watch to browsers until SIGINT or SIGTERM arrives; the watch may be switched off and booted meanwhile.
+/// Returns whether the watch is on because a page booted it. Throws std::runtime_error when it cannot listen.
+bool runPanel(const Device& device, const PanelOptions& options);
+
+} // namespace deskwatch
+
+#endif
