@@ -53,7 +53,7 @@ bool Gate::isOwnAuthority(std::string_view authority) const {
     return false;
 }
 
-Verdict Gate::judge(const RequestHead& head) const {
+GateVerdict Gate::judge(const RequestHead& head) const {
     if (!head.host || !isOwnAuthority(*head.host) || !isOwnAuthority(head.authority)) {
         const auto port = std::to_string(port_);
         return {forbidden, "the Host must be 127.0.0.1:" + port + ", [::1]:" + port + " or localhost:" + port +
@@ -67,7 +67,7 @@ Verdict Gate::judge(const RequestHead& head) const {
     return judgeBody(head);
 }
 
-Verdict Gate::judgeOrigin(const RequestHead& head) const {
+GateVerdict Gate::judgeOrigin(const RequestHead& head) const {
     if (head.origin && *head.origin != "http://" + *head.host) {
         return {forbidden, "the Origin must be http://" + *head.host};
     }
@@ -79,7 +79,7 @@ Verdict Gate::judgeOrigin(const RequestHead& head) const {
 }
 
 /// Who knows no secret learns nothing, not even which paths there are.
-Verdict Gate::judgeSecret(const RequestHead& head) const {
+GateVerdict Gate::judgeSecret(const RequestHead& head) const {
     const bool isEntering = head.path == entrance && head.token && isSameSecret(*head.token, secrets_.token);
     const bool isInside = head.path.compare(0, folder().size(), folder()) == 0 && head.cookies &&
                           hasCookie(*head.cookies, secrets_.cookie);
@@ -88,12 +88,12 @@ Verdict Gate::judgeSecret(const RequestHead& head) const {
     }
     const bool isAction = isInside && isActionPath(head.path.substr(folder().size()));
     const std::string method = isAction ? "POST" : "GET";
-    return head.method == method ? Verdict{} : Verdict{wrongMethod, "this path takes " + method};
+    return head.method == method ? GateVerdict{} : GateVerdict{wrongMethod, "this path takes " + method};
 }
 
-Verdict Gate::judgeBody(const RequestHead& head) {
+GateVerdict Gate::judgeBody(const RequestHead& head) {
     if (head.method == "GET") {
-        return head.length.value_or(0) == 0 ? Verdict{} : Verdict{badRequest, "GET has no body here"};
+        return head.length.value_or(0) == 0 ? GateVerdict{} : GateVerdict{badRequest, "GET has no body here"};
     }
     if (!head.contentType || mediaType(*head.contentType) != "application/json") {
         return {wrongType, "the Content-Type must be application/json"};

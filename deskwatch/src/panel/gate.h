@@ -29,7 +29,7 @@ struct RequestHead {
 };
 
 /// What becomes of a request: it passes, or it is answered with a status and a reason, which may be empty.
-struct Verdict {
+struct GateVerdict {
     unsigned status = 0;
     std::string reason;
 
@@ -54,13 +54,13 @@ public:
     /// The value of Set-Cookie that lets a browser in.
     std::string cookie() const;
 
-    Verdict judge(const RequestHead& head) const;
+    GateVerdict judge(const RequestHead& head) const;
 
 private:
     bool isOwnAuthority(std::string_view authority) const;
-    Verdict judgeOrigin(const RequestHead& head) const;
-    Verdict judgeSecret(const RequestHead& head) const;
-    static Verdict judgeBody(const RequestHead& head);
+    GateVerdict judgeOrigin(const RequestHead& head) const;
+    GateVerdict judgeSecret(const RequestHead& head) const;
+    static GateVerdict judgeBody(const RequestHead& head);
 
     unsigned port_;
     const PanelSecrets& secrets_;

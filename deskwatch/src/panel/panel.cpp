@@ -112,11 +112,11 @@ private:
                << server_.address() << "\">\n";
     }
 
-    std::optional<Reply> document(const std::string& name) const {
+    std::optional<PanelReply> document(const std::string& name) const {
         if (name != "story.jsonl") {
             return std::nullopt;
         }
-        return Reply{200, "application/octet-stream", recorder_.text()};
+        return PanelReply{200, "application/octet-stream", recorder_.text()};
     }
 
     void act(const std::string& body, const PanelServer::Answer& answer) {

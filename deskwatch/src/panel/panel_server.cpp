@@ -13,7 +13,7 @@ constexpr guint millisecondsForGoodbye = 500;
 constexpr unsigned seeOther = 303;
 constexpr unsigned notFound = 404;
 
-void send(SoupServerMessage* message, const Reply& reply) {
+void send(SoupServerMessage* message, const PanelReply& reply) {
     setSafeHeaders(message);
     soup_server_message_set_status(message, reply.status, nullptr);
     soup_server_message_set_response(message, reply.contentType.c_str(), SOUP_MEMORY_COPY, reply.body.data(),
@@ -36,7 +36,7 @@ struct PendingReply {
 
     static void onGone(gpointer self) { static_cast<PendingReply*>(self)->isGone = true; }
 
-    void give(const Reply& reply) const {
+    void give(const PanelReply& reply) const {
         if (!isGone) {
             send(message.get(), reply);
             soup_server_message_unpause(message.get());
@@ -130,7 +130,7 @@ void PanelServer::answerAction(SoupServerMessage* message) {
     const std::string text(data != nullptr ? data : "", size);
     g_bytes_unref(bytes);
     const auto pending = std::make_shared<PendingReply>(message);
-    handlers_.onAction(text, [pending](const Reply& reply) { pending->give(reply); });
+    handlers_.onAction(text, [pending](const PanelReply& reply) { pending->give(reply); });
 }
 
 } // namespace deskwatch

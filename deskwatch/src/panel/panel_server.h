@@ -15,7 +15,7 @@
 namespace deskwatch {
 
 /// An answer to a request.
-struct Reply {
+struct PanelReply {
     unsigned status = 200;
     std::string contentType = "text/plain; charset=utf-8";
     std::string body;
@@ -24,11 +24,11 @@ struct Reply {
 /// Serves the page, its events and its actions on the loopback interface. Whatever comes passes the gate first.
 class PanelServer {
 public:
-    using Answer = std::function<void(const Reply& reply)>;
+    using Answer = std::function<void(const PanelReply& reply)>;
     /// Handles an action; the answer may be given later.
     using OnAction = std::function<void(const std::string& body, const Answer& answer)>;
     /// A document made on request; none when there is none of that name.
-    using OnDocument = std::function<std::optional<Reply>(const std::string& name)>;
+    using OnDocument = std::function<std::optional<PanelReply>(const std::string& name)>;
 
     struct Handlers {
         OnAction onAction;
