@@ -81,7 +81,10 @@ class Tour(PanelTest):
         self.await_status(lambda status: status["keys"]["db/eas/password_policy_applied"] == 1, "the password")
         self.assertNotIn("abcd1234", self.watch.run("timeline", "--json").stdout)
 
-        page.press("Encryption", ".screen") if "Encrypt the watch" not in page.text(".screen") else None
+        def open_encryption():  # it may open by itself
+            page.script("document.querySelector('.screen [aria-label=Encryption]')?.click()")
+            return "Encrypt the watch" in page.text(".screen")
+        wait_for(open_encryption, "the encryption")
         page.press("Encrypt", ".screen")
         self.await_status(lambda status: status["keys"]["db/ode/crypto_state"] == "encrypted", "the encryption")
         page.await_text("#service", "the service ends in")
