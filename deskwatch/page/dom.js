@@ -51,6 +51,11 @@ export function newId(stem) {
   return `${stem}-${lastId}`;
 }
 
+/// The name of a field as code, which may break after each underscore.
+export function fieldName(name) {
+  return el('code', {}, ...name.split('_').flatMap((part, index) => (index ? ['_', el('wbr'), part] : [part])));
+}
+
 /// A labelled control.
 export function labelled(text, control, properties = {}) {
   return el('label', properties, text, control);

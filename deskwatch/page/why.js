@@ -1,4 +1,4 @@
-import { el } from './dom.js';
+import { el, fieldName } from './dom.js';
 import { on } from './server.js';
 
 const standing = { wins: 'decides', agrees: 'agrees', loses: 'gives way' };
@@ -16,12 +16,12 @@ function settingCell(field) {
     return el('td', { className: 'soft' }, 'merged, not enforced');
   }
   const isSame = field.written === null || field.written === field.now;
-  return el('td', {}, el('code', {}, field.setting), el('br'), `the watch has ${field.now ?? 'no value'}`,
+  return el('td', {}, fieldName(field.setting), el('br'), `the watch has ${field.now ?? 'no value'}`,
     isSame ? null : el('span', { className: 'chip warn' }, `${field.written} was written`));
 }
 
 function fieldRow(explanation, field) {
-  return el('tr', {}, el('th', { scope: 'row' }, el('code', {}, field.field)), el('td', { className: 'number' }, String(field.merged)),
+  return el('tr', {}, el('th', { scope: 'row' }, fieldName(field.field)), el('td', { className: 'number' }, String(field.merged)),
     el('td', {}, field.accounts.length === 0 ? 'no account says anything'
       : el('ul', {}, ...field.accounts.map((share) => el('li', {}, shareText(explanation, share))))),
     el('td', {}, field.rule), settingCell(field));
