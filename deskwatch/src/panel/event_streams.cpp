@@ -16,6 +16,9 @@ constexpr char retryAdvice[] = "retry: 500\n\n";
 } // namespace
 
 struct EventStreams::Stream {
+    Stream(EventStreams& streams, SoupServerMessage* request, EventCursor from)
+        : owner(streams), message(SOUP_SERVER_MESSAGE(g_object_ref(request))), cursor(std::move(from)) {}
+
     EventStreams& owner;
     c::ObjectOwner<SoupServerMessage> message;
     EventCursor cursor;
@@ -46,9 +49,7 @@ void EventStreams::open(SoupServerMessage* message, const std::string& lastId) {
     soup_message_headers_set_content_type(headers, "text/event-stream", nullptr);
     soup_message_body_set_accumulate(soup_server_message_get_response_body(message), FALSE);
     soup_server_message_set_status(message, SOUP_STATUS_OK, nullptr);
-    streams_.push_back(std::unique_ptr<Stream>(
-        new Stream{*this, c::ObjectOwner<SoupServerMessage>(SOUP_SERVER_MESSAGE(g_object_ref(message))),
-                   ring_.cursorFor(lastId)}));
+    streams_.push_back(std::make_unique<Stream>(*this, message, ring_.cursorFor(lastId)));
     auto& stream = *streams_.back();
     g_signal_connect(message, "wrote-chunk", G_CALLBACK(onWrote), &stream);
     g_signal_connect(message, "finished", G_CALLBACK(onGone), &stream);

@@ -39,8 +39,8 @@ public:
 private:
     struct Stream;
 
-    static void onWrote(SoupServerMessage* message, gpointer stream);
-    static void onGone(SoupServerMessage* message, gpointer stream);
+    static void onWrote(SoupServerMessage* message, gpointer data);
+    static void onGone(SoupServerMessage* message, gpointer data);
     static gboolean onTime(gpointer self);
 
     void pump(Stream& stream);

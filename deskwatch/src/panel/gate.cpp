@@ -1,5 +1,6 @@
 #include "panel/gate.h"
 
+#include <algorithm>
 #include <array>
 
 namespace deskwatch {
@@ -45,12 +46,8 @@ std::string Gate::cookie() const {
 
 bool Gate::isOwnAuthority(std::string_view authority) const {
     const auto port = ":" + std::to_string(port_);
-    for (const char* name : {"127.0.0.1", "[::1]", "localhost"}) {
-        if (authority == name + port) {
-            return true;
-        }
-    }
-    return false;
+    constexpr std::array names{"127.0.0.1", "[::1]", "localhost"};
+    return std::any_of(names.begin(), names.end(), [&](const char* name) { return authority == name + port; });
 }
 
 GateVerdict Gate::judge(const RequestHead& head) const {
