@@ -122,7 +122,7 @@ void PanelServer::answer(SoupServerMessage* message, const std::string& path, co
     }
 }
 
-void PanelServer::answerAction(SoupServerMessage* message) {
+void PanelServer::answerAction(SoupServerMessage* message) const {
     auto* body = soup_server_message_get_request_body(message);
     GBytes* bytes = soup_message_body_flatten(body);
     gsize size = 0;

@@ -57,7 +57,7 @@ private:
                           gpointer self);
 
     void answer(SoupServerMessage* message, const std::string& path, const std::string& from);
-    void answerAction(SoupServerMessage* message);
+    void answerAction(SoupServerMessage* message) const;
 
     PanelSecrets secrets_;
     unsigned port_ = 0;
