@@ -68,7 +68,7 @@ public:
         if (id) {
             return {*id};
         }
-        const auto ids = accounts_->store().ids();
+        auto ids = accounts_->store().ids();
         if (ids.empty()) {
             throw std::runtime_error("no account is connected to a server; deskwatch mail connect does that");
         }
