@@ -77,19 +77,14 @@ TEST(AdministratorNotes, InactivityThatMeansUnlimitedIsNamedFrom9999On) {
     EXPECT_EQ(concerned({below, unlimited}, "9999"), Ids{2});
 }
 
-TEST(AdministratorNotes, WhatIsForbiddenMayHaveBeenLeftOut) {
-    auto forbidding = account(2);
-    forbidding.allowWifi = 0;
-    EXPECT_EQ(concerned({account(1), forbidding}, "all ten"), Ids{2});
-    EXPECT_EQ(concerned({forbidding}, "stored, not"), Ids{}) << "Wi-Fi is enforced";
-}
-
 TEST(AdministratorNotes, WhatIsStoredAndNotEnforcedIsNamed) {
     auto noCamera = account(1);
     noCamera.allowCamera = 0;
+    auto noWifi = account(4);
+    noWifi.allowWifi = 0;
     auto recovering = account(2);
     recovering.passwordRecoveryEnabled = 1;
-    EXPECT_EQ(concerned({noCamera, recovering, account(3)}, "stored, not"), (Ids{1, 2}));
+    EXPECT_EQ(concerned({noCamera, recovering, account(3), noWifi}, "stored, not"), (Ids{1, 2}));
 }
 
 TEST(AdministratorNotes, EncryptionLeavesTheStorageCardOut) {

@@ -190,6 +190,27 @@ TEST_F(Commands, WrongArgumentsAreToldApartFromFailures) {
     EXPECT_EQ(deskwatchProgram({"boot", "--lock", "chain"}).status, 2);
 }
 
+TEST_F(Commands, WrongArgumentIsRefusedInWords) {
+    const std::string digits(300, '9');
+    const std::string range = " is not a number from 1 to 2147483647\n";
+    const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
+        {{"boot", "--country", "XX"}, "XX is not a country; an ISO 3166 code has two letters, such as KR\n"},
+        {{"boot", "--country", "KOR"}, "KOR is not a country"},
+        {{"boot", "--country", ""}, " is not a country"},
+        {{"boot", ""}, "an empty name names no watch\n"},
+        {{"--device", "", "status"}, "an empty name names no watch\n"},
+        {{"lock", "pin", "--length", digits}, "a text of 300 characters" + range},
+        {{"lock", "pin", "--length", "0"}, "0" + range},
+        {{"key", "watch", "--count", "4x", "db/a"}, "4x" + range},
+    };
+    for (const auto& [arguments, words] : cases) {
+        const auto outcome = deskwatchProgram(arguments);
+        EXPECT_EQ(outcome.status, 2) << words;
+        EXPECT_NE(outcome.errors.find(words), std::string::npos) << outcome.errors;
+        EXPECT_LT(outcome.errors.size(), 200U);
+    }
+}
+
 TEST_F(Commands, WrongArgumentIsNamedWithWhatThereIs) {
     const auto chain = deskwatchProgram({"boot", "--lock", "chain"});
     EXPECT_EQ(chain.errors.find("--lock: chain not in {none,password,pin}\n"), 0U) << chain.errors;

@@ -21,7 +21,7 @@ TEST_F(Commands, ExplainNamesWinnerLosersAndWhatBecameOfIt) {
             {"account": 1, "value": 0, "standing": "loses"}, {"account": 2, "value": 10, "standing": "loses"},
             {"account": 3, "value": 8, "standing": "wins"}],
         "winner": 3, "losers": [1, 2], "merged": 8,
-        "setting": "maximum_failed_attempts_for_wipe", "written": 8, "now": 8})"));
+        "setting": "maximum_failed_attempts_for_wipe", "demanded": 8, "now": 8})"));
     EXPECT_EQ(explained["password"]["enforcingAccount"], 2);
     EXPECT_EQ(explained["password"]["scores"][1]["score"], 22);
     EXPECT_EQ(explained["notes"][0]["accounts"], Json::parse("[3]"));
@@ -36,7 +36,7 @@ TEST_F(Commands, ExplanationIsWhatTheServiceDid) {
 
     ASSERT_EQ(explained["settings"].size(), happened["settings"].size());
     for (const auto& [name, values] : explained["settings"].items()) {
-        EXPECT_EQ(values["written"], happened["settings"][name]) << name;
+        EXPECT_EQ(values["demanded"], happened["settings"][name]) << name;
     }
     for (const auto& field : explained["fields"]) {
         EXPECT_EQ(field["merged"], happened["mergedPolicy"][field["field"].get<std::string>()]) << field;
@@ -44,11 +44,40 @@ TEST_F(Commands, ExplanationIsWhatTheServiceDid) {
     EXPECT_EQ(explained["password"]["enforcingAccount"], happened["enforcingAccount"]);
 }
 
+TEST_F(Commands, ExplainTellsWhatBesidesTheAccountsDecides) {
+    boot({"--country", "kr"});
+    run({"mail", "policy", sample("hardened.json")});
+    const auto korean = Json::parse(run({"explain", "--json"}))["settings"];
+    run({"fault", "dpm_password_set_minimum_length", "-13"});
+    run({"key", "set", "db/rgn/country_iso", "FR"});
+    EXPECT_EQ(deskwatchProgram({"mail", "policy", sample("three-accounts.json")}).status, 3);
+    const auto refused = Json::parse(run({"explain", "--json"}))["settings"]["minimum_length"];
+
+    EXPECT_EQ(korean["minimum_length"],
+              Json::parse(R"({"demanded": 6, "now": 6, "remark": "the least length of a password in KR"})"));
+    EXPECT_EQ(korean["history"]["remark"], "");
+    EXPECT_EQ(refused, Json::parse(R"({"demanded": 4, "now": 6, "remark":
+        "dpm_password_set_minimum_length returns -13 (fault); not written yet, or refused by the platform"})"));
+}
+
+TEST_F(Commands, ExplainCallsAnAccountWithTheMergedValueNoLoser) {
+    boot();
+    run({"mail", "policy", sample("hardened.json")});
+    std::string text;
+    std::getline(std::ifstream(sample("hardened.json")), text, '\0');
+    text.replace(text.find("\"accountId\": 2"), 14, "\"accountId\": 9");
+    run({"mail", "policy", write("twin.json", text).string()});
+
+    for (const auto& field : Json::parse(run({"explain", "--json"}))["fields"]) {
+        EXPECT_TRUE(field["losers"].empty()) << field;
+    }
+}
+
 TEST_F(Commands, ExplainOfAFreshWatchSaysThatNothingIsWritten) {
     boot();
     const auto explained = Json::parse(run({"explain", "--json"}));
     EXPECT_TRUE(explained["accounts"].empty());
-    EXPECT_TRUE(explained["settings"]["quality"]["written"].is_null());
+    EXPECT_TRUE(explained["settings"]["quality"]["demanded"].is_null());
     EXPECT_NE(run({"explain"}).find("no account requires one"), std::string::npos);
     EXPECT_FALSE(status()["serviceRunning"]);
 }

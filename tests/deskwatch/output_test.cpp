@@ -51,6 +51,7 @@ protected:
                 {"whatif", sample("strictest.json")},
                 {"log"},
                 {"timeline"},
+                {"check"},
                 {"key", "get", "db/setting/lock_type"},
                 {"key", "watch", "db/setting/lock_type"},
                 {"bus", "ping"},

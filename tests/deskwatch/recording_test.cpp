@@ -101,6 +101,49 @@ TEST_F(Recordings, ReplayNamesTheLineOfTheFirstEffectThatDiffers) {
     EXPECT_NE(outcome.errors.find(R"("value":6)"), std::string::npos) << outcome.errors;
 }
 
+TEST_F(Recordings, ReplayFindsEachKindOfDifferenceWhereItIsFirst) {
+    const std::string recorded = contents(std::string(SOURCE_FOLDER) + "/tests/recordings/wearer-story.jsonl");
+    const auto lineOf = [](const std::string& text, std::size_t place) {
+        return 1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(place), '\n');
+    };
+    const auto replayed = [&](const std::string& text) {
+        return deskwatchProgram({"replay", write("changed.jsonl", text).string()}).errors;
+    };
+    const auto launch = recorded.find(R"({"out":"launch")");
+    const auto write = recorded.find(R"({"out":"write")");
+    const auto last = recorded.rfind(R"({"out":"write")");
+    ASSERT_LT(write, launch);
+
+    auto both = recorded; // a launch comes first by name, a write in time
+    both.replace(both.find("\"to\":\"", launch) + 6, 3, "xxx");
+    both.replace(both.find("\"value\":", write) + 8, 1, "7");
+    auto shorter = recorded;
+    shorter.erase(last, recorded.find('\n', last) + 1 - last);
+    auto elsewhere = recorded;
+    elsewhere.replace(elsewhere.find("\"to\":\"", launch) + 6, 3, "xxx");
+
+    const std::string line = "line " + std::to_string(lineOf(recorded, write)) + ":\n";
+    EXPECT_NE(replayed(both).find(line), std::string::npos) << replayed(both);
+    EXPECT_NE(replayed(shorter).find("after the last of its kind"), std::string::npos);
+    EXPECT_NE(replayed(elsewhere).find("recorded "), std::string::npos);
+}
+
+TEST_F(Recordings, LineThatNobodyKnowsIsRefused) {
+    const std::string head = "{\"recording\":1,\"serviceRunning\":false}\n";
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {head, " has no event to replay"},
+        {"", " has no event to replay"},
+        {head + R"({"in":"lunch"})", R"("in" is "lunch", which nobody knows; did you mean "launch"?)"},
+        {head + R"({"out":"write","key":"a"})" + "\n" + R"({"out":"read"})", ":3: not a line of a recording"},
+        {head + R"({"around":"fault"})", R"(it has neither "in" nor "out")"},
+    };
+    for (const auto& [text, reason] : cases) {
+        const auto outcome = deskwatchProgram({"replay", write("odd.jsonl", text).string()});
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_NE(outcome.errors.find(reason), std::string::npos) << outcome.errors;
+    }
+}
+
 TEST_F(Recordings, EndOfTheServiceIsReplayed) {
     const auto file = write("end.jsonl", "");
     boot();

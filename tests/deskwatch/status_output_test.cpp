@@ -51,6 +51,7 @@ TEST(StatusOutput, TablesShowEachAccountInAColumn) {
                                           "  com.example.popup, launched by com.example.agent, which waits for the "
                                           "answer\n"
                                           "    OPERATION  X\n"
+                                          "\nMessages to the mail application\n  none\n"
                                           "\nFunctions of the platform that fail\n"
                                           "  vconf_get_int  -1  call 2\n");
 }
@@ -74,7 +75,7 @@ TEST(StatusOutput, JsonHoldsTheSame) {
         "keys": {"db/a": "text", "db/b": null}, "enforcingAccount": 2,
         "launches": [{"application": "com.example.popup", "caller": "com.example.agent", "waiting": true,
                       "extraData": {"OPERATION": "X"}}],
-        "faults": [{"function": "vconf_get_int", "code": -1, "nth": 2}]})"));
+        "faults": [{"function": "vconf_get_int", "code": -1, "nth": 2}], "messages": []})"));
 }
 
 TEST(StatusOutput, JsonOfTextThatIsNotUtf8IsStillJson) {

@@ -48,7 +48,12 @@ TEST_F(WearerCommands, PopupsSyncOffReachesTheMailApplication) {
 
     EXPECT_EQ(ask(ids::mail, "Messages"),
               "([('com.velmor.tesk-agent', [(b'req', b'req_disable_password_eas_accounts'), (b'msg', b'')])],)");
-    EXPECT_EQ(launchesOf(status(), ids::lockSettings), 0);
+    const auto watch = status();
+    EXPECT_EQ(launchesOf(watch, ids::lockSettings), 0);
+    EXPECT_EQ(watch["messages"], Json::parse(R"([{"sender": "com.velmor.tesk-agent",
+        "entries": {"req": "req_disable_password_eas_accounts", "msg": ""}}])"));
+    EXPECT_NE(run({"status"}).find("\nMessages to the mail application\n  from com.velmor.tesk-agent\n"),
+              std::string::npos);
 }
 
 TEST_F(WearerCommands, DismissedPopupIsClosedAndNothingFollows) {

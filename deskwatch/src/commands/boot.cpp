@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cctype>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -6,6 +7,7 @@
 #include "commands.h"
 #include "device/application_ids.h"
 #include "device/registry.h"
+#include "text/country.h"
 
 namespace deskwatch {
 namespace {
@@ -54,6 +56,18 @@ DeviceState deviceState(const BootOptions& options) {
     return state;
 }
 
+/// Makes a country's code of a text; says in words why it is none.
+std::string takeCountry(std::string& text) {
+    std::string code = text;
+    std::transform(code.begin(), code.end(), code.begin(),
+                   [](unsigned char letter) { return static_cast<char>(std::toupper(letter)); });
+    if (!isCountry(code)) {
+        return text + " is not a country; an ISO 3166 code has two letters, such as KR";
+    }
+    text = code;
+    return "";
+}
+
 void bootAs(const Device& device, const BootOptions& options) {
     device.boot(applications(options), deviceState(options));
     Registry::ofUser().add(device.layout().folder());
@@ -74,13 +88,15 @@ void bootWithDefaults(const Device& device) {
 void addBootCommand(CLI::App& program, const CommonOptions& common) {
     auto* command = program.add_subcommand("boot", "Boot a watch in a folder, which keeps its state");
     auto options = std::make_shared<BootOptions>();
-    command->add_option(
-        "DIR", options->folder,
-        "The watch's folder, new or from an earlier boot (default: --device, else a folder of the user)");
+    command
+        ->add_option("DIR", options->folder,
+                     "The watch's folder, new or from an earlier boot (default: --device, else a folder of the user)")
+        ->check(checkNotEmpty, "");
     command
         ->add_option("--country", options->country,
                      "Country of the watch, an ISO 3166 code (default for a fresh watch: US)")
-        ->type_name("CODE");
+        ->type_name("CODE")
+        ->transform(CLI::Validator(takeCountry, ""));
     chooseLock(command->add_option("--lock", options->lock, "Lock of the screen (default for a fresh watch: none)"));
     command->add_flag("--encrypted", options->isEncrypted, "The internal storage is encrypted");
     command->add_flag("--tutorial", options->isTutorialShown, "The tutorial of the first use is being shown");

@@ -24,6 +24,12 @@ void chooseByName(CLI::Option* option, const std::map<std::string, Type>& values
     option->transform(CLI::IsMember(values).description("")); // the last one is asked first
 }
 
+/// Refuses what is not a number from 1 to the largest one, in words; empty when it is one.
+std::string checkPositive(const std::string& text);
+
+/// Refuses an empty text, in words; empty when there is one.
+std::string checkNotEmpty(const std::string& text);
+
 /// Makes an option accept the name of a lock.
 void chooseLock(CLI::Option* option);
 

@@ -1,4 +1,6 @@
+#include <charconv>
 #include <iostream>
+#include <limits>
 #include <stdexcept>
 
 #include "commands.h"
@@ -7,6 +9,22 @@
 #include "text/input_file.h"
 
 namespace deskwatch {
+
+std::string checkPositive(const std::string& text) {
+    constexpr std::size_t longestShown = 40;
+    int number = 0;
+    const auto* const end = text.data() + text.size();
+    const auto [last, error] = std::from_chars(text.data(), end, number);
+    if (error == std::errc() && last == end && number > 0) {
+        return "";
+    }
+    return (text.size() > longestShown ? "a text of " + std::to_string(text.size()) + " characters" : text) +
+           " is not a number from 1 to " + std::to_string(std::numeric_limits<int>::max());
+}
+
+std::string checkNotEmpty(const std::string& text) {
+    return text.empty() ? "an empty name names no watch" : "";
+}
 
 void chooseLock(CLI::Option* option) {
     const std::map<std::string, Lock> locks{{"none", Lock::None}, {"pin", Lock::Pin}, {"password", Lock::Password}};

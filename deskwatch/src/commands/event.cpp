@@ -45,9 +45,11 @@ void addEventCommand(CLI::App& program, const CommonOptions& common) {
 void addBusCommand(CLI::App& program, const CommonOptions& common) {
     auto* command = program.add_subcommand("bus", "Call the service's bus interface for diagnosis");
     auto options = std::make_shared<BusOptions>();
-    command
-        ->add_option("METHOD", options->method, "ping, removeAccount, usingFile, or a policy field such as allowWifi")
-        ->required();
+    auto* method = command->add_option("METHOD", options->method, "What the service is asked for")->required();
+    method->type_name(
+        "ping|removeAccount|usingFile|devicePasswordEnabled|allowSimplePassword|minDevicePasswordLength|"
+        "minDevicePasswordComplexCharacters|maxInactivityTimeDeviceLock|devicePasswordExpiration|"
+        "devicePasswordHistory|requireDeviceEncryption|allowBluetooth|allowPopimapEmail|allowTextMessaging|allowWifi");
     command->add_option("VALUE", options->value, "The field's value");
     command->footer(
         "Starts the service when it does not run; prints what the method returns.\n"

@@ -39,7 +39,7 @@ void addFaultCommand(CLI::App& program, const CommonOptions& common) {
     function->needs(code);
     code->needs(function);
     command->add_option("--nth", options->fault.nth, "Only this call fails, counted from now (default: every call)")
-        ->check(CLI::PositiveNumber)
+        ->check(checkPositive, "")
         ->needs(function)
         ->type_name("N");
     command->add_flag("--clear", options->isCleared, "Remove all faults")->excludes(function);

@@ -49,7 +49,7 @@ void addImportCommand(CLI::App& program) {
             "XML with an EASProvisionDoc element, alone or inside a Provision element, or a trace of mail connect")
         ->required();
     command->add_option("--account", options->target.account, "The account's number (default: 1)")
-        ->check(CLI::PositiveNumber)
+        ->check(checkPositive, "")
         ->type_name("ID");
     command->add_option("--name", options->target.name, "The account's name (default: imported@example.com)")
         ->type_name("NAME");

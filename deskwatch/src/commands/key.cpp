@@ -73,7 +73,7 @@ void addWatch(CLI::App& key, const CommonOptions& common) {
     auto options = std::make_shared<KeyOptions>();
     command->add_option("KEY", options->keys, "The keys")->required();
     command->add_option("--count", options->count, "End after this many lines (default: run until interrupted)")
-        ->check(CLI::PositiveNumber)
+        ->check(checkPositive, "")
         ->type_name("N");
     command->add_flag("--json", options->isJson, "Each line is a JSON object");
     command->footer("Example:\n  deskwatch key watch db/setting/lock_type db/ode/crypto_state");

@@ -120,7 +120,7 @@ void addConnectCommand(CLI::App& mail, const CommonOptions& common) {
     command->add_option("URL", account.url, "The server: https://mail.example.com")->required();
     command->add_option("--user", account.user, "The user's name at the server")->required()->type_name("NAME");
     command->add_option("--account", account.id, "The account's number on the watch (default: the lowest free one)")
-        ->check(CLI::PositiveNumber)
+        ->check(checkPositive, "")
         ->type_name("ID");
     command->add_option("--name", account.name, "The account's name (default: made of the user and the server)")
         ->type_name("TEXT");

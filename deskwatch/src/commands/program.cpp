@@ -6,6 +6,7 @@ namespace {
 void addCommonOptions(CLI::App& program, CommonOptions& common) {
     program.add_option("--device", common.device, "Folder of the watch (default: the newest booted one)")
         ->envname("DESKWATCH_DEVICE")
+        ->check(checkNotEmpty, "")
         ->type_name("DIR");
 }
 

@@ -59,7 +59,7 @@ void addLockCommand(CLI::App& program, const CommonOptions& common) {
     auto options = std::make_shared<LockOptions>();
     chooseLock(command->add_option("LOCK", options->lock, "Kind of the lock")->required());
     command->add_option("--length", options->length, "Its number of characters (default: the fewest that are allowed)")
-        ->check(CLI::PositiveNumber)
+        ->check(checkPositive, "")
         ->type_name("N");
     command->footer("Fails with 3, and says what is required, when the enforced policy does not allow that lock.\n"
                     "Example:\n  deskwatch lock pin --length 6");

@@ -49,15 +49,6 @@ bool meansUnlimitedInactivity(const Case& of) {
     return of.account.maxInactivityTimeDeviceLock >= unlimitedInactivity;
 }
 
-bool forbidsSomething(const Case& of) {
-    const auto& account = of.account;
-    const auto flags = {
-        account.allowSimplePassword, account.allowBluetooth,   account.allowBrowser,         account.allowCamera,
-        account.allowPopimapEmail,   account.allowDesktopSync, account.allowInternetSharing, account.allowStorageCard,
-        account.allowTextMessaging,  account.allowWifi};
-    return std::find(flags.begin(), flags.end(), 0) != flags.end();
-}
-
 bool forbidsWhatIsOnlyStored(const Case& of) {
     const auto& account = of.account;
     const auto flags = {account.allowBluetooth,   account.allowCamera,          account.allowBrowser,
@@ -74,7 +65,7 @@ struct Rule {
     const char* text;
 };
 
-constexpr std::array<Rule, 8> noteRules{{
+constexpr std::array<Rule, 7> noteRules{{
     {limitsWithoutPassword,
      "the password limits of an account that requires no password are merged all the same; the protocol tells "
      "clients to ignore them"},
@@ -85,9 +76,6 @@ constexpr std::array<Rule, 8> noteRules{{
      "an account that allows more than 10 failed attempts weakens the watch: without it there would be 10"},
     {meansUnlimitedInactivity,
      "an inactivity time of 9999 seconds or more means no limit in the protocol; here it is written literally"},
-    {forbidsSomething,
-     "a policy set without an \"allow...\" member forbids that thing here, while in the protocol an absent element "
-     "restricts nothing: check that the mail application sends all ten"},
     {forbidsWhatIsOnlyStored,
      "Bluetooth, camera, browser, desktop sync, internet sharing, storage card and password recovery are stored, not "
      "enforced"},

@@ -15,7 +15,7 @@ std::optional<std::size_t> settingOf(DeviceSetting::Field field) {
                                            : std::nullopt;
 }
 
-SettingValues writtenValues(const TeskPolicySettings& settings, bool isEncrypted) {
+SettingValues demandedValues(const TeskPolicySettings& settings, bool isEncrypted) {
     SettingValues values;
     std::transform(deviceSettings.begin(), deviceSettings.end(), values.begin(),
                    [&](const DeviceSetting& setting) { return setting.written(settings, isEncrypted); });
@@ -57,6 +57,35 @@ PasswordScore scoreOf(const TeskPolicyData& account) {
     return score;
 }
 
+/// The fault of the function that writes a setting; null when there is none.
+const std::pair<std::string, int>* faultOf(const DeviceFacts& device, const std::string& setting) {
+    const std::string end = "_set_" + setting;
+    const auto found = std::find_if(device.faults.begin(), device.faults.end(), [&end](const auto& fault) {
+        const auto& function = fault.first;
+        return function.size() > end.size() && function.compare(function.size() - end.size(), end.size(), end) == 0;
+    });
+    return found != device.faults.end() ? &*found : nullptr;
+}
+
+/// Why a setting is not what the accounts alone would make it.
+std::string remarkOn(std::size_t setting, const Explanation& explanation, const DeviceFacts& device,
+                     const TeskPolicyData& merged) {
+    const auto& demanded = explanation.demanded[setting];
+    const std::string name = deviceSettings[setting].name;
+    std::string remark;
+    if (name == "minimum_length" && demanded && *demanded > merged.minDevicePasswordLength) {
+        remark = "the least length of a password in " + device.country.value_or("an unknown country");
+    }
+    if (const auto* const fault = faultOf(device, name)) {
+        remark +=
+            (remark.empty() ? "" : "; ") + fault->first + " returns " + std::to_string(fault->second) + " (fault)";
+    }
+    if (demanded && demanded != explanation.now[setting]) {
+        remark += std::string(remark.empty() ? "" : "; ") + "not written yet, or refused by the platform";
+    }
+    return remark;
+}
+
 } // namespace
 
 const char* ruleInWords(TeskMergeRule rule, int start) {
@@ -89,10 +118,13 @@ Explanation explain(const DeviceFacts& device) {
     }
     const auto merged = TeskPolicyMerge::strongest(device.accounts);
     if (!device.accounts.empty()) {
-        explanation.written =
-            writtenValues(TeskPolicySettings::of(merged, device.countryMinLength()), device.isEncrypted());
+        explanation.demanded =
+            demandedValues(TeskPolicySettings::of(merged, device.countryMinLength()), device.isEncrypted());
     }
     explanation.now = device.settings;
+    for (std::size_t setting = 0; setting < deviceSettings.size(); ++setting) {
+        explanation.remarks[setting] = remarkOn(setting, explanation, device, merged);
+    }
     explanation.enforcingAccount = TeskPolicyMerge::passwordEnforcingAccountId(device.accounts);
     explanation.notes = administratorNotes(device.accounts);
     return explanation;

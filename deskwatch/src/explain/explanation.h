@@ -1,9 +1,11 @@
 #ifndef DESKWATCH_EXPLANATION_H
 #define DESKWATCH_EXPLANATION_H
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "explain/administrator_notes.h"
@@ -47,10 +49,12 @@ struct Explanation {
     /// Number and name.
     std::vector<std::pair<int, std::string>> accounts;
     std::vector<FieldExplanation> fields;
-    /// What the service writes for these accounts; nothing when there is none.
-    SettingValues written{};
+    /// What these accounts demand on this watch; nothing when there is none.
+    SettingValues demanded{};
     /// What the device policy manager holds now.
     SettingValues now{};
+    /// What besides the accounts decides what is demanded or held; empty where nothing does.
+    std::array<std::string, std::tuple_size_v<SettingValues>> remarks;
     std::vector<PasswordScore> scores;
     /// The account that the password is enforced for; 0 for none.
     int enforcingAccount = 0;

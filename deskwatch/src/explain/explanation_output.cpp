@@ -70,10 +70,11 @@ std::vector<std::string> fieldsOf(const Explanation& explanation, std::size_t se
 }
 
 std::string settingTable(const Explanation& explanation) {
-    Rows rows{{"setting", "written", "now", "decided by"}};
+    Rows rows{{"setting", "demanded", "now", "decided by", ""}};
     for (std::size_t setting = 0; setting < deviceSettings.size(); ++setting) {
-        rows.push_back({deviceSettings[setting].name, numberText(explanation.written[setting]),
-                        numberText(explanation.now[setting]), joined(fieldsOf(explanation, setting), ", ")});
+        rows.push_back({deviceSettings[setting].name, numberText(explanation.demanded[setting]),
+                        numberText(explanation.now[setting]), joined(fieldsOf(explanation, setting), ", "),
+                        explanation.remarks[setting]});
     }
     return textTable(rows);
 }
@@ -126,11 +127,11 @@ Json fieldJson(const Explanation& explanation, const FieldExplanation& field) {
     Json object{{"field", field.field},    {"rule", field.rule},
                 {"accounts", accounts},    {"winner", numberJson(field.winner)},
                 {"losers", losers(field)}, {"merged", field.merged},
-                {"setting", nullptr},      {"written", nullptr},
+                {"setting", nullptr},      {"demanded", nullptr},
                 {"now", nullptr}};
     if (field.setting) {
         object["setting"] = deviceSettings[*field.setting].name;
-        object["written"] = numberJson(explanation.written[*field.setting]);
+        object["demanded"] = numberJson(explanation.demanded[*field.setting]);
         object["now"] = numberJson(explanation.now[*field.setting]);
     }
     return object;
@@ -153,8 +154,9 @@ Json explanationObject(const Explanation& explanation) {
         object["fields"].push_back(fieldJson(explanation, field));
     }
     for (std::size_t setting = 0; setting < deviceSettings.size(); ++setting) {
-        object["settings"][deviceSettings[setting].name] = {{"written", numberJson(explanation.written[setting])},
-                                                            {"now", numberJson(explanation.now[setting])}};
+        object["settings"][deviceSettings[setting].name] = {{"demanded", numberJson(explanation.demanded[setting])},
+                                                            {"now", numberJson(explanation.now[setting])},
+                                                            {"remark", explanation.remarks[setting]}};
     }
     object["password"] = passwordJson(explanation);
     object["notes"] = Json::array();

@@ -2,8 +2,10 @@
 
 #include <sys/signalfd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 
 #include "TeskConsumerKeys.h"
@@ -13,6 +15,8 @@
 #include "recording/bus_monitor.h"
 #include "session/observer.h"
 #include "status/device_status.h"
+#include "text/input_file.h"
+#include "text/suggestion.h"
 
 namespace deskwatch {
 namespace {
@@ -79,6 +83,23 @@ Recording recordingOf(const TraceEvent& head) {
     return recording;
 }
 
+/// A replay that passes over what it does not know would compare less than the reader thinks.
+void requireKnown(const TraceEvent& event) {
+    const bool isInput = event.is_object() && event.contains("in");
+    if (!isInput && (!event.is_object() || !event.contains("out"))) {
+        throw std::runtime_error("it has neither \"in\" nor \"out\"");
+    }
+    const char* const direction = isInput ? "in" : "out";
+    const auto kind = event.at(direction).get<std::string>();
+    const std::vector<std::string_view> kinds =
+        isInput ? std::vector<std::string_view>{"start", "end", "launch", "message", "reply", "key"}
+                : std::vector<std::string_view>{"write", "launch", "message"};
+    if (std::find(kinds.begin(), kinds.end(), kind) == kinds.end()) {
+        throw std::runtime_error("\"" + std::string(direction) + "\" is \"" + kind + "\", which nobody knows" +
+                                 didYouMean(kind, kinds));
+    }
+}
+
 } // namespace
 
 void record(const Device& device, const std::filesystem::path& file) {
@@ -108,7 +129,8 @@ void record(const Device& device, const std::filesystem::path& file) {
 }
 
 Recording readRecording(const std::filesystem::path& file) {
-    std::ifstream stream(file);
+    constexpr std::size_t mostBytes = 100'000'000;
+    std::istringstream stream(readInput(file, mostBytes));
     Recording recording;
     std::string text;
     std::size_t line = 0;
@@ -119,15 +141,16 @@ Recording readRecording(const std::filesystem::path& file) {
             if (line == 1) {
                 recording = recordingOf(event);
             } else {
+                requireKnown(event);
                 recording.events.push_back({event, line});
             }
         }
     } catch (const std::exception& error) {
-        throw std::runtime_error(file.string() + ":" + std::to_string(line) +
+        throw std::runtime_error(inputName(file) + ":" + std::to_string(line) +
                                  ": not a line of a recording: " + error.what());
     }
-    if (line == 0) {
-        throw std::runtime_error(file.string() + " is not a recording: it cannot be read or is empty");
+    if (recording.events.empty()) {
+        throw std::runtime_error(inputName(file) + " has no event to replay");
     }
     return recording;
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstring>
+#include <limits>
 #include <map>
 #include <stdexcept>
 
@@ -214,31 +215,46 @@ std::map<std::string, Channel> channels(const std::vector<Effect>& recorded, con
     return channels;
 }
 
+/// What differs first in a channel, and the line of the recording where that is.
+struct Difference {
+    std::size_t line = 0;
+    std::string text;
+};
+
 /// Compares in order, up to the first difference.
-void compare(const Channel& channel, ReplayOutcome& outcome) {
+std::optional<Difference> differenceIn(const Channel& channel) {
     const auto& [recorded, happened] = channel;
     const std::size_t count = std::max(recorded.size(), happened.size());
-    for (std::size_t index = 0; index < count; ++index, ++outcome.equal) {
+    for (std::size_t index = 0; index < count; ++index) {
         const auto* expected = index < recorded.size() ? &recorded[index].event : nullptr;
         const auto* seen = index < happened.size() ? &happened[index] : nullptr;
         if (expected != nullptr && seen != nullptr && *expected == *seen) {
             continue;
         }
-        const std::string place =
-            expected != nullptr ? "line " + std::to_string(recorded[index].line) : "after the last of its kind";
-        outcome.difference = place + ":\n  recorded " + described(expected) + "\n  now      " + described(seen);
-        return;
+        const std::size_t after = recorded.empty() ? std::numeric_limits<std::size_t>::max() : recorded.back().line + 1;
+        const std::string what = ":\n  recorded " + described(expected) + "\n  now      " + described(seen);
+        return expected != nullptr
+                   ? Difference{recorded[index].line, "line " + std::to_string(recorded[index].line) + what}
+                   : Difference{after, "after the last of its kind" + what};
     }
+    return std::nullopt;
 }
 
+/// The channels are compared one by one; the reader is told of the difference that comes first in the recording.
 ReplayOutcome compare(const std::vector<Effect>& recorded, const std::vector<TraceEvent>& happened) {
-    ReplayOutcome outcome;
+    std::optional<Difference> first;
     for (const auto& [name, channel] : channels(recorded, happened)) {
-        if (!outcome.difference) {
-            compare(channel, outcome);
+        auto difference = differenceIn(channel);
+        if (difference && (!first || difference->line < first->line)) {
+            first = std::move(difference);
         }
     }
-    return outcome;
+    if (!first) {
+        return {recorded.size(), std::nullopt};
+    }
+    const auto equal = std::count_if(recorded.begin(), recorded.end(),
+                                     [&](const Effect& effect) { return effect.line < first->line; });
+    return {static_cast<std::size_t>(equal), first->text};
 }
 
 } // namespace

@@ -75,6 +75,33 @@ void readLaunches(const DeviceSession& session, const std::string& application, 
     }
 }
 
+/// The messages that the mail application received, when it is our stand-in and runs.
+std::vector<ReceivedMessage> readMessages(const DeviceSession& session) {
+    const auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
+                                                    G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS);
+    GError* error = nullptr;
+    const c::ObjectOwner<TeskDeskCompanion> proxy(tesk_desk_companion_proxy_new_sync(
+        session.connection(), flags, ids::mail, companion_bus::path, nullptr, &error));
+    GVariant* answer = nullptr;
+    if (proxy == nullptr ||
+        tesk_desk_companion_call_messages_sync(proxy.get(), G_DBUS_CALL_FLAGS_NO_AUTO_START, launchesTimeout, &answer,
+                                               nullptr, &error) == FALSE) {
+        g_clear_error(&error);
+        return {};
+    }
+    const c::VariantOwner list(answer);
+    std::vector<ReceivedMessage> messages;
+    for (gsize index = 0; index < g_variant_n_children(list.get()); ++index) {
+        const c::VariantOwner entry(g_variant_get_child_value(list.get(), index));
+        const char* sender = nullptr;
+        GVariant* pairs = nullptr;
+        g_variant_get(entry.get(), "(&s@a(ayay))", &sender, &pairs);
+        const c::VariantOwner owner(pairs);
+        messages.push_back({sender, text_pairs::read(owner.get())});
+    }
+    return messages;
+}
+
 /// The end of a file that only grows: it holds what the service decided last.
 std::string endOf(const std::filesystem::path& file) {
     constexpr std::streamoff most = 262'144;
@@ -143,6 +170,9 @@ DeviceStatus readStatus(const DeviceSession& session) {
             readLaunches(session, application, status.screens);
         }
     }
+    if (session.daemon().isOwned(ids::mail)) {
+        status.messages = readMessages(session);
+    }
     return status;
 }
 
@@ -152,6 +182,9 @@ DeviceFacts deviceFacts(const DeviceStatus& status) {
     facts.settings = status.settings;
     facts.country = textOf(status.keys, TeskConsumerKeys::countryIso);
     facts.cryptoState = textOf(status.keys, TeskConsumerKeys::cryptoState);
+    for (const auto& fault : status.faults) {
+        facts.faults.emplace_back(fault.function, fault.code);
+    }
     return facts;
 }
 

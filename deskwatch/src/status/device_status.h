@@ -26,6 +26,12 @@ struct ScreenLaunch {
     std::vector<std::pair<std::string, std::string>> extraData;
 };
 
+/// A message that the mail application received at its port.
+struct ReceivedMessage {
+    std::string sender;
+    std::vector<std::pair<std::string, std::string>> entries;
+};
+
 /// What a watch shows of itself.
 struct DeviceStatus {
     std::string folder;
@@ -46,6 +52,8 @@ struct DeviceStatus {
     std::vector<ScreenLaunch> screens;
     /// The functions of the platform that fail.
     std::vector<PlatformFault> faults;
+    /// What the mail application received while it runs, in order.
+    std::vector<ReceivedMessage> messages;
 };
 
 /// Looks at a booted watch; starts nothing and changes nothing there. Throws std::runtime_error.

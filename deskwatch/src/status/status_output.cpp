@@ -95,6 +95,27 @@ std::string screenTable(const std::vector<ScreenLaunch>& screens) {
     return text;
 }
 
+std::string messageTable(const std::vector<ReceivedMessage>& messages) {
+    std::string text;
+    for (const auto& message : messages) {
+        text += textTable({{"from " + message.sender}});
+        std::vector<std::vector<std::string>> rows;
+        for (const auto& [key, value] : message.entries) {
+            rows.push_back({"  " + key, value});
+        }
+        text += textTable(rows);
+    }
+    return text.empty() ? "  none\n" : text;
+}
+
+Json messageJson(const ReceivedMessage& message) {
+    Json entries = Json::object();
+    for (const auto& [key, value] : message.entries) {
+        entries[key] = value;
+    }
+    return {{"sender", message.sender}, {"entries", entries}};
+}
+
 Json screenJson(const ScreenLaunch& screen) {
     Json extraData = Json::object();
     for (const auto& [key, value] : screen.extraData) {
@@ -124,6 +145,10 @@ Json statusObject(const DeviceStatus& status) {
         object["launches"].push_back(screenJson(screen));
     }
     object["faults"] = faultsJson(status.faults);
+    object["messages"] = Json::array();
+    for (const auto& message : status.messages) {
+        object["messages"].push_back(messageJson(message));
+    }
     return object;
 }
 
@@ -152,7 +177,7 @@ std::string statusTables(const DeviceStatus& status, const DeviceStatus* earlier
     return "Watch " + status.folder + ", " + serviceText(status) + "\n\nStored accounts\n" + accountTable(status) +
            "\nSettings of the device policy manager\n" + namedValues(named(status.settings), named(before.settings)) +
            "\nKeys\n" + namedValues(keysOf(status), keysOf(before)) + "\nLaunch requests\n" +
-           screenTable(status.screens) +
+           screenTable(status.screens) + "\nMessages to the mail application\n" + messageTable(status.messages) +
            (status.faults.empty() ? "" : "\nFunctions of the platform that fail\n" + faultTable(status.faults));
 }
 

@@ -1,0 +1,13 @@
+#ifndef DESKWATCH_COUNTRY_H
+#define DESKWATCH_COUNTRY_H
+
+#include <string_view>
+
+namespace deskwatch {
+
+/// Whether a text is the code of a country, ISO 3166-1 alpha-2, in capital letters.
+bool isCountry(std::string_view code);
+
+} // namespace deskwatch
+
+#endif
