@@ -30,7 +30,7 @@ std::optional<Verdict> verdictNow(const DeviceSession& session, const MailAccoun
     facts.isLockMissing = isZero(status, TeskConsumerKeys::passwordPolicyApplied) &&
                           (!account.pending->wasApplied || isZero(status, TeskConsumerKeys::lockType));
     facts.isEncryptionMissing = isZero(status, TeskConsumerKeys::deviceEncryptionApplied);
-    facts.written = explanation.demanded;
+    facts.written = explanation.written;
     facts.held = explanation.now;
     return verdictOf(facts);
 }

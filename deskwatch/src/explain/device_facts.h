@@ -20,7 +20,7 @@ struct DeviceFacts {
     std::optional<std::string> country;
     std::optional<std::string> cryptoState;
     /// The functions of the platform that fail, with what they return.
-    std::vector<std::pair<std::string, int>> faults;
+    std::vector<std::pair<std::string, int>> faults{};
 
     int countryMinLength() const { return TeskPolicySettings::countryMinLength(country ? country->c_str() : nullptr); }
     bool isEncrypted() const { return TeskPolicySettings::isEncrypted(cryptoState ? cryptoState->c_str() : nullptr); }

@@ -70,7 +70,7 @@ const std::pair<std::string, int>* faultOf(const DeviceFacts& device, const std:
 /// Why a setting is not what the accounts alone would make it.
 std::string remarkOn(std::size_t setting, const Explanation& explanation, const DeviceFacts& device,
                      const TeskPolicyData& merged) {
-    const auto& demanded = explanation.demanded[setting];
+    const auto& demanded = explanation.written[setting];
     const std::string name = deviceSettings[setting].name;
     std::string remark;
     if (name == "minimum_length" && demanded && *demanded > merged.minDevicePasswordLength) {
@@ -118,7 +118,7 @@ Explanation explain(const DeviceFacts& device) {
     }
     const auto merged = TeskPolicyMerge::strongest(device.accounts);
     if (!device.accounts.empty()) {
-        explanation.demanded =
+        explanation.written =
             demandedValues(TeskPolicySettings::of(merged, device.countryMinLength()), device.isEncrypted());
     }
     explanation.now = device.settings;

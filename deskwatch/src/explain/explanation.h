@@ -50,7 +50,7 @@ struct Explanation {
     std::vector<std::pair<int, std::string>> accounts;
     std::vector<FieldExplanation> fields;
     /// What these accounts demand on this watch; nothing when there is none.
-    SettingValues demanded{};
+    SettingValues written{};
     /// What the device policy manager holds now.
     SettingValues now{};
     /// What besides the accounts decides what is demanded or held; empty where nothing does.

@@ -72,7 +72,7 @@ std::vector<std::string> fieldsOf(const Explanation& explanation, std::size_t se
 std::string settingTable(const Explanation& explanation) {
     Rows rows{{"setting", "demanded", "now", "decided by", ""}};
     for (std::size_t setting = 0; setting < deviceSettings.size(); ++setting) {
-        rows.push_back({deviceSettings[setting].name, numberText(explanation.demanded[setting]),
+        rows.push_back({deviceSettings[setting].name, numberText(explanation.written[setting]),
                         numberText(explanation.now[setting]), joined(fieldsOf(explanation, setting), ", "),
                         explanation.remarks[setting]});
     }
@@ -131,7 +131,7 @@ Json fieldJson(const Explanation& explanation, const FieldExplanation& field) {
                 {"now", nullptr}};
     if (field.setting) {
         object["setting"] = deviceSettings[*field.setting].name;
-        object["demanded"] = numberJson(explanation.demanded[*field.setting]);
+        object["demanded"] = numberJson(explanation.written[*field.setting]);
         object["now"] = numberJson(explanation.now[*field.setting]);
     }
     return object;
@@ -154,7 +154,7 @@ Json explanationObject(const Explanation& explanation) {
         object["fields"].push_back(fieldJson(explanation, field));
     }
     for (std::size_t setting = 0; setting < deviceSettings.size(); ++setting) {
-        object["settings"][deviceSettings[setting].name] = {{"demanded", numberJson(explanation.demanded[setting])},
+        object["settings"][deviceSettings[setting].name] = {{"demanded", numberJson(explanation.written[setting])},
                                                             {"now", numberJson(explanation.now[setting])},
                                                             {"remark", explanation.remarks[setting]}};
     }
