@@ -15,9 +15,9 @@ function settingCell(field) {
   if (!field.setting) {
     return el('td', { className: 'soft' }, 'merged, not enforced');
   }
-  const isSame = field.written === null || field.written === field.now;
+  const isSame = field.demanded === null || field.demanded === field.now;
   return el('td', {}, fieldName(field.setting), el('br'), `the watch has ${field.now ?? 'no value'}`,
-    isSame ? null : el('span', { className: 'chip warn' }, `${field.written} was written`));
+    isSame ? null : el('span', { className: 'chip warn' }, `${field.demanded} is demanded`));
 }
 
 function fieldRow(explanation, field) {

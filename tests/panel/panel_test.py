@@ -210,7 +210,7 @@ class Happened(PanelTest):
         page.await_text("#trouble", "dpm_password_set_quality returns -13 at every call")
         watch.run("mail", "policy", watch.sample("hardened.json"), check=False)
         page.view("Why")
-        page.await_text("#why", "128 was written")
+        page.await_text("#why", "128 is demanded")
         page.view("Trouble")
         page.press("Let everything work")
         page.await_text("#trouble", "No function fails")
