@@ -10,12 +10,6 @@
 namespace deskwatch {
 namespace {
 
-/// A folder whose bus has a path of that many bytes.
-std::filesystem::path folderWithSocketPathOf(std::size_t bytes) {
-    const std::string begin = "/tmp/";
-    return begin + std::string(bytes - begin.size() - std::string("/bus").size(), 'x');
-}
-
 std::string refusal(const std::filesystem::path& folder) {
     try {
         const DeviceLayout layout(folder);
@@ -26,13 +20,26 @@ std::string refusal(const std::filesystem::path& folder) {
     return "";
 }
 
-TEST(DeviceLayout, LongestPathThatASocketCanHaveIsTaken) {
-    EXPECT_EQ(DeviceLayout(folderWithSocketPathOf(107)).socket().native().size(), 107U);
+TEST(DeviceLayout, SocketIsInTheFolderUnlessThePathIsTooLongForOne) {
+    const std::filesystem::path longest = "/tmp/" + std::string(98, 'x');
+    EXPECT_EQ(DeviceLayout(longest).socket(), longest / "bus") << "107 bytes";
+    const auto elsewhere = DeviceLayout(longest.string() + "x").socket();
+    EXPECT_EQ(elsewhere.parent_path().parent_path(), "/tmp");
+    EXPECT_NE(elsewhere, DeviceLayout(longest.string() + "y").socket());
 }
 
-TEST(DeviceLayout, PathOneByteTooLongForASocketIsRefusedWithBothLengths) {
-    const auto text = refusal(folderWithSocketPathOf(108));
-    EXPECT_NE(text.find("108 bytes long, at most 107 are possible"), std::string::npos) << text;
+TEST(DeviceLayout, NameThatIsNotUtf8IsRefused) {
+    EXPECT_NE(refusal("/tmp/\xff").find("the folder's name is not UTF-8"), std::string::npos);
+}
+
+TEST(DeviceLayout, FolderInsideAWatchIsRefused) {
+    const TemporaryFolder folder;
+    const DeviceLayout outer(folder.path() / "outer");
+    outer.makeFolders();
+    std::ofstream(outer.busConfiguration()) << "<busconfig/>";
+    EXPECT_NE(refusal(outer.internalStorage() / "inner").find("is inside the watch " + outer.folder().string()),
+              std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(outer.internalStorage() / "inner"));
 }
 
 TEST(DeviceLayout, ControlCharacterInThePathIsRefused) {

@@ -185,6 +185,21 @@ TEST(Device, KilledBusIsCleanedUpByOff) {
     EXPECT_FALSE(std::filesystem::exists(watch.layout().busRecord()));
 }
 
+TEST(Device, WatchOfARemovedFolderEndsWithTheNextBootOrOff) {
+    const TemporaryFolder folder;
+    const Device watch(folder.path() / "watch");
+    for (const bool isBootedAgain : {true, false}) {
+        watch.boot(someApplications());
+        const auto bus = busOf(watch);
+        std::filesystem::remove_all(watch.layout().folder());
+        if (isBootedAgain) {
+            watch.boot(someApplications());
+        }
+        EXPECT_TRUE(watch.off());
+        EXPECT_TRUE(bus.waitForEnd(std::chrono::milliseconds::zero()));
+    }
+}
+
 TEST(Device, BootThatEndedSuddenlyIsCleanedUpByTheNextOne) {
     const TemporaryFolder folder;
     const Device watch(folder.path());
@@ -218,6 +233,13 @@ TEST(Device, WatchesStandSideBySide) {
     const BootedDevice second(folder.path() / "second", someApplications());
     EXPECT_NE(busOf(*first).pid(), busOf(*second).pid());
     enter(*second);
+    EXPECT_EQ(setting("/vconf/db/setting/lock_type"), "0");
+}
+
+TEST(Device, FolderMayHaveALongPath) {
+    const TemporaryFolder folder;
+    const BootedDevice watch(folder.path() / std::string(200, 'x') / std::string(200, 'y'), someApplications());
+    enter(*watch);
     EXPECT_EQ(setting("/vconf/db/setting/lock_type"), "0");
 }
 

@@ -3,7 +3,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <filesystem>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "actors/message_file.h"
@@ -45,6 +47,12 @@ Device chosenDevice(const CommonOptions& common);
 /// Boots a watch as `deskwatch boot` does without options, and remembers it as the newest one. Throws
 /// std::runtime_error as Device::boot does.
 void bootWithDefaults(const Device& device);
+
+/// The watch that was booted last, of those that ls lists and whose folders are still there.
+std::optional<std::filesystem::path> newestWatch();
+
+/// Whether a folder is that of a watch.
+bool isThere(const std::filesystem::path& folder);
 
 // Each adds one command to the program. Parsing the arguments runs the command, which throws std::runtime_error when it
 // fails. The options are read then and must outlive the program.

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <charconv>
 #include <iostream>
 #include <limits>
@@ -50,11 +51,25 @@ Device chosenDevice(const CommonOptions& common) {
     if (!common.device.empty()) {
         return Device(common.device);
     }
-    const auto newest = Registry::ofUser().newest();
+    const auto newest = newestWatch();
     if (!newest) {
         throw std::runtime_error("no watch is booted; boot one with: deskwatch boot");
     }
     return Device(*newest);
+}
+
+std::optional<std::filesystem::path> newestWatch() {
+    const auto folders = Registry::ofUser().folders();
+    const auto newest = std::find_if(folders.rbegin(), folders.rend(), isThere);
+    return newest != folders.rend() ? std::optional(*newest) : std::nullopt;
+}
+
+bool isThere(const std::filesystem::path& folder) {
+    try {
+        return Device(folder).exists();
+    } catch (const std::runtime_error&) {
+        return false;
+    }
 }
 
 } // namespace deskwatch

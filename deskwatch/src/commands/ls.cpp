@@ -40,10 +40,21 @@ std::vector<ListedDevice> listedDevices() {
     for (const auto& folder : Registry::ofUser().folders()) {
         devices.push_back(look(folder));
     }
-    if (!devices.empty()) {
-        devices.back().isNewest = true;
+    const auto newest = newestWatch();
+    for (auto& device : devices) {
+        device.isNewest = newest && device.folder == newest->string();
     }
     return devices;
+}
+
+/// Forgets the watches whose folders are gone, and ends what still runs of them.
+void prune() {
+    for (const auto& folder : Registry::ofUser().folders()) {
+        if (!isThere(folder)) {
+            Device(folder).kill();
+            Registry::ofUser().remove(folder);
+        }
+    }
 }
 
 std::string asTable(const std::vector<ListedDevice>& devices) {
@@ -73,9 +84,15 @@ void addListCommand(CLI::App& program) {
     auto* command = program.add_subcommand("ls", "List the watches that were booted and not switched off");
     auto isJson = std::make_shared<bool>(false);
     command->add_flag("--json", *isJson, "A JSON array instead of a table");
+    auto isPruned = std::make_shared<bool>(false);
+    command->add_flag("--prune", *isPruned,
+                      "First forget the watches whose folders are gone, and end what still runs of them");
     command->footer("The last one is the newest: commands apply to it unless --device names another.\n"
                     "Example:\n  deskwatch ls");
-    command->callback([isJson] {
+    command->callback([isJson, isPruned] {
+        if (*isPruned) {
+            prune();
+        }
         const auto devices = listedDevices();
         std::cout << (*isJson ? asJson(devices) : asTable(devices));
     });

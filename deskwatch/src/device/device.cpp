@@ -16,6 +16,7 @@
 #include "device/bus_client.h"
 #include "device/bus_process.h"
 #include "device/file_descriptor.h"
+#include "host_bus.h"
 
 namespace deskwatch {
 namespace {
@@ -40,13 +41,29 @@ std::vector<ProcessHandle> applicationsOf(const DeviceLayout& layout) {
     }
 }
 
+/// All processes of a device, known by their environment, which no process changes: those of a bus whose record is gone
+/// with its folder, too.
+std::vector<ProcessHandle> processesOf(const DeviceLayout& layout) {
+    return ProcessHandle::withVariable(host_bus::deviceVariable, layout.folder().string());
+}
+
 void waitFor(const std::vector<ProcessHandle>& processes) {
     for (const auto& process : processes) {
         if (!process.waitForEnd(applicationTimeout)) {
             throw std::runtime_error("process " + std::to_string(process.pid()) +
-                                     " still runs although its bus has ended");
+                                     " still runs although its bus has ended; end it with: deskwatch off --force");
         }
     }
+}
+
+/// Ends what an earlier run of the device left. False when there was nothing.
+bool endLeftovers(const DeviceLayout& layout, int signal) {
+    const auto left = processesOf(layout);
+    for (const auto& process : left) {
+        process.signal(signal);
+    }
+    waitFor(left);
+    return !left.empty();
 }
 
 /// A program that was still coming up may wait for its bus for ever. Everything that the daemon started is in its
@@ -78,7 +95,8 @@ bool endBus(const DeviceLayout& layout, const BusProcess& bus) {
     if (daemon) {
         endLatecomers(daemon->pid());
     }
-    return daemon.has_value();
+    const bool hadLeftovers = endLeftovers(layout, SIGTERM);
+    return daemon || hadLeftovers;
 }
 
 } // namespace
@@ -123,11 +141,22 @@ void Device::requireBooted() const {
 }
 
 bool Device::off() const {
-    if (!std::filesystem::exists(layout_.busConfiguration())) {
+    if (!exists()) {
+        if (endLeftovers(layout_, SIGTERM)) {
+            return true;
+        }
         throw std::runtime_error(layout_.folder().string() + " is not a watch folder");
     }
     const auto lock = lockBoot(layout_);
     return endBus(layout_, BusProcess(layout_.busRecord()));
+}
+
+bool Device::kill() const {
+    const bool wasRunning = endLeftovers(layout_, SIGKILL);
+    for (const auto& file : {layout_.bootedMark(), layout_.busRecord(), layout_.socket()}) {
+        std::filesystem::remove(file);
+    }
+    return wasRunning;
 }
 
 Environment Device::appEnvironment(const std::string& id) const {

@@ -44,9 +44,15 @@ public:
     void requireBooted() const;
 
     /// Switches the watch off: ends its bus, waits for that and for the applications, which end when their bus goes.
-    /// Cleans up after a sudden end. False when it was off already. Throws std::runtime_error when a process does not
-    /// end.
+    /// Cleans up after a sudden end, also when the folder is gone. False when it was off already. Throws
+    /// std::runtime_error when a process does not end.
     bool off() const;
+
+    /// Kills every process of the watch, which may lose what they have not stored. False when there was none.
+    bool kill() const;
+
+    /// Whether the folder is one of a watch that was booted once.
+    bool exists() const { return std::filesystem::exists(layout_.busConfiguration()); }
 
     /// The address of the watch's bus, session and system bus in one.
     std::string busAddress() const { return layout_.busAddress(); }

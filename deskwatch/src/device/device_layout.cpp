@@ -1,6 +1,8 @@
 #include "device/device_layout.h"
 
+#include <sys/stat.h>
 #include <sys/un.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -45,6 +47,24 @@ void refuseForeignFolder(const fs::path& folder) {
     }
 }
 
+/// Whoever boots a watch is the only one who may reach its bus.
+void makePrivateFolder(const fs::path& folder) {
+    mkdir(folder.c_str(), S_IRWXU);
+    struct stat status {};
+    if (lstat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || status.st_uid != getuid()) {
+        throw std::runtime_error("cannot place the bus's socket: " + folder.string() + " is not a folder of this user");
+    }
+}
+
+void refuseInnerFolder(const fs::path& folder) {
+    for (auto outer = folder.parent_path(); outer != outer.root_path(); outer = outer.parent_path()) {
+        if (fs::exists(outer / "bus.conf") && fs::exists(outer / "services")) {
+            throw std::runtime_error(folder.string() + " is inside the watch " + outer.string() +
+                                     "; choose a folder outside of it");
+        }
+    }
+}
+
 } // namespace
 
 DeviceLayout::DeviceLayout(const fs::path& folder) : folder_(withoutTrailingSlash(folder)) {
@@ -52,10 +72,18 @@ DeviceLayout::DeviceLayout(const fs::path& folder) : folder_(withoutTrailingSlas
     if (std::any_of(path.begin(), path.end(), isControl)) {
         throw std::runtime_error("the folder's name contains control characters: " + folder_.string());
     }
-    if (const auto length = socket().native().size(); length > longestSocketPath) {
-        throw std::runtime_error("the path of the bus would be " + std::to_string(length) + " bytes long, at most " +
-                                 std::to_string(longestSocketPath) + " are possible: " + socket().string());
+    if (g_utf8_validate_len(path.data(), path.size(), nullptr) == FALSE) {
+        throw std::runtime_error("the folder's name is not UTF-8, as the bus needs it: " + folder_.string());
     }
+}
+
+fs::path DeviceLayout::socket() const {
+    const fs::path inside = folder_ / "bus";
+    if (inside.native().size() <= longestSocketPath) {
+        return inside;
+    }
+    const c::MemoryOwner<char> name(g_compute_checksum_for_string(G_CHECKSUM_SHA256, folder_.c_str(), -1));
+    return fs::path("/tmp") / ("deskwatch-" + std::to_string(getuid())) / name.get();
 }
 
 std::string DeviceLayout::busAddress() const {
@@ -86,8 +114,12 @@ Environment DeviceLayout::applicationEnvironment(const std::string& id) const {
 }
 
 void DeviceLayout::makeFolders() const {
+    refuseInnerFolder(folder_);
     fs::create_directories(folder_);
     refuseForeignFolder(folder_);
+    if (socket().parent_path() != folder_) {
+        makePrivateFolder(socket().parent_path());
+    }
     for (const auto& made : {services(), config(), run(), folder_ / "apps", internalStorage(), externalStorage()}) {
         fs::create_directories(made);
     }

@@ -11,12 +11,13 @@ namespace deskwatch {
 /// Where things are in the folder of a device, and the environment of its processes.
 class DeviceLayout {
 public:
-    /// `folder` becomes absolute. Throws std::runtime_error when the device's bus could not be reached there, because
-    /// the path is too long for a socket or holds control characters. Touches nothing.
+    /// `folder` becomes absolute. Throws std::runtime_error when the device's bus could not be configured there,
+    /// because the path is not UTF-8 or holds control characters. Touches nothing.
     explicit DeviceLayout(const std::filesystem::path& folder);
 
     const std::filesystem::path& folder() const { return folder_; }
-    std::filesystem::path socket() const { return folder_ / "bus"; }
+    /// In the folder, unless that path is too long for a socket: then in a folder of the user's in /tmp.
+    std::filesystem::path socket() const;
     std::filesystem::path busConfiguration() const { return folder_ / "bus.conf"; }
     std::filesystem::path busRecord() const { return folder_ / "bus.process"; }
     std::filesystem::path bootLock() const { return folder_ / "boot.lock"; }
@@ -44,8 +45,8 @@ public:
     /// The variables that make a process this application.
     Environment applicationEnvironment(const std::string& id) const;
 
-    /// Makes the folders. Throws std::runtime_error when the folder already holds something other than a device, so
-    /// that a wipe of the device never meets other files.
+    /// Makes the folders. Throws std::runtime_error when the folder already holds something other than a device, or is
+    /// inside another device's, so that a wipe of a device never meets other files.
     void makeFolders() const;
 
 private:

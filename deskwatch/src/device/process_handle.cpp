@@ -13,12 +13,35 @@ extern "C" {
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <sstream>
 #include <system_error>
 
 namespace deskwatch {
 namespace {
+
+bool hasAssignment(pid_t pid, const std::string& assignment) {
+    std::ifstream environment("/proc/" + std::to_string(pid) + "/environ");
+    for (std::string entry; std::getline(environment, entry, '\0');) {
+        if (entry == assignment) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::vector<ProcessHandle> processesThat(const std::function<bool(pid_t)>& condition) {
+    std::vector<ProcessHandle> processes;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+        const auto pid = static_cast<pid_t>(std::atoi(entry.path().filename().c_str()));
+        auto process = pid > 0 && condition(pid) ? ProcessHandle::open(pid) : std::nullopt;
+        if (process) {
+            processes.push_back(std::move(*process));
+        }
+    }
+    return processes;
+}
 
 std::optional<ProcessIdentity> identityOf(pid_t pid) {
     std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
@@ -71,15 +94,12 @@ std::optional<ProcessHandle> ProcessHandle::open(const ProcessIdentity& identity
 }
 
 std::vector<ProcessHandle> ProcessHandle::ofSession(pid_t session) {
-    std::vector<ProcessHandle> processes;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-        const auto pid = static_cast<pid_t>(std::atoi(entry.path().filename().c_str()));
-        auto process = pid > 0 && getsid(pid) == session ? open(pid) : std::nullopt;
-        if (process) {
-            processes.push_back(std::move(*process));
-        }
-    }
-    return processes;
+    return processesThat([&](pid_t pid) { return getsid(pid) == session; });
+}
+
+std::vector<ProcessHandle> ProcessHandle::withVariable(const std::string& name, const std::string& value) {
+    const std::string assignment = name + "=" + value;
+    return processesThat([&](pid_t pid) { return getsid(pid) != getsid(0) && hasAssignment(pid, assignment); });
 }
 
 void ProcessHandle::signal(int number) const {

@@ -44,6 +44,10 @@ public:
     /// The processes of a session, those that have ended left out.
     static std::vector<ProcessHandle> ofSession(pid_t session);
 
+    /// The processes that were started with this variable in their environment, those of the caller's own session left
+    /// out.
+    static std::vector<ProcessHandle> withVariable(const std::string& name, const std::string& value);
+
 private:
     ProcessHandle(pid_t pid, FileDescriptor descriptor) : pid_(pid), descriptor_(std::move(descriptor)) {}
 
