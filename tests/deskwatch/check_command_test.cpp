@@ -5,7 +5,7 @@
 namespace deskwatch {
 namespace {
 
-class Check : public Commands {
+class CheckCommand : public Commands {
 protected:
     /// The kinds of what is found.
     static std::vector<std::string> kinds(const std::vector<std::string>& options = {}) {
@@ -24,7 +24,7 @@ protected:
     using Kinds = std::vector<std::string>;
 };
 
-TEST_F(Check, WatchThatKeepsItsWordHasNoFinding) {
+TEST_F(CheckCommand, WatchThatKeepsItsWordHasNoFinding) {
     boot({"--lock", "password", "--encrypted"});
     run({"mail", "policy", sample("hardened.json")});
 
@@ -32,7 +32,7 @@ TEST_F(Check, WatchThatKeepsItsWordHasNoFinding) {
     EXPECT_EQ(kinds(), Kinds{});
 }
 
-TEST_F(Check, RefusedRuleIsFoundUntilItIsWritten) {
+TEST_F(CheckCommand, RefusedRuleIsFoundUntilItIsWritten) {
     boot({"--lock", "password", "--encrypted"});
     run({"fault", "dpm_password_set_minimum_length", "-13"});
     deskwatchProgram({"mail", "policy", sample("hardened.json")});
@@ -44,14 +44,14 @@ TEST_F(Check, RefusedRuleIsFoundUntilItIsWritten) {
     EXPECT_EQ(kinds(), Kinds{});
 }
 
-TEST_F(Check, MissingLockAndEncryptionAreFound) {
+TEST_F(CheckCommand, MissingLockAndEncryptionAreFound) {
     boot();
     run({"mail", "policy", sample("hardened.json")});
 
     EXPECT_EQ(kinds(), (Kinds{"lock", "encryption"}));
 }
 
-TEST_F(Check, StoreWithoutItsTableIsFound) {
+TEST_F(CheckCommand, StoreWithoutItsTableIsFound) {
     boot();
     const auto store = policyDatabase(device().layout());
     std::filesystem::create_directories(store.parent_path());
@@ -60,7 +60,7 @@ TEST_F(Check, StoreWithoutItsTableIsFound) {
     EXPECT_EQ(kinds(), Kinds{"store"});
 }
 
-TEST_F(Check, CopyOfADeviceIsReadWithoutAWatch) {
+TEST_F(CheckCommand, CopyOfADeviceIsReadWithoutAWatch) {
     boot();
     run({"mail", "policy", sample("hardened.json")});
     const auto copy = device().layout().folder().parent_path() / "copy";

@@ -10,13 +10,13 @@
 namespace deskwatch {
 namespace {
 
-using Kind = Finding::Kind;
+using FindingKind = Finding::Kind;
 using testing::ElementsAre;
 
 using Columns = std::vector<std::pair<const char*, Value>>;
 
 /// An account that demands nothing but what its columns say.
-StoredAccount account(int id, const Columns& columns = {}) {
+StoredAccount accountWith(int id, const Columns& columns = {}) {
     StoredAccount account{{"account_id", id}};
     for (const auto& number : TeskPolicyTable::numbers) {
         const bool isAllowance = std::string(number.column).rfind("allow_", 0) == 0;
@@ -62,7 +62,7 @@ void hold(Evidence& evidence, const std::string& name, std::optional<int> value)
 struct Damage {
     const char* name;
     Evidence evidence;
-    Kind kind;
+    FindingKind kind;
     std::string text;
     std::vector<std::string> details;
 };
@@ -81,79 +81,80 @@ const std::vector<Damage>& damages() {
     static const std::vector<Damage> all{
         {"StoreCannotBeRead",
          damaged(enforced({}), [](auto& watch) { watch.storeProblem = "no such table"; }),
-         Kind::Store,
+         FindingKind::Store,
          "the stored accounts cannot be read: no such table",
          {}},
         {"StoreIsMissing",
          damaged(enforced({}), [](auto& watch) { watch.hasStore = false; }),
-         Kind::Store,
+         FindingKind::Store,
          "the service administers the device, but its store is missing",
          {}},
         {"NotAdministered",
-         damaged(enforced({account(2, pin)}),
+         damaged(enforced({accountWith(2, pin)}),
                  [](auto& watch) {
                      watch.isAdministered = false;
                      hold(watch, "minimum_length", 0);
                  }),
-         Kind::Administrator,
+         FindingKind::Administrator,
          "the service does not administer the device",
          {"account 2 wants minimum_length 6, the device holds 0"}},
         {"RefusedRule",
-         damaged(enforced({account(1, {{"allow_wifi", 0}})}),
+         damaged(enforced({accountWith(1, {{"allow_wifi", 0}})}),
                  [](auto& watch) {
                      hold(watch, "wifi_state", 1);
                      watch.refused = {7};
                  }),
-         Kind::Refused,
+         FindingKind::Refused,
          "the device refused wifi_state",
          {"account 1 wants wifi_state 0, the device holds 1"}},
         {"ChangedRule",
-         damaged(enforced({account(1, {{"max_inactivity_time_device_lock", 60}})}),
+         damaged(enforced({accountWith(1, {{"max_inactivity_time_device_lock", 60}})}),
                  [](auto& watch) { hold(watch, "max_inactivity_time_device_lock", 0); }),
-         Kind::Changed,
+         FindingKind::Changed,
          "something else changed max_inactivity_time_device_lock, or the service has not enforced it yet",
          {"account 1 wants max_inactivity_time_device_lock 60, the device holds 0"}},
         {"SimplePasswordsGetThrough",
-         damaged(enforced({account(1, {{"device_password_enabled", 1}, {"allow_simple_password", 0}})}),
+         damaged(enforced({accountWith(1, {{"device_password_enabled", 1}, {"allow_simple_password", 0}})}),
                  [](auto& watch) { hold(watch, "quality", 33); }),
-         Kind::Changed,
+         FindingKind::Changed,
          "something else changed quality, or the service has not enforced it yet",
          {"account 1 wants quality 32, the device holds 33"}},
         {"NegativeValueWins",
-         enforced({account(1, {{"device_password_expiration", -5}}), account(2, {{"device_password_expiration", 30}})}),
-         Kind::OddValue,
+         enforced({accountWith(1, {{"device_password_expiration", -5}}),
+                   accountWith(2, {{"device_password_expiration", 30}})}),
+         FindingKind::OddValue,
          "account 1: device_password_expiration is negative",
          {"account 2 wants expires 30, the device holds -5"}},
         {"TextInsteadOfANumber",
-         enforced({account(3, {{"device_password_enabled", std::string("yes")}})}),
-         Kind::OddValue,
+         enforced({accountWith(3, {{"device_password_enabled", std::string("yes")}})}),
+         FindingKind::OddValue,
          "account 3: device_password_enabled is not a number, which counts as 0",
          {}},
         {"SmallestHistoryWins",
-         enforced({account(1, {{"device_password_history", 8}}), account(2, {{"device_password_history", 2}})}),
-         Kind::Merge,
+         enforced({accountWith(1, {{"device_password_history", 8}}), accountWith(2, {{"device_password_history", 2}})}),
+         FindingKind::Merge,
          "device_password_history of account 2 wins: the smallest value other than 0, which means no limit",
          {"account 1 wants history 8, the device holds 2"}},
         {"LockWasRemoved",
-         damaged(enforced({account(1, pin)}), [](auto& watch) { watch.lockType = 0; }),
-         Kind::Lock,
+         damaged(enforced({accountWith(1, pin)}), [](auto& watch) { watch.lockType = 0; }),
+         FindingKind::Lock,
          "the lock that the accounts demand was removed or weakened",
          {}},
         {"NotEncrypted",
-         damaged(enforced({account(1, {{"require_device_encryption", 1}})}),
+         damaged(enforced({accountWith(1, {{"require_device_encryption", 1}})}),
                  [](auto& watch) {
                      watch.cryptoState = "unencrypted";
                      hold(watch, "internal_storage_encryption", 1);
                  }),
-         Kind::Encryption,
+         FindingKind::Encryption,
          "the internal storage is not encrypted",
          {}},
         {"AccountNeverArrived",
-         damaged(enforced({account(1, pin)}),
+         damaged(enforced({accountWith(1, pin)}),
                  [](auto& watch) {
                      watch.connected = {1, 4};
                  }),
-         Kind::MissingAccount,
+         FindingKind::MissingAccount,
          "account 4 has a policy of its server that never arrived, or was lost",
          {}},
     };
@@ -192,7 +193,7 @@ TEST(Findings, OnlyAWeakerHistoryIsFoundInLegalPolicies) {
         std::vector<StoredAccount> accounts;
         std::set<int> histories;
         for (int id = 1; id <= 1 + static_cast<int>(random() % 4); ++id) {
-            auto stored = account(id);
+            auto stored = accountWith(id);
             for (auto& [column, value] : stored) {
                 value = column == "account_id" ? Value(id) : Value(legalValue(column, random));
             }
@@ -204,7 +205,7 @@ TEST(Findings, OnlyAWeakerHistoryIsFoundInLegalPolicies) {
         const auto findings = findingsOf(enforced(accounts));
 
         ASSERT_EQ(findings.size(), histories.size() > 1 ? 1U : 0U) << findingsText(findings);
-        ASSERT_TRUE(findings.empty() || findings[0].kind == Kind::Merge) << findingsText(findings);
+        ASSERT_TRUE(findings.empty() || findings[0].kind == FindingKind::Merge) << findingsText(findings);
     }
 }
 

@@ -41,7 +41,7 @@ HttpReply phase1() {
                                    "<DevicePasswordEnabled>1</DevicePasswordEnabled></EASProvisionDoc></Data>"));
 }
 
-ServerAccount account(int version) {
+ServerAccount serverAccount(int version) {
     ServerAccount account;
     account.url = "https://mail.example.com/Microsoft-Server-ActiveSync";
     account.user = "bob";
@@ -64,7 +64,7 @@ std::string refusal(Act act) {
 
 TEST(Handshake, HighestCommonVersionIsChosenAndThePolicyAskedForWithKeyZero) {
     ScriptedTransport server({http(200, {{"ms-asprotocolversions", "2.5,12.0, 12.1,14.0,14.1,99.0"}}), phase1()});
-    auto bob = account(0);
+    auto bob = serverAccount(0);
     const auto demand = Handshake(server, bob, "pass:wörd").connect(std::nullopt);
     EXPECT_EQ(demand.kind, Kind::Policy);
     EXPECT_EQ(demand.temporaryKey, "11");
@@ -81,12 +81,12 @@ TEST(Handshake, HighestCommonVersionIsChosenAndThePolicyAskedForWithKeyZero) {
 TEST(Handshake, DeviceDescribesItselfWhereTheVersionAllowsOrTheServerInsists) {
     for (const auto& [version, isDescribed] : {std::pair(121, false), {140, false}, {141, true}, {161, true}}) {
         ScriptedTransport server({phase1()});
-        auto bob = account(version);
+        auto bob = serverAccount(version);
         Handshake(server, bob, "").askForPolicy();
         EXPECT_EQ(server.document(0).child("DeviceInformation") != nullptr, isDescribed) << version;
     }
     ScriptedTransport server({provision("<Status>165</Status>"), phase1()});
-    auto bob = account(140);
+    auto bob = serverAccount(140);
     EXPECT_EQ(Handshake(server, bob, "").askForPolicy().kind, Kind::Policy);
     EXPECT_NE(server.document(1).child("DeviceInformation"), nullptr);
 }
@@ -94,7 +94,7 @@ TEST(Handshake, DeviceDescribesItselfWhereTheVersionAllowsOrTheServerInsists) {
 TEST(Handshake, AcknowledgementCarriesTheTemporaryKeyAndBringsTheFinalOne) {
     ScriptedTransport server(
         {provision("<Status>1</Status>" + policy(type + "<Status>1</Status><PolicyKey>22</PolicyKey>"))});
-    auto bob = account(141);
+    auto bob = serverAccount(141);
     EXPECT_TRUE(Handshake(server, bob, "").acknowledge("11", Compliance::Partly).isAccepted);
     EXPECT_EQ(bob.policyKey, "22");
     EXPECT_EQ(server.header(0, "X-MS-PolicyKey"), "11");
@@ -112,14 +112,14 @@ TEST(Handshake, AcknowledgementCarriesTheTemporaryKeyAndBringsTheFinalOne) {
 }
 
 TEST(Handshake, AnswersToAnAcknowledgementAreToldApart) {
-    struct Row {
+    struct AnswerRow {
         HttpReply reply;
         Compliance compliance;
         bool isAccepted;
         bool isOutdated;
         const char* words;
     };
-    const Row rows[] = {
+    const AnswerRow rows[] = {
         {provision("<Status>1</Status>" + policy(type + "<Status>5</Status><PolicyKey>11</PolicyKey>")),
          Compliance::Applied, false, true, "Status of the policy 5"},
         {provision("<Status>1</Status>" + policy("<Status>2</Status>")), Compliance::Refused, true, false, ""},
@@ -132,7 +132,7 @@ TEST(Handshake, AnswersToAnAcknowledgementAreToldApart) {
     };
     for (const auto& row : rows) {
         ScriptedTransport server({row.reply});
-        auto bob = account(141);
+        auto bob = serverAccount(141);
         const auto answer = Handshake(server, bob, "").acknowledge("11", row.compliance);
         EXPECT_EQ(answer.isAccepted, row.isAccepted) << row.words;
         EXPECT_EQ(answer.isOutdated, row.isOutdated) << row.words;
@@ -151,20 +151,20 @@ TEST(Handshake, RefreshAsksForThePolicyOnlyWhenTheServerWantsIt) {
         http(449, {}, encodeWbxml({"FolderHierarchy:", "FolderSync", "", {{"AirSync:", "Status", "142", {}}}}))};
     for (const auto& wish : wishes) {
         ScriptedTransport server({wish, phase1()});
-        auto bob = account(141);
+        auto bob = serverAccount(141);
         EXPECT_EQ(Handshake(server, bob, "").refresh().kind, Kind::Policy);
         EXPECT_EQ(server.header(0, "X-MS-PolicyKey"), "7");
         EXPECT_EQ(server.header(1, "X-MS-PolicyKey"), "0");
     }
     ScriptedTransport server({folderSync(1)});
-    auto bob = account(141);
+    auto bob = serverAccount(141);
     EXPECT_EQ(Handshake(server, bob, "").refresh().kind, Kind::Nothing);
 }
 
 TEST(Handshake, ServerThatNeverIsContentIsGivenUp) {
     for (const auto& again : {http(449), provision("<Status>144</Status>")}) {
         ScriptedTransport server({http(449), again, again, phase1()});
-        auto bob = account(121);
+        auto bob = serverAccount(121);
         EXPECT_NE(refusal([&] { Handshake(server, bob, "").refresh(); }).find("again and again"), std::string::npos);
         EXPECT_EQ(server.requests.size(), 3U);
     }
@@ -180,14 +180,14 @@ TEST(Handshake, OrderToWipeWinsOverThePolicyBesideIt) {
     };
     for (const auto& [reply, kind] : rows) {
         ScriptedTransport server({http(403), reply});
-        auto bob = account(121);
+        auto bob = serverAccount(121);
         EXPECT_EQ(Handshake(server, bob, "").refresh().kind, kind);
     }
 }
 
 TEST(Handshake, ReportOfAWipeNeedsNoAnswer) {
     ScriptedTransport server({});
-    auto bob = account(161);
+    auto bob = serverAccount(161);
     Handshake(server, bob, "").reportWipe(WipeOrder::Account);
     EXPECT_EQ(server.document(0).at({"AccountOnlyRemoteWipe", "Status"})->text, "1");
 }
@@ -197,7 +197,7 @@ TEST(Handshake, UserWithoutAPolicyIsNoError) {
          {"<Status>2</Status>", "<PolicyType>MS-EAS-Provisioning-WBXML</PolicyType><Status>2</Status>",
           "<Status>2</Status><PolicyKey>5</PolicyKey>"}) {
         ScriptedTransport server({provision("<Status>1</Status>" + policy(content))});
-        auto bob = account(141);
+        auto bob = serverAccount(141);
         EXPECT_EQ(Handshake(server, bob, "").askForPolicy().kind, Kind::NoPolicy);
     }
 }
@@ -223,7 +223,7 @@ TEST(Handshake, WhatCannotBeUsedIsToldInWords) {
     };
     for (const auto& [reply, words] : rows) {
         ScriptedTransport server({reply});
-        auto bob = account(141);
+        auto bob = serverAccount(141);
         const auto told = refusal([&server, &bob] { Handshake(server, bob, "").askForPolicy(); });
         EXPECT_NE(told.find(words), std::string::npos) << "said: " << told << ", not: " << words;
     }
@@ -233,7 +233,7 @@ TEST(Handshake, ServerMovesAndPausesAreFollowed) {
     ScriptedTransport server({http(451, {{"x-ms-location", "https://other.example.com/eas"}}),
                               http(503, {{"retry-after", "9"}}), http(503), http(503, {{"retry-after", "0"}}),
                               phase1()});
-    auto bob = account(141);
+    auto bob = serverAccount(141);
     EXPECT_EQ(Handshake(server, bob, "").askForPolicy().kind, Kind::Policy);
     EXPECT_EQ(bob.url, "https://other.example.com/eas");
     EXPECT_EQ(server.pauses, (std::vector<int>{9, 4, 1}));
@@ -244,7 +244,7 @@ TEST(Handshake, CookiesGoBackFromVersion16On) {
         auto first = phase1();
         first.cookies = {{"a", "1"}, {"b", "2"}};
         ScriptedTransport server({first, phase1()});
-        auto bob = account(version);
+        auto bob = serverAccount(version);
         Handshake(server, bob, "").askForPolicy();
         Handshake(server, bob, "").askForPolicy();
         EXPECT_EQ(server.header(1, "Cookie"), cookie) << version;
@@ -263,7 +263,7 @@ TEST(Handshake, OldestVersionBringsItsPolicyAsXml) {
                                                 "<PolicyKey>11</PolicyKey><Data><![CDATA[" +
                                                 xml + "]]></Data>"));
     ScriptedTransport server({reply});
-    auto bob = account(25);
+    auto bob = serverAccount(25);
     std::string read;
     for (const auto& element : Handshake(server, bob, "").askForPolicy().elements) {
         read += element.name + "=" + element.value + " ";
@@ -287,7 +287,7 @@ TEST(Handshake, RecordedRepliesAreUnderstood) {
     };
     for (const auto& [refusal, reply, kind] : rows) {
         ScriptedTransport server({refusal, http(200, {}, bytesOf(reply))});
-        auto bob = account(141);
+        auto bob = serverAccount(141);
         const auto demand = Handshake(server, bob, "").refresh();
         EXPECT_EQ(demand.kind, kind);
         EXPECT_EQ(demand.temporaryKey, kind == Kind::Policy ? "1920109130" : "");

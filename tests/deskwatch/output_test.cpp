@@ -58,6 +58,7 @@ protected:
                 {"import", sample("provision-hardened.xml")},
                 {"lint", std::string(SOURCE_FOLDER) + "/tests/schema/odd/misspelt_member.json"},
                 {"fault"},
+                {"panel", "--no-browser"},
                 {"ls"},
                 {"replay", std::string(SOURCE_FOLDER) + "/tests/recordings/wearer-story.jsonl"},
                 {"mail", "connect", server, "--user", "bob", "--account", "7", "--no-wait"},
@@ -87,7 +88,7 @@ TEST_F(Output, EveryCommandFailsWhenItsOutputCannotBeWritten) {
             << call[0] << ": " << outcome.errors;
     }
     EXPECT_EQ(silent, (Words{"popup ok", "popup sync-off", "popup dismiss", "tutorial done", "tutorial start", "launch",
-                             "key set", "event", "exchange order", "record"}))
+                             "kill", "key set", "event", "exchange order", "record"}))
         << "each other command is called above";
     EXPECT_EQ(deskwatchProgram({"status", "--help"}, "/dev/full").status, 1);
 }

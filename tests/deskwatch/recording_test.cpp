@@ -13,7 +13,7 @@ namespace {
 constexpr std::chrono::seconds deadline{20};
 constexpr std::chrono::milliseconds lookAgain{10};
 
-std::string contents(const std::filesystem::path& file) {
+std::string textOf(const std::filesystem::path& file) {
     std::ifstream stream(file);
     return {std::istreambuf_iterator<char>(stream), {}};
 }
@@ -27,7 +27,7 @@ public:
             g_subprocess_new(G_SUBPROCESS_FLAGS_NONE, &error, DESKWATCH_PROGRAM, "record", file.c_str(), nullptr));
         EXPECT_NE(process_, nullptr) << c::takeMessage(error);
         const auto end = std::chrono::steady_clock::now() + deadline;
-        while (contents(file).find('\n') == std::string::npos && std::chrono::steady_clock::now() < end) {
+        while (textOf(file).find('\n') == std::string::npos && std::chrono::steady_clock::now() < end) {
             g_usleep(std::chrono::microseconds(lookAgain).count());
         }
     }
@@ -69,7 +69,7 @@ protected:
 
 TEST_F(Recordings, WearersStoryReplaysWithEveryEffectEqual) {
     const auto file = recordStory();
-    const auto text = contents(file);
+    const auto text = textOf(file);
     EXPECT_NE(text.find(R"({"in":"reply","from":"com.velmor.tesk-popup","extraData":{"result":"ok"}})"),
               std::string::npos)
         << text;
@@ -85,7 +85,7 @@ TEST_F(Recordings, WearersStoryReplaysWithEveryEffectEqual) {
 
 TEST_F(Recordings, ReplayNamesTheLineOfTheFirstEffectThatDiffers) {
     const auto file = recordStory();
-    auto text = contents(file);
+    auto text = textOf(file);
     const std::string effect = R"("/dpm/password/minimum-length","value":6)";
     const auto place = text.find(effect);
     ASSERT_NE(place, std::string::npos);
@@ -102,7 +102,7 @@ TEST_F(Recordings, ReplayNamesTheLineOfTheFirstEffectThatDiffers) {
 }
 
 TEST_F(Recordings, ReplayFindsEachKindOfDifferenceWhereItIsFirst) {
-    const std::string recorded = contents(std::string(SOURCE_FOLDER) + "/tests/recordings/wearer-story.jsonl");
+    const std::string recorded = textOf(std::string(SOURCE_FOLDER) + "/tests/recordings/wearer-story.jsonl");
     const auto lineOf = [](const std::string& text, std::size_t place) {
         return 1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(place), '\n');
     };
@@ -157,7 +157,7 @@ TEST_F(Recordings, EndOfTheServiceIsReplayed) {
     recording.interrupt();
     EXPECT_EQ(recording.status(), 0);
 
-    const auto text = contents(file);
+    const auto text = textOf(file);
     EXPECT_NE(text.find(R"({"in":"end","application":"com.velmor.tesk-agent"})"), std::string::npos);
     EXPECT_NE(text.find(R"("msg":"2\u001aff")"), std::string::npos) << text;
     EXPECT_EQ(run({"replay", file.string()}).find("all "), 0U);

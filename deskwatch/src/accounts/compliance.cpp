@@ -32,9 +32,8 @@ std::vector<std::string> differing(const ComplianceFacts& facts, std::size_t fro
 
 /// Whether an element asks for something that the watch does not do.
 bool isOnlyStored(const ProvisioningElement& element) {
-    const auto* const rule = std::find_if(elementRules.begin(), elementRules.end(),
-                                          [&element](const ElementRule& row) { return element.name == row.name; });
-    if (rule == elementRules.end()) {
+    const auto* const rule = elementRule(element.name);
+    if (rule == nullptr) {
         return element.isList &&
                std::any_of(otherElements.begin(), otherElements.end(), [&element](const OtherElement& row) {
                    return element.name == row.name && row.support == Support::NotDeliverable;

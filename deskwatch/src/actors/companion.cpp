@@ -31,7 +31,7 @@ struct Launch {
     app_control_h waiting = nullptr;
 };
 
-struct Message {
+struct ReceivedMessage {
     std::string sender;
     Entries entries;
 };
@@ -61,8 +61,8 @@ Launch readLaunch(app_control_h request) {
     return launch;
 }
 
-Message readMessage(const char* sender, bundle* message) {
-    Message result{sender != nullptr ? sender : "", {}};
+ReceivedMessage receivedMessage(const char* sender, bundle* message) {
+    ReceivedMessage result{sender != nullptr ? sender : "", {}};
     for (const char* key : {"req", "msg"}) {
         char* text = nullptr;
         if (bundle_get_str(message, key, &text) == BUNDLE_ERROR_NONE && text != nullptr) {
@@ -73,7 +73,7 @@ Message readMessage(const char* sender, bundle* message) {
 }
 
 /// What the service tells only once has to be known after this process has ended.
-void countStop(const Message& message) {
+void countStop(const ReceivedMessage& message) {
     if (!message.entries.empty() &&
         message.entries.front() == std::pair<std::string, std::string>("req", stopSynchronising)) {
         countSynchronisationStop(takeText(app_get_data_path()));
@@ -101,7 +101,7 @@ private:
     bool answer(const char* result);
 
     std::vector<Launch> launches_;
-    std::vector<Message> messages_;
+    std::vector<ReceivedMessage> messages_;
     c::ObjectOwner<TeskDeskCompanion> object_{tesk_desk_companion_skeleton_new()};
 };
 
@@ -144,7 +144,7 @@ void Companion::onLaunch(app_control_h request, void* self) {
 void Companion::onMessage(int /*port*/, const char* sender, const char* /*senderPort*/, bool /*trusted*/,
                           bundle* message, void* self) {
     auto& companion = *static_cast<Companion*>(self);
-    companion.messages_.push_back(readMessage(sender, message));
+    companion.messages_.push_back(receivedMessage(sender, message));
     countStop(companion.messages_.back());
     tesk_desk_companion_emit_changed(companion.object_.get());
 }

@@ -6,7 +6,7 @@
 namespace deskwatch {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 const char* nameOf(Finding::Kind kind) {
     switch (kind) {
@@ -49,7 +49,7 @@ std::string findingsText(const std::vector<Finding>& findings) {
 }
 
 std::string findingsJson(const std::vector<Finding>& findings) {
-    Json object{{"findings", Json::array()}};
+    OrderedJson object{{"findings", OrderedJson::array()}};
     for (const auto& finding : findings) {
         object["findings"].push_back(
             {{"kind", nameOf(finding.kind)}, {"text", finding.text}, {"details", finding.details}});

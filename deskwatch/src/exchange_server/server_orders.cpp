@@ -68,11 +68,11 @@ void requireValid(const ServerOrder& order, const OrderRow* row) {
 }
 
 std::string provisionWith(const std::string& status, const std::string& policyStatus) {
-    using Elements = std::vector<WbxmlElement>;
-    Elements content{provisionElement("Status", status)};
+    std::vector<WbxmlElement> content{provisionElement("Status", status)};
     if (!policyStatus.empty()) {
         content.push_back(provisionElement(
-            "Policies", Elements{provisionElement("Policy", Elements{provisionElement("Status", policyStatus)})}));
+            "Policies", std::vector<WbxmlElement>{provisionElement(
+                            "Policy", std::vector<WbxmlElement>{provisionElement("Status", policyStatus)})}));
     }
     return encodeWbxml(provisionElement("Provision", std::move(content)));
 }

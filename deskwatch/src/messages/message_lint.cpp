@@ -17,7 +17,7 @@ namespace {
 using Kind = LocatedJson::Kind;
 using Names = std::vector<std::string_view>;
 
-std::string quoted(std::string_view name) {
+std::string inQuotes(std::string_view name) {
     return "\"" + std::string(name) + "\"";
 }
 
@@ -90,10 +90,10 @@ private:
         std::map<std::string, std::size_t> seen;
         for (const auto& [name, value] : object.members) {
             if (const auto [first, isFirst] = seen.emplace(name, value.line); !isFirst) {
-                remark(value.line, quoted(name) + " is given in line " + std::to_string(first->second) +
+                remark(value.line, inQuotes(name) + " is given in line " + std::to_string(first->second) +
                                        " already; the later one counts");
             } else if (std::find(known.begin(), known.end(), name) == known.end()) {
-                remark(value.line, quoted(name) + " is not a member" + didYouMean(name, known));
+                remark(value.line, inQuotes(name) + " is not a member" + didYouMean(name, known));
             }
         }
     }
@@ -122,11 +122,11 @@ private:
     const LocatedJson* expect(const LocatedJson& object, std::string_view name, Kind kind, const std::string& words) {
         const auto* const value = object.find(std::string(name));
         if (value == nullptr) {
-            remark(object.line, quoted(name) + " is missing; it is " + words);
+            remark(object.line, inQuotes(name) + " is missing; it is " + words);
             return nullptr;
         }
         if (value->kind != kind) {
-            remark(value->line, quoted(name) + " is " + value->shown() + "; it is " + words);
+            remark(value->line, inQuotes(name) + " is " + value->shown() + "; it is " + words);
             return nullptr;
         }
         return value;
@@ -172,7 +172,7 @@ private:
             return std::nullopt;
         }
         if (id->integer < 1 || id->integer > std::numeric_limits<std::int32_t>::max()) {
-            remark(id->line, quoted(kind.accountId) + " is " + id->shown() + "; it is " + range);
+            remark(id->line, inQuotes(kind.accountId) + " is " + id->shown() + "; it is " + range);
             return std::nullopt;
         }
         return id->integer;
@@ -188,10 +188,10 @@ private:
         for (const auto& member : policyMembers) {
             const auto* const value = policySet.find(std::string(member.name));
             if (value == nullptr) {
-                missing += (missing.empty() ? "" : ", ") + quoted(member.name);
+                missing += (missing.empty() ? "" : ", ") + inQuotes(member.name);
             } else if (!isRight(member, *value)) {
                 remark(value->line,
-                       quoted(member.name) + " is " + value->shown() + "; it should be " + rightValues(member));
+                       inQuotes(member.name) + " is " + value->shown() + "; it should be " + rightValues(member));
             }
         }
         if (!missing.empty()) {

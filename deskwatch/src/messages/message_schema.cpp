@@ -7,23 +7,23 @@
 namespace deskwatch {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 /// An object with one member. The library's braces would make an array of two texts.
-Json single(const char* name, const Json& value) {
-    Json object = Json::object();
+OrderedJson single(const char* name, const OrderedJson& value) {
+    OrderedJson object = OrderedJson::object();
     object[name] = value;
     return object;
 }
 
-Json described(Json schema, std::string_view words) {
+OrderedJson described(OrderedJson schema, std::string_view words) {
     schema["description"] = words;
     return schema;
 }
 
 /// An object with these members and no others, as far as the service is not more tolerant.
-Json objectSchema(Json members, Json required, Strictness strictness) {
-    Json object = single("type", "object");
+OrderedJson objectSchema(OrderedJson members, OrderedJson required, Strictness strictness) {
+    OrderedJson object = single("type", "object");
     object["properties"] = std::move(members);
     object["required"] = std::move(required);
     if (strictness == Strictness::Strict) {
@@ -32,7 +32,7 @@ Json objectSchema(Json members, Json required, Strictness strictness) {
     return object;
 }
 
-Json valueSchema(const PolicyMember& member) {
+OrderedJson valueSchema(const PolicyMember& member) {
     switch (member.type) {
     case MemberType::Flag:
         return single("type", "boolean");
@@ -42,39 +42,42 @@ Json valueSchema(const PolicyMember& member) {
         break;
     }
     if (member.least > 1) {
-        const Json range = Json::object({{"minimum", member.least}, {"maximum", member.most}});
-        return Json::object({{"type", "integer"}, {"anyOf", Json::array({single("const", 0), range})}});
+        const OrderedJson range = OrderedJson::object({{"minimum", member.least}, {"maximum", member.most}});
+        return OrderedJson::object({{"type", "integer"}, {"anyOf", OrderedJson::array({single("const", 0), range})}});
     }
-    return Json::object({{"type", "integer"}, {"minimum", 0}, {"maximum", member.most}});
+    return OrderedJson::object({{"type", "integer"}, {"minimum", 0}, {"maximum", member.most}});
 }
 
-Json policySetSchema(Strictness strictness) {
+OrderedJson policySetSchema(Strictness strictness) {
     const bool isStrict = strictness == Strictness::Strict;
-    Json schema{{"title", "Policy set"},
-                {"description", isStrict ? "What an account's server demands. A member that is left out counts as 0 or "
-                                           "false, so a missing allow... member forbids."
-                                         : "What the service takes: any values. One of another type counts as 0 or "
-                                           "false."}};
-    Json members = Json::object();
-    Json names = Json::array();
+    OrderedJson schema{
+        {"title", "Policy set"},
+        {"description", isStrict ? "What an account's server demands. A member that is left out counts as 0 or "
+                                   "false, so a missing allow... member forbids."
+                                 : "What the service takes: any values. One of another type counts as 0 or "
+                                   "false."}};
+    OrderedJson members = OrderedJson::object();
+    OrderedJson names = OrderedJson::array();
     for (const auto& member : policyMembers) {
-        members[std::string(member.name)] = described(isStrict ? valueSchema(member) : Json::object(), member.words);
+        members[std::string(member.name)] =
+            described(isStrict ? valueSchema(member) : OrderedJson::object(), member.words);
         names.push_back(member.name);
     }
-    schema.update(objectSchema(std::move(members), isStrict ? names : Json::array(), strictness));
+    schema.update(objectSchema(std::move(members), isStrict ? names : OrderedJson::array(), strictness));
     return schema;
 }
 
-Json text(std::string_view words) {
+OrderedJson text(std::string_view words) {
     return described(single("type", "string"), words);
 }
 
-Json accountSchema(const MessageKind& kind, Strictness strictness) {
-    Json members = Json::object();
-    Json required = Json::array({kind.accountId});
-    members[std::string(kind.accountId)] = described(
-        Json::object({{"type", "integer"}, {"minimum", 1}, {"maximum", std::numeric_limits<std::int32_t>::max()}}),
-        "The account's id, from 1");
+OrderedJson accountSchema(const MessageKind& kind, Strictness strictness) {
+    OrderedJson members = OrderedJson::object();
+    OrderedJson required = OrderedJson::array({kind.accountId});
+    members[std::string(kind.accountId)] =
+        described(OrderedJson::object(
+                      {{"type", "integer"}, {"minimum", 1}, {"maximum", std::numeric_limits<std::int32_t>::max()}}),
+                  "The account's id, from 1");
     if (strictness == Strictness::Strict) {
         members["accountName"] = text("The account's name, an e-mail address; shown in the popup");
         required.push_back("accountName");
@@ -90,15 +93,15 @@ Json accountSchema(const MessageKind& kind, Strictness strictness) {
     return objectSchema(std::move(members), std::move(required), strictness);
 }
 
-Json accountsSchema(const MessageKind& kind, Strictness strictness) {
+OrderedJson accountsSchema(const MessageKind& kind, Strictness strictness) {
     return {{"type", "array"},
             {"description", kind.accounts == "accountId" ? "The accounts, despite the member's name" : "The accounts"},
             {"items", accountSchema(kind, strictness)}};
 }
 
-Json messageSchema(const MessageKind& kind, Strictness strictness) {
-    Json members = single("msgId", single("const", kind.id));
-    Json required = Json::array({"msgId"});
+OrderedJson messageSchema(const MessageKind& kind, Strictness strictness) {
+    OrderedJson members = single("msgId", single("const", kind.id));
+    OrderedJson required = OrderedJson::array({"msgId"});
     if (strictness == Strictness::Strict) {
         members["seqId"] = described(single("type", "integer"), "The sender's own number; not read");
     }
@@ -108,21 +111,21 @@ Json messageSchema(const MessageKind& kind, Strictness strictness) {
         }
         return objectSchema(std::move(members), std::move(required), strictness);
     }
-    const Json accounts = single(std::string(kind.accounts).c_str(), accountsSchema(kind, strictness));
+    const OrderedJson accounts = single(std::string(kind.accounts).c_str(), accountsSchema(kind, strictness));
     if (kind.holder.empty()) {
         members.update(accounts);
         required.push_back(kind.accounts);
     } else {
-        members[std::string(kind.holder)] = objectSchema(accounts, Json::array({kind.accounts}), strictness);
+        members[std::string(kind.holder)] = objectSchema(accounts, OrderedJson::array({kind.accounts}), strictness);
         required.push_back(kind.holder);
     }
-    Json message = objectSchema(std::move(members), std::move(required), strictness);
+    OrderedJson message = objectSchema(std::move(members), std::move(required), strictness);
     message["$defs"] = single("policySet", policySetSchema(strictness));
     return message;
 }
 
-SchemaFile schemaFile(const std::string& name, const Json& head, const Json& body) {
-    Json schema{{"$schema", "https://json-schema.org/draft/2020-12/schema"}, {"$id", name}};
+SchemaFile schemaFile(const std::string& name, const OrderedJson& head, const OrderedJson& body) {
+    OrderedJson schema{{"$schema", "https://json-schema.org/draft/2020-12/schema"}, {"$id", name}};
     schema.update(head);
     schema.update(body);
     return {name, schema.dump(2) + "\n"};
@@ -132,7 +135,7 @@ SchemaFile schemaFile(const std::string& name, const Json& head, const Json& bod
 
 std::vector<SchemaFile> schemaFiles() {
     std::vector<SchemaFile> files{
-        schemaFile("policy-set.schema.json", Json::object(), policySetSchema(Strictness::Strict))};
+        schemaFile("policy-set.schema.json", OrderedJson::object(), policySetSchema(Strictness::Strict))};
     for (const auto& kind : messageKinds) {
         const std::string id(kind.id);
         files.push_back(schemaFile(id + ".schema.json", {{"title", kind.title}, {"description", kind.description}},

@@ -55,7 +55,7 @@ struct PolicyMember {
     std::string_view words;
 };
 
-inline constexpr int anyNumber = std::numeric_limits<int>::max();
+inline constexpr int noMaximum = std::numeric_limits<int>::max();
 
 /// The numbers that the mail application writes for the kind of a password.
 inline constexpr std::array<int, 4> passwordModes{0, 32, 64, 96};
@@ -90,7 +90,7 @@ inline constexpr std::array<PolicyMember, 20> policyMembers{{
     {"maxDevicePasswordFailedAttempts", MemberType::Number, 4, 16, "max_device_password_failed_attempts",
      "maximum_failed_attempts_for_wipe", "MaxDevicePasswordFailedAttempts",
      "Wrong attempts before the watch wipes itself; 0: no limit of the account's own"},
-    {"maxInactivityTimeDeviceLock", MemberType::Number, 0, anyNumber, "max_inactivity_time_device_lock",
+    {"maxInactivityTimeDeviceLock", MemberType::Number, 0, noMaximum, "max_inactivity_time_device_lock",
      "max_inactivity_time_device_lock", "MaxInactivityTimeDeviceLock",
      "Seconds without use until the watch locks; 0: no limit"},
     {"minDevicePasswordLength", MemberType::Number, 1, 16, "min_device_password_length", "minimum_length",

@@ -2,6 +2,7 @@
 #define DESKWATCH_ELEMENT_RULE_H
 
 #include <limits>
+#include <string_view>
 
 namespace deskwatch {
 
@@ -34,6 +35,9 @@ struct OtherElement {
 };
 
 inline constexpr int anyNumber = std::numeric_limits<int>::max();
+
+/// The rule for an element of this name; null when neither the watch nor the protocol looks at its value.
+const ElementRule* elementRule(std::string_view name);
 
 } // namespace deskwatch
 

@@ -18,12 +18,6 @@ using Json = nlohmann::ordered_json;
 
 constexpr int alphanumericMode = 64;
 
-const ElementRule* ruleOf(const std::string& name) {
-    const auto* const rule = std::find_if(elementRules.begin(), elementRules.end(),
-                                          [&name](const ElementRule& candidate) { return name == candidate.name; });
-    return rule != elementRules.end() ? rule : nullptr;
-}
-
 /// A whole text as a number of 0 or more.
 std::optional<int> numberOf(const std::string& text) {
     int number = 0;
@@ -61,7 +55,7 @@ public:
 private:
     void take(const ProvisioningElement& element) {
         const auto [first, isFirst] = lines_.emplace(element.name, element.line);
-        const auto* const rule = ruleOf(element.name);
+        const auto* const rule = elementRule(element.name);
         if (!isFirst) {
             refuse(element, " is a duplicate of the one in line " + std::to_string(first->second));
         } else if (rule != nullptr) {
@@ -100,7 +94,8 @@ private:
 class PolicySet {
 public:
     PolicySet(const Values& values, bool keepsLimits)
-        : values_(values), ignoresPasswordRules_(!keepsLimits && values.of(*ruleOf("DevicePasswordEnabled")) == 0) {}
+        : values_(values),
+          ignoresPasswordRules_(!keepsLimits && values.of(*elementRule("DevicePasswordEnabled")) == 0) {}
 
     bool ignores(const ElementRule& rule) const { return rule.isPasswordRule && ignoresPasswordRules_; }
 
@@ -143,7 +138,7 @@ std::string remarkOf(const ProvisioningElement& element, const ElementRule& rule
 }
 
 ImportedElement imported(const ProvisioningElement& element, const PolicySet& policySet) {
-    const auto* const rule = ruleOf(element.name);
+    const auto* const rule = elementRule(element.name);
     if (rule == nullptr) {
         const auto* const other = std::find_if(otherElements.begin(), otherElements.end(),
                                                [&](const OtherElement& row) { return element.name == row.name; });

@@ -11,12 +11,6 @@
 namespace deskwatch {
 namespace {
 
-const ElementRule* ruleOf(const std::string& name) {
-    const auto* const rule = std::find_if(elementRules.begin(), elementRules.end(),
-                                          [&name](const ElementRule& candidate) { return name == candidate.name; });
-    return rule != elementRules.end() ? rule : nullptr;
-}
-
 /// The legal value that a text stands for; empty when it stands for none. Too large a number for the machine is still
 /// a large number.
 std::string legalValue(const std::string& text, const ElementRule& rule) {
@@ -39,7 +33,7 @@ ToleratedElements tolerated(const std::vector<ProvisioningElement>& elements) {
         if (!names.insert(element.name).second) {
             continue;
         }
-        const auto* const rule = ruleOf(element.name);
+        const auto* const rule = elementRule(element.name);
         const auto value = rule == nullptr || element.value.empty() ? element.value : legalValue(element.value, *rule);
         if (value != element.value) {
             result.remarks.push_back(element.name + " \"" + printable(element.value) + "\" is taken as " +
