@@ -88,7 +88,7 @@ TEST_F(Output, EveryCommandFailsWhenItsOutputCannotBeWritten) {
             << call[0] << ": " << outcome.errors;
     }
     EXPECT_EQ(silent, (Words{"popup ok", "popup sync-off", "popup dismiss", "tutorial done", "tutorial start", "launch",
-                             "kill", "key set", "event", "exchange order", "record"}))
+                             "key set", "event", "exchange order", "record", "kill"}))
         << "each other command is called above";
     EXPECT_EQ(deskwatchProgram({"status", "--help"}, "/dev/full").status, 1);
 }
