@@ -78,7 +78,7 @@ DeviceLayout::DeviceLayout(const fs::path& folder) : folder_(withoutTrailingSlas
 }
 
 fs::path DeviceLayout::socket() const {
-    const fs::path inside = folder_ / "bus";
+    fs::path inside = folder_ / "bus";
     if (inside.native().size() <= longestSocketPath) {
         return inside;
     }

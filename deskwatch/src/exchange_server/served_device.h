@@ -45,7 +45,7 @@ private:
 };
 
 /// A reply to Provision that only says a Status.
-WbxmlElement provisionStatus(int status);
+WbxmlElement provisionStatus(int number);
 
 } // namespace deskwatch
 

@@ -15,24 +15,24 @@ enum class Needs { Nothing, Number, Text };
 
 struct OrderRow {
     const char* name;
-    Needs needs;
     const char* effect;
+    Needs needs;
     /// Whether it changes the next answer, and is not about the devices.
     bool isDisturbance;
 };
 
 constexpr OrderRow orderRows[] = {
-    {"wipe", Needs::Nothing, "have the user's devices wiped", false},
-    {"account-wipe", Needs::Nothing, "have the account wiped from the user's devices", false},
-    {"forget", Needs::Nothing, "forget the user's devices, their wipe included", false},
-    {"http", Needs::Number, "answer the next request with this HTTP status", true},
-    {"status", Needs::Number, "answer the next request with this Status", true},
-    {"policy-status", Needs::Number, "answer the next request with this Status of the policy", true},
-    {"busy", Needs::Number, "answer the next request with 503 and this number of seconds to wait", true},
-    {"redirect", Needs::Text, "answer the next request with 451 and this URL", true},
-    {"slow", Needs::Number, "answer the next request after this number of seconds", true},
-    {"cut", Needs::Nothing, "break off in the middle of the next answer", true},
-    {"broken", Needs::Nothing, "spoil the WBXML of the next answer", true},
+    {"wipe", "have the user's devices wiped", Needs::Nothing, false},
+    {"account-wipe", "have the account wiped from the user's devices", Needs::Nothing, false},
+    {"forget", "forget the user's devices, their wipe included", Needs::Nothing, false},
+    {"http", "answer the next request with this HTTP status", Needs::Number, true},
+    {"status", "answer the next request with this Status", Needs::Number, true},
+    {"policy-status", "answer the next request with this Status of the policy", Needs::Number, true},
+    {"busy", "answer the next request with 503 and this number of seconds to wait", Needs::Number, true},
+    {"redirect", "answer the next request with 451 and this URL", Needs::Text, true},
+    {"slow", "answer the next request after this number of seconds", Needs::Number, true},
+    {"cut", "break off in the middle of the next answer", Needs::Nothing, true},
+    {"broken", "spoil the WBXML of the next answer", Needs::Nothing, true},
 };
 
 const OrderRow* rowOf(const std::string& name) {

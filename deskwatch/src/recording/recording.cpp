@@ -87,7 +87,7 @@ Recording recordingOf(const TraceEvent& head) {
 void requireKnown(const TraceEvent& event) {
     const bool isInput = event.is_object() && event.contains("in");
     if (!isInput && (!event.is_object() || !event.contains("out"))) {
-        throw std::runtime_error("it has neither \"in\" nor \"out\"");
+        throw std::runtime_error(R"(it has neither "in" nor "out")");
     }
     const char* const direction = isInput ? "in" : "out";
     const auto kind = event.at(direction).get<std::string>();
