@@ -68,7 +68,9 @@ TEST_F(Commands, ExplainCallsAnAccountWithTheMergedValueNoLoser) {
     text.replace(text.find("\"accountId\": 2"), 14, "\"accountId\": 9");
     run({"mail", "policy", write("twin.json", text).string()});
 
-    for (const auto& field : Json::parse(run({"explain", "--json"}))["fields"]) {
+    const auto explanation = Json::parse(run({"explain", "--json"}));
+    ASSERT_FALSE(explanation.at("fields").empty());
+    for (const auto& field : explanation.at("fields")) {
         EXPECT_TRUE(field["losers"].empty()) << field;
     }
 }

@@ -149,8 +149,9 @@ std::vector<Effect> effectsOfMessage(const Message& message, const RequestTraces
     }
     if (effects.empty()) {
         effects.push_back({Became::PassedOver, std::nullopt, "",
-                           message.hasAccounts ? "it names no account"
-                                               : "its \"" + std::string(message.kind->accounts) + "\" is no array"});
+                           message.hasAccounts
+                               ? "it names no account"
+                               : "its \"" + std::string(message.kind->accounts) + "\" is not an array"});
     }
     return effects;
 }
