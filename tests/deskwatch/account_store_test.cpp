@@ -25,7 +25,7 @@ MailAccount fullAccount() {
                       {{"a", "1"}},
                       true};
     account.elements = {{"AllowCamera", "0", false, 0}, {"ApprovedApplicationList", "", true, 0}};
-    account.message = "{\"msgId\":\"email-itpolicy-ind\"}";
+    account.message = R"({"msgId":"email-itpolicy-ind"})";
     account.pending = PendingPolicy{"17", 3, true};
     account.acknowledged = 2;
     return account;
@@ -77,7 +77,7 @@ TEST_F(TheAccountStore, SecondHandshakeOfAnAccountIsKeptOut) {
 }
 
 TEST(MailAccount, StateThatIsNoneIsRefused) {
-    for (const auto* const text : {"", "{}", "[1]", R"({"id":"2"})", "{\"id\":2,\"name\":1}"}) {
+    for (const auto* const text : {"", "{}", "[1]", R"({"id":"2"})", R"({"id":2,"name":1})"}) {
         EXPECT_THROW(readAccountJson(text), std::runtime_error) << text;
     }
 }

@@ -12,7 +12,7 @@ struct Row {
     int told;
 };
 
-ComplianceFacts policyOf(std::vector<std::pair<std::string, std::string>> elements) {
+ComplianceFacts policyOf(const std::vector<std::pair<std::string, std::string>>& elements) {
     ComplianceFacts facts;
     for (const auto& [name, value] : elements) {
         facts.elements.push_back({name, value, value == "list", 0});

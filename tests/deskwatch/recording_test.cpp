@@ -115,12 +115,12 @@ TEST_F(Recordings, ReplayFindsEachKindOfDifferenceWhereItIsFirst) {
     ASSERT_LT(write, launch);
 
     auto both = recorded; // a launch comes first by name, a write in time
-    both.replace(both.find("\"to\":\"", launch) + 6, 3, "xxx");
+    both.replace(both.find(R"("to":")", launch) + 6, 3, "xxx");
     both.replace(both.find("\"value\":", write) + 8, 1, "7");
     auto shorter = recorded;
     shorter.erase(last, recorded.find('\n', last) + 1 - last);
     auto elsewhere = recorded;
-    elsewhere.replace(elsewhere.find("\"to\":\"", launch) + 6, 3, "xxx");
+    elsewhere.replace(elsewhere.find(R"("to":")", launch) + 6, 3, "xxx");
 
     const std::string line = "line " + std::to_string(lineOf(recorded, write)) + ":\n";
     EXPECT_NE(replayed(both).find(line), std::string::npos) << replayed(both);

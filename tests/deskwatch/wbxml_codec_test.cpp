@@ -132,7 +132,7 @@ TEST(Wbxml, BadBytesAreRefusedAtTheirPlace) {
         {start + bytesOf("01"), "byte 7: an end without an element"},
         {start + bytesOf("03 31 00"), "byte 9: text outside of the elements"},
         {start + std::string(100'000, '\x45'), "byte 71: more than 64 levels"},
-        {start + "\x45" + std::string(100'000, '\x0B'), "byte 20007: more than 20000 elements"},
+        {start + std::string(1, '\x45') + std::string(100'000, '\x0B'), "byte 20007: more than 20000 elements"},
         {std::string(1'000'001, '\x03'), "byte 0: the document has 1000001 bytes; at most 1000000 are read"},
     };
     for (const auto& [bytes, expected] : rows) {

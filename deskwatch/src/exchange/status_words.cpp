@@ -90,7 +90,8 @@ std::string policyStatusWords(int status) {
 }
 
 bool asksForHandshake(int httpStatus, const std::optional<int>& status) {
-    return httpStatus == 449 || (status && *status >= 140 && *status <= 144);
+    const int code = status.value_or(0);
+    return httpStatus == 449 || (code >= 140 && code <= 144);
 }
 
 } // namespace deskwatch
