@@ -17,6 +17,11 @@ WbxmlElement folderSync() {
     return {"FolderHierarchy:", "FolderSync", "", {{"FolderHierarchy:", "SyncKey", "0", {}}}};
 }
 
+/// The Status of a reply, wherever it stands; 0 for none, which no server sends.
+int statusIn(const CommandReply& reply) {
+    return reply.document ? statusOf(*reply.document).value_or(0) : 0;
+}
+
 void requireUsable(const CommandReply& reply) {
     if (reply.httpStatus != 200) {
         throw std::runtime_error(httpWords(reply.httpStatus));
@@ -67,15 +72,15 @@ ServerDemand Handshake::connect(const std::optional<int>& version) {
 
 ServerDemand Handshake::refresh() {
     const auto reply = conversation_.command("FolderSync", folderSync(), account_.policyKey);
-    const auto status = reply.document ? statusOf(*reply.document) : std::nullopt;
+    const int status = statusIn(reply);
     // up to 12.1 an order to wipe may hide in 403
     if (asksForHandshake(reply.httpStatus, status) ||
         (reply.httpStatus == 403 && account_.version <= protocol::v12_1)) {
         return askForPolicy();
     }
     requireUsable(reply);
-    if (status && *status > 100) {
-        throw std::runtime_error(statusWords(*status));
+    if (status > 100) {
+        throw std::runtime_error(statusWords(status));
     }
     return {};
 }
@@ -84,7 +89,7 @@ ServerDemand Handshake::askForPolicy() {
     bool describesDevice = account_.version >= protocol::v14_1;
     for (int round = 0; round < mostRounds; ++round) {
         const auto reply = conversation_.command("Provision", policyRequest(account_.version, describesDevice), noKey);
-        const auto status = reply.document ? statusOf(*reply.document) : std::nullopt;
+        const int status = statusIn(reply);
         const bool wantsDescription = status == descriptionMissing && !describesDevice;
         const auto provision =
             reply.document ? readProvisionReply(*reply.document, account_.version) : ProvisionReply();
@@ -93,7 +98,7 @@ ServerDemand Handshake::askForPolicy() {
             return demandOf(provision);
         }
         if (round + 1 == mostRounds) {
-            throw std::runtime_error(status ? statusWords(*status) : httpWords(reply.httpStatus));
+            throw std::runtime_error(status != 0 ? statusWords(status) : httpWords(reply.httpStatus));
         }
         describesDevice = describesDevice || wantsDescription;
     }
@@ -103,13 +108,13 @@ ServerDemand Handshake::askForPolicy() {
 Acknowledged Handshake::acknowledge(const std::string& temporaryKey, Compliance compliance) {
     const auto reply =
         conversation_.command("Provision", acknowledgement(account_.version, temporaryKey, compliance), temporaryKey);
-    const auto status = reply.document ? statusOf(*reply.document) : std::nullopt;
+    const int status = statusIn(reply);
     if (asksForHandshake(reply.httpStatus, status)) {
-        return {false, status ? statusWords(*status) : httpWords(reply.httpStatus), true};
+        return {false, status != 0 ? statusWords(status) : httpWords(reply.httpStatus), true};
     }
     requireUsable(reply);
-    if (status && *status != 1) {
-        return {false, statusWords(*status), *status == 5};
+    if (status > 1) {
+        return {false, statusWords(status), status == 5};
     }
     const auto provision = readProvisionReply(*reply.document, account_.version);
     const bool isTaken = provision.policyStatus.value_or(1) == 1;

@@ -89,9 +89,8 @@ std::string policyStatusWords(int status) {
     return words(policyStatuses, "Status of the policy", status);
 }
 
-bool asksForHandshake(int httpStatus, const std::optional<int>& status) {
-    const int code = status.value_or(0);
-    return httpStatus == 449 || (code >= 140 && code <= 144);
+bool asksForHandshake(int httpStatus, int status) {
+    return httpStatus == 449 || (status >= 140 && status <= 144);
 }
 
 } // namespace deskwatch

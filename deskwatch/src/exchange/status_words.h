@@ -1,7 +1,6 @@
 #ifndef DESKWATCH_STATUS_WORDS_H
 #define DESKWATCH_STATUS_WORDS_H
 
-#include <optional>
 #include <string>
 
 namespace deskwatch {
@@ -16,7 +15,7 @@ std::string statusWords(int status);
 std::string policyStatusWords(int status);
 
 /// Whether a Status, or an HTTP status, asks for a new handshake.
-bool asksForHandshake(int httpStatus, const std::optional<int>& status);
+bool asksForHandshake(int httpStatus, int status);
 
 } // namespace deskwatch
 
