@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <exception>
 #include <fstream>
 #include <stdexcept>
 #include <system_error>
@@ -20,7 +21,11 @@ public:
             throw std::system_error(errno, std::generic_category(), "cannot become another user");
         }
     }
-    ~Disguise() { static_cast<void>(seteuid(0)); }
+    ~Disguise() {
+        if (seteuid(0) != 0) {
+            std::terminate(); // what follows needs root
+        }
+    }
     Disguise(const Disguise&) = delete;
     Disguise& operator=(const Disguise&) = delete;
 };

@@ -109,7 +109,7 @@ deskwatch off
 )";
 
 void writeMan(const CLI::App& program) {
-    std::cout << ".TH DESKWATCH 1\n.SH NAME\ndeskwatch \\- " << roff(program.get_description())
+    std::cout << ".TH DESKWATCH 1\n.ad l\n.SH NAME\ndeskwatch \\- " << roff(program.get_description())
               << "\n.SH SYNOPSIS\n.B deskwatch\n[\\-\\-device DIR] COMMAND [ARGUMENT...]\n.SH COMMANDS\n";
     visit(program, "", writeManCommand);
     std::cout << commonSections;
