@@ -89,7 +89,7 @@ TEST_F(WearerCommands, AnswerReachesTheServiceThatRunsNowAndNoneThatHasEnded) {
     const auto service = ProcessHandle::open(BusClient(device().busAddress()).daemon().processOf(ids::service).value());
     service->signal(SIGKILL);
     ASSERT_TRUE(service->waitForEnd(timeout));
-    EXPECT_EQ(deskwatchProgram({"popup", "ok"}).status, refused) << "who asked is no more";
+    EXPECT_EQ(deskwatchProgram({"popup", "ok"}).status, refused) << "the service that asked has ended";
     run({"bus", "ping"}); // the service starts, and asks anew
 
     run({"popup", "ok"});

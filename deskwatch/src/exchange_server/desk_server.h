@@ -27,7 +27,7 @@ public:
     /// Without a password, everyone is whom he claims to be.
     DeskServer(ServedPolicies policies, std::string versions, std::optional<std::string> password);
 
-    /// Answers any request. Throws nothing but what the library throws when there is no memory.
+    /// Answers any request. Throws only std::bad_alloc.
     ServerAnswer answer(const ServerRequest& request);
 
     /// Throws std::runtime_error when there is no such order, with the list of them, or its value is wrong.

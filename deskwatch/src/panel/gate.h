@@ -66,7 +66,7 @@ private:
     const PanelSecrets& secrets_;
 };
 
-/// What is behind a path below the folder; an action is sent by POST, all else is read by GET.
+/// What a path below the folder serves; an action is sent by POST, everything else is read by GET.
 bool isActionPath(std::string_view name);
 
 } // namespace deskwatch

@@ -23,7 +23,7 @@ const xmlChar* xmlText(const std::string& text) {
     return reinterpret_cast<const xmlChar*>(text.c_str());
 }
 
-/// What the library made; null means that there is no memory.
+/// What the library made; null means out of memory.
 template <class Type>
 Type* made(Type* object) {
     if (object == nullptr) {
