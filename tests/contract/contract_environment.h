@@ -35,7 +35,7 @@ namespace remote {
 inline constexpr char id[] = "com.example.remote";
 inline constexpr char port[] = "control";
 
-/// Starts it, anew after its end, and returns when its port is open. False where that cannot be done.
+/// Starts it, anew after its end, and returns when its port takes messages. False where that cannot be done.
 [[nodiscard]] bool start();
 
 /// Lets it write a shared key. False where that cannot be done.

@@ -41,6 +41,17 @@ bool awaitRemotePort(bool open) {
     return isOpen == open;
 }
 
+/// An open port takes messages once its application's main loop runs, and it answers from there.
+bool awaitRemoteMainLoop() {
+    const c::ObjectOwner<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
+    const c::VariantOwner answer(
+        bus == nullptr ? nullptr
+                       : g_dbus_connection_call_sync(bus.get(), remote::id, host_bus::applicationPath,
+                                                     "tesk.host.Application", "Settle", nullptr, nullptr,
+                                                     G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, nullptr));
+    return answer != nullptr;
+}
+
 } // namespace
 
 void setUp() {
@@ -75,7 +86,7 @@ bool start() {
     g_subprocess_launcher_take_stderr_fd(launcher.get(),
                                          open(remoteLog().c_str(), O_CREAT | O_APPEND | O_WRONLY, S_IRUSR | S_IWUSR));
     remoteProcess().reset(g_subprocess_launcher_spawn(launcher.get(), nullptr, REMOTE_APPLICATION, "serve", nullptr));
-    return remoteProcess() != nullptr && awaitRemotePort(true);
+    return remoteProcess() != nullptr && awaitRemotePort(true) && awaitRemoteMainLoop();
 }
 
 bool setKey(const std::string& key, int value) {
