@@ -145,7 +145,7 @@ TEST_F(ExchangeCommands, WrongOrdersAndAddressesAreRefused) {
                   .errors.find("the password would travel readable"),
               std::string::npos);
     EXPECT_EQ(deskwatchProgram({"exchange", "serve", "/no/such/policy.xml"}).errors,
-              "deskwatch: exchange serve: cannot read /no/such/policy.xml\n");
+              "deskwatch: exchange serve: cannot read /no/such/policy.xml: No such file or directory\n");
 }
 
 } // namespace

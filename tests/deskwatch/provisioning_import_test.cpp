@@ -104,6 +104,69 @@ TEST(ProvisioningImport, FateOfEachElementIsTold) {
     EXPECT_EQ(elements[3].support, Support::NotThere);
     EXPECT_EQ(elements[3].remark, "");
     EXPECT_EQ(elements[4].remark, "not an element of a provisioning document");
+    EXPECT_EQ(import({{"AllowWiFi", "0"}}).elements[0].remark,
+              "not an element of a provisioning document; did you mean \"AllowWifi\"?");
+}
+
+TEST(ProvisioningImport, SummaryIsAboutWhatThePolicyDemands) {
+    const auto report = importText("p.xml", import({{"DevicePasswordEnabled", "1"},
+                                                    {"AllowWifi", "1"},
+                                                    {"AllowCamera", "0"},
+                                                    {"MinDevicePasswordComplexCharacters", "3"},
+                                                    {"RequireStorageCardEncryption", "1"},
+                                                    {"AllowHTMLEmail", "1"},
+                                                    {"MaxAttachmentSize", "-1"},
+                                                    {"MaxEmailAgeFilter", "2"},
+                                                    {"AllowTeleport", "0"},
+                                                    {"{urn:x}Other", "0"}}));
+    EXPECT_EQ(report.substr(0, report.find("p.xml:1:")),
+              "p.xml: enforced: DevicePasswordEnabled 1\n"
+              "p.xml: only stored: AllowCamera 0, MinDevicePasswordComplexCharacters 3\n"
+              "p.xml: lost: RequireStorageCardEncryption 1, MaxEmailAgeFilter 2, AllowTeleport 0\n");
+    EXPECT_EQ(importText("p.xml", import({})),
+              "p.xml: enforced: nothing\np.xml: only stored: nothing\np.xml: lost: nothing\n");
+}
+
+TEST(ProvisioningImport, RemarksAreMadeWhereTheValueMakesThemTrue) {
+    struct Row {
+        const char* element;
+        const char* value;
+        const char* remark;
+    };
+    for (const Row& row :
+         {Row{"AllowBluetooth", "1", "hands-free only (1) and allowed (2) are sent as the same value"},
+          Row{"AllowBluetooth", "2", ""},
+          Row{"MinDevicePasswordLength", "5", "at least 4 (6 in Korea) when a password is required"},
+          Row{"MinDevicePasswordLength", "6", ""}, Row{"MaxInactivityTimeDeviceLock", "9998", ""},
+          Row{"MaxInactivityTimeDeviceLock", "9999",
+              "9999 seconds and more, no limit in the protocol, are taken literally"},
+          Row{"MaxDevicePasswordFailedAttempts", "4", ""},
+          Row{"MaxDevicePasswordFailedAttempts", "", "empty, treated as absent; 10 are allowed when there is no limit"},
+          Row{"MinDevicePasswordComplexCharacters", "2", "only when the password must be alphanumeric"}}) {
+        EXPECT_EQ(import({{row.element, row.value}, {"DevicePasswordEnabled", "1"}}).elements[0].remark, row.remark)
+            << row.element << " " << row.value;
+    }
+    EXPECT_EQ(import({{"MinDevicePasswordComplexCharacters", "2"},
+                      {"AlphanumericDevicePasswordRequired", "1"},
+                      {"DevicePasswordEnabled", "1"}})
+                  .elements[0]
+                  .remark,
+              "");
+}
+
+TEST(ProvisioningImport, OrderIsToldWithAPolicyAndWithout) {
+    const TemporaryFolder folder;
+    const auto file = (folder.path() / "p.xml").string();
+    const std::string order = "<Provision><RemoteWipe/>";
+    std::ofstream(file) << order << "<EASProvisionDoc/></Provision>";
+    const auto both = deskwatchProgram({"import", file});
+    EXPECT_EQ(both.status, 0);
+    const std::string told = file + ":1: the server orders to wipe the watch (RemoteWipe), whatever policy it sends\n";
+    EXPECT_EQ(both.errors.find("warning: " + told), 0U) << both.errors;
+    std::ofstream(file) << order << "</Provision>";
+    const auto alone = deskwatchProgram({"import", file});
+    EXPECT_EQ(alone.status, 1);
+    EXPECT_EQ(alone.errors, "deskwatch: import: " + file + " brings no policy\n" + told);
 }
 
 TEST(ProvisioningImport, ValuesOutsideTheirBoundsAreRefusedAtBothEnds) {
@@ -131,6 +194,10 @@ TEST(ProvisioningImport, EveryIllegalValueIsNamedWithItsLine) {
               "p.xml:3: MinDevicePasswordLength is \"40\"; it must be a number from 1 to 16");
     EXPECT_NE(refusal({{"MaxInactivityTimeDeviceLock", "99999999999"}}), "");
     EXPECT_NE(refusal({{"AllowWifi", "0x1"}}), "");
+    EXPECT_EQ(
+        refusal({{"MaxDevicePasswordFailedAttempts", "unlimited"}}),
+        "p.xml:1: MaxDevicePasswordFailedAttempts is \"unlimited\"; it must be a number from 4 to 16; for no limit "
+        "leave it empty");
 }
 
 TEST(ProvisioningImport, ElementThatIsGivenTwiceIsRefused) {

@@ -7,7 +7,10 @@
 
 #include "commands.h"
 #include "commands/output.h"
+#include "policy_files/policy_file.h"
 #include "provisioning/provisioning_import.h"
+#include "text/input_file.h"
+#include "text/value_text.h"
 
 namespace deskwatch {
 namespace {
@@ -32,10 +35,29 @@ void writeMessage(const std::string& output, const std::string& message) {
     }
 }
 
+/// What the file says beside its policies, for the reader.
+std::vector<std::string> noticesOf(const std::string& name, const PolicyFile& content) {
+    std::vector<std::string> lines;
+    for (const auto& notice : content.notices) {
+        lines.push_back(noticeText(name, notice));
+    }
+    for (const auto& remark : content.remarks) {
+        lines.push_back(std::string(name).append(": ").append(remark));
+    }
+    return lines;
+}
+
 void import(const ImportOptions& options) {
-    const auto result = importProvisioning(options.file, readProvisioningDocument(options.file), options.target);
+    const auto name = inputName(options.file);
+    const auto content = readPolicyFile(name, readInput(options.file));
+    auto notices = noticesOf(name, content);
+    if (content.policies.empty() && !notices.empty()) {
+        throw std::runtime_error(name + " brings no policy\n" + joined(notices, "\n"));
+    }
+    auto result = importProvisioning(name, chosenPolicy(name, content, "").elements, options.target);
+    result.notices = std::move(notices);
     writeMessage(options.output, result.message);
-    std::cerr << (options.isJson ? importJson(options.file, result) : importText(options.file, result));
+    std::cerr << (options.isJson ? importJson(name, result) : importText(name, result));
 }
 
 } // namespace

@@ -67,12 +67,22 @@ constexpr Words policyStatuses[] = {
 };
 
 template <class Rows>
-std::string words(const Rows& rows, const std::string& what, int code) {
+const Words* find(const Rows& rows, int code) {
     const auto* const row = std::find_if(std::begin(rows), std::end(rows),
                                          [code](const Words& candidate) { return candidate.code == code; });
-    const std::string name = what + " " + std::to_string(code);
-    return row != std::end(rows) ? name + ", " + row->meaning + ": " + row->advice
-                                 : name + ", which is not defined: report it with --trace FILE";
+    return row != std::end(rows) ? row : nullptr;
+}
+
+template <class Rows>
+std::string meaning(const Rows& rows, const std::string& what, int code) {
+    const auto* const row = find(rows, code);
+    return what + " " + std::to_string(code) + ", " + (row != nullptr ? row->meaning : "which is not defined");
+}
+
+template <class Rows>
+std::string words(const Rows& rows, const std::string& what, int code) {
+    const auto* const row = find(rows, code);
+    return meaning(rows, what, code) + ": " + (row != nullptr ? row->advice : "report it with --trace FILE");
 }
 
 } // namespace
@@ -87,6 +97,14 @@ std::string statusWords(int status) {
 
 std::string policyStatusWords(int status) {
     return words(policyStatuses, "Status of the policy", status);
+}
+
+std::string statusMeaning(int status) {
+    return meaning(statuses, "Status", status);
+}
+
+std::string policyStatusMeaning(int status) {
+    return meaning(policyStatuses, "Status of the policy", status);
 }
 
 bool asksForHandshake(int httpStatus, int status) {

@@ -1,10 +1,9 @@
 #include "exchange_server/served_policies.h"
 
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 #include "provisioning/provisioning_document.h"
+#include "text/input_file.h"
 #include "wbxml/element_xml.h"
 #include "wbxml/wbxml_codec.h"
 
@@ -32,12 +31,15 @@ void moveToProvision(WbxmlElement& element) {
 }
 
 WbxmlElement readDocument(const std::string& file) {
-    readProvisioningDocument(file); // refuses with the line what is not one
-    std::ifstream stream(file, std::ios::binary);
-    const auto root = elementFromXml(std::string(std::istreambuf_iterator<char>(stream), {}));
+    if (file == standardInput) {
+        throw std::runtime_error("a policy is read again for each device, and standard input only once; name a file");
+    }
+    const auto text = readInput(file);
+    readProvisioningDocument(file, text); // refuses with the line what is not one
+    const auto root = elementFromXml(text);
     const auto* const found = findDocument(root);
     if (found == nullptr) {
-        throw std::runtime_error(file + " has just changed");
+        throw std::runtime_error(file + " does not contain an EASProvisionDoc");
     }
     auto document = *found;
     moveToProvision(document);

@@ -25,13 +25,20 @@ struct ElementRule {
     int absent;
     /// Whether it means nothing in a document that requires no password.
     bool isPasswordRule;
+    /// What an administrator may not expect, the first and the last value for which it is so, and the element that,
+    /// when it is 1, keeps it from being so; the texts may be empty.
     const char* remark;
+    int remarkLeast;
+    int remarkMost;
+    const char* remarkUnless;
 };
 
 /// An element that no message carries.
 struct OtherElement {
     const char* name;
     Support support;
+    /// The value that demands nothing, beside an empty one.
+    const char* idle;
 };
 
 inline constexpr int anyNumber = std::numeric_limits<int>::max();

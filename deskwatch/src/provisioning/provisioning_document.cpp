@@ -3,21 +3,15 @@
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 
-#include <fstream>
 #include <stdexcept>
+#include <string_view>
 
 #include "c_owners.h"
-#include "provisioning/exchange_trace_format.h"
-#include "provisioning/provisioning_tolerance.h"
 
 namespace deskwatch {
 namespace {
 
-constexpr char documentName[] = "EASProvisionDoc";
-constexpr char whiteSpace[] = " \t\r\n";
-
-/// Far beyond any provisioning document, characters.
-constexpr std::size_t largestFile = 1'000'000;
+constexpr std::string_view whiteSpace = " \t\r\n";
 
 /// The library's own is a variable.
 void freeText(xmlChar* text) {
@@ -32,56 +26,34 @@ std::string trimmed(const std::string& text) {
     return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(whiteSpace) - first + 1);
 }
 
-[[noreturn]] void refuse(const std::filesystem::path& file, long line, const std::string& reason) {
-    throw std::runtime_error(file.string() + ":" + std::to_string(line) + ": " + reason);
+[[noreturn]] void refuse(const std::string& file, long line, const std::string& reason) {
+    throw std::runtime_error(file + ":" + std::to_string(line) + ": " + reason);
 }
 
-std::string readText(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    std::string text(largestFile + 1, '\0');
-    stream.read(text.data(), static_cast<std::streamsize>(text.size()));
-    if (!stream.is_open() || stream.bad() || std::filesystem::is_directory(file)) {
-        throw std::runtime_error("cannot read " + file.string());
-    }
-    text.resize(static_cast<std::size_t>(stream.gcount()));
-    if (text.size() > largestFile) {
-        throw std::runtime_error(file.string() + " is too large for a provisioning document, which has at most " +
-                                 std::to_string(largestFile) + " bytes");
-    }
-    return text;
-}
-
-/// Called where a document type begins: nothing of it is read.
-void stopAtDocumentType(void* parser, const xmlChar* /*name*/, const xmlChar* /*externalId*/,
-                        const xmlChar* /*systemId*/) {
+/// Called where a document type has said its name and what it refers to. More than the name is not read.
+void stopAtDeclarations(void* parser, const xmlChar* /*name*/, const xmlChar* externalId, const xmlChar* systemId) {
     auto* const context = static_cast<xmlParserCtxtPtr>(parser);
-    *static_cast<long*>(context->_private) = xmlSAX2GetLineNumber(context);
-    xmlStopParser(context);
-}
-
-/// The XML in a trace, with its lines.
-std::string xmlInTrace(const std::filesystem::path& file, const std::string& trace) {
-    auto xml = exchange_trace::lastPolicy(trace);
-    if (xml.empty()) {
-        throw std::runtime_error(file.string() + ": no server sent a policy in this trace");
+    if (externalId != nullptr || systemId != nullptr || *context->input->cur == '[') {
+        *static_cast<long*>(context->_private) = xmlSAX2GetLineNumber(context);
+        xmlStopParser(context);
     }
-    return xml;
 }
 
-Document parse(const std::filesystem::path& file, const std::string& text) {
+Document parse(const std::string& file, const std::string& text) {
     const Context context(xmlNewParserCtxt());
     if (context == nullptr) {
-        throw std::runtime_error("cannot read " + file.string() + ": out of memory");
+        throw std::runtime_error("cannot read " + file + ": out of memory");
     }
-    long documentTypeLine = 0;
-    context->_private = &documentTypeLine;
-    context->sax->internalSubset = stopAtDocumentType;
+    long declarationLine = 0;
+    context->_private = &declarationLine;
+    context->sax->internalSubset = stopAtDeclarations;
     constexpr int options =
         XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NOCDATA | XML_PARSE_BIG_LINES;
     Document document(
         xmlCtxtReadMemory(context.get(), text.data(), static_cast<int>(text.size()), nullptr, nullptr, options));
-    if (documentTypeLine != 0) {
-        refuse(file, documentTypeLine, "a provisioning document must not have a document type (<!DOCTYPE)");
+    if (declarationLine != 0) {
+        refuse(file, declarationLine,
+               "the document type (<!DOCTYPE) has declarations or refers to some; remove it, nothing needs it");
     }
     if (document == nullptr) {
         const xmlError* const error = xmlCtxtGetLastError(context.get());
@@ -92,19 +64,18 @@ Document parse(const std::filesystem::path& file, const std::string& text) {
     return document;
 }
 
+/// The name of an element of ours: people leave the namespace out, write it without its colon, or use it as a prefix
+/// that they do not declare. Any other element keeps its namespace in its name.
 std::string nameOf(const xmlNode* node) {
-    return reinterpret_cast<const char*>(node->name);
-}
-
-/// Adds the documents at and below an element. The parser bounds the depth.
-void findDocuments(xmlNode* element, std::vector<xmlNode*>& found) {
-    if (nameOf(element) == documentName) {
-        found.push_back(element);
-        return;
+    constexpr std::string_view undeclared = "Provision:";
+    const std::string name = reinterpret_cast<const char*>(node->name);
+    if (node->ns == nullptr || node->ns->href == nullptr) {
+        return name.rfind(undeclared, 0) == 0 ? name.substr(undeclared.size()) : name;
     }
-    for (auto* child = xmlFirstElementChild(element); child != nullptr; child = xmlNextElementSibling(child)) {
-        findDocuments(child, found);
-    }
+    const std::string space = reinterpret_cast<const char*>(node->ns->href);
+    return space == "Provision:" || space == "Provision" || space.empty()
+               ? name
+               : std::string("{").append(space).append("}").append(name);
 }
 
 ProvisioningElement readElement(xmlNode* node) {
@@ -119,25 +90,66 @@ ProvisioningElement readElement(xmlNode* node) {
     return element;
 }
 
+/// Collects the policy and what the server says from an element and those in it. The parser bounds the depth.
+class Envelope {
+public:
+    explicit Envelope(std::string file) : file_(std::move(file)) {}
+
+    void read(xmlNode* node) {
+        const auto name = nameOf(node);
+        if (name == "EASProvisionDoc") {
+            readPolicy(node);
+        } else if (name == "RemoteWipe" || name == "AccountOnlyRemoteWipe") {
+            const auto kind = name == "RemoteWipe" ? ServerNotice::Kind::Wipe : ServerNotice::Kind::AccountWipe;
+            document_.notices.push_back({kind, "", xmlGetLineNo(node)});
+        } else if (name == "Status") {
+            readStatus(node);
+        } else {
+            for (auto* child = xmlFirstElementChild(node); child != nullptr; child = xmlNextElementSibling(child)) {
+                read(child);
+            }
+        }
+    }
+
+    ProvisioningDocument take() {
+        if (!document_.hasPolicy && document_.notices.empty()) {
+            refuse(file_, 1, "this XML does not contain an EASProvisionDoc");
+        }
+        return std::move(document_);
+    }
+
+private:
+    void readPolicy(xmlNode* node) {
+        if (document_.hasPolicy) {
+            refuse(file_, xmlGetLineNo(node), "a second EASProvisionDoc; there must be one");
+        }
+        document_.hasPolicy = true;
+        for (auto* child = xmlFirstElementChild(node); child != nullptr; child = xmlNextElementSibling(child)) {
+            document_.elements.push_back(readElement(child));
+        }
+    }
+
+    /// A Status counts where the protocol has one; what describes the device has its own.
+    void readStatus(xmlNode* node) {
+        const auto status = readElement(node);
+        const auto outer = node->parent->type == XML_ELEMENT_NODE ? nameOf(node->parent) : "";
+        if (status.value != "1" && (outer == "Provision" || outer == "Policy")) {
+            const auto kind = outer == "Policy" ? ServerNotice::Kind::PolicyStatus : ServerNotice::Kind::Status;
+            document_.notices.push_back({kind, status.value, status.line});
+        }
+    }
+
+    std::string file_;
+    ProvisioningDocument document_;
+};
+
 } // namespace
 
-std::vector<ProvisioningElement> readProvisioningDocument(const std::filesystem::path& file) {
-    const auto text = readText(file);
-    const bool isTraceOfServer = exchange_trace::isTrace(text);
-    const Document document = parse(file, isTraceOfServer ? xmlInTrace(file, text) : text);
-    std::vector<xmlNode*> found;
-    findDocuments(xmlDocGetRootElement(document.get()), found);
-    if (found.empty()) {
-        refuse(file, 1, std::string("this XML does not contain an ") + documentName);
-    }
-    if (found.size() > 1) {
-        refuse(file, xmlGetLineNo(found[1]), std::string("a second ") + documentName + "; there must be one");
-    }
-    std::vector<ProvisioningElement> elements;
-    for (auto* child = xmlFirstElementChild(found.front()); child != nullptr; child = xmlNextElementSibling(child)) {
-        elements.push_back(readElement(child));
-    }
-    return isTraceOfServer ? tolerated(elements).elements : elements;
+ProvisioningDocument readProvisioningDocument(const std::string& file, const std::string& text) {
+    const Document document = parse(file, text);
+    Envelope envelope(file);
+    envelope.read(xmlDocGetRootElement(document.get()));
+    return envelope.take();
 }
 
 } // namespace deskwatch

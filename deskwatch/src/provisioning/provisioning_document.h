@@ -1,7 +1,6 @@
 #ifndef DESKWATCH_PROVISIONING_DOCUMENT_H
 #define DESKWATCH_PROVISIONING_DOCUMENT_H
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -9,6 +8,7 @@ namespace deskwatch {
 
 /// An element of a provisioning document.
 struct ProvisioningElement {
+    /// One of another namespace is called `{NAMESPACE}NAME`.
     std::string name;
     /// Its text without the white space around it.
     std::string value;
@@ -17,12 +17,34 @@ struct ProvisioningElement {
     long line = 0;
 };
 
-/// Reads the elements of the EASProvisionDoc in an XML file, which may stand in the envelope in which a server sends
-/// it. In a trace of an exchange with a server, the last policy counts, and is taken as a client takes it (see
-/// `tolerated`). Nothing but the file is read, and a document type, with which entities come, is refused. Throws
-/// std::runtime_error with file and line when the file cannot be read, is not valid XML, or does not hold exactly one
-/// such document.
-std::vector<ProvisioningElement> readProvisioningDocument(const std::filesystem::path& file);
+/// What a server says beside a policy, or instead of one.
+struct ServerNotice {
+    enum class Kind {
+        Wipe,        ///< the order to wipe the device
+        AccountWipe, ///< the order to wipe what belongs to the account
+        Status,      ///< of the whole reply, other than 1
+        PolicyStatus ///< of the policy, other than 1
+    };
+
+    Kind kind = Kind::Status;
+    /// The status as it is written.
+    std::string status;
+    long line = 0;
+};
+
+/// The one policy in a document, or in the envelope in which a server sends it.
+struct ProvisioningDocument {
+    /// Whether there is one; a server may have something else to say.
+    bool hasPolicy = false;
+    std::vector<ProvisioningElement> elements;
+    std::vector<ServerNotice> notices;
+};
+
+/// Reads an XML document, of which `file` is the name in errors. A document type may stand there by name alone: with
+/// what it may hold, entities come, so that is refused and never looked at. Elements of other namespaces than
+/// `Provision` are none of the envelope. Throws std::runtime_error with file and line when it is not valid XML, holds
+/// more than one policy, or neither a policy nor anything else that a server says.
+ProvisioningDocument readProvisioningDocument(const std::string& file, const std::string& text);
 
 } // namespace deskwatch
 

@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "provisioning/provisioning_elements.h"
+#include "text/suggestion.h"
 #include "text/text_table.h"
 
 namespace deskwatch {
@@ -34,6 +35,27 @@ std::string legalValues(const ElementRule& rule) {
                           : "a number from " + std::to_string(rule.least) + " to " + std::to_string(rule.most);
 }
 
+/// What people write for no limit in other places, and where the protocol has an empty element for it.
+std::string hintFor(const ProvisioningElement& element, const ElementRule& rule) {
+    const auto isNoLimit = nearest(element.value, {"Unlimited", "None", "Never"}).has_value();
+    return isNoLimit && rule.most > 1 ? "; for no limit leave it empty" : "";
+}
+
+std::string notAnElement(const std::string& name) {
+    if (name.front() == '{') {
+        return "an element of another namespace";
+    }
+    std::vector<std::string_view> names;
+    names.reserve(elementRules.size() + otherElements.size());
+    for (const auto& rule : elementRules) {
+        names.emplace_back(rule.name);
+    }
+    for (const auto& other : otherElements) {
+        names.emplace_back(other.name);
+    }
+    return "not an element of a provisioning document" + didYouMean(name, names);
+}
+
 /// The checked values of a document: what its elements say, by name. Collects everything that is wrong.
 class Values {
 public:
@@ -57,7 +79,8 @@ private:
         const auto [first, isFirst] = lines_.emplace(element.name, element.line);
         const auto* const rule = elementRule(element.name);
         if (!isFirst) {
-            refuse(element, " is a duplicate of the one in line " + std::to_string(first->second));
+            refuse(element, " is a duplicate" +
+                                (first->second > 0 ? " of the one in line " + std::to_string(first->second) : ""));
         } else if (rule != nullptr) {
             takeValue(element, *rule);
         }
@@ -73,15 +96,15 @@ private:
         }
         const auto value = numberOf(element.value);
         if (!value || *value < rule.least || *value > rule.most) {
-            refuse(element, " is \"" + printable(element.value) + "\"; it must be " + legalValues(rule));
+            refuse(element, " is \"" + printable(element.value) + "\"; it must be " + legalValues(rule) +
+                                hintFor(element, rule));
             return;
         }
         values_[element.name] = *value;
     }
 
     void refuse(const ProvisioningElement& element, const std::string& reason) {
-        errors_ +=
-            (errors_.empty() ? "" : "\n") + file_ + ":" + std::to_string(element.line) + ": " + element.name + reason;
+        errors_ += (errors_.empty() ? "" : "\n") + placeIn(file_, element.line) + ": " + element.name + reason;
     }
 
     std::string file_;
@@ -89,6 +112,10 @@ private:
     std::map<std::string, long> lines_;
     std::map<std::string, int> values_;
 };
+
+Fate fateOf(Support support) {
+    return support == Support::Enforced ? Fate::Enforced : support == Support::Stored ? Fate::Stored : Fate::Lost;
+}
 
 /// The values as the policy set carries them.
 class PolicySet {
@@ -99,8 +126,19 @@ public:
 
     bool ignores(const ElementRule& rule) const { return rule.isPasswordRule && ignoresPasswordRules_; }
 
+    Fate fateOfDemand(const ElementRule& rule) const {
+        const bool waitsForAnother = *rule.remarkUnless != '\0' && isRemarkTrue(rule);
+        return valueOf(rule) == rule.absent ? Fate::Nothing : waitsForAnother ? Fate::Stored : fateOf(rule.support);
+    }
+
+    bool isRemarkTrue(const ElementRule& rule) const {
+        const auto* const unless = elementRule(rule.remarkUnless);
+        const int value = valueOf(rule);
+        return value >= rule.remarkLeast && value <= rule.remarkMost && (unless == nullptr || valueOf(*unless) == 0);
+    }
+
     Json carried(const ElementRule& rule) const {
-        const int value = ignores(rule) ? rule.absent : values_.of(rule);
+        const int value = valueOf(rule);
         switch (rule.conversion) {
         case Conversion::Flag:
             return value != 0;
@@ -124,6 +162,8 @@ public:
     }
 
 private:
+    int valueOf(const ElementRule& rule) const { return ignores(rule) ? rule.absent : values_.of(rule); }
+
     const Values& values_;
     bool ignoresPasswordRules_;
 };
@@ -132,23 +172,37 @@ std::string remarkOf(const ProvisioningElement& element, const ElementRule& rule
     if (policySet.ignores(rule)) {
         return "ignored, because the document requires no password";
     }
-    const std::string remark = rule.remark;
-    const std::string absent = element.value.empty() ? "empty, treated as absent" : "";
-    return absent + (absent.empty() || remark.empty() ? "" : "; ") + remark;
+    std::string absent = element.value.empty() ? "empty, treated as absent" : "";
+    if (*rule.remark == '\0' || !policySet.isRemarkTrue(rule)) {
+        return absent;
+    }
+    return absent + (absent.empty() ? "" : "; ") + rule.remark;
+}
+
+/// An element that no message carries.
+ImportedElement notCarried(const ProvisioningElement& element) {
+    const auto* const other = std::find_if(otherElements.begin(), otherElements.end(),
+                                           [&](const OtherElement& row) { return element.name == row.name; });
+    if (other == otherElements.end()) {
+        const bool isForeign = element.name.front() == '{';
+        return {element, Support::Unknown, "", "", notAnElement(element.name), isForeign ? Fate::Nothing : Fate::Lost};
+    }
+    const bool isIdle = !element.isList && (element.value.empty() || element.value == other->idle);
+    return {element, other->support, "", "", "", isIdle ? Fate::Nothing : Fate::Lost};
 }
 
 ImportedElement imported(const ProvisioningElement& element, const PolicySet& policySet) {
     const auto* const rule = elementRule(element.name);
     if (rule == nullptr) {
-        const auto* const other = std::find_if(otherElements.begin(), otherElements.end(),
-                                               [&](const OtherElement& row) { return element.name == row.name; });
-        return other != otherElements.end()
-                   ? ImportedElement{element, other->support, "", "", ""}
-                   : ImportedElement{element, Support::Unknown, "", "", "not an element of a provisioning document"};
+        return notCarried(element);
     }
     const bool isCarried = rule->conversion != Conversion::None;
-    return {element, rule->support, rule->member, isCarried ? policySet.carried(*rule).dump() : "",
-            remarkOf(element, *rule, policySet)};
+    return {element,
+            rule->support,
+            rule->member,
+            isCarried ? policySet.carried(*rule).dump() : "",
+            remarkOf(element, *rule, policySet),
+            policySet.fateOfDemand(*rule)};
 }
 
 std::string messageText(const PolicySet& policySet, const ImportTarget& target) {
@@ -158,6 +212,10 @@ std::string messageText(const PolicySet& policySet, const ImportTarget& target) 
 }
 
 } // namespace
+
+std::string placeIn(const std::string& file, long line) {
+    return line > 0 ? file + ":" + std::to_string(line) : file;
+}
 
 ProvisioningImport importProvisioning(const std::string& file, const std::vector<ProvisioningElement>& elements,
                                       const ImportTarget& target) {

@@ -9,6 +9,9 @@
 
 namespace deskwatch {
 
+/// What becomes of what an element demands; nothing of one that demands nothing.
+enum class Fate { Nothing, Enforced, Stored, Lost };
+
 /// What became of one element.
 struct ImportedElement {
     ProvisioningElement element;
@@ -18,6 +21,7 @@ struct ImportedElement {
     std::string carried;
     /// What else the reader should know; may be empty.
     std::string remark;
+    Fate fate = Fate::Nothing;
 };
 
 /// The account that a document is for.
@@ -33,16 +37,21 @@ struct ImportTarget {
 struct ProvisioningImport {
     /// The message, JSON.
     std::string message;
+    /// What else the file says, as lines of a report.
+    std::vector<std::string> notices;
     /// In the order of the document.
     std::vector<ImportedElement> elements;
 };
+
+/// A place in a file for the reader: `FILE:LINE`, or the file where the line is 0.
+std::string placeIn(const std::string& file, long line);
 
 /// Makes a message of a document's elements. `file` is named in errors. Throws std::runtime_error with the file and the
 /// line of every illegal value.
 ProvisioningImport importProvisioning(const std::string& file, const std::vector<ProvisioningElement>& elements,
                                       const ImportTarget& target);
 
-/// A line for each element.
+/// The notices, what is enforced, only stored and lost of the policy, and a line for each element.
 std::string importText(const std::string& file, const ProvisioningImport& import);
 
 /// The same as one JSON object.

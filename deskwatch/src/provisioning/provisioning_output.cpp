@@ -1,7 +1,10 @@
 #include <nlohmann/json.hpp>
 
+#include <array>
+
 #include "provisioning/provisioning_import.h"
 #include "text/text_table.h"
+#include "text/value_text.h"
 
 namespace deskwatch {
 namespace {
@@ -26,13 +29,41 @@ const char* supportText(Support support) {
     return "unknown to the watch";
 }
 
+struct FateLine {
+    Fate fate;
+    const char* words;
+};
+
+/// The lines of the summary.
+constexpr std::array<FateLine, 3> fateLines{
+    {{Fate::Enforced, "enforced"}, {Fate::Stored, "only stored"}, {Fate::Lost, "lost"}}};
+
+std::vector<std::string> elementsOf(const ProvisioningImport& import, Fate fate) {
+    std::vector<std::string> elements;
+    for (const auto& entry : import.elements) {
+        if (entry.fate == fate) {
+            const auto& [name, value, isList, line] = entry.element;
+            elements.push_back(printable(value.empty() ? name : std::string(name).append(" ").append(value)));
+        }
+    }
+    return elements;
+}
+
 } // namespace
 
 std::string importText(const std::string& file, const ProvisioningImport& import) {
     std::string text;
-    for (const auto& [element, support, member, carried, remark] : import.elements) {
-        text += file;
-        text.append(":").append(std::to_string(element.line)).append(": ").append(element.name);
+    for (const auto& notice : import.notices) {
+        text.append("warning: ").append(notice).append("\n");
+    }
+    for (const auto& [fate, words] : fateLines) {
+        const auto elements = elementsOf(import, fate);
+        text.append(file).append(": ").append(words).append(": ");
+        text.append(elements.empty() ? "nothing" : joined(elements, ", ")).append("\n");
+    }
+    for (const auto& [element, support, member, carried, remark, fate] : import.elements) {
+        text += placeIn(file, element.line);
+        text.append(": ").append(printable(element.name));
         text.append(element.value.empty() ? "" : " ").append(printable(element.value));
         text.append(": ").append(supportText(support));
         if (!member.empty()) {
@@ -44,8 +75,11 @@ std::string importText(const std::string& file, const ProvisioningImport& import
 }
 
 std::string importJson(const std::string& file, const ProvisioningImport& import) {
-    Json object{{"file", file}, {"elements", Json::array()}};
-    for (const auto& [element, support, member, carried, remark] : import.elements) {
+    Json object{{"file", file}, {"notices", import.notices}, {"summary", Json::object()}, {"elements", Json::array()}};
+    for (const auto& [fate, words] : fateLines) {
+        object["summary"][words] = elementsOf(import, fate);
+    }
+    for (const auto& [element, support, member, carried, remark, fate] : import.elements) {
         object["elements"].push_back({{"line", element.line},
                                       {"element", element.name},
                                       {"value", element.value},

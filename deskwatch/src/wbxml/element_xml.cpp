@@ -52,9 +52,14 @@ void fill(xmlNode* node, xmlNs* outer, const WbxmlElement& element) {
 }
 
 WbxmlElement elementOf(xmlNode* node) {
+    constexpr std::string_view undeclared = "Provision:"; // a prefix, which people do not declare
     WbxmlElement element;
     element.space = node->ns != nullptr ? reinterpret_cast<const char*>(node->ns->href) : "";
     element.name = reinterpret_cast<const char*>(node->name);
+    if (node->ns == nullptr && element.name.rfind(undeclared, 0) == 0) {
+        element.space = undeclared;
+        element.name.erase(0, undeclared.size());
+    }
     for (auto* child = xmlFirstElementChild(node); child != nullptr; child = xmlNextElementSibling(child)) {
         element.children.push_back(elementOf(child));
     }
