@@ -1,6 +1,5 @@
 #include "exchange/provision_messages.h"
 
-#include <algorithm>
 #include <charconv>
 
 #include "exchange/protocol_version.h"
@@ -9,6 +8,9 @@ namespace deskwatch {
 namespace {
 
 using Elements = std::vector<WbxmlElement>;
+
+/// A policy's Status: the user has none.
+constexpr int noPolicy = 2;
 
 std::optional<int> numberIn(const WbxmlElement* element) {
     if (element == nullptr) {
@@ -41,18 +43,24 @@ WbxmlElement onePolicy(Elements content) {
     return provisionElement("Policies", Elements{provisionElement("Policy", std::move(content))});
 }
 
-/// The policy of the kind that was asked for, or the only one when it does not say its kind.
+/// The policy of the kind that was asked for, or the only one when it does not say its kind; else one that says that
+/// there is none, because a server may name another kind in that answer than the one that it was asked for.
 const WbxmlElement* policyIn(const WbxmlElement& reply, const char* type) {
     const auto* const policies = reply.child("Policies");
     if (policies == nullptr) {
         return nullptr;
     }
-    const auto found =
-        std::find_if(policies->children.begin(), policies->children.end(), [type](const WbxmlElement& policy) {
-            const auto* const kind = policy.child("PolicyType");
-            return policy.name == "Policy" && (kind == nullptr || kind->text == type);
-        });
-    return found != policies->children.end() ? &*found : nullptr;
+    const WbxmlElement* none = nullptr;
+    for (const auto& policy : policies->children) {
+        const auto* const kind = policy.child("PolicyType");
+        if (policy.name == "Policy" && (kind == nullptr || kind->text == type)) {
+            return &policy;
+        }
+        if (policy.name == "Policy" && numberIn(policy.child("Status")) == noPolicy) {
+            none = &policy;
+        }
+    }
+    return none;
 }
 
 std::vector<ProvisioningElement> elementsOf(const WbxmlElement& document) {
