@@ -111,6 +111,11 @@ TEST_F(ExchangeCommands, UserWithoutAPolicyStaysConnected) {
     EXPECT_NE(connect("carol").find("the server has no policy for this user"), std::string::npos);
     EXPECT_EQ(run({"mail", "refresh"}), "carol@127.0.0.1: nothing has changed\n");
     EXPECT_TRUE(status()["accounts"].empty());
+    connect("bob");
+    const auto listed = Json::parse(run({"mail", "servers", "--json"}));
+    ASSERT_EQ(listed.size(), 2U);
+    EXPECT_EQ(listed[0]["policy"], "no policy set");
+    EXPECT_EQ(listed[1]["policy"], "not acknowledged yet");
 }
 
 TEST_F(ExchangeCommands, OrderToRemoveTheAccountLeavesTheWatchAlone) {

@@ -63,6 +63,7 @@ protected:
                 {"replay", std::string(SOURCE_FOLDER) + "/tests/recordings/wearer-story.jsonl"},
                 {"mail", "connect", server, "--user", "bob", "--account", "7", "--no-wait"},
                 {"mail", "refresh", "7", "--no-wait"},
+                {"mail", "servers"},
                 {"mail", "disconnect", "7"},
                 {"exchange", "show", server},
                 {"exchange", "serve", sample("provision-hardened.xml")},

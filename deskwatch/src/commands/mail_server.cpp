@@ -3,6 +3,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "accounts/account_list.h"
 #include "accounts/mail_accounts.h"
 #include "accounts/password_source.h"
 #include "actors/refusal.h"
@@ -11,6 +12,7 @@
 #include "exchange/exchange_trace.h"
 #include "exchange/http_client.h"
 #include "exchange/protocol_version.h"
+#include "text/value_output.h"
 
 namespace deskwatch {
 namespace {
@@ -195,12 +197,28 @@ void addDisconnectCommand(CLI::App& mail, const CommonOptions& common) {
     });
 }
 
+void addServersCommand(CLI::App& mail, const CommonOptions& common) {
+    auto* command = mail.add_subcommand("servers", "List the accounts that are connected to a server");
+    auto isJson = std::make_shared<bool>(false);
+    command->add_flag("--json", *isJson, "A JSON array instead of a table");
+    command->footer("Tells what became of each server's policy.\nExample:\n  deskwatch mail servers");
+    command->callback([&common, isJson] {
+        const AccountStore store(chosenDevice(common).layout());
+        std::vector<MailAccount> accounts;
+        for (const int id : store.ids()) {
+            accounts.push_back(store.read(id));
+        }
+        std::cout << (*isJson ? jsonText(connectedJson(accounts), 2) + "\n" : connectedTable(accounts));
+    });
+}
+
 } // namespace
 
 void addMailServerCommands(CLI::App& mail, const CommonOptions& common) {
     addConnectCommand(mail, common);
     addRefreshCommand(mail, common);
     addDisconnectCommand(mail, common);
+    addServersCommand(mail, common);
 }
 
 } // namespace deskwatch
