@@ -1,6 +1,7 @@
 #include "accounts/password_source.h"
 
 #include <fcntl.h>
+#include <glib-unix.h>
 #include <sys/resource.h>
 #include <termios.h>
 #include <unistd.h>
@@ -10,7 +11,9 @@
 #include <fstream>
 #include <iostream>
 #include <stdexcept>
+#include <vector>
 
+#include "c_owners.h"
 #include "device/file_descriptor.h"
 
 namespace deskwatch {
@@ -19,51 +22,90 @@ namespace {
 constexpr char variable[] = "DESKWATCH_PASSWORD";
 constexpr std::size_t longest = 1024;
 
-/// Keeps the terminal from showing what is typed. Signals that would leave it so wait until it shows it again.
+/// Keeps the terminal from showing what is typed. A signal that ends the process first ends the input, so that the
+/// terminal shows again what is typed. Blocking it would not do: other threads would take it.
 class HiddenInput {
 public:
     explicit HiddenInput(int terminal) : terminal_(terminal) {
-        sigset_t signals;
-        sigemptyset(&signals);
-        for (const int number : {SIGINT, SIGTERM, SIGQUIT, SIGTSTP, SIGHUP}) {
-            sigaddset(&signals, number);
-        }
-        sigprocmask(SIG_BLOCK, &signals, &oldSignals_);
         if (tcgetattr(terminal_, &old_) != 0) {
-            sigprocmask(SIG_SETMASK, &oldSignals_, nullptr);
             throw std::runtime_error("cannot ask for the password: the terminal cannot hide it");
         }
+        add(g_unix_signal_source_new(SIGINT), G_SOURCE_FUNC(onSignal<SIGINT>));
+        add(g_unix_signal_source_new(SIGTERM), G_SOURCE_FUNC(onSignal<SIGTERM>));
+        add(g_unix_signal_source_new(SIGHUP), G_SOURCE_FUNC(onSignal<SIGHUP>));
+        add(g_unix_fd_source_new(terminal_, static_cast<GIOCondition>(G_IO_IN | G_IO_HUP)), G_SOURCE_FUNC(onInput));
         auto hidden = old_;
         hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
         hidden.c_lflag |= ECHONL;
+        hidden.c_cc[VQUIT] = _POSIX_VDISABLE;
+        hidden.c_cc[VSUSP] = _POSIX_VDISABLE;
         tcsetattr(terminal_, TCSAFLUSH, &hidden);
     }
 
     ~HiddenInput() {
         tcsetattr(terminal_, TCSAFLUSH, &old_);
-        sigprocmask(SIG_SETMASK, &oldSignals_, nullptr);
+        for (const auto& source : sources_) {
+            g_source_destroy(source.get());
+        }
+        sources_.clear();
+        if (signal_ != 0) {
+            std::raise(signal_); // with its default action again
+        }
     }
     HiddenInput(const HiddenInput&) = delete;
     HiddenInput& operator=(const HiddenInput&) = delete;
 
+    std::string line() {
+        std::string line;
+        char character = 0;
+        while (line.size() <= longest && isTyped() && read(terminal_, &character, 1) == 1 && character != '\n') {
+            line += character;
+        }
+        return line;
+    }
+
 private:
+    using Context = c::Owner<GMainContext, g_main_context_unref>;
+    using Source = c::Owner<GSource, g_source_unref>;
+
+    void add(GSource* source, GSourceFunc callback) {
+        g_source_set_callback(source, callback, this, nullptr);
+        g_source_attach(source, context_.get());
+        sources_.emplace_back(source);
+    }
+
+    template <int number>
+    static gboolean onSignal(gpointer self) {
+        static_cast<HiddenInput*>(self)->signal_ = number;
+        return G_SOURCE_CONTINUE;
+    }
+
+    static gboolean onInput(int /*terminal*/, GIOCondition /*condition*/, gpointer self) {
+        static_cast<HiddenInput*>(self)->isReady_ = true;
+        return G_SOURCE_CONTINUE;
+    }
+
+    /// Waits for a key; false when a signal came instead.
+    bool isTyped() {
+        isReady_ = false;
+        while (!isReady_ && signal_ == 0) {
+            g_main_context_iteration(context_.get(), TRUE);
+        }
+        return signal_ == 0;
+    }
+
     int terminal_;
     termios old_{};
-    sigset_t oldSignals_{};
+    Context context_{g_main_context_new()};
+    std::vector<Source> sources_;
+    int signal_ = 0;
+    bool isReady_ = false;
 };
 
 void say(int terminal, const std::string& text) {
     if (write(terminal, text.data(), text.size()) < 0) {
         throw std::runtime_error("cannot ask for the password: the terminal is gone");
     }
-}
-
-std::string readLine(int terminal) {
-    std::string line;
-    for (char character = 0; line.size() <= longest && read(terminal, &character, 1) == 1 && character != '\n';) {
-        line += character;
-    }
-    return line;
 }
 
 std::string ask(const std::string& account) {
@@ -73,9 +115,9 @@ std::string ask(const std::string& account) {
                                              "--password-file FILE (- for standard input) or in ") +
                                  variable);
     }
+    HiddenInput hidden(terminal.get()); // before the reader is asked to type
     say(terminal.get(), "Password of " + account + ": ");
-    const HiddenInput hidden(terminal.get());
-    return readLine(terminal.get());
+    return hidden.line();
 }
 
 std::string firstLine(std::istream& stream, const std::string& file) {
