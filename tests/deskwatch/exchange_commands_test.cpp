@@ -1,10 +1,13 @@
 #include <csignal>
+#include <functional>
 
 #include "commands_fixture.h"
 #include "running_program.h"
 
 namespace deskwatch {
 namespace {
+
+using Words = std::vector<std::string>;
 
 /// A desk server with policies for alice and bob, and a watch.
 class ExchangeCommands : public Commands {
@@ -93,6 +96,40 @@ TEST_F(ExchangeCommands, RefreshGoesOnAfterTheWatchWasOff) {
     EXPECT_EQ(run({"mail", "refresh", "1"}), "bob@127.0.0.1: nothing has changed\n");
     EXPECT_EQ(run({"mail", "disconnect", "1"}), "bob@127.0.0.1: account 1: deleted\n");
     EXPECT_TRUE(status()["accounts"].empty());
+}
+
+TEST_F(ExchangeCommands, WatchOrCommandThatEndsWhileTheWearerIsAskedLosesNothing) {
+    const std::function<void(RunningProgram&)> ends[]{
+        [](RunningProgram&) { run({"off"}); },
+        [this](RunningProgram&) { device().kill(); },
+        [](RunningProgram& command) { command.signal(SIGKILL); },
+    };
+    const Words first{"mail", "connect", url(), "--user", "bob"};
+    const Words later{"mail", "refresh", "1"};
+    for (const auto& end : ends) {
+        RunningProgram waiting(&end == ends ? first : later);
+        waiting.awaitLine([&](const std::string& line) {
+            return line.find(&end == ends ? "account 1 (bob@127.0.0.1): stored" : "goes on with") != std::string::npos;
+        });
+        EXPECT_EQ(refresh("1").errors,
+                  "deskwatch: mail refresh: another command is at account 1; two handshakes of one "
+                  "account would spoil each other's keys\n");
+        end(waiting);
+        EXPECT_NE(waiting.waitForEnd(), 0);
+        if (!device().isBooted()) {
+            boot();
+        }
+    }
+    run({"lock", "pin", "--length", "8"});
+    EXPECT_NE(run({"mail", "refresh", "1"}).find("acknowledged with 1, the policy is applied"), std::string::npos);
+}
+
+TEST_F(ExchangeCommands, WipeThatIsOrderedBetweenThePhasesIsObeyed) {
+    connect("bob");
+    run({"exchange", "order", url(), "bob", "wipe"});
+    run({"lock", "pin", "--length", "8"});
+    EXPECT_NE(run({"mail", "refresh", "1"}).find("the internal storage: wiped\n"), std::string::npos);
+    EXPECT_NE(known().find("reported with 1"), std::string::npos);
 }
 
 TEST_F(ExchangeCommands, PolicyThatChangesBetweenThePhasesIsAskedForAgain) {

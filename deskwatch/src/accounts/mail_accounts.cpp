@@ -158,7 +158,7 @@ void MailAccounts::finish(MailAccount& account, Handshake& handshake, bool maySt
         // the watch was off meanwhile, and nobody has looked at the lock since
         sendToService(account, requests::checkPassword, "");
     }
-    const auto verdict = awaitVerdict(session_, account, surroundings_.patience);
+    const auto verdict = answerOfWatch(account);
     if (!verdict && surroundings_.patience == 0) {
         say(account, "the wearer is asked; mail refresh " + std::to_string(account.id) + " tells the server later");
         return;
@@ -169,9 +169,9 @@ void MailAccounts::finish(MailAccount& account, Handshake& handshake, bool maySt
     }
     const auto answer = handshake.acknowledge(account.pending->temporaryKey, verdict->compliance);
     if (answer.isOutdated && mayStartOver) {
-        say(account, "the server has another policy by now");
         const auto demand = handshake.askForPolicy();
         if (demand.kind == Kind::Policy) {
+            say(account, "the server has another policy by now");
             takePolicy(account, demand);
             finish(account, handshake, false);
         } else {
@@ -193,6 +193,15 @@ void MailAccounts::finish(MailAccount& account, Handshake& handshake, bool maySt
     }
     say(account, told);
     handshake.describeDevice();
+}
+
+std::optional<Verdict> MailAccounts::answerOfWatch(const MailAccount& account) const {
+    try {
+        return awaitVerdict(session_, account, surroundings_.patience);
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error("the watch went off before it answered (" + std::string(error.what()) +
+                                 "); when it is on again, mail refresh " + std::to_string(account.id) + " goes on");
+    }
 }
 
 void MailAccounts::wipe(MailAccount& account, Handshake& handshake, WipeOrder order) {

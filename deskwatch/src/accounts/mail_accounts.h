@@ -57,6 +57,7 @@ private:
     void takePolicy(MailAccount& account, const ServerDemand& demand);
     void takeNoPolicy(MailAccount& account);
     void finish(MailAccount& account, Handshake& handshake, bool mayStartOver);
+    std::optional<Verdict> answerOfWatch(const MailAccount& account) const;
     void wipe(MailAccount& account, Handshake& handshake, WipeOrder order);
     void sendToService(const MailAccount& account, const std::string& request, const std::string& argument);
     void say(const MailAccount& account, const std::string& text) const;

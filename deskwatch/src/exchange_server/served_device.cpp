@@ -92,6 +92,9 @@ Answer ProvisionExchange::firstPhase(const WbxmlElement& request, const std::str
 }
 
 Answer ProvisionExchange::secondPhase(const WbxmlElement& policy, const std::string& type) {
+    if (device_.wipe != WipeOrder::None) {
+        return {provisionStatus(140), "acknowledges, and is told to ask for the order to wipe"};
+    }
     const auto* const said = policy.child("Status");
     if (said == nullptr || !isInOrder(policy) || said->text.size() != 1 || said->text < "1" || said->text > "4") {
         return {provisionStatus(2), "acknowledges in a form that is not allowed"};
