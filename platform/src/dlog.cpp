@@ -8,6 +8,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <string>
 
 #include "c_owners.h"
@@ -56,9 +57,15 @@ int lowestShown() {
     return DLOG_INFO;
 }
 
+bool isTimeWanted() {
+    const char* format = std::getenv("DLOG_FORMAT");
+    return format != nullptr && std::string(format) == "time";
+}
+
 // Read once: what is shown does not change while the process runs.
 struct Output {
     int lowest = host::guarded<int>("DLOG_LEVEL", DLOG_INFO, lowestShown);
+    bool timed = host::guarded("DLOG_FORMAT", false, isTimeWanted);
     bool coloured = isatty(STDERR_FILENO) == 1;
 };
 
@@ -76,10 +83,23 @@ int writeLine(const std::string& line) {
     return written < 0 ? -errno : static_cast<int>(written);
 }
 
+// In UTC, so that lines compare across time zones.
+std::string timeNow() {
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    std::tm parts{};
+    gmtime_r(&now.tv_sec, &parts);
+    std::array<char, 32> seconds{};
+    std::strftime(seconds.data(), seconds.size(), "%Y-%m-%dT%H:%M:%S", &parts);
+    std::array<char, 8> fraction{};
+    std::snprintf(fraction.data(), fraction.size(), ".%03dZ ", static_cast<int>(now.tv_nsec / 1'000'000));
+    return std::string(seconds.data()) + fraction.data();
+}
+
 std::string prefixOf(const Level& level, const char* tag) {
     std::array<char, 16> pid{};
     std::snprintf(pid.data(), pid.size(), "(%5d): ", static_cast<int>(getpid()));
-    return std::string(level.letter) + "/" + tag + pid.data();
+    return (output().timed ? timeNow() : "") + level.letter + "/" + tag + pid.data();
 }
 
 // Every line of a longer text gets the prefix, so that no text can pass for another one's line.

@@ -1,4 +1,5 @@
 #include <dlog.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -33,6 +34,13 @@ TEST_F(Dlog, LineHasLevelTagProcessAndText) {
     const std::string line = written(DLOG_WARN, "text");
     EXPECT_EQ(line, prefix("W") + "text\n");
     EXPECT_EQ(result(), static_cast<int>(line.size()));
+}
+
+TEST_F(Dlog, LineBeginsWithTheTimeWhereThatIsWanted) {
+    setenv("DLOG_FORMAT", "time", 1);
+    const std::string line = written(DLOG_WARN, "text");
+    EXPECT_THAT(line, testing::ContainsRegex("^[0-9-]{10}T[0-9:]{8}[.][0-9]{3}Z W/TAG"));
+    EXPECT_THAT(line, testing::EndsWith("Z " + prefix("W") + "text\n"));
 }
 
 TEST_F(Dlog, DebugIsNotShownByDefault) {
