@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "records/log_line.h"
+
 namespace deskwatch {
 namespace {
 
@@ -15,6 +17,30 @@ TEST(LogLines, AllAreShownWithoutALevel) {
 TEST(LogLines, LowerLevelsAndLinesWithoutOneAreLeftOut) {
     EXPECT_EQ(LogLines('W').add(logText), "W/TESK_CONSUMER(    7): three\nE/X(7): four\n");
     EXPECT_EQ(LogLines('F').add(logText), "");
+}
+
+TEST(LogLines, TimeBeforeTheLevelIsKept) {
+    const std::string timed = "2026-11-22T09:41:20.123Z W/X(7): one\n";
+    EXPECT_EQ(LogLines('W').add(timed), timed);
+    EXPECT_EQ(LogLines('E').add(timed), "");
+}
+
+TEST(LogLines, LogWithoutALineBreakDoesNotStayInMemory) {
+    LogLines lines(std::nullopt);
+    std::size_t shown = 0;
+    for (int i = 0; i < 40; ++i) {
+        shown += lines.add(std::string(65'536, '\0')).size();
+    }
+    EXPECT_GT(shown, 40U * 65'536 / 2);
+}
+
+TEST(LogLine, TimeIsTakenOffOnlyWhereThereIsOne) {
+    const auto timed = logLine("2023-11-14T22:13:20.007Z I/X(7): one");
+    EXPECT_EQ(timed.time, std::chrono::system_clock::time_point(std::chrono::milliseconds(1'700'000'000'007)));
+    EXPECT_EQ(timed.text, "I/X(7): one");
+    const auto untimed = logLine("2023-11-14X22:13:20.007Z I/X(7): one");
+    EXPECT_EQ(untimed.time, std::nullopt);
+    EXPECT_EQ(untimed.level, std::nullopt);
 }
 
 TEST(LogLines, LineIsShownWhenItIsComplete) {

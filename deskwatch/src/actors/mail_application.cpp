@@ -111,6 +111,8 @@ private:
         }
         try {
             settleService();
+        } catch (const NoAnswer&) {
+            throw;
         } catch (const std::runtime_error&) {
             if (!service->waitForEnd(endTimeout)) {
                 throw;

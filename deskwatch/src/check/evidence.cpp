@@ -11,7 +11,7 @@
 #include "TeskConsumerKeys.h"
 #include "accounts/account_store.h"
 #include "device/application_ids.h"
-#include "records/log_lines.h"
+#include "records/log_line.h"
 #include "records/policy_database.h"
 #include "session/device_policy.h"
 #include "session/setting_value.h"
@@ -21,9 +21,6 @@ namespace {
 
 using Json = nlohmann::json;
 namespace fs = std::filesystem;
-
-/// The end of a log holds what the service decided last.
-constexpr std::streamoff mostOfLog = 262'144;
 
 /// The service's operations that write the settings, in the order of deviceSettings, as its log names them.
 constexpr std::array<const char*, 11> operations{"setPasswordQuality",
@@ -38,13 +35,6 @@ constexpr std::array<const char*, 11> operations{"setPasswordQuality",
                                                  "setRestrictionPopImap",
                                                  "setSecurityInternalStorageEncryption"};
 
-std::string endOf(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary | std::ios::ate);
-    const std::streamoff size = stream.tellg();
-    stream.seekg(std::max<std::streamoff>(size - mostOfLog, 0));
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 bool holds(const std::string& line, const std::string& text) {
     return line.find(text) != std::string::npos;
 }
@@ -52,7 +42,7 @@ bool holds(const std::string& line, const std::string& text) {
 /// The settings that were refused when the service last applied a policy.
 std::set<std::size_t> refusedIn(const fs::path& log) {
     std::set<std::size_t> refused;
-    std::istringstream lines(endOf(log));
+    std::istringstream lines(endOfLog(log));
     for (std::string line; std::getline(lines, line);) {
         if (holds(line, ": applyPolicy(") && holds(line, "Enter")) {
             refused.clear();

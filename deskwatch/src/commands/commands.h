@@ -17,6 +17,8 @@ namespace deskwatch {
 struct CommonOptions {
     /// The folder of the watch; empty when the newest one is meant.
     std::string device;
+    /// How long to wait for an answer of an application, in seconds.
+    int timeout = static_cast<int>(Device::defaultPatience.count());
 };
 
 /// Makes an option accept the names of values; another text is refused with the list of names.

@@ -48,14 +48,15 @@ std::string readMessageAndWarn(const std::string& file, Check check) {
 }
 
 Device chosenDevice(const CommonOptions& common) {
+    const std::chrono::seconds patience(common.timeout);
     if (!common.device.empty()) {
-        return Device(common.device);
+        return Device(common.device, patience);
     }
     const auto newest = newestWatch();
     if (!newest) {
         throw std::runtime_error("no watch is booted; boot one with: deskwatch boot");
     }
-    return Device(*newest);
+    return Device(*newest, patience);
 }
 
 std::optional<std::filesystem::path> newestWatch() {

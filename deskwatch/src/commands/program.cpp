@@ -8,12 +8,19 @@ void addCommonOptions(CLI::App& program, CommonOptions& common) {
         ->envname("DESKWATCH_DEVICE")
         ->check(checkNotEmpty, "")
         ->type_name("DIR");
+    program
+        .add_option("--timeout", common.timeout,
+                    "How long to wait for an application that does not answer (default: " +
+                        std::to_string(common.timeout) + ")")
+        ->check(checkPositive, "")
+        ->type_name("SECONDS");
 }
 
 } // namespace
 
 void addCommands(CLI::App& program, CommonOptions& common) {
     addCommonOptions(program, common);
+    program.set_version_flag("--version", std::string("deskwatch ") + TESK_VERSION, "Print the version and exit");
     program.require_subcommand(1);
     program.fallthrough();
     addBootCommand(program, common);

@@ -1,6 +1,7 @@
 #include "device/bus_client.h"
 
 #include <stdexcept>
+#include <utility>
 
 namespace deskwatch {
 
@@ -12,6 +13,15 @@ BusClient::BusClient(const std::string& address) {
     if (connection_ == nullptr) {
         throw std::runtime_error("cannot reach the bus at " + address + ": " + c::takeMessage(error));
     }
+}
+
+void BusClient::whenClosed(std::function<void()> callback) {
+    closed_ = std::move(callback);
+    g_signal_connect_swapped(connection_.get(), "closed", G_CALLBACK(onClosed), this);
+}
+
+void BusClient::onClosed(BusClient* self) {
+    self->closed_();
 }
 
 c::VariantOwner BusClient::call(const Method& method, GVariant* arguments, std::chrono::milliseconds atMost) const {

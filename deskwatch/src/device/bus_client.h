@@ -2,6 +2,7 @@
 #define DESKWATCH_BUS_CLIENT_H
 
 #include <chrono>
+#include <functional>
 #include <string>
 
 #include "c_owners.h"
@@ -27,11 +28,17 @@ public:
     /// taken. Throws std::runtime_error with the reason when the call fails or is not answered in time.
     c::VariantOwner call(const Method& method, GVariant* arguments, std::chrono::milliseconds atMost) const;
 
+    /// Calls back through the main loop when the bus has ended. At most once for each client, which has to live then.
+    void whenClosed(std::function<void()> callback);
+
     /// Answers who is on the bus. It must not outlive this object.
     BusDaemon daemon() const { return BusDaemon(connection_.get()); }
 
 private:
+    static void onClosed(BusClient* self);
+
     c::ObjectOwner<GDBusConnection> connection_;
+    std::function<void()> closed_;
 };
 
 } // namespace deskwatch

@@ -85,6 +85,12 @@ void writeBootedMark(const DeviceLayout& layout) {
     }
 }
 
+void noteLogOfBoot(const DeviceLayout& layout) {
+    std::error_code missing;
+    const auto size = std::filesystem::file_size(layout.log(), missing);
+    std::ofstream(layout.logOfBoot()) << (missing ? 0 : size) << '\n'; // without it the log is one of many boots
+}
+
 bool endBus(const DeviceLayout& layout, const BusProcess& bus) {
     const auto daemon = bus.running();
     const auto applications = daemon ? applicationsOf(layout) : std::vector<ProcessHandle>{};
@@ -119,6 +125,7 @@ void Device::start(const std::vector<Application>& applications, const std::func
     }
     endBus(layout_, bus); // what a sudden end left behind
     writeDeviceFiles(layout_, applications);
+    noteLogOfBoot(layout_);
     bus.start({layout_.busConfiguration(), layout_.log(), layout_.commonEnvironment()});
     try {
         whenBusRuns();

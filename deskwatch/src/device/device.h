@@ -1,6 +1,7 @@
 #ifndef DESKWATCH_DEVICE_H
 #define DESKWATCH_DEVICE_H
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -24,9 +25,16 @@ class Device {
 public:
     /// Names a watch by its folder, which need not exist; touches nothing. Throws std::runtime_error when a bus cannot
     /// be there (see DeviceLayout).
-    explicit Device(const std::filesystem::path& folder) : layout_(folder) {}
+    explicit Device(const std::filesystem::path& folder, std::chrono::seconds patience = defaultPatience)
+        : layout_(folder), patience_(patience) {}
 
     const DeviceLayout& layout() const { return layout_; }
+
+    /// How long to wait for an answer of an application of the watch.
+    std::chrono::seconds patience() const { return patience_; }
+
+    /// Longer than the bus waits for a program to come up, and than the service waits for a locked database.
+    static constexpr std::chrono::seconds defaultPatience{120};
 
     /// Boots the watch: lays out its folder, cleans up what a sudden end left there, starts its bus and brings its
     /// settings into their first state. Applications start when they are needed. Throws std::runtime_error when it is
@@ -64,6 +72,7 @@ private:
     void start(const std::vector<Application>& applications, const std::function<void()>& whenBusRuns) const;
 
     DeviceLayout layout_;
+    std::chrono::seconds patience_;
 };
 
 /// A watch that is booted as long as this object lives, for tests.

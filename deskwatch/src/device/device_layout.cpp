@@ -32,9 +32,9 @@ bool isControl(char character) {
 }
 
 bool belongsToDevice(const fs::path& name) {
-    constexpr std::array<std::string_view, 13> names{"booted",   "bus",    "bus.conf", "bus.process", "boot.lock",
+    constexpr std::array<std::string_view, 14> names{"booted",   "bus",    "bus.conf", "bus.process", "boot.lock",
                                                      "services", "config", "run",      "apps",        "storage",
-                                                     "passwd",   "group",  "log"};
+                                                     "passwd",   "group",  "log",      "log.boot"};
     return std::find(names.begin(), names.end(), name.native()) != names.end();
 }
 
@@ -99,6 +99,7 @@ Environment DeviceLayout::commonEnvironment() const {
     environment["XDG_CONFIG_HOME"] = config().string();
     environment["XDG_RUNTIME_DIR"] = run().string();
     environment["DCONF_PROFILE"] = settingsProfile().string();
+    environment["DLOG_FORMAT"] = "time";
     return environment;
 }
 

@@ -31,6 +31,8 @@ public:
     std::filesystem::path passwd() const { return folder_ / "passwd"; }
     std::filesystem::path group() const { return folder_ / "group"; }
     std::filesystem::path log() const { return folder_ / "log"; }
+    /// Where in the log the last boot begins, in bytes.
+    std::filesystem::path logOfBoot() const { return folder_ / "log.boot"; }
     std::filesystem::path internalStorage() const { return folder_ / "storage" / "internal"; }
     std::filesystem::path externalStorage() const { return folder_ / "storage" / "external"; }
     std::filesystem::path applicationData(const std::string& id) const { return folder_ / "apps" / id / "data"; }

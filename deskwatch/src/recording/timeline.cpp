@@ -85,7 +85,7 @@ private:
     }
 
     void tellNow(TimelineEntry entry) const {
-        entry.time = std::chrono::system_clock::now();
+        entry.time = entry.time.value_or(std::chrono::system_clock::now());
         tell_(entry);
     }
 

@@ -14,7 +14,7 @@ namespace deskwatch {
 
 /// Something that happened on a watch, for a reader.
 struct TimelineEntry {
-    /// When it was seen; none for what happened before somebody looked, because the log bears no times.
+    /// When it was logged or seen; none for what bears no time and happened before somebody looked.
     std::optional<std::chrono::system_clock::time_point> time;
     /// "request" and "answer": what the service was asked and answered; "key": a key that someone else set; "effect":
     /// what the service wrote; "launch" and "message": what it sent; "process": a start or an end; "event", "fault" and
@@ -31,8 +31,8 @@ struct TimelineEntry {
 /// An event of the bus in words, without a time.
 TimelineEntry timelineEntry(const TraceEvent& event);
 
-/// A line of the log, without a time.
-TimelineEntry timelineEntry(std::string_view logLine);
+/// A line of the log, with the time that it bears.
+TimelineEntry timelineEntry(std::string_view logged);
 
 /// A line for a reader, with the local time.
 std::string timelineText(const TimelineEntry& entry);

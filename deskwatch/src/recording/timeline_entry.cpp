@@ -2,6 +2,7 @@
 #include <ctime>
 
 #include "recording/timeline.h"
+#include "records/log_line.h"
 #include "text/text_table.h"
 #include "text/value_output.h"
 
@@ -9,8 +10,6 @@ namespace deskwatch {
 namespace {
 
 using namespace std::chrono;
-
-constexpr std::string_view levels = "VDIWEFS";
 
 std::string member(const TraceEvent& event, const char* name) {
     const auto found = event.find(name);
@@ -105,12 +104,13 @@ TimelineEntry timelineEntry(const TraceEvent& event) {
     return result;
 }
 
-TimelineEntry timelineEntry(std::string_view logLine) {
+TimelineEntry timelineEntry(std::string_view logged) {
+    const auto line = logLine(logged);
     TimelineEntry result;
+    result.time = line.time;
     result.kind = "log";
-    const bool hasLevel = logLine.size() > 1 && logLine[1] == '/' && levels.find(logLine[0]) != std::string_view::npos;
-    result.level = hasLevel ? std::string(1, logLine[0]) : "";
-    result.text = logLine;
+    result.level = line.level ? std::string(1, *line.level) : "";
+    result.text = line.text;
     return result;
 }
 

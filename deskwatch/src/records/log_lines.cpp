@@ -1,15 +1,15 @@
 #include "records/log_lines.h"
 
+#include "records/log_line.h"
+
 namespace deskwatch {
-namespace {
-
-/// From the lowest to the highest.
-constexpr std::string_view levels = "VDIWEFS";
-
-} // namespace
 
 std::string LogLines::add(std::string_view text) {
+    constexpr std::size_t longestLine = 1'048'576;
     unfinished_ += text;
+    if (unfinished_.size() > longestLine && unfinished_.rfind('\n') == std::string::npos) {
+        unfinished_ += '\n'; // nobody's line is that long, and a log without line breaks must not fill the memory
+    }
     std::string wanted;
     std::size_t begin = 0;
     for (auto end = unfinished_.find('\n'); end != std::string::npos; end = unfinished_.find('\n', begin)) {
@@ -25,8 +25,8 @@ bool LogLines::isWanted(std::string_view line) const {
     if (!lowest_) {
         return true;
     }
-    const bool hasLevel = line.size() > 1 && line[1] == '/' && levels.find(line[0]) != std::string_view::npos;
-    return hasLevel && levels.find(line[0]) >= levels.find(*lowest_);
+    const auto level = logLine(line).level;
+    return level && isAtLeast(*level, *lowest_);
 }
 
 } // namespace deskwatch

@@ -7,13 +7,16 @@
 #include <sstream>
 #include <string_view>
 
+#include "records/log_line.h"
+
 namespace deskwatch {
 namespace {
 
 constexpr std::string_view tag = "/TESK_CONSUMER(";
 
 /// The parts of a line; none when another program wrote it.
-std::optional<ServiceLine> parse(std::string_view line) {
+std::optional<ServiceLine> parse(std::string_view logged) {
+    const auto line = logLine(logged).text;
     constexpr std::string_view processEnd = "): ";
     constexpr std::string_view textStart = " >  ";
     const auto process = line.find(processEnd);
@@ -94,6 +97,10 @@ void ServiceLog::skip() {
 }
 
 std::vector<ServiceLine> ServiceLog::takeLines() {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(file_, error)) {
+        return {}; // a device may never end
+    }
     std::ifstream stream(file_, std::ios::binary);
     stream.seekg(position_);
     const std::string text(std::istreambuf_iterator<char>(stream), {});

@@ -1,6 +1,7 @@
 #ifndef DESKWATCH_DEVICE_SESSION_H
 #define DESKWATCH_DEVICE_SESSION_H
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,12 @@
 #include "device/device.h"
 
 namespace deskwatch {
+
+/// An application runs and has not answered in time.
+class NoAnswer : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
 
 /// Makes this process an application of a booted watch, and speaks to the others there. The platform's functions then
 /// act as that application; since they remember where they are, a process can be on one watch only.
@@ -24,7 +31,8 @@ public:
 
     /// Waits until an application, started when it does not run, has handled everything that this process and the bus
     /// sent to it before. Returns the applications that have not answered its launch requests yet.
-    /// Throws std::runtime_error when the application does not come up, or ends meanwhile.
+    /// After a second it tells on standard error what it waits for. Throws std::runtime_error when the application does
+    /// not come up, or ends meanwhile, and NoAnswer when the patience of the device is at an end.
     std::vector<std::string> settle(const std::string& id) const;
 
     /// Waits until the service, when it runs, has handled everything sent to it before, and until the applications that
@@ -35,6 +43,8 @@ public:
     GDBusConnection* connection() const { return connection_.get(); }
 
 private:
+    std::vector<std::string> awaitSettled(const std::string& id) const;
+
     Device device_;
     c::ObjectOwner<GDBusConnection> connection_;
 };

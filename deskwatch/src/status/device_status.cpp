@@ -10,6 +10,7 @@
 #include "TeskConsumerKeys.h"
 #include "c_owners.h"
 #include "device/application_ids.h"
+#include "records/log_line.h"
 #include "records/policy_database.h"
 #include "rules/TeskPolicyMerge.h"
 #include "rules/TeskPolicyTable.h"
@@ -102,15 +103,6 @@ std::vector<ReceivedMessage> readMessages(const DeviceSession& session) {
     return messages;
 }
 
-/// The end of a file that only grows: it holds what the service decided last.
-std::string endOf(const std::filesystem::path& file) {
-    constexpr std::streamoff most = 262'144;
-    std::ifstream stream(file, std::ios::binary | std::ios::ate);
-    const std::streamoff size = stream.tellg();
-    stream.seekg(std::max<std::streamoff>(size - most, 0));
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 std::optional<IdleExit> readIdleExit(const DeviceSession& session) {
     const auto process = session.daemon().processOf(ids::service);
     const auto log = session.device().layout().log();
@@ -120,7 +112,7 @@ std::optional<IdleExit> readIdleExit(const DeviceSession& session) {
         return std::nullopt;
     }
     const auto age = std::filesystem::file_time_type::clock::now() - changed;
-    return idleExitOf(endOf(log), *process, std::chrono::duration_cast<std::chrono::seconds>(age));
+    return idleExitOf(endOfLog(log), *process, std::chrono::duration_cast<std::chrono::seconds>(age));
 }
 
 StoredAccount mergedPolicy(const std::vector<StoredAccount>& accounts) {

@@ -35,6 +35,7 @@ struct ReceivedMessage {
 /// What a watch shows of itself.
 struct DeviceStatus {
     std::string folder;
+    bool isBooted = true;
     bool isServiceRunning = false;
     /// Set while the service is about to end itself.
     std::optional<IdleExit> idleExit;

@@ -2,39 +2,26 @@
 
 #include <array>
 #include <stdexcept>
+#include <utility>
 
 namespace deskwatch {
 
-FollowedFile::FollowedFile(const std::filesystem::path& file, Listener listener)
-    : file_(file), listener_(std::move(listener)) {
-    const c::ObjectOwner<GFile> place(g_file_new_for_path(file.c_str()));
-    GError* error = nullptr;
-    monitor_.reset(g_file_monitor_file(place.get(), G_FILE_MONITOR_NONE, nullptr, &error));
-    if (monitor_ == nullptr) {
-        throw std::runtime_error("cannot watch " + file.string() + ": " + c::takeMessage(error));
-    }
-    g_file_monitor_set_rate_limit(monitor_.get(), 0);
-    g_signal_connect(monitor_.get(), "changed", G_CALLBACK(onChanged), this);
-}
-
-FollowedFile::~FollowedFile() {
-    g_signal_handlers_disconnect_by_data(monitor_.get(), this);
-}
+FollowedFile::FollowedFile(std::filesystem::path file, Listener listener, std::streamoff begin)
+    : file_(std::move(file)), listener_(std::move(listener)), begin_(begin), watch_(file_, [this] { read(); }) {}
 
 void FollowedFile::read() {
     if (!stream_.is_open()) {
+        if (std::filesystem::exists(file_) && !std::filesystem::is_regular_file(file_)) {
+            throw std::runtime_error(file_.string() + " is not a regular file");
+        }
         stream_.open(file_, std::ios::binary);
+        stream_.seekg(begin_);
     }
     stream_.clear(); // its end was reached the last time
     std::array<char, 65536> buffer{};
     while (stream_.read(buffer.data(), buffer.size()), stream_.gcount() > 0) {
         listener_(std::string(buffer.data(), static_cast<std::size_t>(stream_.gcount())));
     }
-}
-
-void FollowedFile::onChanged(GFileMonitor* /*monitor*/, GFile* /*file*/, GFile* /*other*/, GFileMonitorEvent /*event*/,
-                             gpointer self) {
-    static_cast<FollowedFile*>(self)->read();
 }
 
 } // namespace deskwatch

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <functional>
 
-#include "c_owners.h"
+#include "status/file_watch.h"
 
 namespace deskwatch {
 
@@ -15,23 +15,19 @@ public:
     /// Called with what was appended.
     using Listener = std::function<void(const std::string& text)>;
 
-    /// Begins at the file's start; the first `read` reports what is there already. The file need not exist yet.
-    /// Throws std::runtime_error when it cannot be watched.
-    FollowedFile(const std::filesystem::path& file, Listener listener);
-    ~FollowedFile();
-    FollowedFile(const FollowedFile&) = delete;
-    FollowedFile& operator=(const FollowedFile&) = delete;
+    /// Begins at that byte of the file; the first `read` reports what is there already. The file need not exist yet.
+    FollowedFile(std::filesystem::path file, Listener listener, std::streamoff begin = 0);
 
-    /// Reports what was appended since the last time.
+    /// Reports what was appended since the last time. Throws std::runtime_error when the file is not a regular one: a
+    /// pipe or a device may never end.
     void read();
 
 private:
-    static void onChanged(GFileMonitor* monitor, GFile* file, GFile* other, GFileMonitorEvent event, gpointer self);
-
     std::filesystem::path file_;
     Listener listener_;
+    std::streamoff begin_;
     std::ifstream stream_;
-    c::ObjectOwner<GFileMonitor> monitor_;
+    FileWatch watch_;
 };
 
 } // namespace deskwatch

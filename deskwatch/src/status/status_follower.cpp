@@ -2,11 +2,12 @@
 
 #include <dconf.h>
 
-#include <stdexcept>
+#include <memory>
 #include <vector>
 
 #include "c_owners.h"
 #include "device/application_ids.h"
+#include "status/file_watch.h"
 
 namespace deskwatch {
 namespace {
@@ -50,13 +51,7 @@ private:
     }
 
     void listenToFile(const std::filesystem::path& path) {
-        const c::ObjectOwner<GFile> file(g_file_new_for_path(path.c_str()));
-        GError* error = nullptr;
-        monitors_.emplace_back(g_file_monitor(file.get(), G_FILE_MONITOR_NONE, nullptr, &error));
-        if (monitors_.back() == nullptr) {
-            throw std::runtime_error("cannot watch " + path.string() + ": " + c::takeMessage(error));
-        }
-        g_signal_connect_swapped(monitors_.back().get(), "changed", G_CALLBACK(onChanged), this);
+        files_.push_back(std::make_unique<FileWatch>(path, [this] { onChanged(this); }));
     }
 
     /// The folder is made by the service. A monitor of a folder that is not there yet would look for it now and then.
@@ -96,7 +91,7 @@ private:
     const DeviceSession& session_;
     const std::function<void(const DeviceStatus&)>& show_;
     const c::ObjectOwner<DConfClient> settings_{dconf_client_new()};
-    std::vector<c::ObjectOwner<GFileMonitor>> monitors_;
+    std::vector<std::unique_ptr<FileWatch>> files_;
     bool isDatabaseHeard_ = false;
     bool isDue_ = false;
     guint timer_ = 0;

@@ -49,6 +49,9 @@ std::vector<NamedValue> keysOf(const DeviceStatus& status) {
 }
 
 std::string serviceText(const DeviceStatus& status) {
+    if (!status.isBooted) {
+        return "switched off; this is what it keeps";
+    }
     if (!status.isServiceRunning) {
         return "the service does not run";
     }
@@ -128,7 +131,7 @@ Json screenJson(const ScreenLaunch& screen) {
 }
 
 Json statusObject(const DeviceStatus& status) {
-    Json object{{"watch", status.folder}, {"serviceRunning", status.isServiceRunning}};
+    Json object{{"watch", status.folder}, {"booted", status.isBooted}, {"serviceRunning", status.isServiceRunning}};
     object["idleExit"] = status.idleExit
                              ? Json{{"seconds", status.idleExit->in.count()}, {"exact", status.idleExit->isExact}}
                              : Json(nullptr);

@@ -1,0 +1,69 @@
+#include "records/log_line.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <ctime>
+#include <fstream>
+#include <iterator>
+
+namespace deskwatch {
+namespace {
+
+using namespace std::chrono;
+
+/// From the lowest to the highest.
+constexpr std::string_view levels = "VDIWEF";
+
+constexpr std::string_view timeShape = "0000-00-00T00:00:00.000Z ";
+
+bool isShapedLikeATime(std::string_view text) {
+    return text.size() == timeShape.size() &&
+           std::equal(text.begin(), text.end(), timeShape.begin(), [](char character, char shape) {
+               return shape == '0' ? character >= '0' && character <= '9' : character == shape;
+           });
+}
+
+system_clock::time_point timeOf(const std::string& text) {
+    std::tm parts{};
+    int milliseconds = 0;
+    static_cast<void>(std::sscanf(text.c_str(), "%4d-%2d-%2dT%2d:%2d:%2d.%3d", &parts.tm_year, &parts.tm_mon,
+                                  &parts.tm_mday, &parts.tm_hour, &parts.tm_min, &parts.tm_sec, &milliseconds));
+    constexpr int firstYear = 1900;
+    parts.tm_year -= firstYear;
+    --parts.tm_mon;
+    return system_clock::from_time_t(timegm(&parts)) + std::chrono::milliseconds(milliseconds);
+}
+
+} // namespace
+
+LogLine logLine(std::string_view line) {
+    LogLine result;
+    result.text = line;
+    if (const auto start = line.substr(0, timeShape.size()); isShapedLikeATime(start)) {
+        result.time = timeOf(std::string(start));
+        result.text.remove_prefix(timeShape.size());
+    }
+    if (result.text.size() > 1 && result.text[1] == '/' && levels.find(result.text[0]) != std::string_view::npos) {
+        result.level = result.text[0];
+    }
+    return result;
+}
+
+bool isAtLeast(char level, char lowest) {
+    return levels.find(level) >= levels.find(lowest);
+}
+
+std::string endOfLog(const std::filesystem::path& log) {
+    constexpr std::streamoff most = 262'144;
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(log, error)) {
+        return "";
+    }
+    std::ifstream stream(log, std::ios::binary | std::ios::ate);
+    const std::streamoff size = stream.tellg();
+    stream.seekg(std::max<std::streamoff>(size - most, 0));
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+} // namespace deskwatch

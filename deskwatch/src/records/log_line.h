@@ -1,0 +1,34 @@
+#ifndef DESKWATCH_LOG_LINE_H
+#define DESKWATCH_LOG_LINE_H
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace deskwatch {
+
+/// A line of a watch's log, `2026-11-22T09:41:20.123Z W/TAG(  123): text`. What the bus writes, and programs that do
+/// not use the platform's log, has neither time nor level.
+struct LogLine {
+    std::optional<std::chrono::system_clock::time_point> time;
+    /// One of V, D, I, W, E and F; none for lines without.
+    std::optional<char> level;
+    /// The line without its time.
+    std::string_view text;
+};
+
+/// The parts of a line, which has to last as long as they do.
+LogLine logLine(std::string_view line);
+
+/// Whether a level is that high. Both are letters of LogLine.
+bool isAtLeast(char level, char lowest);
+
+/// The end of a log, which holds what the service decided last. Empty when the file is not a regular one: a pipe or a
+/// device may never end.
+std::string endOfLog(const std::filesystem::path& log);
+
+} // namespace deskwatch
+
+#endif
