@@ -3,9 +3,11 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 
 #include "commands.h"
 #include "commands/output.h"
+#include "forecast/device_copy.h"
 #include "session/observer.h"
 #include "status/device_status.h"
 #include "status/status_follower.h"
@@ -42,15 +44,36 @@ private:
     std::string shown_;
 };
 
+/// What a watch that is off keeps. A copy of it is booted, since the settings are read as an application of a
+/// watch.
+DeviceStatus readKept(const Device& device) {
+    if (!device.exists()) {
+        throw std::runtime_error(device.layout().folder().string() + " is not a watch folder");
+    }
+    const DeviceCopy copy(device);
+    auto status = readStatus(copy.session());
+    status.folder = device.layout().folder().string();
+    status.isBooted = false;
+    return status;
+}
+
+void show(const DeviceStatus& status, bool isJson) {
+    std::cout << (isJson ? statusJson(status) : statusTables(status));
+}
+
 void showStatus(const CommonOptions& common, const StatusOptions& options) {
-    const DeviceSession session(chosenDevice(common), observerId);
+    const auto device = chosenDevice(common);
+    if (!device.isBooted() && !options.isFollowed) {
+        show(readKept(device), options.isJson);
+        return;
+    }
+    const DeviceSession session(device, observerId);
     if (options.isFollowed) {
         endWithReader();
         StatusDisplay display(options.isJson);
         followStatus(session, [&](const DeviceStatus& status) { display.show(status); });
     }
-    const auto status = readStatus(session);
-    std::cout << (options.isJson ? statusJson(status) : statusTables(status));
+    show(readStatus(session), options.isJson);
 }
 
 } // namespace
@@ -61,7 +84,8 @@ void addStatusCommand(CLI::App& program, const CommonOptions& common) {
     command->add_flag("--json", options->isJson, "One JSON object instead of tables; with --follow, one for each line");
     command->add_flag("--follow", options->isFollowed,
                       "Show it again after each change, with the first value of what has changed");
-    command->footer("Starts nothing and changes nothing. The last column of the accounts is the merged policy.\n"
+    command->footer("A watch that is switched off shows what it keeps. Starts nothing and changes nothing. The last "
+                    "column of the accounts is the merged policy.\n"
                     "Example:\n  deskwatch status --json");
     command->callback([&common, options] { showStatus(common, *options); });
 }

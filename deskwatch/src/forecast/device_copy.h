@@ -6,12 +6,12 @@
 
 namespace deskwatch {
 
-/// A copy of a booted watch as it is now: its stored accounts, settings, keys, faults and programs, and a running
-/// service if its service runs. The original is read through its files and its bus daemon; nothing there starts, waits
-/// or changes. No screen is open on the copy. It lasts as long as the process (see TemporaryDevice).
+/// A copy of a watch as it is now, booted or not: its stored accounts, settings, keys, faults and programs, and a
+/// running service if its service runs. The original is read through its files and its bus daemon; nothing there
+/// starts, waits or changes. No screen is open on the copy. It lasts as long as the process (see TemporaryDevice).
 class DeviceCopy {
 public:
-    /// Throws std::runtime_error when the original is not booted, or the copy does not come up.
+    /// Throws std::runtime_error when the copy does not come up.
     explicit DeviceCopy(const Device& original);
 
     /// This process as the mail application of the copy.
