@@ -133,6 +133,14 @@ TEST(MessagePortContract, PortClosesOnce) {
     EXPECT_NE(message_port_register_local_port(port, receive, nullptr), id);
 }
 
+TEST(MessagePortContract, PortStaysOpenWhenAnotherCloses) {
+    Inbox inbox;
+    message_port_register_local_port(port, receive, &inbox);
+    message_port_unregister_local_port(message_port_register_local_port("another", receive, nullptr));
+    EXPECT_EQ(send("hello"), MESSAGE_PORT_ERROR_NONE);
+    EXPECT_TRUE(received(inbox, 1));
+}
+
 TEST(MessagePortContract, MessageForAClosedPortIsLostEvenWhenTheNameIsOpenedAgain) {
     Inbox closed;
     Inbox opened;

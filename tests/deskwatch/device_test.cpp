@@ -215,6 +215,17 @@ TEST(Device, BootThatEndedSuddenlyIsCleanedUpByTheNextOne) {
     EXPECT_TRUE(watch.off());
 }
 
+TEST(Device, BootWhoseSettingsCannotBeWrittenLeavesNoProcess) {
+    const TemporaryFolder folder;
+    const Device watch(folder.path() / "watch");
+    std::filesystem::create_directories(watch.layout().settingsDatabase()); // a folder in the place of the file
+
+    EXPECT_THROW(watch.boot(someApplications()), std::runtime_error);
+
+    EXPECT_TRUE(ProcessHandle::withVariable("TESK_DEVICE", watch.layout().folder().string()).empty());
+    EXPECT_FALSE(std::filesystem::exists(watch.layout().socket()));
+}
+
 TEST(Device, ProcessThatGotTheNumberOfTheBusIsLeftAlone) {
     const TemporaryFolder folder;
     const Device watch(folder.path());

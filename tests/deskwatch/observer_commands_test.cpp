@@ -82,6 +82,32 @@ TEST_F(ObserverCommands, FollowedLogGoesOn) {
     run({"bus", "ping"});
 
     EXPECT_TRUE(isPong(log.awaitLine(isPong)));
+    run({"off"});
+    EXPECT_EQ(log.waitForEnd(), 0);
+}
+
+TEST_F(ObserverCommands, LogOfTheLastBootLeavesOutWhatWasBefore) {
+    boot();
+    run({"bus", "ping"});
+    run({"off"});
+    boot();
+    EXPECT_NE(run({"log"}).find("Pong"), std::string::npos);
+    EXPECT_EQ(run({"log", "--boot"}).find("Pong"), std::string::npos);
+}
+
+TEST_F(ObserverCommands, WatchThatIsOffShowsWhatItKeeps) {
+    boot({"--country", "KR"});
+    run({"mail", "policy", sample("hardened.json")});
+    const auto booted = status();
+    run({"off"});
+
+    const auto off = Json::parse(run({"--device", device().layout().folder().string(), "status", "--json"}));
+
+    EXPECT_EQ(off["booted"], false);
+    EXPECT_EQ(off["accounts"], booted["accounts"]);
+    EXPECT_EQ(off["settings"], booted["settings"]);
+    EXPECT_EQ(off["keys"]["db/rgn/country_iso"], "KR");
+    EXPECT_EQ(deskwatchProgram({"--device", "/tmp", "status"}).status, 1);
 }
 
 TEST_F(ObserverCommands, ListShowsEachWatchAndWhatBecameOfIt) {

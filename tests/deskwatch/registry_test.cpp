@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <future>
 
 #include "temporary_folder.h"
 
@@ -41,6 +42,23 @@ TEST(Registry, WatchBeforeARemovedOneIsTheNewest) {
     EXPECT_EQ(registry.newest(), "/tmp/first");
     registry.remove("/tmp/first");
     EXPECT_FALSE(registry.newest());
+}
+
+TEST(Registry, WatchesThatAreAddedAtTheSameTimeAllStay) {
+    constexpr int threads = 4;
+    constexpr int each = 25;
+    const TemporaryFolder folder;
+    const Registry registry(folder.path());
+    std::vector<std::future<void>> adding;
+    for (int thread = 0; thread < threads; ++thread) {
+        adding.push_back(std::async(std::launch::async, [&registry, thread] {
+            for (int watch = 0; watch < each; ++watch) {
+                registry.add("/tmp/" + std::to_string(thread * each + watch));
+            }
+        }));
+    }
+    adding.clear(); // waits
+    EXPECT_EQ(registry.folders().size(), std::size_t{threads * each});
 }
 
 TEST(Registry, OfTheUserIsInTheStateFolder) {

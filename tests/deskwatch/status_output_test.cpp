@@ -66,7 +66,7 @@ TEST(StatusOutput, TablesOfAFreshWatchSayThatThereIsNothing) {
 TEST(StatusOutput, JsonHoldsTheSame) {
     const auto json = nlohmann::json::parse(statusJson(fullStatus()));
     EXPECT_EQ(json, nlohmann::json::parse(R"({
-        "watch": "/tmp/watch", "serviceRunning": true, "idleExit": null, "mergedPolicy": null,
+        "watch": "/tmp/watch", "booted": true, "serviceRunning": true, "idleExit": null, "mergedPolicy": null,
         "accounts": [{"account_id": 1, "account_name": "alice"}, {"account_id": 2, "account_name": "bob"}],
         "settings": {"quality": 128, "minimum_length": null, "maximum_failed_attempts_for_wipe": null,
             "min_complex_chars": null, "max_inactivity_time_device_lock": null, "expires": null, "history": null,

@@ -54,6 +54,62 @@ TEST_F(SurvivalCommands, OffOfAllEndsEveryWatchThatIsListed) {
     EXPECT_EQ(run({"ls"}), "");
 }
 
+TEST_F(SurvivalCommands, WaitForAHungServiceIsToldAndEndsInTime) {
+    boot();
+    const auto service = hungService();
+    for (const auto& command :
+         {std::vector<std::string>{"mail", "check-password"}, std::vector<std::string>{"lock", "pin"}}) {
+        std::vector<std::string> arguments{"--timeout", "2"};
+        arguments.insert(arguments.end(), command.begin(), command.end());
+        const auto outcome = deskwatchProgram(arguments);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.errors, "deskwatch: waiting for com.velmor.tesk-agent, which has not answered for a second\n"
+                                  "deskwatch: " +
+                                      command[0] + (command[0] == "mail" ? " " + command[1] : "") +
+                                      ": com.velmor.tesk-agent has not answered for 2 seconds (--timeout); "
+                                      "end what hangs with: deskwatch off --force\n");
+    }
+    service.signal(SIGCONT);
+    run({"mail", "check-password"});
+}
+
+TEST_F(SurvivalCommands, LogThatNeverEndsHoldsNobodyUp) {
+    boot();
+    std::filesystem::remove(device().layout().log());
+    std::filesystem::create_symlink("/dev/full", device().layout().log());
+    status();
+    run({"check"});
+    const auto sent = deskwatchProgram({"mail", "check-password"});
+    EXPECT_NE(sent.errors.find("the log of this watch does not show"), std::string::npos) << sent.errors;
+    const auto outcome = deskwatchProgram({"log"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.errors.find("log is not a regular file"), std::string::npos) << outcome.errors;
+}
+
+/// Whether a process can be in a name space of its own here, in which the limits are its own.
+bool canLimitNotifiers() {
+    return std::system("unshare --user --map-root-user true 2>/dev/null") == 0;
+}
+
+TEST_F(SurvivalCommands, FollowersDoWithoutANotifierOfTheSystem) {
+    if (!canLimitNotifiers()) {
+        GTEST_SKIP() << "no user name spaces here";
+    }
+    boot();
+    const auto commands = write("commands", R"(
+        echo 0 >/proc/sys/user/max_inotify_instances || exit 1
+        "$DESKWATCH" log --follow | { read -r first; "$DESKWATCH" bus ping; grep -q Pong; } || exit 1
+        "$DESKWATCH" kill
+        "$DESKWATCH" status --follow | { read -r first; "$DESKWATCH" bus ping; grep -q 'the service runs'; }
+    )");
+    setenv("DESKWATCH", DESKWATCH_PROGRAM, 1);
+    const c::ObjectOwner<GSubprocess> shell(g_subprocess_new(G_SUBPROCESS_FLAGS_STDOUT_SILENCE, nullptr, "unshare",
+                                                             "--user", "--map-root-user", "sh", commands.c_str(),
+                                                             nullptr));
+    ASSERT_NE(shell, nullptr);
+    EXPECT_NE(g_subprocess_wait_check(shell.get(), nullptr, nullptr), FALSE);
+}
+
 TEST_F(SurvivalCommands, HungServiceEndsByForce) {
     boot();
     const auto service = hungService();

@@ -4,6 +4,7 @@
 #include "commands_fixture.h"
 #include "device/application_ids.h"
 #include "device/process_handle.h"
+#include "running_program.h"
 
 namespace deskwatch {
 namespace {
@@ -54,6 +55,17 @@ TEST_F(WearerCommands, PopupsSyncOffReachesTheMailApplication) {
         "entries": {"req": "req_disable_password_eas_accounts", "msg": ""}}])"));
     EXPECT_NE(run({"status"}).find("\nMessages to the mail application\n  from com.velmor.tesk-agent\n"),
               std::string::npos);
+}
+
+TEST_F(WearerCommands, WhoHearsOfTheEncryptionFindsTheStorageEncrypted) {
+    boot();
+    RunningProgram timeline({"timeline", "--follow", "--json", "--new"});
+    run({"bus", "ping"});
+    timeline.awaitLine([](const std::string& line) { return line.find("diagnostic method") != std::string::npos; });
+    run({"encrypt"});
+    const auto isKey = [](const std::string& line) { return Json::parse(line)["kind"] == "key"; };
+    EXPECT_NE(timeline.awaitLine(isKey).find("crypto"), std::string::npos);
+    EXPECT_NE(timeline.awaitLine(isKey).find("device_encryption_applied"), std::string::npos);
 }
 
 TEST_F(WearerCommands, DismissedPopupIsClosedAndNothingFollows) {
