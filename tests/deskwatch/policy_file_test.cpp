@@ -1,9 +1,17 @@
 #include "policy_files/policy_file.h"
 
+#include <glib.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <stdexcept>
+
+#include "c_owners.h"
+#include "provisioning/provisioning_import.h"
 
 namespace deskwatch {
 namespace {
@@ -15,6 +23,152 @@ std::string refusal(const std::function<void()>& call) {
         return error.what();
     }
     return "no refusal";
+}
+
+std::string contentsOf(const std::string& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// The elements of the only policy of a text, or of the one of that name: `NAME=VALUE`, `NAME{}` for a list.
+std::string elementsOf(const std::string& text, const std::string& name = "") {
+    std::string words;
+    const auto content = readPolicyFile("p", text);
+    for (const auto& element : chosenPolicy("p", content, name).elements) {
+        words += (words.empty() ? "" : " ") + element.name + (element.isList ? "{}" : "=" + element.value);
+    }
+    return words;
+}
+
+/// The policy set of a text's message.
+std::string policySetOf(const std::string& text, const std::string& name) {
+    const auto content = readPolicyFile("p", text);
+    const auto import = importProvisioning("p", chosenPolicy("p", content, name).elements, {1, "a@b.example", false});
+    const auto message = nlohmann::json::parse(import.message);
+    return message["param"][0]["policySet"].dump();
+}
+
+std::string convertedTo(const char* encoding, const std::string& mark, const std::string& text) {
+    gsize size = 0;
+    const c::MemoryOwner<char> bytes(
+        g_convert(text.data(), static_cast<gssize>(text.size()), encoding, "UTF-8", nullptr, &size, nullptr));
+    return mark + std::string(bytes.get(), size);
+}
+
+TEST(ReadPolicyFile, SamePolicyIsTheSameMessageInEveryFormat) {
+    const std::string samples = SAMPLES;
+    const auto expected = policySetOf(contentsOf(samples + "/hardened.json"), "");
+    struct Row {
+        const char* file;
+        const char* name;
+    };
+    for (const Row& row : {Row{"format-list.txt", "Hardened"}, Row{"convertto-json.json", "Hardened"},
+                           Row{"export.csv", "Hardened"}, Row{"policies.ini", "Hardened"}, Row{"grommunio.json", ""},
+                           Row{"reply.hex", ""}, Row{"../provision-hardened.xml", ""}}) {
+        EXPECT_EQ(policySetOf(contentsOf(samples + "/policies/" + row.file), row.name), expected) << row.file;
+    }
+    const auto list = contentsOf(samples + "/policies/format-list.txt");
+    EXPECT_EQ(policySetOf(convertedTo("UTF-16LE", "\xFF\xFE", list), ""), expected);
+    EXPECT_EQ(policySetOf(convertedTo("UTF-16BE", "\xFE\xFF", list), ""), expected);
+    EXPECT_EQ(policySetOf("\xEF\xBB\xBF" + list, ""), expected);
+}
+
+TEST(ReadPolicyFile, EveryFormatIsReadWithItsOddities) {
+    struct Row {
+        const char* text;
+        const char* elements;
+    };
+    const Row rows[] = {
+        {"PS> list\n\n    MinPasswordLength : \n    PasswordExpiration : Unlimited\n", // pasted with the prompt,
+                                                                                       // indented
+         "MinDevicePasswordLength= DevicePasswordExpiration="},
+        {"ApprovedApplicationList : {a, b,\n                          c}\nAllowCamera : False", // a long value goes on
+         "ApprovedApplicationList{} AllowCamera=0"},
+        {"MinDevicePasswordLength : 6\nMinPasswordLength : 6", "MinDevicePasswordLength=6"}, // old name and new
+        {"Name = \"A\";\nPasswordEnabled = $True;\nApprovedApplicationList = @()\nMaxInactivityTimeLock = '1.00:00:01'",
+         "DevicePasswordEnabled=1 ApprovedApplicationList= MaxInactivityTimeDeviceLock=86401"},
+        {"MaxAttachmentSize : 10 MB (10,485,760 bytes)\nAllowBluetooth : handsfreeonly\nGuid : 1\nAlowCamera : True",
+         "MaxAttachmentSize=10485760 AllowBluetooth=1 AlowCamera=True"},
+        {"Name;PasswordEnabled\r\n\"a;\"\"b\"\"\";\"True\"\r\n",
+         "DevicePasswordEnabled=1"}, // the list separator of a country
+        {"Name,AllowCamera,ApprovedApplicationList\n\"two\nlines\",False,System.String[]\n",
+         "AllowCamera=0 ApprovedApplicationList=(not in the file)"},
+        {R"({"AllowBluetooth": {"value": 1, "Value": "HandsfreeOnly"}, "MinPasswordLength": null, "Extra": {}})",
+         "AllowBluetooth=1 MinDevicePasswordLength="},
+        {R"({"ApprovedApplicationList": ["a"], "MaxPasswordFailedAttempts": {"IsUnlimited": true, "Value": 4}})",
+         "ApprovedApplicationList{} MaxDevicePasswordFailedAttempts="},
+        {R"({"devpwenabled": "1", "approvedapplist": ["a"], "devpwhystory": 3})", // the inner object; a slip of the pen
+         "DevicePasswordEnabled=1 ApprovedApplicationList{} devpwhystory=3"},
+        {"; comment\ndevpwenabled=on\nmaxattsize='-1' ; all\n=5\n", "DevicePasswordEnabled=1 MaxAttachmentSize=-1"},
+    };
+    for (const auto& [text, elements] : rows) {
+        EXPECT_EQ(elementsOf(text), elements) << text;
+    }
+    EXPECT_EQ(elementsOf("[default]\ndevpwenabled=1\nmindevpwlenngth=4\n[strict]\nmindevpwlenngth=8", "strict"),
+              "MinDevicePasswordLength=8 DevicePasswordEnabled=1");
+    EXPECT_EQ(readPolicyFile("p", R"({"mindevpwlenngth": 4})").remarks.size(), 1U);
+}
+
+TEST(ReadPolicyFile, CaptureIsReadInEveryForm) {
+    const auto hex = contentsOf(std::string(SAMPLES) + "/policies/reply.hex");
+    auto tight = hex;
+    tight.erase(std::remove_if(tight.begin(), tight.end(), [](char c) { return c == ' ' || c == '\n'; }), tight.end());
+    std::string bytes;
+    for (std::size_t at = 0; at < tight.size(); at += 2) {
+        bytes += static_cast<char>(std::stoi(tight.substr(at, 2), nullptr, 16));
+    }
+    const c::MemoryOwner<char> base64(g_base64_encode(reinterpret_cast<const guchar*>(bytes.data()), bytes.size()));
+    const auto expected = elementsOf(hex);
+    EXPECT_EQ(elementsOf(tight), expected);
+    EXPECT_EQ(elementsOf(bytes), expected);
+    EXPECT_EQ(elementsOf(std::string(base64.get()) + "\n"), expected);
+    const auto wipe = readPolicyFile("p", "03 01 6A 00 00 0E 45 4B 03 32 00 01 0C 01"); // Status 2, RemoteWipe
+    ASSERT_EQ(wipe.notices.size(), 2U);
+    EXPECT_EQ(wipe.notices[0].status, "2");
+    EXPECT_EQ(wipe.notices[1].kind, ServerNotice::Kind::Wipe);
+    EXPECT_TRUE(wipe.policies.empty());
+}
+
+TEST(ReadPolicyFile, MessageIsAPolicyForEachOfItsAccounts) {
+    const auto three = contentsOf(std::string(SAMPLES) + "/three-accounts.json");
+    EXPECT_EQ(readPolicyFile("p", three).policies.size(), 3U);
+    const auto content =
+        readPolicyFile("p", R"({"msgId": "email-itpolicy-ind", "param": [{"accountName": "a", "policySet":
+        {"PasswordMode": 96, "allowBluetoothMode": true, "allowCamera": "no", "minDevicePasswordLength": 0}}]})");
+    ASSERT_EQ(content.policies.size(), 1U);
+    EXPECT_TRUE(content.policies[0].isMessage);
+    const auto& elements = content.policies[0].elements;
+    EXPECT_EQ(elements[0].value, "1");
+    EXPECT_EQ(elements[1].value, "\"no\"");
+    EXPECT_EQ(elements[2].value, "2");
+    EXPECT_EQ(elements[3].value, "0") << "a member that is left out forbids";
+    EXPECT_EQ(elements[17].value, "");
+    EXPECT_EQ(readPolicyFile("p", R"({"msgId": "eas-remote-wipe"})").notices.size(), 1U);
+}
+
+TEST(ReadPolicyFile, MistakesAreNamedWithTheirPlace) {
+    struct Row {
+        const char* text;
+        const char* refusal;
+    };
+    const Row rows[] = {
+        {"AllowCamera : True\nMaxInactivityTimeLock : 15",
+         "p:2: MaxInactivityTimeLock is \"15\"; it must be a time such"},
+        {"PasswordExpiration : 1.12:00:00", "p:1: PasswordExpiration is \"1.12:00:00\"; it must be whole days such as"},
+        {"MaxInactivityTimeLock : 00:-1:00", "p:1: MaxInactivityTimeLock is"},
+        {"{\"devpwenabled\": 1,}", "p:1:20: not valid JSON: "},
+        {"{\"a\": 1}", "p: not a policy in a known format. Known are: "},
+        {"[default]\nlifetime = 3", "p: not a policy in a known format. "},
+        {"dear sir: or madam", "p: not a policy in a known format. "},
+        {" \n", "p: the file is empty"},
+        {"\xFF\xFE\x41", "p: not valid UTF-16"},
+        {"03 01 6A 00 45", "p: not a WBXML document of ActiveSync: byte 5: "},
+        {"<EASProvisionDoc>", "p:1: not valid XML: "},
+    };
+    for (const auto& [text, expected] : rows) {
+        const auto what = refusal([&, text = text] { readPolicyFile("p", text); });
+        EXPECT_EQ(what.find(expected), 0U) << what;
+    }
 }
 
 TEST(ReadPolicyFile, LastPolicyOfATraceCountsAsAClientTakesIt) {
@@ -34,7 +188,7 @@ TEST(ReadPolicyFile, LastPolicyOfATraceCountsAsAClientTakesIt) {
 }
 
 TEST(ChosenPolicy, NamesAreToldWhenTheChoiceIsOpen) {
-    const PolicyFile two{{{"Field staff", {}}, {"Office", {}}}, {}, {}};
+    const PolicyFile two{{{"Field staff", {}, false}, {"Office", {}, false}}, {}, {}};
     EXPECT_EQ(chosenPolicy("p", two, "Office").name, "Office");
     EXPECT_EQ(refusal([&] { chosenPolicy("p", two, ""); }),
               "p has 2 policies; choose one with --policy: \"Field staff\", \"Office\"");

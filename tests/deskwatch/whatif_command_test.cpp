@@ -255,5 +255,31 @@ TEST_F(Whatif, SignalLeavesNoProcessAndNoFolder) {
     }
 }
 
+TEST_F(Whatif, ImportedPolicyIsForetoldAndSentAsItsMessageIs) {
+    boot();
+    const auto file = sample("policies/policies.ini");
+    const auto message = (device().layout().folder() / "message.json").string();
+    EXPECT_EQ(deskwatchProgram({"import", file, "--policy", "Hardened", "-o", message, "--account", "2"}).status, 0);
+    const std::vector<std::string> import{"import", file, "--policy", "Hardened", "--account", "2", "--json"};
+    const auto call = [&import](const std::string& option) {
+        auto arguments = import;
+        arguments.push_back(option);
+        return deskwatchProgram(arguments);
+    };
+    auto foretold = Json::parse(call("--whatif").output);
+    auto expected = whatif({message});
+    for (auto* const forecast : {&foretold, &expected}) {
+        for (auto& screen : (*forecast)["screens"]) {
+            screen.erase("source"); // the name of the file
+        }
+    }
+    EXPECT_EQ(foretold, expected);
+    EXPECT_EQ(call("--send").output, file + ": account 2 (imported@example.com): stored\n");
+    EXPECT_EQ(status()["settings"], after(expected["settings"]));
+    const auto order = write("order.xml", "<Provision><RemoteWipe/><EASProvisionDoc/></Provision>").string();
+    EXPECT_EQ(deskwatchProgram({"import", order, "--send"}).status, 1);
+    EXPECT_EQ(status()["accounts"].size(), 1U);
+}
+
 } // namespace
 } // namespace deskwatch

@@ -7,8 +7,10 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "actors/message_file.h"
+#include "actors/request.h"
 #include "device/device.h"
 
 namespace deskwatch {
@@ -42,6 +44,15 @@ void warnOf(const std::string& file, const std::string& message);
 
 /// The text of a message file. Prints to standard error what lint would remark.
 std::string readMessageAndWarn(const std::string& file, Check check);
+
+/// A request and where it comes from: a file, or nothing where the command says it all.
+struct SourcedRequest {
+    std::string source;
+    Request request;
+};
+
+/// Sends requests and prints what became of each. What the watch did not do is thrown as one Refusal.
+void sendAndTell(const CommonOptions& common, const std::vector<SourcedRequest>& sourced);
 
 /// The watch that a command applies to. Throws std::runtime_error when none is named and none is booted.
 Device chosenDevice(const CommonOptions& common);
@@ -84,7 +95,7 @@ void addPanelCommand(CLI::App& program, const CommonOptions& common);
 void addListCommand(CLI::App& program);
 
 void addLintCommand(CLI::App& program);
-void addImportCommand(CLI::App& program);
+void addImportCommand(CLI::App& program, const CommonOptions& common);
 void addRecordCommand(CLI::App& program, const CommonOptions& common);
 void addReplayCommand(CLI::App& program);
 

@@ -7,6 +7,7 @@
 
 #include "commands.h"
 #include "commands/output.h"
+#include "forecast/forecast.h"
 #include "policy_files/policy_file.h"
 #include "provisioning/provisioning_import.h"
 #include "text/input_file.h"
@@ -18,16 +19,14 @@ namespace {
 struct ImportOptions {
     std::string file;
     std::string output;
+    std::string policy;
     ImportTarget target{1, "imported@example.com", false};
     bool isJson = false;
+    bool isWhatif = false;
+    bool isSend = false;
 };
 
 void writeMessage(const std::string& output, const std::string& message) {
-    if (output.empty()) {
-        std::cout << message;
-        flushOutput();
-        return;
-    }
     std::ofstream stream(output, std::ios::binary | std::ios::trunc);
     stream << message << std::flush;
     if (!stream) {
@@ -47,42 +46,78 @@ std::vector<std::string> noticesOf(const std::string& name, const PolicyFile& co
     return lines;
 }
 
-void import(const ImportOptions& options) {
-    const auto name = inputName(options.file);
-    const auto content = readPolicyFile(name, readInput(options.file));
+/// A client that is told to wipe looks at no policy.
+void refuseBesideAnOrder(const std::string& name, const PolicyFile& content) {
+    for (const auto& notice : content.notices) {
+        if (notice.kind == ServerNotice::Kind::Wipe || notice.kind == ServerNotice::Kind::AccountWipe) {
+            throw std::runtime_error(noticeText(name, notice) + "; this sends policies only (deskwatch mail wipe)");
+        }
+    }
+}
+
+ProvisioningImport importOf(const std::string& name, const PolicyFile& content, const ImportOptions& options) {
     auto notices = noticesOf(name, content);
     if (content.policies.empty() && !notices.empty()) {
         throw std::runtime_error(name + " brings no policy\n" + joined(notices, "\n"));
     }
-    auto result = importProvisioning(name, chosenPolicy(name, content, "").elements, options.target);
+    const auto& policy = chosenPolicy(name, content, options.policy);
+    auto target = options.target;
+    target.keepsLimits = target.keepsLimits || policy.isMessage;
+    auto result = importProvisioning(name, policy.elements, target);
     result.notices = std::move(notices);
-    writeMessage(options.output, result.message);
+    return result;
+}
+
+void import(const CommonOptions& common, const ImportOptions& options) {
+    const auto name = inputName(options.file);
+    const auto content = readPolicyFile(name, readInput(options.file));
+    const auto result = importOf(name, content, options);
+    if (!options.output.empty()) {
+        writeMessage(options.output, result.message);
+    } else if (!options.isWhatif && !options.isSend) {
+        std::cout << result.message;
+        flushOutput();
+    }
     std::cerr << (options.isJson ? importJson(name, result) : importText(name, result));
+    if (options.isWhatif) {
+        const auto changes = forecast(chosenDevice(common), {{name, result.message}});
+        std::cout << (options.isJson ? forecastJson(changes) : forecastText(changes));
+    } else if (options.isSend) {
+        refuseBesideAnOrder(name, content);
+        sendAndTell(common, {{name, requests::policyUpdate(result.message)}});
+    }
 }
 
 } // namespace
 
-void addImportCommand(CLI::App& program) {
-    auto* command = program.add_subcommand("import", "Turn an Exchange provisioning document into a policy update");
+void addImportCommand(CLI::App& program, const CommonOptions& common) {
+    auto* command = program.add_subcommand("import", "Turn an administrator's policy into a policy update");
     auto options = std::make_shared<ImportOptions>();
-    command
-        ->add_option(
-            "FILE", options->file,
-            "XML with an EASProvisionDoc element, alone or inside a Provision element, or a trace of mail connect")
-        ->required();
+    command->add_option("FILE", options->file, "A policy in any of the formats below; - is standard input")->required();
+    command->add_option("--policy", options->policy, "Which policy of a file that has several")->type_name("NAME");
     command->add_option("--account", options->target.account, "The account's number (default: 1)")
         ->check(checkPositive, "")
         ->type_name("ID");
     command->add_option("--name", options->target.name, "The account's name (default: imported@example.com)")
         ->type_name("NAME");
-    command->add_option("-o,--output", options->output, "File for the message (default: standard output)")
+    command
+        ->add_option("-o,--output", options->output,
+                     "File for the message (default: standard output, unless --whatif or --send)")
         ->type_name("OUT");
     command->add_flag("--keep-limits", options->target.keepsLimits,
                       "Keep password limits even if no password is required; the protocol ignores them");
+    auto* whatif =
+        command->add_flag("--whatif", options->isWhatif, "Show what would change on the watch, as whatif does");
+    command->add_flag("--send", options->isSend, "Send it to the watch as a policy update")->excludes(whatif);
     command->add_flag("--json", options->isJson, "The report as one JSON object");
-    command->footer("The report on what the watch does with each element goes to standard error.\n"
-                    "Example:\n  deskwatch import samples/provision-hardened.xml -o policy.json");
-    command->callback([options] { import(*options); });
+    command->footer(
+        "Formats, known by their content: an EASProvisionDoc in XML or WBXML (bytes, hexadecimal, base64), alone or\n"
+        "in its Provision element; Get-MobileDeviceMailboxPolicy | Format-List, ConvertTo-Json or Export-Csv;\n"
+        "policies.ini of Z-Push; a policy of grommunio; a message for the watch; a trace of mail connect.\n"
+        "The report on what the watch does with each element goes to standard error.\n"
+        "Example:\n  deskwatch import samples/policies/format-list.txt --whatif\n"
+        "  deskwatch import samples/policies/policies.ini --policy Hardened --send --account 2");
+    command->callback([&common, options] { import(common, *options); });
 }
 
 } // namespace deskwatch

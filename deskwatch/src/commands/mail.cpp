@@ -12,36 +12,6 @@
 namespace deskwatch {
 namespace {
 
-/// A request and where it comes from: a file, or nothing where the command says it all.
-struct SourcedRequest {
-    std::string source;
-    Request request;
-};
-
-/// Sends requests and prints what became of each. What the watch did not do is thrown as one Refusal.
-void sendAndTell(const CommonOptions& common, const std::vector<SourcedRequest>& sourced) {
-    std::vector<Request> requests;
-    requests.reserve(sourced.size());
-    for (const auto& entry : sourced) {
-        requests.push_back(entry.request);
-    }
-    const auto outcomes = sendAsMailApplication(chosenDevice(common), requests);
-    std::string refusals;
-    for (std::size_t index = 0; index < outcomes.size(); ++index) {
-        const auto& source = sourced[index].source;
-        const std::string prefix = source.empty() ? "" : source + ": ";
-        for (const auto& line : outcomes[index].done()) {
-            std::cout << prefix << line << '\n';
-        }
-        for (const auto& line : outcomes[index].notDone()) {
-            refusals.append(refusals.empty() ? "" : "\n  ").append(prefix).append(line);
-        }
-    }
-    if (!refusals.empty()) {
-        throw Refusal(refusals);
-    }
-}
-
 /// The service takes the digits that a text begins with, and their lowest 32 bits, for the number of the account to
 /// delete. So a slip of the finger must not reach it.
 std::string checkAccountNumber(const std::string& text) {
@@ -126,6 +96,29 @@ void addFixedCommand(CLI::App& mail, const CommonOptions& common, const FixedReq
 }
 
 } // namespace
+
+void sendAndTell(const CommonOptions& common, const std::vector<SourcedRequest>& sourced) {
+    std::vector<Request> requests;
+    requests.reserve(sourced.size());
+    for (const auto& entry : sourced) {
+        requests.push_back(entry.request);
+    }
+    const auto outcomes = sendAsMailApplication(chosenDevice(common), requests);
+    std::string refusals;
+    for (std::size_t index = 0; index < outcomes.size(); ++index) {
+        const auto& source = sourced[index].source;
+        const std::string prefix = source.empty() ? "" : source + ": ";
+        for (const auto& line : outcomes[index].done()) {
+            std::cout << prefix << line << '\n';
+        }
+        for (const auto& line : outcomes[index].notDone()) {
+            refusals.append(refusals.empty() ? "" : "\n  ").append(prefix).append(line);
+        }
+    }
+    if (!refusals.empty()) {
+        throw Refusal(refusals);
+    }
+}
 
 void addMailCommand(CLI::App& program, const CommonOptions& common) {
     auto* command = program.add_subcommand("mail", "Act as the watch's mail application");

@@ -42,7 +42,7 @@ void addCommands(CLI::App& program, CommonOptions& common) {
     addEventCommand(program, common);
     addBusCommand(program, common);
     addLintCommand(program);
-    addImportCommand(program);
+    addImportCommand(program, common);
     addExchangeCommand(program);
     addRecordCommand(program, common);
     addReplayCommand(program);

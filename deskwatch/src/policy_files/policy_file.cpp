@@ -5,6 +5,8 @@
 #include <stdexcept>
 
 #include "exchange/status_words.h"
+#include "policy_files/policy_readers.h"
+#include "policy_files/setting_text.h"
 #include "provisioning/exchange_trace_format.h"
 #include "provisioning/provisioning_import.h"
 #include "provisioning/provisioning_tolerance.h"
@@ -14,11 +16,25 @@
 namespace deskwatch {
 namespace {
 
+constexpr char unknownFormat[] =
+    "not a policy in a known format. Known are: a provisioning document (XML) or its WBXML (bytes, hexadecimal, "
+    "base64); "
+    "Get-MobileDeviceMailboxPolicy | Format-List, ConvertTo-Json or Export-Csv; policies.ini of Z-Push; a policy of "
+    "grommunio (JSON); a message for the watch; a trace of mail connect. samples/README.md names one of each";
+
+std::string decoded(const std::string& file, const std::string& bytes) {
+    try {
+        return decodedText(bytes);
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error(file + ": " + error.what());
+    }
+}
+
 PolicyFile fromDocument(ProvisioningDocument document) {
     PolicyFile content;
     content.notices = std::move(document.notices);
     if (document.hasPolicy) {
-        content.policies.push_back({"", std::move(document.elements)});
+        content.policies.push_back({"", std::move(document.elements), false});
     }
     return content;
 }
@@ -59,8 +75,22 @@ std::string namesOf(const PolicyFile& content) {
 } // namespace
 
 PolicyFile readPolicyFile(const std::string& file, const std::string& bytes) {
-    return exchange_trace::isTrace(bytes) ? readTrace(file, bytes)
-                                          : fromDocument(readProvisioningDocument(file, bytes));
+    if (auto captured = readWbxmlCapture(file, bytes)) {
+        return std::move(*captured);
+    }
+    const auto text = decoded(file, bytes);
+    if (exchange_trace::isTrace(text)) {
+        return readTrace(file, text);
+    }
+    if (const auto start = text.find_first_not_of(" \t\r\n"); start != std::string::npos && text[start] == '<') {
+        return fromDocument(readProvisioningDocument(file, bytes)); // XML says itself how it is written
+    }
+    for (const auto read : {readWbxmlCapture, readJsonPolicies, readCsvPolicies, readIniPolicies, readListedPolicies}) {
+        if (auto content = read(file, text)) {
+            return std::move(*content);
+        }
+    }
+    throw std::runtime_error(file + ": " + (trimmedText(text).empty() ? "the file is empty" : unknownFormat));
 }
 
 const FilePolicy& chosenPolicy(const std::string& file, const PolicyFile& content, const std::string& name) {

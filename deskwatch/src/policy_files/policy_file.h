@@ -13,6 +13,8 @@ struct FilePolicy {
     /// What the file calls it; may be empty.
     std::string name;
     std::vector<ProvisioningElement> elements;
+    /// Whether it comes from a message for the watch, which nobody reads as a client reads a server's policy.
+    bool isMessage = false;
 };
 
 /// What a file brings.

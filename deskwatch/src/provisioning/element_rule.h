@@ -41,6 +41,9 @@ struct OtherElement {
     const char* idle;
 };
 
+/// What the mail application writes for a password that must be alphanumeric.
+inline constexpr int alphanumericMode = 64;
+
 inline constexpr int anyNumber = std::numeric_limits<int>::max();
 
 /// The rule for an element of this name; null when neither the watch nor the protocol looks at its value.

@@ -17,8 +17,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr int alphanumericMode = 64;
-
 /// A whole text as a number of 0 or more.
 std::optional<int> numberOf(const std::string& text) {
     int number = 0;

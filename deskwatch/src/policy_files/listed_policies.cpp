@@ -1,0 +1,112 @@
+#include <algorithm>
+#include <sstream>
+#include <vector>
+
+#include "policy_files/policy_readers.h"
+#include "policy_files/policy_setting.h"
+#include "policy_files/setting_text.h"
+
+namespace deskwatch {
+namespace {
+
+/// A line of a list: `Name : value` or `Name = value`.
+struct ListLine {
+    std::string name;
+    std::string value;
+    /// Where its value begins; 0 when it has no name.
+    std::size_t column = 0;
+};
+
+ListLine listLine(const std::string& line) {
+    const auto mark = line.find_first_of(":=");
+    auto name = trimmedText(mark == std::string::npos ? "" : line.substr(0, mark));
+    if (!isWord(name)) {
+        return {};
+    }
+    return {std::move(name), trimmedText(line.substr(mark + 1)), mark + 2};
+}
+
+/// The values of a list: `{a, b}` or `@("a", "b")`.
+PolicySetting settingOf(const ListLine& line, long number) {
+    auto value = line.value;
+    value.erase(value.find_last_not_of(';') + 1);
+    const bool isBraced = value.size() > 1 && value.front() == '{' && value.back() == '}';
+    const bool isArray = value.size() > 2 && value.rfind("@(", 0) == 0 && value.back() == ')';
+    if (isBraced || isArray) {
+        const std::size_t open = isArray ? 2 : 1;
+        const auto inner = trimmedText(value.substr(open, value.size() - open - 1));
+        return {line.name, "", !inner.empty(), number};
+    }
+    value.erase(0, value.rfind('$', 0) == 0 ? 1 : 0);
+    return {line.name, unquoted(value), false, number};
+}
+
+/// Splits lists into policies: the next one begins where a name comes again.
+class ListReader {
+public:
+    void take(const std::string& text, long number) {
+        const auto line = listLine(text);
+        const auto indent = text.find_first_not_of(" \t");
+        if (indent == std::string::npos) {
+            return;
+        }
+        if (column_ > 0 && indent >= column_ - 1) { // a long value goes on under its column
+            last_.value += trimmedText(text);
+        } else if (line.column > 0) {
+            finishLine();
+            last_ = line;
+            column_ = line.column;
+            number_ = number;
+        }
+    }
+
+    std::vector<std::vector<PolicySetting>> end() {
+        finishLine();
+        policies_.push_back(std::move(settings_));
+        return std::move(policies_);
+    }
+
+private:
+    void finishLine() {
+        if (column_ == 0) {
+            return;
+        }
+        const bool isAgain = std::any_of(settings_.begin(), settings_.end(),
+                                         [this](const PolicySetting& setting) { return setting.name == last_.name; });
+        if (isAgain) {
+            policies_.push_back(std::move(settings_));
+            settings_.clear();
+        }
+        settings_.push_back(settingOf(last_, number_));
+        column_ = 0;
+    }
+
+    std::vector<std::vector<PolicySetting>> policies_;
+    std::vector<PolicySetting> settings_;
+    ListLine last_;
+    std::size_t column_ = 0;
+    long number_ = 0;
+};
+
+} // namespace
+
+std::optional<PolicyFile> readListedPolicies(const std::string& file, const std::string& text) {
+    ListReader reader;
+    std::istringstream stream(text);
+    long number = 0;
+    for (std::string line; std::getline(stream, line);) {
+        reader.take(line, ++number);
+    }
+    PolicyFile content;
+    for (const auto& settings : reader.end()) {
+        const bool isPolicy = std::any_of(settings.begin(), settings.end(), [](const PolicySetting& setting) {
+            return isPolicyName(setting.name, Naming::Properties);
+        });
+        if (isPolicy) {
+            addPolicy(content, policyOf(file, settings, Naming::Properties));
+        }
+    }
+    return content.policies.empty() ? std::nullopt : std::optional(content);
+}
+
+} // namespace deskwatch

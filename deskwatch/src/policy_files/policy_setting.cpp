@@ -1,0 +1,149 @@
+#include "policy_files/policy_setting.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+#include <optional>
+#include <stdexcept>
+
+#include "policy_files/policy_names.h"
+#include "provisioning/provisioning_import.h"
+#include "text/suggestion.h"
+#include "text/text_table.h"
+
+namespace deskwatch {
+namespace {
+
+const PolicyName* policyName(const std::string& name, Naming naming) {
+    const auto* const row = std::find_if(policyNames.begin(), policyNames.end(), [&](const PolicyName& candidate) {
+        return naming == Naming::Properties ? name == candidate.property || name == candidate.element
+                                            : name == candidate.key || (!name.empty() && name == candidate.otherKey);
+    });
+    return row != policyNames.end() ? row : nullptr;
+}
+
+/// Whether a name that no element has stands for nothing that the reader must hear of. The properties of an object are
+/// more than those of the policy, so there only what looks like a slip of the pen is told.
+bool isLeftOut(const std::string& name, Naming naming) {
+    const auto isSame = [&name](const char* other) { return name == other; };
+    if (std::any_of(notSent.begin(), notSent.end(), isSame)) {
+        return true;
+    }
+    std::vector<std::string_view> properties;
+    properties.reserve(policyNames.size());
+    std::transform(policyNames.begin(), policyNames.end(), std::back_inserter(properties),
+                   [](const PolicyName& row) { return row.property; });
+    return naming == Naming::Properties && !nearest(name, properties);
+}
+
+std::optional<long> numberIn(std::string_view text) {
+    long number = 0;
+    const auto* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    const bool isNumber = error == std::errc() && stop == end && number >= 0 && number < 1'000'000'000;
+    return isNumber ? std::optional(number) : std::nullopt;
+}
+
+/// `[days.]hours:minutes:seconds` in seconds.
+std::optional<long> secondsIn(std::string_view text) {
+    constexpr long perUnit[] = {3600, 60, 1};
+    constexpr long perDay = 86400;
+    long seconds = 0;
+    if (const auto dot = text.find('.'); dot < text.find(':')) {
+        const auto days = numberIn(text.substr(0, dot));
+        if (!days) {
+            return std::nullopt;
+        }
+        seconds = *days * perDay;
+        text.remove_prefix(dot + 1);
+    }
+    for (const long factor : perUnit) {
+        const auto colon = factor == 1 ? text.size() : text.find(':');
+        const auto number = colon == std::string_view::npos ? std::nullopt : numberIn(text.substr(0, colon));
+        if (!number) {
+            return std::nullopt;
+        }
+        seconds += *number * factor;
+        text.remove_prefix(std::min(colon + 1, text.size()));
+    }
+    return seconds;
+}
+
+std::string timeIn(const std::string& place, const PolicySetting& setting, TimeUnit unit) {
+    constexpr long perDay = 86400;
+    const auto seconds = secondsIn(setting.value);
+    if (!seconds || (unit == TimeUnit::Days && *seconds % perDay != 0)) {
+        throw std::runtime_error(
+            place + ": " + setting.name + " is \"" + printable(setting.value) + "\"; it must be " +
+            (unit == TimeUnit::Days ? "whole days such as 90.00:00:00" : "a time such as 00:15:00") + ", or Unlimited");
+    }
+    return std::to_string(unit == TimeUnit::Days ? *seconds / perDay : *seconds);
+}
+
+/// A size that is written as `10 MB (10,485,760 bytes)` as a number of bytes.
+std::string plainSize(const std::string& text) {
+    constexpr std::string_view end = " bytes)";
+    const auto open = text.find('(');
+    if (open == std::string::npos || text.size() < end.size() || text.substr(text.size() - end.size()) != end) {
+        return text;
+    }
+    auto digits = text.substr(open + 1, text.size() - end.size() - open - 1);
+    digits.erase(std::remove(digits.begin(), digits.end(), ','), digits.end());
+    return numberIn(digits) ? digits : text;
+}
+
+ProvisioningElement elementOf(const std::string& file, const PolicySetting& setting, const PolicyName& name,
+                              Naming naming) {
+    if (setting.isList) {
+        return {name.element, "", true, setting.line};
+    }
+    const auto* const word = std::find_if(valueWords.begin(), valueWords.end(), [&](const ValueWord& row) {
+        return g_ascii_strcasecmp(row.word, setting.value.c_str()) == 0;
+    });
+    std::string value = word != valueWords.end() ? word->value : plainSize(setting.value);
+    if (naming == Naming::Properties && name.unit != TimeUnit::None && word == valueWords.end() && !value.empty()) {
+        value = timeIn(placeIn(file, setting.line), setting, name.unit);
+    }
+    return {name.element, value, false, setting.line};
+}
+
+} // namespace
+
+bool isPolicyName(const std::string& name, Naming naming) {
+    return policyName(name, naming) != nullptr;
+}
+
+FilePolicy policyOf(const std::string& file, const std::vector<PolicySetting>& settings, Naming naming) {
+    FilePolicy policy;
+    auto& elements = policy.elements;
+    for (const auto& setting : settings) {
+        if (naming == Naming::Properties && (setting.name == "Name" || setting.name == "Identity")) {
+            policy.name = setting.name == "Name" || policy.name.empty() ? setting.value : policy.name;
+        }
+        const auto* const name = policyName(setting.name, naming);
+        if (setting.name.empty() || (name == nullptr && isLeftOut(setting.name, naming))) {
+            continue;
+        }
+        const auto element = name != nullptr
+                                 ? elementOf(file, setting, *name, naming)
+                                 : ProvisioningElement{setting.name, setting.value, setting.isList, setting.line};
+        // an object may have a property under its older name, too
+        const bool isThere = std::any_of(elements.begin(), elements.end(), [&](const ProvisioningElement& other) {
+            return other.name == element.name && other.value == element.value && other.isList == element.isList;
+        });
+        if (!isThere) {
+            elements.push_back(element);
+        }
+    }
+    return policy;
+}
+
+void addPolicy(PolicyFile& content, FilePolicy policy) {
+    if (!policy.elements.empty()) {
+        content.policies.push_back(std::move(policy));
+    }
+}
+
+} // namespace deskwatch

@@ -1,0 +1,54 @@
+#ifndef DESKWATCH_POLICY_SETTING_H
+#define DESKWATCH_POLICY_SETTING_H
+
+#include <string>
+#include <vector>
+
+#include "policy_files/policy_file.h"
+
+namespace deskwatch {
+
+/// In what an element counts a time that administrators write as `[days.]hours:minutes:seconds`.
+enum class TimeUnit { None, Seconds, Days };
+
+/// An element and what it is called where administrators keep it.
+struct PolicyName {
+    const char* element;
+    /// The property of an Exchange policy. The element's own name is its older one.
+    const char* property;
+    /// The key of Z-Push and grommunio, and another one; may be empty.
+    const char* key;
+    const char* otherKey;
+    TimeUnit unit;
+};
+
+/// A word for a value of an element.
+struct ValueWord {
+    const char* word;
+    const char* value;
+};
+
+/// By which names a file goes.
+enum class Naming { Properties, Keys };
+
+/// A setting as a file has it.
+struct PolicySetting {
+    std::string name;
+    std::string value;
+    bool isList = false;
+    long line = 0;
+};
+
+/// Whether a name is that of an element, as that kind of file writes it.
+bool isPolicyName(const std::string& name, Naming naming);
+
+/// A policy of settings. Names and words are taken in upper and lower case. What a server does not send is left out.
+/// Throws std::runtime_error with the place of every time that is not one.
+FilePolicy policyOf(const std::string& file, const std::vector<PolicySetting>& settings, Naming naming);
+
+/// Adds a policy to a file, if it has any element.
+void addPolicy(PolicyFile& content, FilePolicy policy);
+
+} // namespace deskwatch
+
+#endif

@@ -1,0 +1,49 @@
+#include "policy_files/setting_text.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <cctype>
+#include <stdexcept>
+#include <string_view>
+
+#include "c_owners.h"
+
+namespace deskwatch {
+
+std::string trimmedText(const std::string& text) {
+    constexpr std::string_view whiteSpace = " \t\r\n";
+    const auto first = text.find_first_not_of(whiteSpace);
+    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(whiteSpace) - first + 1);
+}
+
+std::string unquoted(const std::string& text) {
+    const bool isQuoted = text.size() > 1 && text.front() == text.back() && (text[0] == '"' || text[0] == '\'');
+    return isQuoted ? text.substr(1, text.size() - 2) : text;
+}
+
+bool isWord(const std::string& text) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](unsigned char character) {
+        return std::isalnum(character) != 0 || character == '_';
+    });
+}
+
+std::string decodedText(const std::string& bytes) {
+    constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
+    if (bytes.rfind(utf8Mark, 0) == 0) {
+        return bytes.substr(utf8Mark.size());
+    }
+    const bool isLittle = bytes.rfind("\xFF\xFE", 0) == 0;
+    if (!isLittle && bytes.rfind("\xFE\xFF", 0) != 0) {
+        return bytes;
+    }
+    gsize written = 0;
+    const c::MemoryOwner<char> text(g_convert(bytes.data() + 2, static_cast<gssize>(bytes.size() - 2), "UTF-8",
+                                              isLittle ? "UTF-16LE" : "UTF-16BE", nullptr, &written, nullptr));
+    if (text == nullptr) {
+        throw std::runtime_error("not valid UTF-16");
+    }
+    return {text.get(), written};
+}
+
+} // namespace deskwatch

@@ -1,0 +1,98 @@
+#include <glib.h>
+
+#include <algorithm>
+#include <cctype>
+#include <stdexcept>
+
+#include "c_owners.h"
+#include "exchange/protocol_version.h"
+#include "exchange/provision_messages.h"
+#include "policy_files/policy_readers.h"
+#include "provisioning/provisioning_tolerance.h"
+#include "wbxml/wbxml_codec.h"
+
+namespace deskwatch {
+namespace {
+
+bool consistsOf(const std::string& text, std::string_view more, int (*isOne)(int)) {
+    return std::all_of(text.begin(), text.end(), [&](char character) {
+        return isOne(static_cast<unsigned char>(character)) != 0 || more.find(character) != std::string_view::npos;
+    });
+}
+
+/// Bytes of hexadecimal digits, whatever stands between them; empty when it is something else.
+std::string bytesOfHexadecimal(std::string text) {
+    for (const std::string_view prefix : {"0x", "\\x"}) {
+        for (auto at = text.find(prefix); at != std::string::npos; at = text.find(prefix, at)) {
+            text.erase(at, prefix.size());
+        }
+    }
+    constexpr std::string_view between = " \t\r\n,:-";
+    if (!consistsOf(text, between, std::isxdigit)) {
+        return "";
+    }
+    std::string bytes;
+    int high = -1;
+    for (const char character : text) {
+        const int digit = g_ascii_xdigit_value(character);
+        if (digit >= 0 && high >= 0) {
+            bytes += static_cast<char>(high * 16 + digit);
+        }
+        high = digit < 0 ? high : high < 0 ? digit : -1;
+    }
+    return bytes;
+}
+
+std::string bytesOfBase64(const std::string& text) {
+    if (!consistsOf(text, "+/= \t\r\n", std::isalnum)) {
+        return "";
+    }
+    gsize size = 0;
+    const c::MemoryOwner<guchar> bytes(g_base64_decode(text.c_str(), &size));
+    return {reinterpret_cast<const char*>(bytes.get()), size};
+}
+
+ProvisionReply replyIn(const WbxmlElement& root) {
+    auto reply = readProvisionReply(root, protocol::v14_1);
+    return reply.hasDocument ? reply : readProvisionReply(root, protocol::v2_5);
+}
+
+void addStatus(PolicyFile& content, ServerNotice::Kind kind, const std::optional<int>& status) {
+    if (status.value_or(1) != 1) {
+        content.notices.push_back({kind, std::to_string(*status), 0});
+    }
+}
+
+PolicyFile contentOf(const WbxmlElement& root) {
+    const auto reply = replyIn(root);
+    PolicyFile content;
+    addStatus(content, ServerNotice::Kind::Status, reply.status);
+    if (reply.wipe != WipeOrder::None) {
+        const bool isDevice = reply.wipe == WipeOrder::Device;
+        content.notices.push_back({isDevice ? ServerNotice::Kind::Wipe : ServerNotice::Kind::AccountWipe, "", 0});
+    }
+    addStatus(content, ServerNotice::Kind::PolicyStatus, reply.policyStatus);
+    if (reply.hasDocument) {
+        auto taken = tolerated(reply.elements);
+        content.remarks = std::move(taken.remarks);
+        content.policies.push_back({"", std::move(taken.elements), false});
+    }
+    return content;
+}
+
+} // namespace
+
+std::optional<PolicyFile> readWbxmlCapture(const std::string& file, const std::string& bytes) {
+    for (const auto& candidate : {bytes, bytesOfHexadecimal(bytes), bytesOfBase64(bytes)}) {
+        if (looksLikeWbxml(candidate)) {
+            try {
+                return contentOf(decodeWbxml(candidate));
+            } catch (const std::runtime_error& error) {
+                throw std::runtime_error(file + ": " + error.what());
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace deskwatch

@@ -1,0 +1,18 @@
+#ifndef DESKWATCH_JSON_INPUT_H
+#define DESKWATCH_JSON_INPUT_H
+
+#include <string>
+#include <string_view>
+
+namespace deskwatch {
+
+/// `line:column` of a byte of a text, counted from 1 as editors do; a column is a byte, too.
+std::string positionIn(std::string_view text, std::size_t offset);
+
+/// Throws std::runtime_error with the file, the place and the reason when a text is not valid JSON. `remark` stands
+/// between them.
+void requireJson(const std::string& file, const std::string& text, const std::string& remark);
+
+} // namespace deskwatch
+
+#endif
