@@ -32,7 +32,7 @@ TEST(StatusOutput, TablesShowEachAccountInAColumn) {
                                           "  account_id    1      2\n"
                                           "  account_name  alice  bob\n"
                                           "\nSettings of the device policy manager\n"
-                                          "  quality                           128\n"
+                                          "  quality                           128 alphanumeric\n"
                                           "  minimum_length                    -\n"
                                           "  maximum_failed_attempts_for_wipe  -\n"
                                           "  min_complex_chars                 -\n"

@@ -204,9 +204,10 @@ TEST_F(Whatif, EveryKindOfMessageIsTaken) {
 TEST_F(Whatif, TablesShowWhatChanges) {
     boot();
     const auto text = run({"whatif", sample("hardened.json")});
-    for (const char* line : {"  2  bob@bank.example  new\n", "  quality                           0       128\n",
-                             "  pref/tesk-agent/pwd_enforce_account_id  -       2\n", "    password_min_length  4\n",
-                             "  com.velmor.dialset.service  the menu for encryption is enabled  ("}) {
+    for (const char* line :
+         {"  2  bob@bank.example  new\n", "  quality                           0 none  128 alphanumeric\n",
+          "  pref/tesk-agent/pwd_enforce_account_id  -       2\n", "    password_min_length  4\n",
+          "  com.velmor.dialset.service  the menu for encryption is enabled  ("}) {
         EXPECT_NE(text.find(line), std::string::npos) << line << text;
     }
     EXPECT_EQ(text.find("wifi_state"), std::string::npos) << "it does not change";

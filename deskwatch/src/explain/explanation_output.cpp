@@ -6,6 +6,7 @@
 #include "text/text_table.h"
 #include "text/value_output.h"
 #include "text/value_text.h"
+#include "text/value_words.h"
 
 namespace deskwatch {
 namespace {
@@ -72,8 +73,9 @@ std::vector<std::string> fieldsOf(const Explanation& explanation, std::size_t se
 std::string settingTable(const Explanation& explanation) {
     Rows rows{{"setting", "demanded", "now", "decided by", ""}};
     for (std::size_t setting = 0; setting < deviceSettings.size(); ++setting) {
-        rows.push_back({deviceSettings[setting].name, numberText(explanation.written[setting]),
-                        numberText(explanation.now[setting]), joined(fieldsOf(explanation, setting), ", "),
+        const auto* const name = deviceSettings[setting].name;
+        rows.push_back({name, wordedNumber(name, explanation.written[setting]),
+                        wordedNumber(name, explanation.now[setting]), joined(fieldsOf(explanation, setting), ", "),
                         explanation.remarks[setting]});
     }
     return textTable(rows);

@@ -4,7 +4,7 @@
 #include "rules/TeskPolicyTable.h"
 #include "text/text_table.h"
 #include "text/value_output.h"
-#include "text/value_text.h"
+#include "text/value_words.h"
 
 namespace deskwatch {
 namespace {
@@ -38,7 +38,8 @@ std::string settingTable(const Forecast& forecast) {
         const auto& before = forecast.before.settings[setting];
         const auto& after = forecast.after.settings[setting];
         if (before != after) {
-            rows.push_back({deviceSettings[setting].name, numberText(before), numberText(after)});
+            const auto* const name = deviceSettings[setting].name;
+            rows.push_back({name, wordedNumber(name, before), wordedNumber(name, after)});
         }
     }
     return changeTable(std::move(rows));
@@ -58,7 +59,7 @@ std::string keyTable(const Forecast& forecast) {
         const auto& [name, before] = forecast.before.keys[key];
         const auto& after = forecast.after.keys[key].value;
         if (before != after) {
-            rows.push_back({name, valueText(before), valueText(after)});
+            rows.push_back({name, wordedValue(name, before), wordedValue(name, after)});
         }
     }
     return changeTable(std::move(rows));

@@ -3,6 +3,7 @@
 #include "status/device_status.h"
 #include "text/text_table.h"
 #include "text/value_output.h"
+#include "text/value_words.h"
 
 namespace deskwatch {
 namespace {
@@ -30,14 +31,14 @@ std::string markOf(const NamedValue& now, const std::vector<NamedValue>& earlier
     const auto before =
         std::find_if(earlier.begin(), earlier.end(), [&](const NamedValue& value) { return value.name == now.name; });
     const bool isChanged = before != earlier.end() && before->value != now.value;
-    return isChanged ? "* was " + valueText(before->value) : "";
+    return isChanged ? "* was " + wordedValue(now.name, before->value) : "";
 }
 
 std::string namedValues(const std::vector<NamedValue>& values, const std::vector<NamedValue>& earlier) {
     std::vector<std::vector<std::string>> rows;
     rows.reserve(values.size());
     for (const auto& value : values) {
-        rows.push_back({value.name, valueText(value.value), markOf(value, earlier)});
+        rows.push_back({value.name, wordedValue(value.name, value.value), markOf(value, earlier)});
     }
     return textTable(rows);
 }
