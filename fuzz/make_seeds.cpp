@@ -30,6 +30,16 @@ Seeds messageSeeds(const std::filesystem::path& samples) {
     return seeds;
 }
 
+/// A policy in each of the formats.
+Seeds policySeeds(const std::filesystem::path& samples) {
+    Seeds seeds{{"message", contentsOf(samples / "hardened.json")},
+                {"document", contentsOf(samples / "provision-limits-without-password.xml")}};
+    for (const auto& entry : std::filesystem::directory_iterator(samples / "policies")) {
+        seeds[entry.path().filename().string()] = contentsOf(entry.path());
+    }
+    return seeds;
+}
+
 Seeds requestSeeds(const Seeds& messages) {
     Seeds seeds{{"delete", "req_delete_account\n1"},
                 {"password", "chk_password_policy\n"},
@@ -77,5 +87,6 @@ int main(int argc, char** argv) {
     write(fuzz::databaseSeeds(), folder / "database");
     write(fuzz::hostBusSeeds(), folder / "host-bus");
     write(decisionSeeds(), folder / "story");
+    write(policySeeds(argv[1]), folder / "import");
     return 0;
 }
