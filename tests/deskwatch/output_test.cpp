@@ -56,6 +56,7 @@ protected:
                 {"key", "watch", "db/setting/lock_type"},
                 {"bus", "ping"},
                 {"import", sample("provision-hardened.xml")},
+                {"compare", sample("hardened.json"), sample("hardened.json")},
                 {"lint", std::string(SOURCE_FOLDER) + "/tests/schema/odd/misspelt_member.json"},
                 {"fault"},
                 {"panel", "--no-browser"},

@@ -95,6 +95,7 @@ void addPanelCommand(CLI::App& program, const CommonOptions& common);
 void addListCommand(CLI::App& program);
 
 void addLintCommand(CLI::App& program);
+void addCompareCommand(CLI::App& program);
 void addImportCommand(CLI::App& program, const CommonOptions& common);
 void addRecordCommand(CLI::App& program, const CommonOptions& common);
 void addReplayCommand(CLI::App& program);

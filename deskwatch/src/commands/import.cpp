@@ -34,18 +34,6 @@ void writeMessage(const std::string& output, const std::string& message) {
     }
 }
 
-/// What the file says beside its policies, for the reader.
-std::vector<std::string> noticesOf(const std::string& name, const PolicyFile& content) {
-    std::vector<std::string> lines;
-    for (const auto& notice : content.notices) {
-        lines.push_back(noticeText(name, notice));
-    }
-    for (const auto& remark : content.remarks) {
-        lines.push_back(std::string(name).append(": ").append(remark));
-    }
-    return lines;
-}
-
 /// A client that is told to wipe looks at no policy.
 void refuseBesideAnOrder(const std::string& name, const PolicyFile& content) {
     for (const auto& notice : content.notices) {
@@ -56,7 +44,7 @@ void refuseBesideAnOrder(const std::string& name, const PolicyFile& content) {
 }
 
 ProvisioningImport importOf(const std::string& name, const PolicyFile& content, const ImportOptions& options) {
-    auto notices = noticesOf(name, content);
+    auto notices = noticeLines(name, content);
     if (content.policies.empty() && !notices.empty()) {
         throw std::runtime_error(name + " brings no policy\n" + joined(notices, "\n"));
     }

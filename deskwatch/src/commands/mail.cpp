@@ -69,7 +69,8 @@ struct Kind {
 void addKindCommand(CLI::App& mail, const CommonOptions& common, const Kind& kind) {
     auto* command = mail.add_subcommand(kind.command, kind.description);
     auto files = std::make_shared<std::vector<std::string>>();
-    command->add_option("FILE", *files, std::string("Message files of the kind ") + kind.id)->required();
+    command->add_option("FILE", *files, std::string("Message files of the kind ") + kind.id + "; - is standard input")
+        ->required();
     command->footer(std::string("Example:\n  deskwatch mail ") + kind.command + " " + kind.example);
     command->callback([&common, files, id = std::string(kind.id)] {
         std::vector<SourcedRequest> sourced;

@@ -43,6 +43,7 @@ void addCommands(CLI::App& program, CommonOptions& common) {
     addBusCommand(program, common);
     addLintCommand(program);
     addImportCommand(program, common);
+    addCompareCommand(program);
     addExchangeCommand(program);
     addRecordCommand(program, common);
     addReplayCommand(program);

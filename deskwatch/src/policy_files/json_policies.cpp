@@ -120,7 +120,7 @@ PolicyFile readMessagePolicies(const LocatedJson& root, const std::string& id) {
 
 /// Whether a text can be JSON at all; the sections of an ini file begin as an array does.
 bool beginsAsJson(const std::string& text) {
-    const auto start = trimmedText(text.substr(0, text.find_first_of("{") + 1));
+    const auto start = trimmedText(text.substr(0, text.find('{') + 1));
     return !start.empty() && start.back() == '{' &&
            std::all_of(start.begin(), start.end() - 1,
                        [](unsigned char character) { return character == '[' || std::isspace(character) != 0; });

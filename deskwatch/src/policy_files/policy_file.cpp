@@ -124,4 +124,15 @@ std::string noticeText(const std::string& file, const ServerNotice& notice) {
     return place + statusText(notice);
 }
 
+std::vector<std::string> noticeLines(const std::string& file, const PolicyFile& content) {
+    std::vector<std::string> lines;
+    for (const auto& notice : content.notices) {
+        lines.push_back(noticeText(file, notice));
+    }
+    for (const auto& remark : content.remarks) {
+        lines.push_back(std::string(file).append(": ").append(remark));
+    }
+    return lines;
+}
+
 } // namespace deskwatch

@@ -37,6 +37,9 @@ const FilePolicy& chosenPolicy(const std::string& file, const PolicyFile& conten
 /// A notice in words, with its place.
 std::string noticeText(const std::string& file, const ServerNotice& notice);
 
+/// What a file says beside its policies, a line for each.
+std::vector<std::string> noticeLines(const std::string& file, const PolicyFile& content);
+
 } // namespace deskwatch
 
 #endif
