@@ -9,6 +9,7 @@
 
 #include "commands_fixture.h"
 #include "messages/message_schema.h"
+#include "policy_files/policy_setting.h"
 
 namespace deskwatch {
 namespace {
@@ -61,7 +62,8 @@ TEST(MessageSchema, FilesAndTableAreThoseOfTheMembers) {
     for (const auto& file : schemaFiles()) {
         EXPECT_EQ(contents(source / "docs/schema" / file.name), file.text) << "deskwatch docs --schemas docs/schema";
     }
-    EXPECT_NE(contents(source / "docs/messages.md").find(memberTable()), std::string::npos) << memberTable();
+    EXPECT_NE(contents(source / "docs/messages.md").find(memberTable(parameterOf)), std::string::npos)
+        << memberTable(parameterOf);
 }
 
 class LintCommand : public Commands {};

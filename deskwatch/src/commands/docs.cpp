@@ -7,6 +7,7 @@
 
 #include "commands.h"
 #include "messages/message_schema.h"
+#include "policy_files/policy_setting.h"
 
 namespace deskwatch {
 namespace {
@@ -200,7 +201,7 @@ void addDocsCommand(CLI::App& program) {
             writeSchemas(*schemas);
         }
         if (*isMembers) {
-            std::cout << memberTable();
+            std::cout << memberTable(parameterOf);
         }
     });
 }

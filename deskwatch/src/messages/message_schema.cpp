@@ -148,8 +148,8 @@ std::vector<SchemaFile> schemaFiles() {
     return files;
 }
 
-std::string memberTable() {
-    std::string table = "| member | values | column | setting | element |\n|---|---|---|---|---|\n";
+std::string memberTable(const NameElsewhere& parameterOf) {
+    std::string table = "| member | values | column | setting | element | parameter |\n|---|---|---|---|---|---|\n";
     for (const auto& member : policyMembers) {
         const bool isApart = member.least > 1;
         const std::string values = member.type == MemberType::Flag ? "true, false"
@@ -160,7 +160,11 @@ std::string memberTable() {
         table.append("| `").append(member.name).append("` | ").append(values);
         table.append(" | `").append(member.column).append("` | ");
         table.append(member.setting.empty() ? "-" : "`" + std::string(member.setting) + "`");
-        table.append(" | `").append(member.element).append("` |\n");
+        table.append(" | `")
+            .append(member.element)
+            .append("` | `-")
+            .append(parameterOf(member.element))
+            .append("` |\n");
     }
     return table;
 }

@@ -115,6 +115,12 @@ bool isPolicyName(const std::string& name, Naming naming) {
     return policyName(name, naming) != nullptr;
 }
 
+std::string parameterOf(std::string_view element) {
+    const auto* const row = std::find_if(policyNames.begin(), policyNames.end(),
+                                         [element](const PolicyName& name) { return element == name.element; });
+    return row != policyNames.end() ? row->property : "";
+}
+
 FilePolicy policyOf(const std::string& file, const std::vector<PolicySetting>& settings, Naming naming) {
     FilePolicy policy;
     auto& elements = policy.elements;

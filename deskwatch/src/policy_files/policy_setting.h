@@ -2,6 +2,7 @@
 #define DESKWATCH_POLICY_SETTING_H
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "policy_files/policy_file.h"
@@ -41,6 +42,9 @@ struct PolicySetting {
 
 /// Whether a name is that of an element, as that kind of file writes it.
 bool isPolicyName(const std::string& name, Naming naming);
+
+/// The parameter of `Set-MobileDeviceMailboxPolicy` that sets an element; empty for none.
+std::string parameterOf(std::string_view element);
 
 /// A policy of settings. Names and words are taken in upper and lower case. What a server does not send is left out.
 /// Throws std::runtime_error with the place of every time that is not one.
