@@ -15,4 +15,7 @@ struct Outcome {
 /// output goes there and is not in the outcome.
 Outcome deskwatchProgram(const std::vector<std::string>& arguments, const std::string& outputFile = "");
 
+/// The same for a program whose reader is gone before it writes.
+Outcome deskwatchWithoutReader(const std::vector<std::string>& arguments);
+
 #endif

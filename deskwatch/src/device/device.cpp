@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -21,7 +22,8 @@
 namespace deskwatch {
 namespace {
 
-constexpr std::chrono::seconds applicationTimeout{20};
+/// An application that works ends much sooner.
+constexpr std::chrono::seconds longestEnd{20};
 
 /// Keeps two processes from booting or ending one device at the same time. The lock goes with the descriptor.
 FileDescriptor lockBoot(const DeviceLayout& layout) {
@@ -47,9 +49,9 @@ std::vector<ProcessHandle> processesOf(const DeviceLayout& layout) {
     return ProcessHandle::withVariable(host_bus::deviceVariable, layout.folder().string());
 }
 
-void waitFor(const std::vector<ProcessHandle>& processes) {
+void waitFor(const std::vector<ProcessHandle>& processes, std::chrono::seconds atMost) {
     for (const auto& process : processes) {
-        if (!process.waitForEnd(applicationTimeout)) {
+        if (!process.waitForEnd(atMost)) {
             throw std::runtime_error("process " + std::to_string(process.pid()) +
                                      " still runs although its bus has ended; end it with: deskwatch off --force");
         }
@@ -57,23 +59,23 @@ void waitFor(const std::vector<ProcessHandle>& processes) {
 }
 
 /// Ends what an earlier run of the device left. False when there was nothing.
-bool endLeftovers(const DeviceLayout& layout, int signal) {
+bool endLeftovers(const DeviceLayout& layout, int signal, std::chrono::seconds atMost) {
     const auto left = processesOf(layout);
     for (const auto& process : left) {
         process.signal(signal);
     }
-    waitFor(left);
+    waitFor(left, atMost);
     return !left.empty();
 }
 
 /// A program that was still coming up may wait for its bus for ever. Everything that the daemon started is in its
 /// session.
-void endLatecomers(pid_t session) {
+void endLatecomers(pid_t session, std::chrono::seconds atMost) {
     for (auto left = ProcessHandle::ofSession(session); !left.empty(); left = ProcessHandle::ofSession(session)) {
         for (const auto& process : left) {
             process.signal(SIGTERM);
         }
-        waitFor(left);
+        waitFor(left, atMost);
     }
 }
 
@@ -91,21 +93,25 @@ void noteLogOfBoot(const DeviceLayout& layout) {
     std::ofstream(layout.logOfBoot()) << (missing ? 0 : size) << '\n'; // without it the log is one of many boots
 }
 
-bool endBus(const DeviceLayout& layout, const BusProcess& bus) {
+bool endBus(const DeviceLayout& layout, const BusProcess& bus, std::chrono::seconds atMost) {
     const auto daemon = bus.running();
     const auto applications = daemon ? applicationsOf(layout) : std::vector<ProcessHandle>{};
     std::filesystem::remove(layout.bootedMark());
     bus.stop();
     std::filesystem::remove(layout.socket());
-    waitFor(applications); // they end when their bus does
+    waitFor(applications, atMost); // they end when their bus does
     if (daemon) {
-        endLatecomers(daemon->pid());
+        endLatecomers(daemon->pid(), atMost);
     }
-    const bool hadLeftovers = endLeftovers(layout, SIGTERM);
+    const bool hadLeftovers = endLeftovers(layout, SIGTERM, atMost);
     return daemon || hadLeftovers;
 }
 
 } // namespace
+
+std::chrono::seconds Device::endTimeout() const {
+    return std::min(patience_, longestEnd);
+}
 
 void Device::boot(const std::vector<Application>& applications, const DeviceState& state) const {
     const bool isFresh = !std::filesystem::exists(layout_.settingsDatabase());
@@ -123,7 +129,7 @@ void Device::start(const std::vector<Application>& applications, const std::func
     if (isBooted()) {
         throw std::runtime_error(layout_.folder().string() + " is already booted");
     }
-    endBus(layout_, bus); // what a sudden end left behind
+    endBus(layout_, bus, endTimeout()); // what a sudden end left behind
     writeDeviceFiles(layout_, applications);
     noteLogOfBoot(layout_);
     bus.start({layout_.busConfiguration(), layout_.log(), layout_.commonEnvironment()});
@@ -131,7 +137,7 @@ void Device::start(const std::vector<Application>& applications, const std::func
         whenBusRuns();
         writeBootedMark(layout_);
     } catch (...) {
-        endBus(layout_, bus);
+        endBus(layout_, bus, endTimeout());
         throw;
     }
 }
@@ -149,17 +155,17 @@ void Device::requireBooted() const {
 
 bool Device::off() const {
     if (!exists()) {
-        if (endLeftovers(layout_, SIGTERM)) {
+        if (endLeftovers(layout_, SIGTERM, endTimeout())) {
             return true;
         }
         throw std::runtime_error(layout_.folder().string() + " is not a watch folder");
     }
     const auto lock = lockBoot(layout_);
-    return endBus(layout_, BusProcess(layout_.busRecord()));
+    return endBus(layout_, BusProcess(layout_.busRecord()), endTimeout());
 }
 
 bool Device::kill() const {
-    const bool wasRunning = endLeftovers(layout_, SIGKILL);
+    const bool wasRunning = endLeftovers(layout_, SIGKILL, endTimeout());
     for (const auto& file : {layout_.bootedMark(), layout_.busRecord(), layout_.socket()}) {
         std::filesystem::remove(file);
     }

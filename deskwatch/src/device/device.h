@@ -71,6 +71,8 @@ public:
 private:
     void start(const std::vector<Application>& applications, const std::function<void()>& whenBusRuns) const;
 
+    std::chrono::seconds endTimeout() const;
+
     DeviceLayout layout_;
     std::chrono::seconds patience_;
 };

@@ -14,7 +14,6 @@ namespace {
 
 constexpr char diagnosticName[] = "tesk.consumer.test";
 constexpr char diagnosticPath[] = "/tesk/consumer/test";
-constexpr std::chrono::milliseconds eventTimeout{20'000};
 
 void send(GDBusConnection* connection, app_event_type_e type) {
     const c::ObjectOwner<TeskHostSystem> system(tesk_host_system_skeleton_new());
@@ -41,14 +40,14 @@ int callDiagnosticMethod(const Device& device, const std::string& method, std::o
     const DeviceSession session(device, observerId);
     session.settle(ids::service);
     // the service asks for that name when it starts, and gets it later
-    if (!session.daemon().awaitOwner(diagnosticName, eventTimeout)) {
+    if (!session.daemon().awaitOwner(diagnosticName, device.patience())) {
         throw std::runtime_error(std::string("the service does not own the bus name ") + diagnosticName);
     }
     GError* error = nullptr;
     const c::VariantOwner answer(g_dbus_connection_call_sync(
         session.connection(), diagnosticName, diagnosticPath, diagnosticName, method.c_str(),
         value ? g_variant_new("(i)", *value) : nullptr, G_VARIANT_TYPE("(i)"), G_DBUS_CALL_FLAGS_NO_AUTO_START,
-        static_cast<int>(eventTimeout.count()), nullptr, &error));
+        static_cast<int>(std::chrono::milliseconds(device.patience()).count()), nullptr, &error));
     if (g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS) != FALSE) {
         g_clear_error(&error);
         throw std::runtime_error(method + (value ? " does not take a value" : " needs a value"));
@@ -70,7 +69,7 @@ bool killService(const Device& device) {
         return false;
     }
     service->signal(SIGKILL);
-    if (!service->waitForEnd(eventTimeout)) {
+    if (!service->waitForEnd(device.patience())) {
         throw std::runtime_error("the service does not end");
     }
     return true;
