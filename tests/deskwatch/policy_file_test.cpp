@@ -120,6 +120,7 @@ TEST(ReadPolicyFile, CaptureIsReadInEveryForm) {
     const c::MemoryOwner<char> base64(g_base64_encode(reinterpret_cast<const guchar*>(bytes.data()), bytes.size()));
     const auto expected = elementsOf(hex);
     EXPECT_EQ(elementsOf(tight), expected);
+    EXPECT_EQ(elementsOf("0x" + tight), expected);
     EXPECT_EQ(elementsOf(bytes), expected);
     EXPECT_EQ(elementsOf(std::string(base64.get()) + "\n"), expected);
     const auto wipe = readPolicyFile("p", "03 01 6A 00 00 0E 45 4B 03 32 00 01 0C 01"); // Status 2, RemoteWipe
@@ -147,6 +148,14 @@ TEST(ReadPolicyFile, MessageIsAPolicyForEachOfItsAccounts) {
 }
 
 TEST(ReadPolicyFile, MistakesAreNamedWithTheirPlace) {
+    std::string many = "devpwenabled=1\n";
+    std::string sections = many;
+    for (int count = 0; count <= 100; ++count) {
+        sections += "[" + std::to_string(count) + "]\n";
+    }
+    for (int count = 0; count < 1000; ++count) {
+        many += std::to_string(count) + "=1\n";
+    }
     struct Row {
         const char* text;
         const char* refusal;
@@ -161,6 +170,8 @@ TEST(ReadPolicyFile, MistakesAreNamedWithTheirPlace) {
         {"[default]\nlifetime = 3", "p: not a policy in a known format. "},
         {"dear sir: or madam", "p: not a policy in a known format. "},
         {" \n", "p: the file is empty"},
+        {many.c_str(), "p:1: 1001 settings; a policy has at most 1000"},
+        {sections.c_str(), "p: 102 sections; at most 100 are read"},
         {"\xFF\xFE\x41", "p: not valid UTF-16"},
         {"03 01 6A 00 45", "p: not a WBXML document of ActiveSync: byte 5: "},
         {"<EASProvisionDoc>", "p:1: not valid XML: "},

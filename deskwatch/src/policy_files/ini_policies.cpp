@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <sstream>
+#include <stdexcept>
 #include <vector>
 
 #include "policy_files/policy_readers.h"
@@ -68,8 +69,14 @@ std::optional<PolicyFile> readIniPolicies(const std::string& file, const std::st
     const auto found = std::find_if(sections.begin(), sections.end(),
                                     [](const Section& section) { return section.name == "default"; });
     const auto base = found != sections.end() ? *found : Section{};
+    if (sections.size() > mostSections) {
+        throw std::runtime_error(file + ": " + std::to_string(sections.size()) + " sections; at most " +
+                                 std::to_string(mostSections) + " are read");
+    }
+    policyOf(file, base.settings, Naming::Keys); // refuses too many before they are handed on
     PolicyFile content;
     for (auto& section : sections) {
+        policyOf(file, section.settings, Naming::Keys);
         inherit(section, section.name.empty() ? Section{} : base);
         auto policy = policyOf(file, section.settings, Naming::Keys);
         policy.name = section.name;

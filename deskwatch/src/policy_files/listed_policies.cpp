@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <set>
 #include <sstream>
 #include <vector>
 
@@ -71,11 +72,10 @@ private:
         if (column_ == 0) {
             return;
         }
-        const bool isAgain = std::any_of(settings_.begin(), settings_.end(),
-                                         [this](const PolicySetting& setting) { return setting.name == last_.name; });
-        if (isAgain) {
+        if (!names_.insert(last_.name).second) {
             policies_.push_back(std::move(settings_));
             settings_.clear();
+            names_ = {last_.name};
         }
         settings_.push_back(settingOf(last_, number_));
         column_ = 0;
@@ -83,6 +83,7 @@ private:
 
     std::vector<std::vector<PolicySetting>> policies_;
     std::vector<PolicySetting> settings_;
+    std::set<std::string> names_;
     ListLine last_;
     std::size_t column_ = 0;
     long number_ = 0;

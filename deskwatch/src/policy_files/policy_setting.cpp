@@ -122,6 +122,10 @@ std::string parameterOf(std::string_view element) {
 }
 
 FilePolicy policyOf(const std::string& file, const std::vector<PolicySetting>& settings, Naming naming) {
+    if (settings.size() > mostSettings) {
+        throw std::runtime_error(placeIn(file, settings.front().line) + ": " + std::to_string(settings.size()) +
+                                 " settings; a policy has at most " + std::to_string(mostSettings));
+    }
     FilePolicy policy;
     auto& elements = policy.elements;
     for (const auto& setting : settings) {

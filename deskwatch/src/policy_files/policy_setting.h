@@ -40,6 +40,11 @@ struct PolicySetting {
     long line = 0;
 };
 
+/// The most settings that a policy is taken for one with, and the most policies that share what they leave out. Real
+/// ones have fewer than a hundred.
+inline constexpr std::size_t mostSettings = 1000;
+inline constexpr std::size_t mostSections = 100;
+
 /// Whether a name is that of an element, as that kind of file writes it.
 bool isPolicyName(const std::string& name, Naming naming);
 
@@ -47,7 +52,7 @@ bool isPolicyName(const std::string& name, Naming naming);
 std::string parameterOf(std::string_view element);
 
 /// A policy of settings. Names and words are taken in upper and lower case. What a server does not send is left out.
-/// Throws std::runtime_error with the place of every time that is not one.
+/// Throws std::runtime_error with the place of a time that is not one, and for more settings than a policy has.
 FilePolicy policyOf(const std::string& file, const std::vector<PolicySetting>& settings, Naming naming);
 
 /// Adds a policy to a file, if it has any element.

@@ -21,24 +21,23 @@ bool consistsOf(const std::string& text, std::string_view more, int (*isOne)(int
 }
 
 /// Bytes of hexadecimal digits, whatever stands between them; empty when it is something else.
-std::string bytesOfHexadecimal(std::string text) {
-    for (const std::string_view prefix : {"0x", "\\x"}) {
-        for (auto at = text.find(prefix); at != std::string::npos; at = text.find(prefix, at)) {
-            text.erase(at, prefix.size());
-        }
-    }
-    constexpr std::string_view between = " \t\r\n,:-";
+std::string bytesOfHexadecimal(const std::string& text) {
+    constexpr std::string_view between = " \t\r\n,:-\\x";
     if (!consistsOf(text, between, std::isxdigit)) {
         return "";
     }
     std::string bytes;
     int high = -1;
-    for (const char character : text) {
-        const int digit = g_ascii_xdigit_value(character);
-        if (digit >= 0 && high >= 0) {
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const int digit = g_ascii_xdigit_value(text[at]);
+        const bool isPrefix = text[at] == '0' && at + 1 < text.size() && text[at + 1] == 'x';
+        if (digit < 0 || isPrefix) {
+            continue;
+        }
+        if (high >= 0) {
             bytes += static_cast<char>(high * 16 + digit);
         }
-        high = digit < 0 ? high : high < 0 ? digit : -1;
+        high = high < 0 ? digit : -1;
     }
     return bytes;
 }

@@ -39,6 +39,10 @@ std::optional<std::string> nearest(std::string_view word, const std::vector<std:
     std::size_t least = word.size() / 3 + 1; // a third of the word may be wrong
     std::optional<std::string> found;
     for (const auto candidate : candidates) {
+        const auto longer = std::max(word.size(), candidate.size()) - std::min(word.size(), candidate.size());
+        if (longer >= least) {
+            continue; // at least so many characters are inserted or removed; quick for a file full of strange words
+        }
         if (const auto changes = distance(word, candidate); changes < least) {
             least = changes;
             found = std::string(candidate);
