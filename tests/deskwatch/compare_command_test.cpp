@@ -17,7 +17,7 @@ std::string samplePath(const std::string& name) {
     return std::string(SAMPLES) + "/" + name;
 }
 
-ComparedPolicy policy(const Elements& values) {
+ComparedPolicy policyToCompare(const Elements& values) {
     std::vector<ProvisioningElement> elements;
     for (const auto& [name, value] : values) {
         elements.push_back({name, value, value == "list", 0});
@@ -34,8 +34,8 @@ Side decides(const std::string& element, const std::string& first, const std::st
         }
         return side;
     };
-    const auto one = policy({{element, first}});
-    const auto other = policy({{element, second}});
+    const auto one = policyToCompare({{element, first}});
+    const auto other = policyToCompare({{element, second}});
     const auto side = sideIn(comparePolicies(one, other));
     const auto opposite = side == Side::None ? Side::None : side == Side::First ? Side::Second : Side::First;
     EXPECT_EQ(sideIn(comparePolicies(other, one)), opposite) << element;
@@ -52,8 +52,9 @@ TEST(PolicyComparison, MergeOfTheServiceDecides) {
 }
 
 TEST(PolicyComparison, WhatNoMessageCarriesIsComparedWhereItDemands) {
-    const auto first = policy({{"RequireStorageCardEncryption", "1"}, {"AllowIrDA", "1"}, {"MaxEmailAgeFilter", "2"}});
-    const auto second = policy({{"ApprovedApplicationList", "list"}, {"MaxEmailAgeFilter", "2"}});
+    const auto first =
+        policyToCompare({{"RequireStorageCardEncryption", "1"}, {"AllowIrDA", "1"}, {"MaxEmailAgeFilter", "2"}});
+    const auto second = policyToCompare({{"ApprovedApplicationList", "list"}, {"MaxEmailAgeFilter", "2"}});
     const auto comparison = comparePolicies(first, second);
     ASSERT_EQ(comparison.notCarried.size(), 3U);
     EXPECT_EQ(comparison.notCarried[0].values[1], "");

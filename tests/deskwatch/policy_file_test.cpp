@@ -16,7 +16,7 @@
 namespace deskwatch {
 namespace {
 
-std::string refusal(const std::function<void()>& call) {
+std::string policyFileRefusal(const std::function<void()>& call) {
     try {
         call();
     } catch (const std::runtime_error& error) {
@@ -25,13 +25,13 @@ std::string refusal(const std::function<void()>& call) {
     return "no refusal";
 }
 
-std::string contentsOf(const std::string& file) {
+std::string policyText(const std::string& file) {
     std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 /// The elements of the only policy of a text, or of the one of that name: `NAME=VALUE`, `NAME{}` for a list.
-std::string elementsOf(const std::string& text, const std::string& name = "") {
+std::string elementsRead(const std::string& text, const std::string& name = "") {
     std::string words;
     const auto content = readPolicyFile("p", text);
     for (const auto& element : chosenPolicy("p", content, name).elements) {
@@ -57,7 +57,7 @@ std::string convertedTo(const char* encoding, const std::string& mark, const std
 
 TEST(ReadPolicyFile, SamePolicyIsTheSameMessageInEveryFormat) {
     const std::string samples = SAMPLES;
-    const auto expected = policySetOf(contentsOf(samples + "/hardened.json"), "");
+    const auto expected = policySetOf(policyText(samples + "/hardened.json"), "");
     struct Row {
         const char* file;
         const char* name;
@@ -65,9 +65,9 @@ TEST(ReadPolicyFile, SamePolicyIsTheSameMessageInEveryFormat) {
     for (const Row& row : {Row{"format-list.txt", "Hardened"}, Row{"convertto-json.json", "Hardened"},
                            Row{"export.csv", "Hardened"}, Row{"policies.ini", "Hardened"}, Row{"grommunio.json", ""},
                            Row{"reply.hex", ""}, Row{"../provision-hardened.xml", ""}}) {
-        EXPECT_EQ(policySetOf(contentsOf(samples + "/policies/" + row.file), row.name), expected) << row.file;
+        EXPECT_EQ(policySetOf(policyText(samples + "/policies/" + row.file), row.name), expected) << row.file;
     }
-    const auto list = contentsOf(samples + "/policies/format-list.txt");
+    const auto list = policyText(samples + "/policies/format-list.txt");
     EXPECT_EQ(policySetOf(convertedTo("UTF-16LE", "\xFF\xFE", list), ""), expected);
     EXPECT_EQ(policySetOf(convertedTo("UTF-16BE", "\xFE\xFF", list), ""), expected);
     EXPECT_EQ(policySetOf("\xEF\xBB\xBF" + list, ""), expected);
@@ -102,15 +102,15 @@ TEST(ReadPolicyFile, EveryFormatIsReadWithItsOddities) {
         {"; comment\ndevpwenabled=on\nmaxattsize='-1' ; all\n=5\n", "DevicePasswordEnabled=1 MaxAttachmentSize=-1"},
     };
     for (const auto& [text, elements] : rows) {
-        EXPECT_EQ(elementsOf(text), elements) << text;
+        EXPECT_EQ(elementsRead(text), elements) << text;
     }
-    EXPECT_EQ(elementsOf("[default]\ndevpwenabled=1\nmindevpwlenngth=4\n[strict]\nmindevpwlenngth=8", "strict"),
+    EXPECT_EQ(elementsRead("[default]\ndevpwenabled=1\nmindevpwlenngth=4\n[strict]\nmindevpwlenngth=8", "strict"),
               "MinDevicePasswordLength=8 DevicePasswordEnabled=1");
     EXPECT_EQ(readPolicyFile("p", R"({"mindevpwlenngth": 4})").remarks.size(), 1U);
 }
 
 TEST(ReadPolicyFile, CaptureIsReadInEveryForm) {
-    const auto hex = contentsOf(std::string(SAMPLES) + "/policies/reply.hex");
+    const auto hex = policyText(std::string(SAMPLES) + "/policies/reply.hex");
     auto tight = hex;
     tight.erase(std::remove_if(tight.begin(), tight.end(), [](char c) { return c == ' ' || c == '\n'; }), tight.end());
     std::string bytes;
@@ -118,11 +118,11 @@ TEST(ReadPolicyFile, CaptureIsReadInEveryForm) {
         bytes += static_cast<char>(std::stoi(tight.substr(at, 2), nullptr, 16));
     }
     const c::MemoryOwner<char> base64(g_base64_encode(reinterpret_cast<const guchar*>(bytes.data()), bytes.size()));
-    const auto expected = elementsOf(hex);
-    EXPECT_EQ(elementsOf(tight), expected);
-    EXPECT_EQ(elementsOf("0x" + tight), expected);
-    EXPECT_EQ(elementsOf(bytes), expected);
-    EXPECT_EQ(elementsOf(std::string(base64.get()) + "\n"), expected);
+    const auto expected = elementsRead(hex);
+    EXPECT_EQ(elementsRead(tight), expected);
+    EXPECT_EQ(elementsRead("0x" + tight), expected);
+    EXPECT_EQ(elementsRead(bytes), expected);
+    EXPECT_EQ(elementsRead(std::string(base64.get()) + "\n"), expected);
     const auto wipe = readPolicyFile("p", "03 01 6A 00 00 0E 45 4B 03 32 00 01 0C 01"); // Status 2, RemoteWipe
     ASSERT_EQ(wipe.notices.size(), 2U);
     EXPECT_EQ(wipe.notices[0].status, "2");
@@ -131,7 +131,7 @@ TEST(ReadPolicyFile, CaptureIsReadInEveryForm) {
 }
 
 TEST(ReadPolicyFile, MessageIsAPolicyForEachOfItsAccounts) {
-    const auto three = contentsOf(std::string(SAMPLES) + "/three-accounts.json");
+    const auto three = policyText(std::string(SAMPLES) + "/three-accounts.json");
     EXPECT_EQ(readPolicyFile("p", three).policies.size(), 3U);
     const auto content =
         readPolicyFile("p", R"({"msgId": "email-itpolicy-ind", "param": [{"accountName": "a", "policySet":
@@ -177,7 +177,7 @@ TEST(ReadPolicyFile, MistakesAreNamedWithTheirPlace) {
         {"<EASProvisionDoc>", "p:1: not valid XML: "},
     };
     for (const auto& [text, expected] : rows) {
-        const auto what = refusal([&, text = text] { readPolicyFile("p", text); });
+        const auto what = policyFileRefusal([&, text = text] { readPolicyFile("p", text); });
         EXPECT_EQ(what.find(expected), 0U) << what;
     }
 }
@@ -195,17 +195,17 @@ TEST(ReadPolicyFile, LastPolicyOfATraceCountsAsAClientTakesIt) {
     EXPECT_EQ(elements[0].value, "16");
     EXPECT_EQ(elements[0].line, 16);
     EXPECT_EQ(content.remarks, std::vector<std::string>{"MinDevicePasswordLength \"99\" is taken as 16"});
-    EXPECT_EQ(refusal([&] { readPolicyFile("t", head); }), "t: no server sent a policy in this trace");
+    EXPECT_EQ(policyFileRefusal([&] { readPolicyFile("t", head); }), "t: no server sent a policy in this trace");
 }
 
 TEST(ChosenPolicy, NamesAreToldWhenTheChoiceIsOpen) {
     const PolicyFile two{{{"Field staff", {}, false}, {"Office", {}, false}}, {}, {}};
     EXPECT_EQ(chosenPolicy("p", two, "Office").name, "Office");
-    EXPECT_EQ(refusal([&] { chosenPolicy("p", two, ""); }),
+    EXPECT_EQ(policyFileRefusal([&] { chosenPolicy("p", two, ""); }),
               "p has 2 policies; choose one with --policy: \"Field staff\", \"Office\"");
-    EXPECT_EQ(refusal([&] { chosenPolicy("p", two, "office"); }),
+    EXPECT_EQ(policyFileRefusal([&] { chosenPolicy("p", two, "office"); }),
               "p has no policy \"office\"; it has \"Field staff\", \"Office\"");
-    EXPECT_EQ(refusal([] { chosenPolicy("p", {}, ""); }), "p brings no policy");
+    EXPECT_EQ(policyFileRefusal([] { chosenPolicy("p", {}, ""); }), "p brings no policy");
 }
 
 TEST(NoticeText, SaysWhatTheServerMeans) {

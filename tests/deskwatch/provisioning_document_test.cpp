@@ -8,14 +8,14 @@
 namespace deskwatch {
 namespace {
 
-std::vector<ProvisioningElement> read(const std::string& text) {
+std::vector<ProvisioningElement> elementsIn(const std::string& text) {
     return readProvisioningDocument("p.xml", text).elements;
 }
 
 /// What is said about a text that is refused, after the name of the file.
-std::string refusal(const std::string& text) {
+std::string documentRefusal(const std::string& text) {
     try {
-        read(text);
+        elementsIn(text);
     } catch (const std::runtime_error& error) {
         const std::string what = error.what();
         EXPECT_EQ(what.find("p.xml"), 0U) << what;
@@ -25,7 +25,7 @@ std::string refusal(const std::string& text) {
 }
 
 TEST(ReadProvisioningDocument, ElementsComeInOrderWithTheirLines) {
-    const auto elements = read(
+    const auto elements = elementsIn(
         "<EASProvisionDoc xmlns='Provision'>\n  <AllowWifi> 1\n</AllowWifi>\n\n  <AllowCamera/></EASProvisionDoc>");
     ASSERT_EQ(elements.size(), 2U);
     EXPECT_EQ(elements[0].name, "AllowWifi");
@@ -36,41 +36,42 @@ TEST(ReadProvisioningDocument, ElementsComeInOrderWithTheirLines) {
 }
 
 TEST(ReadProvisioningDocument, EnvelopeAndPrefixesDoNotMatter) {
-    const auto elements = read("<p:Provision xmlns:p='Provision'><p:Policies><p:Policy><p:Data><p:EASProvisionDoc>"
-                               "<p:AllowWifi>0</p:AllowWifi></p:EASProvisionDoc></p:Data></p:Policy></p:Policies>"
-                               "</p:Provision>");
+    const auto elements =
+        elementsIn("<p:Provision xmlns:p='Provision'><p:Policies><p:Policy><p:Data><p:EASProvisionDoc>"
+                   "<p:AllowWifi>0</p:AllowWifi></p:EASProvisionDoc></p:Data></p:Policy></p:Policies>"
+                   "</p:Provision>");
     ASSERT_EQ(elements.size(), 1U);
     EXPECT_EQ(elements[0].name, "AllowWifi");
 }
 
 TEST(ReadProvisioningDocument, ListHasNoValue) {
-    const auto elements = read("<EASProvisionDoc><L><Hash>a</Hash></L></EASProvisionDoc>");
+    const auto elements = elementsIn("<EASProvisionDoc><L><Hash>a</Hash></L></EASProvisionDoc>");
     ASSERT_EQ(elements.size(), 1U);
     EXPECT_TRUE(elements[0].isList);
     EXPECT_EQ(elements[0].value, "");
 }
 
 TEST(ReadProvisioningDocument, WhatIsNoXmlIsRefusedWithItsLine) {
-    EXPECT_EQ(refusal("<EASProvisionDoc>\n<AllowWifi>1</EASProvisionDoc>").find(":2: not valid XML: "), 0U);
-    EXPECT_NE(refusal("").find("not valid XML"), std::string::npos);
-    EXPECT_NE(refusal("{}").find(":1: not valid XML"), std::string::npos);
+    EXPECT_EQ(documentRefusal("<EASProvisionDoc>\n<AllowWifi>1</EASProvisionDoc>").find(":2: not valid XML: "), 0U);
+    EXPECT_NE(documentRefusal("").find("not valid XML"), std::string::npos);
+    EXPECT_NE(documentRefusal("{}").find(":1: not valid XML"), std::string::npos);
 }
 
 TEST(ReadProvisioningDocument, XmlWithoutTheDocumentIsRefused) {
-    EXPECT_EQ(refusal("<Provision/>"), ":1: this XML does not contain an EASProvisionDoc");
+    EXPECT_EQ(documentRefusal("<Provision/>"), ":1: this XML does not contain an EASProvisionDoc");
 }
 
 TEST(ReadProvisioningDocument, SecondDocumentIsRefused) {
-    EXPECT_EQ(refusal("<P>\n<EASProvisionDoc/>\n<EASProvisionDoc/></P>"),
+    EXPECT_EQ(documentRefusal("<P>\n<EASProvisionDoc/>\n<EASProvisionDoc/></P>"),
               ":3: a second EASProvisionDoc; there must be one");
 }
 
 TEST(ReadProvisioningDocument, DocumentTypeMayHaveANameAndNoMore) {
     const std::string policy = "\n<EASProvisionDoc><AllowWifi>&e;</AllowWifi></EASProvisionDoc>";
-    EXPECT_EQ(read("<!DOCTYPE d >\n<EASProvisionDoc><AllowWifi>0</AllowWifi></EASProvisionDoc>").size(), 1U);
+    EXPECT_EQ(elementsIn("<!DOCTYPE d >\n<EASProvisionDoc><AllowWifi>0</AllowWifi></EASProvisionDoc>").size(), 1U);
     for (const auto* const type : {"[<!ENTITY e SYSTEM '/etc/passwd'>]", " []", "SYSTEM 'http://x/'", "PUBLIC 'a' 'b'",
                                    "[<!ENTITY a 'aaaaaaa'><!ENTITY e '&a;&a;&a;&a;&a;&a;&a;'>]"}) {
-        const auto text = refusal("<?xml version='1.0'?>\n<!DOCTYPE d " + std::string(type) + ">" + policy);
+        const auto text = documentRefusal("<?xml version='1.0'?>\n<!DOCTYPE d " + std::string(type) + ">" + policy);
         EXPECT_EQ(text.find(":2: the document type (<!DOCTYPE) has declarations or refers to some"), 0U) << text;
     }
 }
@@ -79,15 +80,15 @@ TEST(ReadProvisioningDocument, OnlyTheNamespaceOfPoliciesCounts) {
     const std::string inner = "<AllowWifi>0</AllowWifi><x:AllowWifi xmlns:x='urn:x'>1</x:AllowWifi>";
     for (const auto* const open :
          {"<EASProvisionDoc>", "<EASProvisionDoc xmlns='Provision'>", "<EASProvisionDoc xmlns='Provision:'>"}) {
-        const auto elements = read(open + inner + "</EASProvisionDoc>");
+        const auto elements = elementsIn(open + inner + "</EASProvisionDoc>");
         ASSERT_EQ(elements.size(), 2U) << open;
         EXPECT_EQ(elements[0].name, "AllowWifi") << open;
         EXPECT_EQ(elements[1].name, "{urn:x}AllowWifi") << open;
     }
-    const auto undeclared = read("<Provision:EASProvisionDoc><Provision:AllowWifi/></Provision:EASProvisionDoc>");
+    const auto undeclared = elementsIn("<Provision:EASProvisionDoc><Provision:AllowWifi/></Provision:EASProvisionDoc>");
     ASSERT_EQ(undeclared.size(), 1U);
     EXPECT_EQ(undeclared[0].name, "AllowWifi");
-    EXPECT_EQ(refusal("<EASProvisionDoc xmlns='urn:x'/>"), ":1: this XML does not contain an EASProvisionDoc");
+    EXPECT_EQ(documentRefusal("<EASProvisionDoc xmlns='urn:x'/>"), ":1: this XML does not contain an EASProvisionDoc");
 }
 
 TEST(ReadProvisioningDocument, WhatAServerSaysBesideAPolicyIsKept) {
@@ -114,7 +115,7 @@ TEST(ReadProvisioningDocument, DeepNestingIsRefused) {
     for (int level = 0; level < 100'000; ++level) {
         text += "<a>";
     }
-    EXPECT_NE(refusal(text).find("not valid XML"), std::string::npos);
+    EXPECT_NE(documentRefusal(text).find("not valid XML"), std::string::npos);
 }
 
 } // namespace
