@@ -96,8 +96,8 @@ TEST_F(LintCommand, StandardInputAndWhatCannotBeReadAreNamed) {
     const auto deep = write("deep.json", std::string(2000, '[') + std::string(2000, ']'));
     EXPECT_NE(deskwatchProgram({"lint", deep.string()}).errors.find("nested deeper than 1024 levels"),
               std::string::npos);
-    const auto nothing = deskwatchProgram({"lint", "-"}); // the standard input of a test is empty
-    EXPECT_EQ(nothing.errors.find("deskwatch: lint: standard input:1:1: not valid JSON"), 0U) << nothing.errors;
+    const auto noInput = deskwatchProgram({"lint", "-"}); // the standard input of a test is empty
+    EXPECT_EQ(noInput.errors.find("deskwatch: lint: standard input:1:1: not valid JSON"), 0U) << noInput.errors;
 }
 
 } // namespace
