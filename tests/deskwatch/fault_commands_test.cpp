@@ -57,5 +57,13 @@ TEST_F(FaultCommands, FunctionThatThePlatformDoesNotHaveIsRefused) {
     EXPECT_EQ(deskwatchProgram({"fault", "vconf_set_int"}).status, 2) << "the code is missing";
 }
 
+TEST_F(FaultCommands, EveryFunctionOfThePlatformIsListed) {
+    const auto functions = Json::parse(run({"fault", "--list", "--json"}));
+    for (const char* function : {"app_get_data_path", "bundle_create", "dpm_restriction_set_wifi_state",
+                                 "message_port_send_message", "preference_set_int", "vconf_get_str"}) {
+        EXPECT_EQ(std::count(functions.begin(), functions.end(), function), 1) << function;
+    }
+}
+
 } // namespace
 } // namespace deskwatch

@@ -13,8 +13,20 @@ namespace {
 struct FaultOptions {
     PlatformFault fault;
     bool isCleared = false;
+    bool isListed = false;
     bool isJson = false;
 };
+
+void listFunctions(bool isJson) {
+    const auto functions = platformFunctions();
+    if (isJson) {
+        std::cout << jsonText(functions, 2) << '\n';
+        return;
+    }
+    for (const auto& function : functions) {
+        std::cout << function << '\n';
+    }
+}
 
 void changeFaults(const CommonOptions& common, const FaultOptions& options) {
     const DeviceSession session(chosenDevice(common), observerId);
@@ -43,10 +55,12 @@ void addFaultCommand(CLI::App& program, const CommonOptions& common) {
         ->needs(function)
         ->type_name("N");
     command->add_flag("--clear", options->isCleared, "Remove all faults")->excludes(function);
-    command->add_flag("--json", options->isJson, "List the faults as a JSON array");
+    command->add_flag("--list", options->isListed, "List the functions that can fail")->excludes(function);
+    command->add_flag("--json", options->isJson, "The list as a JSON array");
     command->footer("A function that returns a pointer returns null. A boot clears all faults.\n"
                     "Example:\n  deskwatch fault dpm_password_set_quality -13 --nth 2\n  deskwatch fault --clear");
-    command->callback([&common, options] { changeFaults(common, *options); });
+    command->callback(
+        [&common, options] { options->isListed ? listFunctions(options->isJson) : changeFaults(common, *options); });
 }
 
 } // namespace deskwatch

@@ -1,13 +1,12 @@
 #include "session/platform_faults.h"
 
-#include <app_common.h>
 #include <dconf.h>
-#include <dlfcn.h>
 
+#include <algorithm>
 #include <stdexcept>
-#include <string_view>
 
 #include "device/application_ids.h"
+#include "platform_functions.h"
 
 namespace deskwatch {
 namespace {
@@ -22,24 +21,17 @@ void write(const std::string& path, GVariant* value) {
     }
 }
 
-const void* libraryOf(const void* address) {
-    Dl_info info{};
-    return dladdr(address, &info) != 0 ? info.dli_fbase : nullptr;
-}
-
-/// This program uses the platform's library itself, so the functions of that library are at hand.
-bool isPlatformFunction(const std::string& name) {
-    const void* function = dlsym(RTLD_DEFAULT, name.c_str());
-    const void* known = dlsym(RTLD_DEFAULT, "app_get_id");
-    return function != nullptr && known != nullptr && libraryOf(function) == libraryOf(known);
-}
-
 } // namespace
 
+std::vector<std::string> platformFunctions() {
+    return {functionsOfThePlatform.begin(), functionsOfThePlatform.end()};
+}
+
 void setFault(const DeviceSession& session, const PlatformFault& fault) {
-    if (!isPlatformFunction(fault.function)) {
+    const auto& known = functionsOfThePlatform;
+    if (std::find(known.begin(), known.end(), fault.function) == known.end()) {
         throw std::runtime_error("the platform has no function " + fault.function +
-                                 "; use a name from its headers, such as dpm_password_set_quality");
+                                 "; fault --list names those that it has");
     }
     write(faultsFolder + fault.function, g_variant_new("(ii)", fault.code, fault.nth));
     session.settleService();

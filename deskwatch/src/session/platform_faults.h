@@ -17,6 +17,9 @@ struct PlatformFault {
     int nth = 0;
 };
 
+/// The functions of the platform that can fail so, by name.
+std::vector<std::string> platformFunctions();
+
 // The faults of the watch that this process is on (see DeviceSession). A boot clears them.
 
 /// Makes a function fail. Returns when the service, if it runs, knows of it. Throws std::runtime_error when the
