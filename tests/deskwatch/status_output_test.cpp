@@ -72,7 +72,7 @@ TEST(StatusOutput, JsonHoldsTheSame) {
             "min_complex_chars": null, "max_inactivity_time_device_lock": null, "expires": null, "history": null,
             "wifi_state": null, "messaging_state": null, "popimap_email_state": null,
             "internal_storage_encryption": null},
-        "keys": {"db/a": "text", "db/b": null}, "enforcingAccount": 2,
+        "keys": {"db/a": "text", "db/b": null}, "enforcingAccount": 2, "wipes": 0,
         "launches": [{"application": "com.example.popup", "caller": "com.example.agent", "waiting": true,
                       "extraData": {"OPERATION": "X"}}],
         "faults": [{"function": "vconf_get_int", "code": -1, "nth": 2}], "messages": []})"));

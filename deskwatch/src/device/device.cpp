@@ -130,6 +130,7 @@ void Device::start(const std::vector<Application>& applications, const std::func
         throw std::runtime_error(layout_.folder().string() + " is already booted");
     }
     endBus(layout_, bus, endTimeout()); // what a sudden end left behind
+    std::filesystem::remove(layout_.internalWipes());
     writeDeviceFiles(layout_, applications);
     noteLogOfBoot(layout_);
     bus.start({layout_.busConfiguration(), layout_.log(), layout_.commonEnvironment()});

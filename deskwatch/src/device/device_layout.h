@@ -28,6 +28,8 @@ public:
     std::filesystem::path settingsProfile() const { return config() / "dconf-profile"; }
     std::filesystem::path settingsDatabase() const { return config() / "dconf" / "user"; }
     std::filesystem::path run() const { return folder_ / "run"; }
+    /// Has a byte for each time that the internal storage was wiped since the boot.
+    std::filesystem::path internalWipes() const { return run() / "wipes-internal"; }
     std::filesystem::path passwd() const { return folder_ / "passwd"; }
     std::filesystem::path group() const { return folder_ / "group"; }
     std::filesystem::path log() const { return folder_ / "log"; }

@@ -157,6 +157,9 @@ DeviceStatus readStatus(const DeviceSession& session) {
     status.enforcingAccount = {enforcingAccountKey, readSetting(store.get(), std::string("/apps/") + ids::service +
                                                                                  "/" + enforcingAccountKey)};
     status.faults = readFaults();
+    std::error_code none;
+    const auto wipes = std::filesystem::file_size(layout.internalWipes(), none);
+    status.wipes = none ? 0 : static_cast<int>(wipes);
     for (const auto* application : ids::companions) {
         if (session.daemon().isOwned(application)) {
             readLaunches(session, application, status.screens);

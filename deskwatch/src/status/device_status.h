@@ -49,6 +49,8 @@ struct DeviceStatus {
     std::vector<NamedValue> keys;
     /// The account that the password is enforced for, as the service noted it.
     NamedValue enforcingAccount;
+    /// How often the internal storage was wiped since the boot.
+    int wipes = 0;
     /// The launch requests of the applications that run, in order within each.
     std::vector<ScreenLaunch> screens;
     /// The functions of the platform that fail.

@@ -144,6 +144,7 @@ Json statusObject(const DeviceStatus& status) {
     object["settings"] = asObject(named(status.settings));
     object["keys"] = asObject(status.keys);
     object["enforcingAccount"] = valueJson(status.enforcingAccount.value);
+    object["wipes"] = status.wipes;
     object["launches"] = Json::array();
     for (const auto& screen : status.screens) {
         object["launches"].push_back(screenJson(screen));
