@@ -1,9 +1,8 @@
 import { button, el, newId } from './dom.js';
 import { act, latest, reasonOf } from './server.js';
-import { freeValue, isInRange, passwordModes, rangeText, storedValue } from './members.js';
+import { freeValue, groups, isInRange, passwordModes, rangeText, storedValue } from './members.js';
 import { forecastView } from './forecast.js';
 
-const groups = ['Password', 'Device', 'Stored only'];
 const groupNotes = { 'Stored only': 'Stored only: the watch keeps these and enforces none of them' };
 
 /// What the watch makes of a member of one account, from the explanation.
@@ -13,7 +12,7 @@ function reasonText(member, id, explanation) {
   if (!share) {
     return '';
   }
-  const others = { wins: 'decides for the watch', agrees: 'agrees with what is enforced', loses: `gives way: ${field.merged} is enforced` };
+  const others = { wins: 'This account decides.', agrees: 'It agrees with what is enforced.', loses: `It gives way: ${field.merged} is enforced.` };
   return others[share.standing];
 }
 
@@ -42,10 +41,10 @@ export class AccountCard {
     const id = newId('member');
     const control = this.control(member, id);
     const undo = button('Reset', () => this.change(member, undefined), { className: 'plain', 'aria-label': `Reset ${member.key}` });
-    const reason = el('p', { className: 'reason' });
+    const reason = el('span', { className: 'standing' });
     const row = el('div', { className: 'member' }, el('div', { className: 'words' },
       el('label', { htmlFor: id }, member.label), el('code', {}, member.key), el('span', { className: 'soft' }, rangeText(member))),
-    el('div', { className: 'control' }, undo, control), reason);
+    el('div', { className: 'control' }, undo, control), el('p', { className: 'reason' }, member.says, ' ', reason));
     this.rows.set(member.key, { row, control, undo, reason, member });
     return row;
   }
@@ -185,7 +184,7 @@ export class AccountCard {
   filter(wanted) {
     let isAny = false;
     for (const { row, member } of this.rows.values()) {
-      const isShown = `${member.key} ${member.label} ${member.column}`.toLowerCase().includes(wanted);
+      const isShown = `${member.key} ${member.label} ${member.column} ${member.says}`.toLowerCase().includes(wanted);
       row.hidden = !isShown;
       isAny = isAny || isShown;
     }

@@ -1,8 +1,9 @@
 import { button, el, labelled } from './dom.js';
 import { act, latest, on, reasonOf } from './server.js';
-import { givenValue, loadMembers } from './members.js';
+import { elementSays, givenValue, loadMembers } from './members.js';
 import { AccountCard } from './account_card.js';
 import { forecastView } from './forecast.js';
+import { serversView } from './servers.js';
 
 const mostFile = 500000;
 
@@ -29,7 +30,7 @@ class Accounts {
       el('div', { className: 'row' }, labelled('Name of a new account', this.name, { className: 'grow' }), add,
         labelled('Preset', this.presets), labelled('Message or provisioning document', this.file)),
       el('p', { className: 'soft' }, 'Files may also be dropped anywhere on this page. Nothing is sent before you press Send.'), this.result),
-    this.filterRow, this.list);
+    serversView(), this.filterRow, this.list);
     this.acceptDrops();
   }
 
@@ -196,7 +197,7 @@ class Accounts {
     }
     const left = elements.filter((element) => element.member === null);
     return el('div', { className: 'notes' }, el('p', {}, `${name}: ${elements.length - left.length} of ${elements.length} elements reach the watch.`),
-      el('ul', { className: 'notes' }, ...left.map((element) => el('li', {}, el('code', {}, element.element), ` ${element.watch}`))));
+      el('ul', { className: 'notes' }, ...left.map((element) => el('li', {}, el('code', {}, element.element), ` ${element.watch}. ${elementSays(element.element)}`))));
   }
 
   /// A text that is sent as it is.

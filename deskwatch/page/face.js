@@ -18,7 +18,7 @@ export const keys = {
   applied: 'db/eas/password_policy_applied',
 };
 
-const local = { opened: null, closed: { lock: 0, encryption: 0 }, isWiped: false, inbox: [], story: null };
+const local = { opened: null, closed: { lock: 0, encryption: 0 }, wipesSeen: 0, isUnlocked: false, inbox: [], story: null };
 let shown = '';
 let place = null;
 let lastName = '';
@@ -30,7 +30,7 @@ function screenOf(status, isBooted) {
   if (!isBooted) {
     return { name: 'off' };
   }
-  if (local.isWiped) {
+  if ((status.wipes ?? 0) > local.wipesSeen) {
     return { name: 'wiped' };
   }
   if (status.keys[keys.tutorial] === 1) {
@@ -49,6 +49,9 @@ function screenOf(status, isBooted) {
   if (local.opened === 'encryption' || (encryptions > local.closed.encryption && status.keys[keys.crypto] !== 'encrypted')) {
     return { name: 'encryption', isEncrypted: status.keys[keys.crypto] === 'encrypted' };
   }
+  if (status.keys[keys.lock] && !local.isUnlocked) {
+    return { name: 'locked', lock: status.keys[keys.lock], isEncrypted: status.keys[keys.crypto] === 'encrypted' };
+  }
   if (local.opened === 'mail') {
     return { name: 'mail', inbox: local.inbox, accounts: status.accounts.map((account) => account.account_name) };
   }
@@ -61,13 +64,14 @@ function screenOf(status, isBooted) {
 const names = {
   off: 'The watch is switched off.', wiped: 'The internal storage was wiped.', tutorial: 'The tutorial is shown.',
   popup: 'The watch asks for a lock.', lock: 'The lock settings are open.', encryption: 'The encryption is open.',
-  mail: 'The mail application is open.', clock: 'The clock is shown.', story: 'A recording is shown.',
+  mail: 'The mail application is open.', locked: 'The watch is locked.', clock: 'The clock is shown.', story: 'A recording is shown.',
 };
 
 /// The wearer's hand: what the buttons of the screens do.
 const hand = {
   do: async (action) => {
     const result = await act(action);
+    local.isUnlocked = action.action !== 'boot'; // the wearer is at the watch
     return result.status === 0 ? '' : reasonOf(result);
   },
   open: (what) => {
@@ -80,7 +84,17 @@ const hand = {
     if (what === 'lock' || what === 'encryption') {
       local.closed[what] = launchesOf(status, apps[what]).length;
     }
-    local.isWiped = false;
+    if (what === 'wiped') {
+      local.wipesSeen = status.wipes;
+    }
+    draw();
+  },
+  lock: () => {
+    local.isUnlocked = false;
+    draw();
+  },
+  unlock: () => {
+    local.isUnlocked = true;
     draw();
   },
 };
@@ -107,6 +121,9 @@ function draw() {
   const status = local.story ?? latest('status');
   if (!watch || (!status && watch.booted)) {
     return;
+  }
+  if (!watch.booted) {
+    Object.assign(local, { isUnlocked: false, wipesSeen: 0, opened: null });
   }
   const screen = screenOf(status, watch.booted || local.story !== null);
   const content = JSON.stringify(screen) + String(local.story !== null);
@@ -140,10 +157,6 @@ function take(entry) {
   const request = entry.detail?.entries;
   if (entry.kind === 'message' && entry.detail?.to === apps.mail) {
     local.inbox = [...local.inbox, request.req].slice(-20);
-    draw();
-  }
-  if (entry.kind === 'request' && entry.time && request?.msg?.includes('"eas-remote-wipe"')) {
-    local.isWiped = true;
     draw();
   }
 }

@@ -168,12 +168,23 @@ function mail({ inbox, accounts }, hand) {
   return view;
 }
 
+const timeText = () => new Date().toTimeString().slice(0, 5);
+
+const lockText = (kind, isEncrypted) => `${lockNames[kind] ?? 'No lock'}${isEncrypted ? ', encrypted' : ''}`;
+
+/// Nobody but the wearer knows the PIN, so that a press stands for it.
+function locked({ lock: kind, isEncrypted }, hand) {
+  return screen('locked', icon('lock'), el('p', { className: 'clock' }, timeText()),
+    el('p', { className: 'dim' }, lockText(kind, isEncrypted)),
+    el('div', { className: 'keys' }, button('Unlock', hand.unlock, { className: 'do' })));
+}
+
 function clock({ lock: kind, isEncrypted, mayEncrypt, inbox }, hand) {
-  const state = lockNames[kind] ?? 'No lock';
   return screen('clock',
-    el('p', { className: 'clock' }, new Date().toTimeString().slice(0, 5)),
-    el('p', { className: 'dim' }, isEncrypted ? `${state}, encrypted` : state),
+    el('p', { className: 'clock' }, timeText()),
+    el('p', { className: 'dim' }, lockText(kind, isEncrypted)),
     el('div', { className: 'keys' },
+      kind ? el('button', { type: 'button', title: 'Lock now', 'aria-label': 'Lock now', onclick: hand.lock }, icon('sleep')) : null,
       el('button', { type: 'button', title: 'Screen lock', 'aria-label': 'Screen lock', onclick: () => hand.open('lock') },
         icon(kind ? 'lock' : 'open')),
       mayEncrypt || isEncrypted ? el('button', { type: 'button', title: 'Encryption', 'aria-label': 'Encryption',
@@ -182,4 +193,4 @@ function clock({ lock: kind, isEncrypted, mayEncrypt, inbox }, hand) {
         onclick: () => hand.open('mail') }, icon('mail'))));
 }
 
-export const screens = { off, wiped, tutorial, popup, lock, encryption, mail, clock };
+export const screens = { off, wiped, tutorial, popup, lock, encryption, mail, locked, clock };

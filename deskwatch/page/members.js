@@ -1,26 +1,27 @@
-/// The members of a policy set in words. Ranges and what is not enforced come from the schema that the project documents.
+/// The members of a policy set in words. Ranges come from the documented schema, and what the watch does with each from the
+/// statement of the protocol.
 
 const words = {
-  devicePasswordEnabled: ['Password', 'Must have a lock'],
-  PasswordMode: ['Password', 'Kind of lock that must be set'],
-  allowSimplePassword: ['Password', 'May use a simple password such as 1111'],
-  minDevicePasswordLength: ['Password', 'Characters it must have at least'],
-  minDevicePasswordComplexCharacters: ['Password', 'Kinds of characters it must have at least'],
-  maxDevicePasswordFailedAttempts: ['Password', 'Attempts it may take before the watch wipes itself'],
-  maxInactivityTimeDeviceLock: ['Password', 'Seconds it may be idle before it locks'],
-  devicePasswordExpiration: ['Password', 'Days a password may be kept'],
-  devicePasswordHistory: ['Password', 'Earlier passwords that may not come back'],
-  requireDeviceEncryption: ['Device', 'Must be encrypted'],
-  allowWifi: ['Device', 'May use Wi-Fi'],
-  allowTextMessaging: ['Device', 'May use text messages'],
-  allowPOPIMAPEmail: ['Device', 'May use POP and IMAP mail'],
-  allowCamera: ['Stored only', 'May use the camera'],
-  allowBluetoothMode: ['Stored only', 'May use Bluetooth'],
-  allowBrowser: ['Stored only', 'May use the browser'],
-  allowDesktopSync: ['Stored only', 'May synchronise with a desktop'],
-  allowInternetSharing: ['Stored only', 'May share its connection'],
-  allowStorageCard: ['Stored only', 'May use a storage card'],
-  passwordRecoveryEnabled: ['Stored only', 'May recover a lost password'],
+  devicePasswordEnabled: 'Must have a lock',
+  PasswordMode: 'Kind of lock that must be set',
+  allowSimplePassword: 'May use a simple password such as 1111',
+  minDevicePasswordLength: 'Characters it must have at least',
+  minDevicePasswordComplexCharacters: 'Kinds of characters it must have at least',
+  maxDevicePasswordFailedAttempts: 'Attempts it may take before the watch wipes itself',
+  maxInactivityTimeDeviceLock: 'Seconds it may be idle before it locks',
+  devicePasswordExpiration: 'Days a password may be kept',
+  devicePasswordHistory: 'Earlier passwords that may not come back',
+  requireDeviceEncryption: 'Must be encrypted',
+  allowWifi: 'May use Wi-Fi',
+  allowTextMessaging: 'May use text messages',
+  allowPOPIMAPEmail: 'May use POP and IMAP mail',
+  allowCamera: 'May use the camera',
+  allowBluetoothMode: 'May use Bluetooth',
+  allowBrowser: 'May use the browser',
+  allowDesktopSync: 'May synchronise with a desktop',
+  allowInternetSharing: 'May share its connection',
+  allowStorageCard: 'May use a storage card',
+  passwordRecoveryEnabled: 'May recover a lost password',
 };
 
 const columns = {
@@ -33,14 +34,31 @@ const snake = (name) => name.replace(/[A-Z]/g, (letter) => `_${letter.toLowerCas
 
 export const passwordModes = [[0, 'PIN is enough'], [64, 'alphanumeric'], [96, 'alphanumeric (96)']];
 
-/// Each member: key, column of the stored account, group, label, whether it is a switch, and its range.
+export const groups = ['Password', 'Device', 'Stored only'];
+
+function groupOf(element) {
+  if (element.watch === 'stored') {
+    return 'Stored only';
+  }
+  return element.isPasswordRule || element.member === 'devicePasswordEnabled' ? 'Password' : 'Device';
+}
+
+let elements = [];
+
+/// What an administrator should know of an element of the protocol.
+export const elementSays = (name) => elements.find((element) => element.name === name)?.says ?? '';
+
+/// Each member: key, column of the stored account, group, label, whether it is a switch, its range, what the watch does with it.
 export async function loadMembers() {
-  const schema = await (await fetch('schema/policy-set.schema.json')).json();
-  return Object.entries(words).map(([key, [group, label]]) => {
+  const read = async (file) => (await fetch(file)).json();
+  const [schema, protocol] = await Promise.all([read('schema/policy-set.schema.json'), read('protocol.json')]);
+  elements = protocol.elements;
+  return Object.entries(words).map(([key, label]) => {
     const rule = schema.properties[key];
     const bounds = rule.anyOf?.find((part) => part.maximum) ?? rule;
+    const element = elements.find((candidate) => candidate.member === key);
     return {
-      key, group, label,
+      key, label, group: groupOf(element), says: element.says,
       column: columns[key] ?? snake(key),
       isSwitch: rule.type === 'boolean',
       least: bounds.minimum ?? 0, most: bounds.maximum,

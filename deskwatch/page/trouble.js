@@ -1,14 +1,8 @@
 import { button, el, labelled, newId } from './dom.js';
-import { act, on, reasonOf } from './server.js';
+import { act, latest, on, reasonOf } from './server.js';
 import { keys } from './face.js';
 
-const functions = ['dpm_manager_create', 'dpm_password_set_quality', 'dpm_password_set_minimum_length', 'dpm_password_set_history',
-  'dpm_password_set_expires', 'dpm_password_set_maximum_failed_attempts_for_wipe', 'dpm_password_set_max_inactivity_time_device_lock',
-  'dpm_restriction_set_wifi_state', 'dpm_restriction_set_messaging_state', 'dpm_restriction_set_popimap_email_state',
-  'dpm_security_set_internal_storage_encryption', 'dpm_security_wipe_data', 'app_control_send_launch_request',
-  'message_port_send_message', 'vconf_get_int', 'vconf_get_str', 'vconf_set_int', 'vconf_notify_key_changed'];
-
-const countries = [['US', 'United States'], ['KR', 'Korea'], ['DE', 'Germany'], ['JP', 'Japan']];
+const countryNames = new Intl.DisplayNames(['en'], { type: 'region' });
 
 function tool(title, hint, ...content) {
   return el('section', { className: 'sheet' }, el('h3', {}, title), el('p', { className: 'soft' }, hint), ...content);
@@ -31,11 +25,13 @@ function faults(doing) {
   const code = el('input', { type: 'number', value: '-13' });
   const nth = el('input', { type: 'number', min: 1, placeholder: 'every' });
   const failing = el('ul', { className: 'notes' });
+  const choices = el('datalist', { id: list });
+  on('panel', (panel) => choices.replaceChildren(...panel.functions.map((value) => el('option', { value }))));
   on('status', (status) => failing.replaceChildren(...status.faults.map((fault) => el('li', {}, el('code', {}, fault.function),
     ` returns ${fault.code} at ${fault.nth ? `call ${fault.nth}` : 'every call'}`)),
   ...(status.faults.length ? [] : [el('li', { className: 'soft' }, 'No function fails.')])));
   return tool('A function of the platform fails', 'The service gets the code instead of what it asked for.',
-    el('datalist', { id: list }, ...functions.map((value) => el('option', { value }))),
+    choices,
     labelled('Function', name),
     el('div', { className: 'row' }, labelled('Code', code), labelled('Only call', nth)),
     el('div', { className: 'row' }, doing('Let it fail', () => ({ action: 'fault', function: name.value, code: Math.trunc(Number(code.value)),
@@ -51,7 +47,7 @@ function events(doing) {
 }
 
 function store(doing) {
-  return tool('The settings store is away', 'Each read and each write of a key by the service fails.',
+  return tool('The settings store is away', 'The service can neither read nor write a key, nor ask to hear of changes.',
     el('div', { className: 'row' }, doing('Take it away', { action: 'store-away' }, { className: 'danger' }),
       doing('Give it back', { action: 'clear-faults' })));
 }
@@ -67,11 +63,19 @@ function key(doing) {
 }
 
 function outside(doing) {
-  const country = el('select', {}, ...countries.map(([code, text]) => el('option', { value: code }, `${text} (${code})`)));
+  const country = el('select');
+  const choose = (code) => {
+    country.value = [...country.options].some((option) => option.value === code) ? code : country.value;
+  };
   const lock = el('select', {}, ...['no lock', 'PIN', 'password'].map((text, value) => el('option', { value }, text)));
   on('status', (status) => {
-    country.value = countries.some(([code]) => code === status.keys['db/rgn/country_iso']) ? status.keys['db/rgn/country_iso'] : country.value;
+    choose(status.keys['db/rgn/country_iso']);
     lock.value = String(status.keys[keys.lock] ?? 0);
+  });
+  on('panel', (panel) => {
+    const named = panel.countries.map((code) => [countryNames.of(code) ?? code, code]).sort(([one], [other]) => one.localeCompare(other, 'en'));
+    country.replaceChildren(...named.map(([name, code]) => el('option', { value: code }, `${name} (${code})`)));
+    choose(latest('status')?.keys['db/rgn/country_iso']);
   });
   return tool('The watch changes by itself', 'Without the lock settings, so that no rule is asked.',
     el('div', { className: 'row' }, labelled('Country', country), doing('Set the country', () => ({ action: 'key', key: 'db/rgn/country_iso', value: country.value }))),

@@ -44,7 +44,13 @@ INSTANTIATE_TEST_SUITE_P(
         ActionRow{R"({"action":"boot","country":"KR"})", "boot --country KR"}, ActionRow{R"({"action":"off"})", "off"},
         ActionRow{R"({"action":"store-away"})",
                   "fault vconf_get_int -1 && deskwatch --device /tmp/watch fault vconf_get_str -1 && "
-                  "deskwatch --device /tmp/watch fault vconf_set_int -1"}));
+                  "deskwatch --device /tmp/watch fault vconf_ignore_key_changed -1 && "
+                  "deskwatch --device /tmp/watch fault vconf_notify_key_changed -1 && "
+                  "deskwatch --device /tmp/watch fault vconf_set_int -1 && "
+                  "deskwatch --device /tmp/watch fault vconf_set_str -1"},
+        ActionRow{R"({"action":"connect","server":"https://a.example","user":"-bob","password":"secret"})",
+                  "mail connect https://a.example --user=-bob --no-wait"},
+        ActionRow{R"({"action":"refresh","account":2,"password":"secret"})", "mail refresh 2 --no-wait"}));
 
 class BadPanelActions : public testing::TestWithParam<ActionRow> {};
 
@@ -57,19 +63,19 @@ TEST_P(BadPanelActions, AreRefusedWithWhatWouldBeRight) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Refused, BadPanelActions,
-                         testing::Values(ActionRow{"[]", R"(an action is an object, {"action": NAME, ...})"},
-                                         ActionRow{"{}", R"(the action lacks "action")"},
-                                         ActionRow{R"({"action":"format"})", "there is no action format"},
-                                         ActionRow{R"({"action":"popup","answer":"--help"})",
-                                                   R"("answer" must be one of ok, sync-off, dismiss)"},
-                                         ActionRow{R"({"action":"delete","account":"2"})",
-                                                   R"("account" must be a whole number)"},
-                                         ActionRow{R"({"action":"send","message":{}})", R"("message" must be a text)"},
-                                         ActionRow{R"({"action":"send","message":"a\u0000"})",
-                                                   R"("message" must not hold a null character)"},
-                                         ActionRow{R"({"action":"fault","function":"--clear","code":1})",
-                                                   R"("function" must neither be empty nor begin with -)"}));
+INSTANTIATE_TEST_SUITE_P(
+    Refused, BadPanelActions,
+    testing::Values(
+        ActionRow{"[]", R"(an action is an object, {"action": NAME, ...})"},
+        ActionRow{"{}", R"(the action lacks "action")"},
+        ActionRow{R"({"action":"format"})", "there is no action format"},
+        ActionRow{R"({"action":"popup","answer":"--help"})", R"("answer" must be one of ok, sync-off, dismiss)"},
+        ActionRow{R"({"action":"delete","account":"2"})", R"("account" must be a whole number)"},
+        ActionRow{R"({"action":"refresh","account":2,"password":"a\nb"})", R"("password" must be a line of text)"},
+        ActionRow{R"({"action":"send","message":{}})", R"("message" must be a text)"},
+        ActionRow{R"({"action":"send","message":"a\u0000"})", R"("message" must not hold a null character)"},
+        ActionRow{R"({"action":"fault","function":"--clear","code":1})",
+                  R"("function" must neither be empty nor begin with -)"}));
 
 } // namespace
 } // namespace deskwatch

@@ -1,19 +1,24 @@
 """A watch, its panel and a browser, for the tests of the page. One browser serves a file of tests."""
 
+import atexit
 import json
 import os
 import pathlib
 import subprocess
 import tempfile
 import time
+import unittest
 
 from selenium import webdriver
 from selenium.webdriver.common.by import By
+
+from relay import Relay
 
 DESKWATCH = os.environ["DESKWATCH_PROGRAM"]
 SOURCES = pathlib.Path(os.environ["SOURCE_FOLDER"])
 PICTURES = pathlib.Path(os.environ["PICTURE_FOLDER"])
 DEADLINE = 20
+VIEWS = ["Accounts", "Why", "What happened", "Trouble", "Story"]
 
 
 def wait_for(condition, what):
@@ -47,6 +52,10 @@ class Watch:
 
     def status(self):
         return json.loads(self.run("status", "--json").stdout)
+
+    def send(self, sample, check=True):
+        """Sends a sample as the mail application would."""
+        self.run("mail", "policy", self.sample(sample), check=check)
 
     def sample(self, name):
         return str(SOURCES / "samples" / name)
@@ -115,6 +124,9 @@ class Page:
     def view(self, name):
         self.press(name, "[role=tablist]")
 
+    def preset(self, name):
+        self.script("arguments[0].value = arguments[1]; arguments[0].dispatchEvent(new Event('change'))", self.find("#accounts select"), name)
+
     def emulate(self, scheme="light", motion="reduce", colors="none"):
         self.browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": [
             {"name": "prefers-color-scheme", "value": scheme}, {"name": "prefers-reduced-motion", "value": motion},
@@ -129,3 +141,37 @@ class Page:
 
     def console(self):
         return [entry for entry in self.browser.get_log("browser") if entry["source"] != "recommendation"]
+
+
+class PanelTest(unittest.TestCase):
+    """One browser for a process; a watch, its panel and a window for each test."""
+
+    browser = relay = None
+
+    @classmethod
+    def setUpClass(cls):
+        if PanelTest.browser is None:
+            PanelTest.relay = Relay()
+            rules = f"MAP evil.example 127.0.0.1,MAP localhost 127.0.0.1:{cls.relay.port}"
+            PanelTest.browser = start_browser(f"--host-resolver-rules={rules}")
+            atexit.register(PanelTest.relay.close)
+            atexit.register(PanelTest.browser.quit)
+
+    def setUp(self):
+        self.watch = Watch()
+        self.addCleanup(self.watch.close)
+        self.browser.switch_to.new_window("window")
+        self.addCleanup(self.leave_window)
+        self.page = Page(self.browser, self.watch.address)
+        self.page.emulate()
+        self.page.console()
+
+    def leave_window(self):
+        first, *others = self.browser.window_handles
+        for window in others:
+            self.browser.switch_to.window(window)
+            self.browser.close()
+        self.browser.switch_to.window(first)
+
+    def await_status(self, condition, what):
+        return wait_for(lambda: next((found for found in [self.watch.status()] if condition(found)), None), what)

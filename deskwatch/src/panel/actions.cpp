@@ -4,14 +4,15 @@
 #include <functional>
 #include <map>
 
+#include "session/platform_faults.h"
+
 namespace deskwatch {
 namespace {
 
 using ActionRequest = nlohmann::json;
 using CommandLines = std::vector<CommandLine>;
 
-/// The functions of the settings store that the service calls, and the code of a store that cannot be reached.
-constexpr const char* storeFunctions[]{"vconf_get_int", "vconf_get_str", "vconf_set_int"};
+/// What each function of a settings store says that cannot be reached.
 constexpr char storeCode[] = "-1";
 
 const ActionRequest& memberOf(const ActionRequest& request, const char* name) {
@@ -64,7 +65,7 @@ std::string choiceOf(const ActionRequest& request, const char* name, const std::
 }
 
 CommandLines command(std::vector<std::string> arguments, std::string input = "") {
-    return {{std::move(arguments), std::move(input)}};
+    return {{std::move(arguments), std::move(input), ""}};
 }
 
 CommandLines lockAction(const ActionRequest& request) {
@@ -91,10 +92,27 @@ CommandLines faultAction(const ActionRequest& request) {
 
 CommandLines storeAwayAction(const ActionRequest& /*request*/) {
     CommandLines commands;
-    for (const char* function : storeFunctions) {
-        commands.push_back({{"fault", function, storeCode}, ""});
+    for (const auto& function : platformFunctions()) {
+        if (function.rfind("vconf_", 0) == 0 && function.rfind("vconf_keynode_", 0) != 0) {
+            commands.push_back({{"fault", function, storeCode}, "", ""});
+        }
     }
     return commands;
+}
+
+/// A command that speaks to a server. The wearer's answer is left to a later refresh, so that the page is not kept
+/// waiting.
+CommandLines serverAction(const ActionRequest& request, std::vector<std::string> arguments) {
+    auto password = textOf(request, "password");
+    if (password.empty() || password.find('\n') != std::string::npos) {
+        throw BadAction("\"password\" must be a line of text");
+    }
+    arguments.emplace_back("--no-wait");
+    return {{std::move(arguments), "", std::move(password)}};
+}
+
+CommandLines connectAction(const ActionRequest& request) {
+    return serverAction(request, {"mail", "connect", wordOf(request, "server"), "--user=" + textOf(request, "user")});
 }
 
 CommandLines keyAction(const ActionRequest& request) {
@@ -147,6 +165,19 @@ const std::map<std::string, Action>& actions() {
          [](const auto& request) {
              return command({"mail", choiceOf(request, "request", {"check-password", "check-encryption", "wipe"})});
          }},
+        {"servers",
+         [](const auto&) {
+             return command({"mail", "servers", "--json"});
+         }},
+        {"connect", connectAction},
+        {"refresh",
+         [](const auto& request) {
+             return serverAction(request, {"mail", "refresh", numberOf(request, "account")});
+         }},
+        {"disconnect",
+         [](const auto& request) {
+             return command({"mail", "disconnect", numberOf(request, "account")});
+         }},
         {"event",
          [](const auto& request) {
              return command({"event", choiceOf(request, "event", {"low-memory", "low-battery", "orientation"})});
@@ -194,12 +225,12 @@ std::vector<CommandLine> commandsOf(const nlohmann::json& request) {
 
 std::string shellText(const std::string& folder, const std::vector<CommandLine>& commands) {
     std::string text;
-    for (const auto& [arguments, input] : commands) {
+    for (const auto& command : commands) {
         text += (text.empty() ? "" : " && ") + std::string("deskwatch --device ") + quoted(folder);
-        for (const auto& argument : arguments) {
+        for (const auto& argument : command.arguments) {
             text += " " + quoted(argument);
         }
-        text += input.empty() ? "" : " <<< " + quoted(input);
+        text += command.input.empty() ? "" : " <<< " + quoted(command.input);
     }
     return text;
 }

@@ -13,6 +13,8 @@ namespace deskwatch {
 struct CommandLine {
     std::vector<std::string> arguments;
     std::string input;
+    /// The password that the command wants, instead of other input. It is shown nowhere: a terminal would ask for it.
+    std::string password = {};
 };
 
 /// What a page asks for does not make a command. The text says what is wrong and what would be right.

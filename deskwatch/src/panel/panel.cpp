@@ -3,19 +3,19 @@
 #include <glib-unix.h>
 
 #include <csignal>
-#include <filesystem>
 #include <fstream>
-#include <memory>
-#include <stdexcept>
 
 #include "actors/mail_application.h"
+#include "panel/action_runner.h"
 #include "panel/actions.h"
 #include "panel/event_ring.h"
 #include "panel/page_files.h"
 #include "panel/panel_server.h"
+#include "panel/private_folder.h"
 #include "panel/story_recorder.h"
 #include "panel/watch_feed.h"
-#include "recording/timeline.h"
+#include "session/platform_faults.h"
+#include "text/country.h"
 #include "text/value_output.h"
 
 namespace deskwatch {
@@ -24,43 +24,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr unsigned badAction = 400;
-constexpr unsigned tooBusy = 503;
-constexpr int mostActions = 8;
 constexpr char jsonType[] = "application/json";
-
-/// A folder that only this user can read, as long as this object lives.
-class PrivateFolder {
-public:
-    PrivateFolder() {
-        GError* error = nullptr;
-        const c::MemoryOwner<char> path(g_dir_make_tmp("deskwatch-panel-XXXXXX", &error));
-        if (path == nullptr) {
-            throw std::runtime_error("cannot make a folder for the panel: " + c::takeMessage(error));
-        }
-        path_ = path.get();
-    }
-    ~PrivateFolder() {
-        std::error_code ignored;
-        fs::remove_all(path_, ignored);
-    }
-    PrivateFolder(const PrivateFolder&) = delete;
-    PrivateFolder& operator=(const PrivateFolder&) = delete;
-
-    const fs::path& path() const { return path_; }
-
-private:
-    fs::path path_;
-};
-
-/// The commands of one action, run one after the other.
-struct RunningAction {
-    std::string name;
-    std::vector<CommandLine> commands;
-    std::size_t next = 0;
-    std::string shell;
-    CommandOutcome outcome{0, "", ""};
-    PanelServer::Answer answer;
-};
 
 class Panel {
 public:
@@ -69,10 +33,12 @@ public:
           server_(port, ring_,
                   {[this](const std::string& body, const PanelServer::Answer& answer) { act(body, answer); },
                    [this](const std::string& name) { return document(name); }}),
-          feed_(device, ring_, [this] { tell(); }) {
+          feed_(device, ring_, [this] { tell(); }), actions_(folder(), ring_, [this] { tell(); }) {
         isServing_ = true;
         ring_.setState("panel", jsonText({{"largestMessage", largestArgument("req_update_policy")},
-                                          {"samples", pageFiles("samples/")}}));
+                                          {"samples", pageFiles("samples/")},
+                                          {"countries", countryCodes()},
+                                          {"functions", platformFunctions()}}));
     }
 
     void run(const PanelOptions& options) {
@@ -93,7 +59,7 @@ public:
         server_.close();
     }
 
-    bool hasBooted() const { return hasBooted_; }
+    bool hasBooted() const { return actions_.hasBooted(); }
 
 private:
     std::string folder() const { return device_.layout().folder().string(); }
@@ -123,7 +89,7 @@ private:
         try {
             const auto request = nlohmann::json::parse(body);
             if (!actOnRecording(request, answer)) {
-                begin(request, answer);
+                actions_.run(request, answer);
             }
         } catch (const nlohmann::json::exception& error) {
             answer(
@@ -147,71 +113,6 @@ private:
         return true;
     }
 
-    void begin(const nlohmann::json& request, const PanelServer::Answer& answer) {
-        const auto action = std::make_shared<RunningAction>();
-        action->commands = commandsOf(request);
-        action->name = request.at("action").get<std::string>();
-        action->shell = shellText(folder(), action->commands);
-        action->answer = answer;
-        if (running_ >= mostActions) {
-            answer({tooBusy, "text/plain; charset=utf-8", "too many actions are going on; wait for one to end"});
-            return;
-        }
-        ++running_;
-        continueWith(action);
-    }
-
-    void continueWith(const std::shared_ptr<RunningAction>& action) {
-        if (action->outcome.status != 0 || action->next == action->commands.size()) {
-            finish(*action);
-            return;
-        }
-        const auto& command = action->commands[action->next++];
-        std::vector<std::string> words{"--device", folder()};
-        words.insert(words.end(), command.arguments.begin(), command.arguments.end());
-        try {
-            runCommand(words, command.input, [this, action](const CommandOutcome& outcome) {
-                action->outcome = outcome;
-                continueWith(action);
-            });
-        } catch (const std::runtime_error& error) {
-            action->outcome = {-1, "", error.what()};
-            finish(*action);
-        }
-    }
-
-    void finish(const RunningAction& action) {
-        --running_;
-        const bool isDone = action.outcome.status == 0;
-        hasBooted_ = isDone && action.name == "boot" ? true : isDone && action.name == "off" ? false : hasBooted_;
-        if (action.name != "whatif" && action.name != "import") { // they change nothing
-            tellAction(action);
-        }
-        const nlohmann::ordered_json result{{"status", action.outcome.status},
-                                            {"output", action.outcome.output},
-                                            {"errors", action.outcome.errors},
-                                            {"command", action.shell}};
-        action.answer({200, jsonType, jsonText(result)});
-    }
-
-    /// All pages see what one of them did.
-    void tellAction(const RunningAction& action) {
-        auto commands = action.commands;
-        for (auto& command : commands) {
-            command.input.clear(); // the time line has the message itself
-        }
-        TimelineEntry entry;
-        entry.time = std::chrono::system_clock::now();
-        entry.kind = "action";
-        entry.text = shellText(folder(), commands);
-        entry.detail = jsonText(
-            {{"status", action.outcome.status}, {"output", action.outcome.output}, {"errors", action.outcome.errors}});
-        auto line = timelineJson(entry);
-        line.pop_back();
-        ring_.add(line);
-        tell();
-    }
-
     const Device& device_;
     PrivateFolder privateFolder_;
     EventRing ring_{randomText().substr(0, 8)};
@@ -219,8 +120,7 @@ private:
     StoryRecorder recorder_;
     PanelServer server_;
     WatchFeed feed_;
-    int running_ = 0;
-    bool hasBooted_ = false;
+    ActionRunner actions_;
 };
 
 } // namespace

@@ -14,16 +14,26 @@ constexpr std::string_view countries =
     " SA SB SC SD SE SG SH SI SJ SK SL SM SN SO SR SS ST SV SX SY SZ TC TD TF TG TH TJ TK TL TM TN TO"
     " TR TT TV TW TZ UA UG UM US UY UZ VA VC VE VG VI VN VU WF WS YE YT ZA ZM ZW";
 
+constexpr std::size_t step = 3;
+
 } // namespace
 
 bool isCountry(std::string_view code) {
-    constexpr std::size_t step = 3;
     for (std::size_t at = 1; at < countries.size(); at += step) {
         if (countries.substr(at, step - 1) == code) {
             return true;
         }
     }
     return false;
+}
+
+std::vector<std::string> countryCodes() {
+    std::vector<std::string> codes;
+    codes.reserve(countries.size() / step);
+    for (std::size_t at = 1; at < countries.size(); at += step) {
+        codes.emplace_back(countries.substr(at, step - 1));
+    }
+    return codes;
 }
 
 } // namespace deskwatch
