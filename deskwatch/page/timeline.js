@@ -38,6 +38,7 @@ class Timeline {
     this.lost = 0;
     this.isFollowing = true;
     this.missed = 0;
+    this.lastDrawn = 0;
     this.build(panel);
     on('entry', (entry) => this.take(entry));
     on('lost', (count) => this.lose(count));
@@ -80,7 +81,7 @@ class Timeline {
       this.lost += 1;
     }
     if (this.waiting.push(entry) === 1) {
-      setTimeout(() => this.drawWaiting(), drawEvery);
+      setTimeout(() => this.drawWaiting(), this.lastDrawn + drawEvery - performance.now()); // the first of them at once
     }
   }
 
@@ -90,6 +91,7 @@ class Timeline {
   }
 
   drawWaiting() {
+    this.lastDrawn = performance.now();
     const wanted = this.waiting.slice(-mostShown).filter((entry) => this.isWanted(entry));
     this.waiting = [];
     if (this.list.closest('[hidden]')) {
