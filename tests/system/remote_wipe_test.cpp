@@ -47,6 +47,7 @@ TEST_F(RemoteWipe, EmptiesTheInternalStorageAndNothingElse) {
     device_.send("req_update_policy", wipeOrder);
 
     EXPECT_TRUE(fs::is_empty(internal_));
+    EXPECT_TRUE(fs::remove(device_.layout().internalWipes())) << "the platform counts";
     EXPECT_EQ(listingWithout(device_.layout().folder(), internal_), deviceBefore);
     EXPECT_EQ(settings(), hardenedSettings);
     EXPECT_EQ(storedAccounts(device_.database()), std::vector<std::string>{"1"});
