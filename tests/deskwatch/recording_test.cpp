@@ -21,10 +21,10 @@ std::string textOf(const std::filesystem::path& file) {
 /// A recording that runs beside the test.
 class RunningRecord {
 public:
-    explicit RunningRecord(const std::filesystem::path& file) {
+    explicit RunningRecord(const std::filesystem::path& file, const char* option = nullptr) {
         GError* error = nullptr;
-        process_.reset(
-            g_subprocess_new(G_SUBPROCESS_FLAGS_NONE, &error, DESKWATCH_PROGRAM, "record", file.c_str(), nullptr));
+        process_.reset(g_subprocess_new(G_SUBPROCESS_FLAGS_NONE, &error, DESKWATCH_PROGRAM, "record", file.c_str(),
+                                        option, nullptr));
         EXPECT_NE(process_, nullptr) << c::takeMessage(error);
         const auto end = std::chrono::steady_clock::now() + deadline;
         while (textOf(file).find('\n') == std::string::npos && std::chrono::steady_clock::now() < end) {
@@ -83,7 +83,7 @@ TEST_F(Recordings, WearersStoryReplaysWithEveryEffectEqual) {
     EXPECT_GT(std::stoi(replayed.substr(4)), 40) << replayed;
 }
 
-TEST_F(Recordings, ReplayNamesTheLineOfTheFirstEffectThatDiffers) {
+TEST_F(Recordings, ReplayShowsTheFirstDifferenceAndUpdateAcceptsIt) {
     const auto file = recordStory();
     auto text = textOf(file);
     const std::string effect = R"("/dpm/password/minimum-length","value":6)";
@@ -96,9 +96,19 @@ TEST_F(Recordings, ReplayNamesTheLineOfTheFirstEffectThatDiffers) {
     const auto outcome = deskwatchProgram({"replay", changed.string()});
 
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_NE(outcome.errors.find(changed.string() + ", line " + std::to_string(line) + ":\n"), std::string::npos)
+    const auto number = [](auto value) {
+        const auto digits = std::to_string(value);
+        return std::string(5 - digits.size(), ' ') + digits + "  ";
+    };
+    EXPECT_EQ(outcome.errors.find("deskwatch: replay: " + changed.string() + ":" + std::to_string(line) + ": "), 0U)
         << outcome.errors;
+    EXPECT_NE(outcome.errors.find("  after\n"), std::string::npos);
+    EXPECT_NE(outcome.errors.find("com.velmor.quillon.consumer sends req_update_policy with "), std::string::npos);
+    EXPECT_NE(outcome.errors.find(number(line - 1) + "/dpm/password/quality = 128\n  and then\n"), std::string::npos);
     EXPECT_NE(outcome.errors.find(R"("value":6)"), std::string::npos) << outcome.errors;
+
+    run({"replay", "--update", changed.string()});
+    EXPECT_EQ(textOf(changed), textOf(file));
 }
 
 TEST_F(Recordings, ReplayFindsEachKindOfDifferenceWhereItIsFirst) {
@@ -122,26 +132,41 @@ TEST_F(Recordings, ReplayFindsEachKindOfDifferenceWhereItIsFirst) {
     auto elsewhere = recorded;
     elsewhere.replace(elsewhere.find(R"("to":")", launch) + 6, 3, "xxx");
 
-    const std::string line = "line " + std::to_string(lineOf(recorded, write)) + ":\n";
+    const std::string line = "changed.jsonl:" + std::to_string(lineOf(recorded, write)) + ": ";
     EXPECT_NE(replayed(both).find(line), std::string::npos) << replayed(both);
-    EXPECT_NE(replayed(shorter).find("after the last of its kind"), std::string::npos);
-    EXPECT_NE(replayed(elsewhere).find("recorded "), std::string::npos);
+    EXPECT_NE(replayed(shorter).find("recorded  nothing\n"), std::string::npos) << replayed(shorter);
+    EXPECT_NE(replayed(elsewhere).find("recorded  nothing\n"), std::string::npos) << replayed(elsewhere);
 }
 
-TEST_F(Recordings, LineThatNobodyKnowsIsRefused) {
+TEST_F(Recordings, WrongLineIsRefusedWithItsPlace) {
     const std::string head = "{\"recording\":1,\"serviceRunning\":false}\n";
+    const std::string second =
+        R"({"recording":2,"serviceRunning":false,"running":["none"],"waiting":[],"settings":{},"store":null})";
     const std::vector<std::pair<std::string, std::string>> cases{
         {head, " has no event to replay"},
         {"", " has no event to replay"},
-        {head + R"({"in":"lunch"})", R"("in" is "lunch", which nobody knows; did you mean "launch"?)"},
-        {head + R"({"out":"write","key":"a"})" + "\n" + R"({"out":"read"})", ":3: not a line of a recording"},
-        {head + R"({"around":"fault"})", R"(it has neither "in" nor "out")"},
+        {head + R"({"in":"lunch"})",
+         R"(:2:2: not a line of a recording: "in" is "lunch", which nobody knows; did you mean "launch"?)"},
+        {head + R"({"out":"write","key":"/a","value":1})" + "\n" + R"({"out":"read"})",
+         ":3:2: not a line of a recording"},
+        {head + R"({"over":"fault"})",
+         R"(:2:1: not a line of a recording: it has neither "in" nor "out" nor "around")"},
+        {head + "{\"in\":\n", ":2:7: not a line of a recording: "},
+        {head + R"({"in":"key","kye":"/a","value":1})", R"(:2:1: not a line of a recording: "key" is missing)"},
+        {head + R"({"in":"key","key":"/a","value":1,"valu":1})",
+         R"(:2:34: not a line of a recording: "valu" is not a member of this line; did you mean "value"?)"},
+        {head + R"({"in":"key","key":"a/","value":1})", R"(:2:13: not a line of a recording: "key" is not the path)"},
+        {head + R"({"in":"key","key":"/a","value":{"value":"<"}})", R"("value" is not the text form of a value)"},
+        {head + R"({"around":"event","type":"low"})", "the number of a system event"},
+        {"{\"recording\":9}\n", "reads format 1 and 2"},
+        {second, R"("running" names what is not an application)"},
     };
     for (const auto& [text, reason] : cases) {
         const auto outcome = deskwatchProgram({"replay", write("odd.jsonl", text).string()});
         EXPECT_EQ(outcome.status, 1);
         EXPECT_NE(outcome.errors.find(reason), std::string::npos) << outcome.errors;
     }
+    EXPECT_EQ(deskwatchProgram({"replay", "/nowhere/story.jsonl"}).status, 1);
 }
 
 TEST_F(Recordings, EndOfTheServiceIsReplayed) {
@@ -158,7 +183,7 @@ TEST_F(Recordings, EndOfTheServiceIsReplayed) {
     EXPECT_EQ(recording.status(), 0);
 
     const auto text = textOf(file);
-    EXPECT_NE(text.find(R"({"in":"end","application":"com.velmor.tesk-agent"})"), std::string::npos);
+    EXPECT_NE(text.find(R"({"in":"end","application":"com.velmor.tesk-agent","how":"exit"})"), std::string::npos);
     EXPECT_NE(text.find(R"("msg":"2\u001aff")"), std::string::npos) << text;
     EXPECT_EQ(run({"replay", file.string()}).find("all "), 0U);
 }
@@ -187,21 +212,32 @@ TEST(RecordedText, MarkWithoutDigitsIsItselfInAnEarlierRecording) {
               "0");
 }
 
-TEST_F(Recordings, WatchWithAccountsIsNotRecorded) {
+TEST_F(Recordings, AnyStateIsTakenAndNamesOfAccountsAreReplaced) {
+    const auto file = write("late.jsonl", "");
     boot();
     run({"mail", "policy", sample("hardened.json")});
-    const auto outcome = deskwatchProgram({"record", (device().layout().folder() / "late.jsonl").string()});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_NE(outcome.errors.find("already has stored accounts"), std::string::npos) << outcome.errors;
-}
+    run({"fault", "dpm_password_set_history", "-13"});
+    const RunningRecord recording(file, "--anonymise");
+    run({"popup", "ok"}); // it was opened before
+    run({"event", "low-memory"});
+    run({"bus", "allowWifi", "0"});
+    run({"fault", "--clear"});
+    run({"kill"});
+    run({"mail", "check-password"});
+    recording.interrupt();
+    EXPECT_EQ(recording.status(), 0);
 
-TEST_F(Recordings, FileThatIsNoRecordingIsRefusedWithItsLine) {
-    const auto file = write("odd.jsonl", "{\"recording\":1,\"serviceRunning\":false}\n{\"in\":\n");
-    const auto outcome = deskwatchProgram({"replay", file.string()});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.errors.find("deskwatch: replay: " + file.string() + ":2: not a line of a recording"), 0U)
-        << outcome.errors;
-    EXPECT_EQ(deskwatchProgram({"replay", "/nowhere/story.jsonl"}).status, 1);
+    const auto text = textOf(file);
+    EXPECT_EQ(text.find("bob@"), std::string::npos);
+    for (const std::string part :
+         {R"("account_name":"account1@example.com")", R"("ACCOUNT_NAME":"account1@example.com")",
+          R"("/faults/com.velmor.tesk-agent/dpm_password_set_history":{"value":"(-13)",
+          R"({"around":"event","type":"low memory"})", R"({"around":"call","method":"allowWifi","value":0})",
+          R"({"around":"fault","function":"every function","code":null,"nth":0})",
+          R"({"in":"end","application":"com.velmor.tesk-agent","how":"kill"})"}) {
+        EXPECT_NE(text.find(part), std::string::npos) << part << text;
+    }
+    EXPECT_EQ(run({"replay", file.string()}).find("all "), 0U);
 }
 
 } // namespace

@@ -36,4 +36,13 @@ c::VariantOwner BusClient::call(const Method& method, GVariant* arguments, std::
     return answer;
 }
 
+void BusClient::announce(const Method& signal, GVariant* arguments) const {
+    GError* error = nullptr;
+    if (g_dbus_connection_emit_signal(connection_.get(), nullptr, signal.path.c_str(), signal.interface.c_str(),
+                                      signal.name.c_str(), arguments, &error) == FALSE ||
+        g_dbus_connection_flush_sync(connection_.get(), nullptr, &error) == FALSE) {
+        throw std::runtime_error("cannot send the signal " + signal.name + ": " + c::takeMessage(error));
+    }
+}
+
 } // namespace deskwatch

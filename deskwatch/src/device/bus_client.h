@@ -31,6 +31,9 @@ public:
     /// Calls back through the main loop when the bus has ended. At most once for each client, which has to live then.
     void whenClosed(std::function<void()> callback);
 
+    /// Sends a signal to everybody. A floating `arguments` is taken. Throws std::runtime_error when it cannot be sent.
+    void announce(const Method& signal, GVariant* arguments) const;
+
     /// Answers who is on the bus. It must not outlive this object.
     BusDaemon daemon() const { return BusDaemon(connection_.get()); }
 

@@ -61,9 +61,7 @@ void writeBusConfiguration(const DeviceLayout& layout) {
 /// The one user of a watch is "owner"; here it is whoever boots the watch. Root cannot administer a device, so that it
 /// boots one of the owner whose number devices have.
 void writeUsers(const DeviceLayout& layout) {
-    constexpr uid_t ownerOfDevices = 5001;
-    const uid_t owner = getuid() != 0 ? getuid() : ownerOfDevices;
-    const std::string ids = std::to_string(owner) + ":" + std::to_string(getgid());
+    const std::string ids = std::to_string(numberOfOwner()) + ":" + std::to_string(getgid());
     write(layout.passwd(), "owner:x:" + ids + ":owner:/:/bin/sh\n");
     write(layout.group(), "owner:x:" + std::to_string(getgid()) + ":\n");
 }
@@ -138,6 +136,11 @@ std::vector<std::string> commandOf(const DeviceLayout& layout, const std::string
 }
 
 } // namespace
+
+uid_t numberOfOwner() {
+    constexpr uid_t ownerOfDevices = 5001;
+    return getuid() != 0 ? getuid() : ownerOfDevices;
+}
 
 std::vector<Application> readApplications(const DeviceLayout& layout) {
     std::vector<Application> applications;

@@ -1,6 +1,8 @@
 #ifndef DESKWATCH_DEVICE_FILES_H
 #define DESKWATCH_DEVICE_FILES_H
 
+#include <sys/types.h>
+
 #include <string>
 #include <vector>
 
@@ -19,6 +21,9 @@ struct Application {
 /// replace those of an earlier boot. Throws std::runtime_error when a file cannot be written, a program does not exist
 /// or the machine has no settings service.
 void writeDeviceFiles(const DeviceLayout& layout, const std::vector<Application>& applications);
+
+/// The number of the user "owner" of a watch that this process boots.
+uid_t numberOfOwner();
 
 /// The applications that the last boot was given, read from the activation files. Throws std::runtime_error when one
 /// cannot be read.

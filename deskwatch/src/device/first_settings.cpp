@@ -1,14 +1,9 @@
 #include "device/first_settings.h"
 
-#include <dconf.h>
-
 #include "TeskConsumerKeys.h"
-#include "c_owners.h"
 
 namespace deskwatch {
 namespace {
-
-using ChangesetOwner = c::Owner<DConfChangeset, dconf_changeset_unref>;
 
 constexpr std::chrono::seconds settingsTimeout{30};
 
@@ -50,15 +45,18 @@ ChangesetOwner firstChanges(const DeviceState& state, bool fresh) {
 
 } // namespace
 
-void writeFirstSettings(const BusClient& bus, const DeviceState& state, bool fresh) {
+void writeChanges(const BusClient& bus, const ChangesetOwner& changes) {
     // Straight to the writer of the device: the library's own client would look at the bus and the database that this
     // process's environment names.
-    const auto changes = firstChanges(state, fresh);
     const c::VariantOwner serialised(g_variant_ref_sink(dconf_changeset_serialise(changes.get())));
     GVariant* bytes = g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, g_variant_get_data(serialised.get()),
                                                 g_variant_get_size(serialised.get()), 1);
     bus.call({"ca.desrt.dconf", "/ca/desrt/dconf/Writer/user", "ca.desrt.dconf.Writer", "Change"},
              g_variant_new("(@ay)", bytes), settingsTimeout);
+}
+
+void writeFirstSettings(const BusClient& bus, const DeviceState& state, bool fresh) {
+    writeChanges(bus, firstChanges(state, fresh));
 }
 
 } // namespace deskwatch

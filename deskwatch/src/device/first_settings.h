@@ -1,9 +1,12 @@
 #ifndef DESKWATCH_FIRST_SETTINGS_H
 #define DESKWATCH_FIRST_SETTINGS_H
 
+#include <dconf.h>
+
 #include <optional>
 #include <string>
 
+#include "c_owners.h"
 #include "device/bus_client.h"
 
 namespace deskwatch {
@@ -21,6 +24,11 @@ struct DeviceState {
     /// Whether the tutorial of the first use is being shown. A boot ends it.
     std::optional<bool> tutorial;
 };
+
+using ChangesetOwner = c::Owner<DConfChangeset, dconf_changeset_unref>;
+
+/// Changes the settings store of a device in one step. Throws std::runtime_error.
+void writeChanges(const BusClient& bus, const ChangesetOwner& changes);
 
 /// Brings the settings store of a device that boots into its first state, in one step: the keys under memory/ and the
 /// faults are gone, a fresh watch (`fresh`) gets its keys, and what `state` names is set. Throws std::runtime_error.

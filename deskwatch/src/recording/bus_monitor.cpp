@@ -29,6 +29,19 @@ void releaseQueue(gpointer queue) {
     g_async_queue_unref(static_cast<GAsyncQueue*>(queue));
 }
 
+/// Whether the message is the question who owns that name.
+bool isQuestion(GDBusMessage* message, const std::string& asked) {
+    GVariant* body = g_dbus_message_get_body(message);
+    const char* member = g_dbus_message_get_member(message);
+    if (member == nullptr || std::string(member) != "NameHasOwner" || body == nullptr ||
+        g_variant_is_of_type(body, G_VARIANT_TYPE("(s)")) == FALSE) {
+        return false;
+    }
+    const char* name = nullptr;
+    g_variant_get(body, "(&s)", &name);
+    return asked == name;
+}
+
 } // namespace
 
 BusMonitor::BusMonitor(const std::string& address) : messages_(g_async_queue_new_full(g_object_unref)) {
@@ -60,6 +73,18 @@ c::ObjectOwner<GDBusMessage> BusMonitor::next(std::chrono::milliseconds atMost) 
     const auto wait = std::chrono::duration_cast<std::chrono::microseconds>(atMost).count();
     return c::ObjectOwner<GDBusMessage>(
         static_cast<GDBusMessage*>(g_async_queue_timeout_pop(messages_.get(), static_cast<guint64>(wait))));
+}
+
+void BusMonitor::takeUpToNow(const BusDaemon& daemon, const std::function<void(GDBusMessage* message)>& take) {
+    const std::string marker = "tesk.desk.marker" + std::to_string(++markers_);
+    daemon.isOwned(marker); // passes after everything else
+    while (const auto message = next(std::chrono::milliseconds(monitorTimeout))) {
+        if (isQuestion(message.get(), marker)) {
+            return;
+        }
+        take(message.get());
+    }
+    throw std::runtime_error("the bus of the watch does not answer its monitor");
 }
 
 } // namespace deskwatch

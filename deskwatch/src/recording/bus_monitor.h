@@ -2,9 +2,11 @@
 #define DESKWATCH_BUS_MONITOR_H
 
 #include <chrono>
+#include <functional>
 #include <string>
 
 #include "c_owners.h"
+#include "device/bus_daemon.h"
 
 namespace deskwatch {
 
@@ -21,6 +23,9 @@ public:
     /// The next message, waiting that long for one; null when none came.
     c::ObjectOwner<GDBusMessage> next(std::chrono::milliseconds atMost) const;
 
+    /// Hands over all that the bus has said up to now. Throws std::runtime_error when the bus does not answer.
+    void takeUpToNow(const BusDaemon& daemon, const std::function<void(GDBusMessage* message)>& take);
+
     /// Whether the bus has gone; what it said before can still be read.
     bool isClosed() const { return g_dbus_connection_is_closed(connection_.get()) != FALSE; }
 
@@ -28,6 +33,7 @@ private:
     c::Owner<GAsyncQueue, g_async_queue_unref> messages_;
     c::ObjectOwner<GDBusConnection> connection_;
     guint filter_ = 0;
+    unsigned markers_ = 0;
 };
 
 } // namespace deskwatch

@@ -4,11 +4,13 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 
 #include "c_owners.h"
 #include "device/application_ids.h"
 #include "host_bus.h"
 #include "recording/recorded_text.h"
+#include "recording/recorded_value.h"
 #include "text_pairs.h"
 
 namespace deskwatch {
@@ -22,20 +24,6 @@ c::VariantOwner child(GVariant* tuple, gsize index) {
     return c::VariantOwner(g_variant_get_child_value(tuple, index));
 }
 
-TraceEvent valueOf(GVariant* value) {
-    if (value == nullptr) {
-        return nullptr;
-    }
-    if (g_variant_is_of_type(value, G_VARIANT_TYPE_INT32) != FALSE) {
-        return g_variant_get_int32(value);
-    }
-    if (g_variant_is_of_type(value, G_VARIANT_TYPE_STRING) != FALSE) {
-        return g_variant_get_string(value, nullptr);
-    }
-    const c::MemoryOwner<char> text(g_variant_print(value, FALSE));
-    return {{"value", text.get()}};
-}
-
 bool isBodyOf(GDBusMessage* message, const char* type) {
     GVariant* body = g_dbus_message_get_body(message);
     return body != nullptr && g_variant_is_of_type(body, G_VARIANT_TYPE(type)) != FALSE;
@@ -46,7 +34,8 @@ bool isKnownApplication(const std::string& name) {
            std::find(ids::companions.begin(), ids::companions.end(), name) != ids::companions.end();
 }
 
-constexpr char faultsPath[] = "/faults/";
+const std::string faultsPath = std::string("/faults/") + ids::service + "/";
+constexpr char policyPath[] = "/dpm/";
 
 constexpr std::array<std::pair<int, const char*>, 3> systemEvents{
     {{APP_EVENT_LOW_MEMORY, "low memory"},
@@ -58,11 +47,17 @@ bool startsWith(const std::string& text, const std::string& start) {
 }
 
 /// Who registered as administrator is a number of the machine, not of the watch.
-bool isUserNumber(const std::string& key) {
-    return startsWith(key, "/dpm/clients/");
-}
+constexpr char registrationsPath[] = "/dpm/clients/";
 
 } // namespace
+
+bool isRegistration(const std::string& path) {
+    return startsWith(path, registrationsPath);
+}
+
+TraceEvent settingOf(const std::string& path, GVariant* value) {
+    return isRegistration(path) && value != nullptr ? TraceEvent(registered) : recordedValue(value);
+}
 
 TraceEvent recordedEntries(GVariant* pairs) {
     TraceEvent entries = TraceEvent::object();
@@ -109,8 +104,18 @@ void BusTrace::takeCall(GDBusMessage* message) {
     } else if (interface == "ca.desrt.dconf.Writer" && member == "Change" && isBodyOf(message, "(ay)")) {
         takeChanges(message);
     } else if (interface == "tesk.consumer.test") {
-        sink_({{"around", "call"}, {"method", member}});
+        takeDiagnosis(message);
+    } else if (member == "ReleaseName" && isService(g_dbus_message_get_sender(message))) {
+        isServiceLeaving_ = true;
     }
+}
+
+void BusTrace::takeDiagnosis(GDBusMessage* message) {
+    TraceEvent event{{"around", "call"}, {"method", g_dbus_message_get_member(message)}};
+    if (isBodyOf(message, "(i)")) {
+        event["value"] = g_variant_get_int32(child(g_dbus_message_get_body(message), 0).get());
+    }
+    sink_(event);
 }
 
 void BusTrace::takeLaunch(GDBusMessage* message) {
@@ -128,9 +133,7 @@ void BusTrace::takeLaunch(GDBusMessage* message) {
         return;
     }
     const bool isReplyWanted = g_variant_get_boolean(child(body, 2).get()) != FALSE;
-    if (isReplyWanted) {
-        waiting_[{sender, g_dbus_message_get_serial(message)}] = target;
-    }
+    waiting_[{sender, g_dbus_message_get_serial(message)}] = isReplyWanted ? target : "";
     sink_({{"out", "launch"}, {"to", target}, {"replyWanted", isReplyWanted}, {"extraData", extraData}});
 }
 
@@ -167,10 +170,9 @@ void BusTrace::takeChanges(GDBusMessage* message) {
             continue; // goes with the key
         }
         if (isOwn) {
-            const auto shown = isUserNumber(key) && value != nullptr ? TraceEvent("registered") : valueOf(value.get());
-            sink_({{"out", "write"}, {"key", key}, {"value", shown}});
-        } else if (startsWith(key, host_bus::sharedKeysPath)) {
-            sink_({{"in", "key"}, {"key", key}, {"value", valueOf(value.get())}});
+            sink_({{"out", "write"}, {"key", key}, {"value", settingOf(key, value.get())}});
+        } else if (startsWith(key, host_bus::sharedKeysPath) || startsWith(key, policyPath)) {
+            sink_({{"in", "key"}, {"key", key}, {"value", settingOf(key, value.get())}});
         } else if (startsWith(key, faultsPath)) {
             takeFault(key, value.get());
         }
@@ -180,7 +182,7 @@ void BusTrace::takeChanges(GDBusMessage* message) {
 void BusTrace::takeFault(const std::string& key, GVariant* value) {
     const auto name = key.substr(key.rfind('/') + 1);
     TraceEvent event{{"around", "fault"},
-                     {"function", name.empty() ? "every function" : name},
+                     {"function", name.empty() ? everyFunction : name},
                      {"code", nullptr}, // all faults are removed by their folder
                      {"nth", 0}};
     if (value != nullptr && g_variant_is_of_type(value, G_VARIANT_TYPE("(ii)")) != FALSE) {
@@ -188,6 +190,16 @@ void BusTrace::takeFault(const std::string& key, GVariant* value) {
         event["nth"] = g_variant_get_int32(child(value, 1).get());
     }
     sink_(event);
+}
+
+std::optional<int> systemEventOf(const std::string& name) {
+    const auto* known = std::find_if(systemEvents.begin(), systemEvents.end(),
+                                     [&name](const auto& event) { return event.second == name; });
+    int number = 0;
+    const char* end = name.data() + name.size();
+    const auto [last, error] = std::from_chars(name.data(), end, number);
+    const bool isNumber = error == std::errc() && last == end;
+    return known != systemEvents.end() ? std::optional(known->first) : isNumber ? std::optional(number) : std::nullopt;
 }
 
 void BusTrace::takeSystemEvent(GDBusMessage* message) {
@@ -201,14 +213,17 @@ void BusTrace::takeSystemEvent(GDBusMessage* message) {
 }
 
 void BusTrace::takeReply(GDBusMessage* message) {
-    const auto call =
-        waiting_.find({textOf(g_dbus_message_get_destination(message)), g_dbus_message_get_reply_serial(message)});
-    if (call == waiting_.end()) {
+    if (!isService(g_dbus_message_get_destination(message)) || !isBodyOf(message, "(ia(ayay))")) {
         return;
     }
-    const std::string application = call->second;
-    waiting_.erase(call);
-    if (isBodyOf(message, "(ia(ayay))")) {
+    const auto call =
+        waiting_.find({textOf(g_dbus_message_get_destination(message)), g_dbus_message_get_reply_serial(message)});
+    // an unknown one was made before this trace began, and an answer that took so long was waited for
+    const std::string application = call != waiting_.end() ? call->second : nameOf(g_dbus_message_get_sender(message));
+    if (call != waiting_.end()) {
+        waiting_.erase(call);
+    }
+    if (!application.empty()) {
         const auto extraData = recordedEntries(child(g_dbus_message_get_body(message), 1).get());
         sink_({{"in", "reply"}, {"from", application}, {"extraData", extraData}});
     }
@@ -230,11 +245,12 @@ void BusTrace::takeOwnerChange(GDBusMessage* message) {
     }
     if (*now != '\0') {
         owners_[now] = name;
+        isServiceLeaving_ = isServiceLeaving_ && std::string(name) != ids::service;
     }
     if (*now != '\0' && *before == '\0') {
         sink_({{"in", "start"}, {"application", name}});
     } else if (*now == '\0' && std::string(name) == ids::service) {
-        sink_({{"in", "end"}, {"application", name}});
+        sink_({{"in", "end"}, {"application", name}, {"how", isServiceLeaving_ ? "exit" : "kill"}});
     }
 }
 

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -18,7 +19,8 @@ namespace deskwatch {
 /// how texts stand in extra data and entries:
 ///
 ///     {"in": "start", "application": ID}                     an application came up
-///     {"in": "end", "application": ID}                       the service ended
+///     {"in": "end", "application": ID, "how": HOW}           the service ended: "exit" or "kill", suddenly; a recorder
+///                                                            says "idle" for an end that it came to by itself
 ///     {"in": "launch", "from": ID, "extraData": {...}}
 ///     {"in": "message", "from": ID, "port": PORT, "entries": {...}}
 ///     {"in": "reply", "from": ID, "extraData": {...}}        the answer to a launch request
@@ -27,15 +29,27 @@ namespace deskwatch {
 ///     {"out": "launch", "to": ID, "replyWanted": BOOL, "extraData": {...}}
 ///     {"out": "message", "to": ID, "port": PORT, "entries": {...}}
 ///
-/// What was done to the watch from outside ("around") is in no recording, because a replay cannot repeat it:
+/// What was done to the watch from outside:
 ///
-///     {"around": "event", "type": NAME}                      a system event
+///     {"around": "event", "type": NAME}                      a system event, of which an unknown one is a number
 ///     {"around": "fault", "function": NAME, "code": NUMBER or null, "nth": NUMBER}
-///     {"around": "call", "method": NAME}                     a call of the interface for diagnosis
+///     {"around": "call", "method": NAME, "value": NUMBER}    a call of the interface for diagnosis, the value if any
 using TraceEvent = nlohmann::ordered_json;
 
 /// The extra data or entries of an event, of pairs of texts in their bus form (text_pairs.h).
 TraceEvent recordedEntries(GVariant* pairs);
+
+/// A setting of that path as a recording has it. One that makes an application the administrator holds the number of a
+/// user of the machine, and says `registered` here.
+TraceEvent settingOf(const std::string& path, GVariant* value);
+bool isRegistration(const std::string& path);
+inline constexpr char registered[] = "registered";
+
+/// In a fault's event: all of them.
+inline constexpr char everyFunction[] = "every function";
+
+/// The system event of that name, or of the number that the text is; none for another text.
+std::optional<int> systemEventOf(const std::string& name);
 
 /// Makes events of the messages on a bus.
 class BusTrace {
@@ -55,15 +69,19 @@ private:
     void takeLaunch(GDBusMessage* message);
     void takePortMessage(GDBusMessage* message);
     void takeChanges(GDBusMessage* message);
+    void takeDiagnosis(GDBusMessage* message);
     void takeSystemEvent(GDBusMessage* message);
     void takeFault(const std::string& key, GVariant* value);
     std::string nameOf(const char* busName) const;
     bool isService(const char* busName) const;
 
     Sink sink_;
+    /// Whether the service has begun to give its name back, which one that ends suddenly never does.
+    bool isServiceLeaving_ = false;
     /// The application that owns each connection.
     std::map<std::string, std::string> owners_;
-    /// The service's launch requests that wait for an answer: its connection and the serial, and who is to answer.
+    /// The service's launch requests that were not answered yet: its connection and the serial, and who is to answer;
+    /// nobody when it does not ask for an answer.
     std::map<std::pair<std::string, guint32>, std::string> waiting_;
 };
 

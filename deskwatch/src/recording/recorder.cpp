@@ -1,0 +1,166 @@
+#include "recording/recorder.h"
+
+#include <sys/signalfd.h>
+
+#include <csignal>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <optional>
+#include <stdexcept>
+
+#include "device/application_ids.h"
+#include "device/bus_client.h"
+#include "device/file_descriptor.h"
+#include "recording/anonymiser.h"
+#include "recording/bus_monitor.h"
+#include "recording/recorded_state.h"
+#include "records/idle_exit.h"
+#include "session/observer.h"
+#include "text/input_file.h"
+
+namespace deskwatch {
+namespace {
+
+constexpr std::chrono::milliseconds lookUp{100};
+
+/// Holds SIGINT and SIGTERM back, so that the end of a recording is a place in the code.
+class EndSignals {
+public:
+    EndSignals() {
+        sigset_t signals;
+        sigemptyset(&signals);
+        sigaddset(&signals, SIGINT);
+        sigaddset(&signals, SIGTERM);
+        pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+        descriptor_ = FileDescriptor(signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC));
+    }
+
+    bool arrived() const {
+        signalfd_siginfo signal{};
+        return read(descriptor_.get(), &signal, sizeof signal) == static_cast<ssize_t>(sizeof signal);
+    }
+
+private:
+    FileDescriptor descriptor_;
+};
+
+/// The file of a recording, line by line.
+class Lines {
+public:
+    explicit Lines(const RecordOptions& options) : options_(options) {
+        if (options.file != standardInput) {
+            file_.open(options.file, std::ios::trunc);
+        }
+    }
+
+    void write(const TraceEvent& line) {
+        auto& stream = options_.file == standardInput ? std::cout : file_;
+        stream << (options_.isAnonymous ? anonymiser_.anonymised(line) : line)
+                      .dump(-1, ' ', false, TraceEvent::error_handler_t::replace)
+               << '\n'
+               << std::flush;
+        if (!stream) {
+            throw std::runtime_error("cannot write " +
+                                     (options_.file == standardInput ? "standard output" : options_.file));
+        }
+    }
+
+private:
+    RecordOptions options_;
+    Anonymiser anonymiser_;
+    std::ofstream file_;
+};
+
+std::string endOf(const std::filesystem::path& log) {
+    constexpr std::streamoff mostOfLog = 65'536;
+    std::ifstream stream(log, std::ios::binary | std::ios::ate);
+    const std::streamoff size = stream.tellg();
+    stream.seekg(std::max<std::streamoff>(size - mostOfLog, 0));
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+class Recorder {
+public:
+    Recorder(const Device& device, const RecordOptions& options)
+        : device_(device), lines_(options), bus_(device.busAddress()), monitor_(device.busAddress()),
+          trace_(bus_.daemon(), [this](const TraceEvent& event) { take(event); }),
+          service_(bus_.daemon().processOf(ids::service)) {}
+
+    /// The state belongs to one moment: nothing happens while it is read.
+    void writeHead() {
+        constexpr int mostTries = 100;
+        for (int tries = 0; tries < mostTries; ++tries) {
+            takeUpToNow();
+            events_ = 0;
+            const auto head = headOf(readState(DeviceSession(device_, observerId)));
+            takeUpToNow();
+            if (events_ == 0) {
+                lines_.write(head);
+                isBegun_ = true;
+                return;
+            }
+        }
+        throw std::runtime_error("the watch keeps changing; record it when it is quiet");
+    }
+
+    void run(const EndSignals& signals) {
+        bool isOver = false;
+        while (!isOver) {
+            isOver = signals.arrived() || monitor_.isClosed();
+            while (const auto message = monitor_.next(isOver ? std::chrono::milliseconds::zero() : lookUp)) {
+                trace_.take(message.get());
+            }
+        }
+    }
+
+private:
+    void takeUpToNow() {
+        monitor_.takeUpToNow(bus_.daemon(), [this](GDBusMessage* message) { trace_.take(message); });
+    }
+
+    void take(TraceEvent event) {
+        ++events_;
+        const auto what = event.value("in", "");
+        if (what == "start" && event["application"] == ids::service) {
+            service_ = serviceProcess();
+        }
+        if (what == "end" && event["how"] == "exit" && service_ &&
+            idleExitOf(endOf(device_.layout().log()), *service_, {})) {
+            event["how"] = "idle"; // it was about to
+        }
+        if (isBegun_) {
+            lines_.write(event);
+        }
+    }
+
+    /// None when it has ended meanwhile, or the watch was switched off.
+    std::optional<pid_t> serviceProcess() const {
+        try {
+            return bus_.daemon().processOf(ids::service);
+        } catch (const std::runtime_error&) {
+            return std::nullopt;
+        }
+    }
+
+    const Device& device_;
+    Lines lines_;
+    BusClient bus_;
+    BusMonitor monitor_;
+    BusTrace trace_;
+    std::optional<pid_t> service_;
+    std::size_t events_ = 0;
+    bool isBegun_ = false;
+};
+
+} // namespace
+
+void record(const Device& device, const RecordOptions& options) {
+    const EndSignals signals;
+    device.requireBooted();
+    Recorder recorder(device, options);
+    recorder.writeHead();
+    recorder.run(signals);
+}
+
+} // namespace deskwatch

@@ -1,0 +1,79 @@
+#include "replay/replay.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "replay/channels.h"
+#include "replay/surroundings.h"
+
+namespace deskwatch {
+namespace {
+
+/// Compares in order, up to the first difference.
+std::optional<Difference> differenceIn(const Channel& channel) {
+    const auto& [recorded, happened] = channel;
+    const std::size_t count = std::max(recorded.size(), happened.size());
+    for (std::size_t index = 0; index < count; ++index) {
+        const auto* expected = index < recorded.size() ? &recorded[index] : nullptr;
+        const auto* seen = index < happened.size() ? &happened[index] : nullptr;
+        if (expected != nullptr && seen != nullptr && expected->event == seen->event) {
+            continue;
+        }
+        Difference difference{expected != nullptr ? expected->line : seen->line, std::nullopt, std::nullopt};
+        if (expected != nullptr) {
+            difference.recorded = expected->event;
+        }
+        if (seen != nullptr) {
+            difference.now = seen->event;
+        }
+        return difference;
+    }
+    return std::nullopt;
+}
+
+/// The channels are compared one by one; the reader is told of the difference that comes first in the recording.
+ReplayOutcome compare(const Recording& recording, std::vector<ReplayedEffect> happened) {
+    ReplayOutcome outcome;
+    for (const auto& [name, channel] : channelsOf(recording, happened)) {
+        auto difference = differenceIn(channel);
+        if (difference && (!outcome.difference || difference->line < outcome.difference->line)) {
+            outcome.difference = std::move(difference);
+        }
+    }
+    outcome.equal = static_cast<std::size_t>(
+        std::count_if(recording.events.begin(), recording.events.end(), [&](const RecordedEvent& event) {
+            return event.event.contains("out") && (!outcome.difference || event.line < outcome.difference->line);
+        }));
+    outcome.happened = std::move(happened);
+    return outcome;
+}
+
+} // namespace
+
+ReplayOutcome replay(const Device& device, const std::vector<Application>& applications, const Recording& recording) {
+    device.resume(applications);
+    Surroundings surroundings(device, recording);
+    surroundings.begin(recording.state);
+    std::vector<ReplayedEffect> happened;
+    std::size_t cause = 1;
+    bool isPending = false;
+    const auto collect = [&] {
+        for (auto& effect : surroundings.effects()) {
+            happened.push_back({std::move(effect), cause});
+        }
+        isPending = false;
+    };
+    for (const auto& [event, line, text] : recording.events) {
+        if (!event.contains("out")) {
+            surroundings.act(event);
+            cause = line;
+            isPending = true;
+        } else if (isPending) {
+            collect(); // what came in together is handled together
+        }
+    }
+    collect();
+    return compare(recording, std::move(happened));
+}
+
+} // namespace deskwatch
