@@ -47,14 +47,14 @@ RecordedState readState(const DeviceSession& session) {
                                "/faults/" + service + "/"}) {
         takeFolder(store.get(), folder, state);
     }
-    state.store = recordedStore(policyDatabase(session.device().layout()));
+    state.store = recordedStore(policyDatabase(session.device().layout())).dump();
     return state;
 }
 
 TraceEvent headOf(const RecordedState& state) {
     return {{"recording", recordingVersion}, {"serviceRunning", state.isServiceRunning},
             {"running", state.running},      {"waiting", state.waiting},
-            {"settings", state.settings},    {"store", state.store}};
+            {"settings", state.settings},    {"store", TraceEvent::parse(state.store)}};
 }
 
 } // namespace deskwatch

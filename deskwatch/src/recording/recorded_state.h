@@ -19,8 +19,8 @@ struct RecordedState {
     std::vector<std::string> waiting;
     /// The settings store by path: keys, device policy, the service's preferences, and the functions that fail.
     std::map<std::string, TraceEvent> settings;
-    /// The stored accounts (recorded_store.h).
-    TraceEvent store;
+    /// The stored accounts (recorded_store.h), JSON.
+    std::string store = "null";
 };
 
 /// The number of the format that record writes.

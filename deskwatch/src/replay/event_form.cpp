@@ -145,7 +145,7 @@ void requireSettings(const TraceEvent& settings) {
     for (const auto& [path, value] : settings.items()) {
         const auto fault = faultOf(path, Type::Path) + faultOf(value, Type::Value);
         if (!fault.empty()) {
-            throw FormError(path, "\"" + path + "\" " + fault);
+            throw FormError(path, std::string("\"").append(path).append("\" ").append(fault));
         }
     }
 }
@@ -244,7 +244,7 @@ RecordedState stateOf(const TraceEvent& head) {
     requireSettings(head["settings"]);
     requireStore(head["store"]);
     return {head["serviceRunning"].get<bool>(), applicationsIn(head, "running"), applicationsIn(head, "waiting"),
-            head["settings"].get<std::map<std::string, TraceEvent>>(), head["store"]};
+            head["settings"].get<std::map<std::string, TraceEvent>>(), head["store"].dump()};
 }
 
 } // namespace deskwatch

@@ -12,23 +12,20 @@ namespace {
 /// Compares in order, up to the first difference.
 std::optional<Difference> differenceIn(const Channel& channel) {
     const auto& [recorded, happened] = channel;
-    const std::size_t count = std::max(recorded.size(), happened.size());
-    for (std::size_t index = 0; index < count; ++index) {
-        const auto* expected = index < recorded.size() ? &recorded[index] : nullptr;
-        const auto* seen = index < happened.size() ? &happened[index] : nullptr;
-        if (expected != nullptr && seen != nullptr && expected->event == seen->event) {
-            continue;
-        }
-        Difference difference{expected != nullptr ? expected->line : seen->line, std::nullopt, std::nullopt};
-        if (expected != nullptr) {
-            difference.recorded = expected->event;
-        }
-        if (seen != nullptr) {
-            difference.now = seen->event;
-        }
-        return difference;
+    std::size_t index = 0;
+    while (index < recorded.size() && index < happened.size() && recorded[index].event == happened[index].event) {
+        ++index;
     }
-    return std::nullopt;
+    Difference difference;
+    if (index < happened.size()) {
+        difference.line = happened[index].line;
+        difference.now = happened[index].event;
+    }
+    if (index < recorded.size()) {
+        difference.line = recorded[index].line;
+        difference.recorded = recorded[index].event;
+    }
+    return difference.now || difference.recorded ? std::optional(std::move(difference)) : std::nullopt;
 }
 
 /// The channels are compared one by one; the reader is told of the difference that comes first in the recording.

@@ -23,9 +23,6 @@ namespace {
 /// Longer than the bus waits for a program to come up.
 constexpr std::chrono::seconds replayTimeout{120};
 
-/// More than the service waits for before it ends itself.
-constexpr guint enoughToBeIdle = 60;
-
 constexpr char diagnosis[] = "tesk.consumer.test";
 const std::string faultsFolder = std::string("/faults/") + ids::service + "/";
 
@@ -92,7 +89,7 @@ void Surroundings::begin(const RecordedState& state) {
     // enforced them long ago, so it starts without accounts and gets them when it runs.
     const bool isStoreFirst = !state.isServiceRunning || !state.waiting.empty();
     if (isStoreFirst) {
-        writeStore(state.store, store);
+        writeStore(TraceEvent::parse(state.store), store);
     }
     if (state.isServiceRunning) {
         launchService(ids::mail, TraceEvent::object());
@@ -107,7 +104,7 @@ void Surroundings::begin(const RecordedState& state) {
         writeSettings(settings);
     }
     if (!isStoreFirst) {
-        writeStore(state.store, store);
+        writeStore(TraceEvent::parse(state.store), store);
     }
     writeSettings(faults);
     effects();
