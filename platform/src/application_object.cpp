@@ -1,5 +1,6 @@
 #include "application_object.h"
 
+#include "app_clock.h"
 #include "environment.h"
 #include "guard.h"
 #include "host_bus.h"
@@ -13,6 +14,7 @@ ApplicationObject::ApplicationObject(const Bus& bus, Handler handler)
     : handler_(std::move(handler)), skeleton_(platform_bus_application_skeleton_new()) {
     g_signal_connect(skeleton_.get(), "handle-launch", G_CALLBACK(onLaunch), this);
     g_signal_connect(skeleton_.get(), "handle-settle", G_CALLBACK(onSettle), this);
+    g_signal_connect(skeleton_.get(), "handle-advance", G_CALLBACK(onAdvance), this);
     g_autoptr(GError) error = nullptr;
     if (!g_dbus_interface_skeleton_export(G_DBUS_INTERFACE_SKELETON(skeleton_.get()), bus.connection(),
                                           host_bus::applicationPath, &error)) {
@@ -67,6 +69,21 @@ gboolean ApplicationObject::onSettle(PlatformBusApplication* /*object*/, GDBusMe
         g_idle_add_full(G_PRIORITY_DEFAULT, &ApplicationObject::answerSettle, invocation, nullptr);
         return TRUE;
     });
+}
+
+// The sources that are due come before the answer: they have waited longer.
+gboolean ApplicationObject::onAdvance(PlatformBusApplication* /*object*/, GDBusMethodInvocation* invocation,
+                                      guint seconds, gpointer /*self*/) {
+    return guarded("time that passes", FALSE, [&] {
+        AppClock::get().advance(seconds);
+        g_idle_add_full(G_PRIORITY_DEFAULT, &ApplicationObject::answerAdvance, invocation, nullptr);
+        return TRUE;
+    });
+}
+
+gboolean ApplicationObject::answerAdvance(gpointer invocation) {
+    platform_bus_application_complete_advance(nullptr, static_cast<GDBusMethodInvocation*>(invocation));
+    return G_SOURCE_REMOVE;
 }
 
 gboolean ApplicationObject::answerSettle(gpointer invocation) {

@@ -32,6 +32,9 @@ private:
                              GVariant* extraData, gboolean replyWanted, gpointer self);
     static gboolean onSettle(PlatformBusApplication* object, GDBusMethodInvocation* invocation, gpointer self);
     static gboolean answerSettle(gpointer invocation);
+    static gboolean onAdvance(PlatformBusApplication* object, GDBusMethodInvocation* invocation, guint seconds,
+                              gpointer self);
+    static gboolean answerAdvance(gpointer invocation);
 
     Handler handler_;
     c::ObjectOwner<PlatformBusApplication> skeleton_;

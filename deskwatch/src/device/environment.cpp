@@ -14,9 +14,9 @@ bool endsWith(std::string_view text, std::string_view end) {
 }
 
 bool isInherited(std::string_view name) {
-    constexpr std::array<std::string_view, 12> names{"PATH",       "HOME",    "USER",        "LOGNAME",
-                                                     "TMPDIR",     "TZ",      "LANG",        "LD_LIBRARY_PATH",
-                                                     "DLOG_LEVEL", "G_DEBUG", "GCOV_PREFIX", "GCOV_PREFIX_STRIP"};
+    constexpr std::array<std::string_view, 13> names{
+        "TESK_CLOCK",      "PATH",       "HOME",    "USER",        "LOGNAME",          "TMPDIR", "TZ", "LANG",
+        "LD_LIBRARY_PATH", "DLOG_LEVEL", "G_DEBUG", "GCOV_PREFIX", "GCOV_PREFIX_STRIP"};
     return std::find(names.begin(), names.end(), name) != names.end() || name.substr(0, 3) == "LC_" ||
            endsWith(name, "SAN_OPTIONS");
 }

@@ -1,5 +1,6 @@
 #include "device/temporary_device.h"
 
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -41,6 +42,22 @@ sigset_t awaitedSignals() {
     return signals;
 }
 
+/// Returns the signals that were blocked before.
+sigset_t blockSignals() {
+    const auto signals = awaitedSignals();
+    sigset_t earlier;
+    sigprocmask(SIG_BLOCK, &signals, &earlier);
+    return earlier;
+}
+
+/// In the child: when the parent is killed, nobody else would end it.
+void endWithParent(pid_t parent) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) {
+        std::raise(SIGKILL);
+    }
+}
+
 /// The status of the child when it has ended; it is killed when this process is told to end.
 int awaitEnd(pid_t child, const sigset_t& signals) {
     int status = 0;
@@ -55,10 +72,21 @@ int awaitEnd(pid_t child, const sigset_t& signals) {
     return status;
 }
 
-void remove(const Device& device) {
+void switchOff(const Device& device) {
     try {
-        if (fs::exists(device.layout().busConfiguration())) {
-            device.off();
+        device.off();
+    } catch (const std::exception&) {
+        device.kill(); // a process that hangs does not come to an orderly end
+    }
+}
+
+/// After a sudden end nothing there is worth waiting for.
+void remove(const Device& device, bool isSudden) {
+    try {
+        if (fs::exists(device.layout().busConfiguration()) && !isSudden) {
+            switchOff(device);
+        }
+        while (isSudden && device.kill()) { // one that was ending may have started another
         }
         fs::remove_all(device.layout().folder().parent_path());
     } catch (const std::exception& error) {
@@ -78,20 +106,22 @@ void remove(const Device& device) {
 
 } // namespace
 
-TemporaryDevice::TemporaryDevice() : device_(newFolder() / "watch") {
+TemporaryDevice::TemporaryDevice() : earlier_(blockSignals()), device_(newFolder() / "watch") {
     const auto signals = awaitedSignals();
-    sigset_t earlier;
-    sigprocmask(SIG_BLOCK, &signals, &earlier);
+    const pid_t parent = getpid();
     const pid_t child = fork();
+    if (child == 0) {
+        endWithParent(parent);
+    }
     if (child > 0) {
         const int status = awaitEnd(child, signals);
-        remove(device_);
+        remove(device_, WIFSIGNALED(status));
         endAs(status, signals);
     }
-    sigprocmask(SIG_SETMASK, &earlier, nullptr);
+    sigprocmask(SIG_SETMASK, &earlier_, nullptr);
     if (child < 0) {
         const int error = errno;
-        remove(device_);
+        remove(device_, true);
         throw std::system_error(error, std::generic_category(), "cannot start a process");
     }
 }

@@ -1,6 +1,8 @@
 #ifndef DESKWATCH_TEMPORARY_DEVICE_H
 #define DESKWATCH_TEMPORARY_DEVICE_H
 
+#include <csignal>
+
 #include "device/device.h"
 
 namespace deskwatch {
@@ -21,6 +23,7 @@ public:
     const Device& operator*() const { return device_; }
 
 private:
+    sigset_t earlier_; // those that end the process are held back before there is a folder
     Device device_;
 };
 

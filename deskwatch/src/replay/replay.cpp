@@ -5,6 +5,7 @@
 
 #include "replay/channels.h"
 #include "replay/surroundings.h"
+#include "watch_clock.h"
 
 namespace deskwatch {
 namespace {
@@ -48,6 +49,7 @@ ReplayOutcome compare(const Recording& recording, std::vector<ReplayedEffect> ha
 } // namespace
 
 ReplayOutcome replay(const Device& device, const std::vector<Application>& applications, const Recording& recording) {
+    setenv(watch_clock::variable, watch_clock::standing, 1); // no time passes but the recording's
     device.resume(applications);
     Surroundings surroundings(device, recording);
     surroundings.begin(recording.state);

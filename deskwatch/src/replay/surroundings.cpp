@@ -23,6 +23,12 @@ namespace {
 /// Longer than the bus waits for a program to come up.
 constexpr std::chrono::seconds replayTimeout{120};
 
+/// More than the service waits for before it ends itself.
+constexpr guint enoughToBeIdle = 60;
+
+/// In the machine's time: to end once it has decided to.
+constexpr std::chrono::seconds idleTimeout{10};
+
 constexpr char diagnosis[] = "tesk.consumer.test";
 const std::string faultsFolder = std::string("/faults/") + ids::service + "/";
 
@@ -180,14 +186,29 @@ void Surroundings::end(const std::string& how) {
     if (!process) {
         return;
     }
-    process->signal(how == "kill" ? SIGKILL : SIGTERM);
-    process->waitForEnd(replayTimeout);
+    if (how == "idle") {
+        letTimePass();
+    } else {
+        process->signal(how == "kill" ? SIGKILL : SIGTERM);
+    }
+    if (!process->waitForEnd(how == "idle" ? idleTimeout : replayTimeout)) {
+        return; // it does not end by itself, which is a difference
+    }
     while (!hasEnded(effects_)) { // the bus may hear of it later than we
         const auto message = monitor_.next(replayTimeout);
         if (message == nullptr) {
             throw std::runtime_error("the bus does not tell the end of the service");
         }
         trace_.take(message.get());
+    }
+}
+
+void Surroundings::letTimePass() const {
+    try {
+        bus_.call({ids::service, host_bus::applicationPath, "tesk.host.Application", "Advance"},
+                  g_variant_new("(u)", enoughToBeIdle), replayTimeout);
+    } catch (const std::runtime_error&) {
+        // it ended before it answered
     }
 }
 

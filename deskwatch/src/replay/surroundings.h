@@ -30,6 +30,7 @@ private:
     void launchService(const std::string& caller, const TraceEvent& extraData) const;
     void send(const TraceEvent& event) const;
     void end(const std::string& how);
+    void letTimePass() const;
     void setFault(const TraceEvent& event) const;
     void callDiagnosis(const TraceEvent& event) const;
     void writeSettings(const std::vector<std::pair<std::string, TraceEvent>>& settings) const;
