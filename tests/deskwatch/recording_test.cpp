@@ -150,7 +150,7 @@ TEST_F(Recordings, WrongLineIsRefusedWithItsPlace) {
         {head + R"({"out":"write","key":"/a","value":1})" + "\n" + R"({"out":"read"})",
          ":3:2: not a line of a recording"},
         {head + R"({"over":"fault"})",
-         R"(:2:1: not a line of a recording: it has neither "in" nor "out" nor "around")"},
+         R"(:2:1: not a line of a recording: it has neither "in" nor "out" nor "around" nor "expect")"},
         {head + "{\"in\":\n", ":2:7: not a line of a recording: "},
         {head + R"({"in":"key","kye":"/a","value":1})", R"(:2:1: not a line of a recording: "key" is missing)"},
         {head + R"({"in":"key","key":"/a","value":1,"valu":1})",

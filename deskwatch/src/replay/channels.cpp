@@ -4,13 +4,16 @@ namespace deskwatch {
 namespace {
 
 std::string channelOf(const TraceEvent& effect) {
-    return effect.value("out", "end") + " " + effect.value("to", "");
+    return effect.value("out", effect.value("expect", "end")) + " " + effect.value("to", "");
 }
 
 } // namespace
 
 TraceEvent effectOf(const TraceEvent& event) {
     TraceEvent effect = event;
+    if (event.contains("expect") && !event.contains("findings")) {
+        effect["findings"] = TraceEvent::array();
+    }
     if (event.contains("in")) {
         effect["how"] = event.value("how", "") == "kill" ? "kill" : "exit";
     }
@@ -18,7 +21,7 @@ TraceEvent effectOf(const TraceEvent& event) {
 }
 
 bool isEffect(const TraceEvent& event) {
-    return event.contains("out") || (event.contains("in") && event["in"] == "end");
+    return event.contains("out") || event.contains("expect") || (event.contains("in") && event["in"] == "end");
 }
 
 std::map<std::string, Channel> channelsOf(const Recording& recording, const std::vector<ReplayedEffect>& happened) {

@@ -16,10 +16,11 @@ struct Channel {
     std::vector<ReplayedEffect> happened;
 };
 
-/// What the event is as an effect: the ends of the service are compared by whether they were sudden.
+/// What the event is as an effect: the ends of the service are compared by whether they were sudden, and a check of
+/// which no findings are told is to find nothing.
 TraceEvent effectOf(const TraceEvent& event);
 
-/// Whether the event is an effect, or ends the service.
+/// Whether the event is an effect, ends the service, or states what is expected of the watch.
 bool isEffect(const TraceEvent& event);
 
 /// All effects by channel.

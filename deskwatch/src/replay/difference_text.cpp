@@ -19,7 +19,7 @@ std::string numbered(const RecordedEvent& event) {
 
 /// That an application came up is not what the service acts upon.
 bool isCause(const TraceEvent& event) {
-    return !event.contains("out") && event.value("in", "") != "start";
+    return !event.contains("out") && !event.contains("expect") && event.value("in", "") != "start";
 }
 
 std::string side(const char* name, const std::optional<TraceEvent>& event) {

@@ -41,6 +41,7 @@ const std::vector<EventForm>& forms() {
         {"out", "message", {{"to", Type::Text}, {"port", Type::Text}, {"entries", Type::Texts}}},
         {"around", "event", {{"type", Type::SystemEvent}}},
         {"around", "fault", {{"function", Type::Text}, {"code", Type::NumberOrNull}, {"nth", Type::Number}}},
+        {"expect", "check", {{"findings", Type::List, true}}},
         {"around", "call", {{"method", Type::Text}, {"value", Type::Number, true}}},
     };
     return all;
@@ -130,12 +131,12 @@ void requireMembers(const TraceEvent& object, const std::vector<Member>& members
 }
 
 const char* directionOf(const TraceEvent& event) {
-    for (const char* direction : {"in", "out", "around"}) {
+    for (const char* direction : {"in", "out", "around", "expect"}) {
         if (event.is_object() && event.contains(direction)) {
             return direction;
         }
     }
-    throw FormError("", R"(it has neither "in" nor "out" nor "around")");
+    throw FormError("", R"(it has neither "in" nor "out" nor "around" nor "expect")");
 }
 
 void requireSettings(const TraceEvent& settings) {

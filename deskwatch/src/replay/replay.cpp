@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "check/evidence.h"
+#include "check/findings.h"
 #include "replay/channels.h"
 #include "replay/surroundings.h"
+#include "session/observer.h"
 #include "watch_clock.h"
 
 namespace deskwatch {
@@ -46,6 +49,12 @@ ReplayOutcome compare(const Recording& recording, std::vector<ReplayedEffect> ha
     return outcome;
 }
 
+/// What the watch lacks now, as the expectation of a recording states it.
+TraceEvent checked(const Device& device) {
+    const auto findings = findingsOf(readEvidence(DeviceSession(device, observerId)));
+    return {{"expect", "check"}, {"findings", TraceEvent::parse(findingsJson(findings))["findings"]}};
+}
+
 } // namespace
 
 ReplayOutcome replay(const Device& device, const std::vector<Application>& applications, const Recording& recording) {
@@ -63,7 +72,10 @@ ReplayOutcome replay(const Device& device, const std::vector<Application>& appli
         isPending = false;
     };
     for (const auto& [event, line, text] : recording.events) {
-        if (!event.contains("out")) {
+        if (event.contains("expect")) {
+            collect();
+            happened.push_back({checked(device), line});
+        } else if (!event.contains("out")) {
             surroundings.act(event);
             cause = line;
             isPending = true;
