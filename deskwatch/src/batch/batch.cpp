@@ -1,0 +1,264 @@
+#include "batch/batch.h"
+
+#include <glib-unix.h>
+#include <sys/prctl.h>
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <memory>
+#include <set>
+#include <stdexcept>
+#include <system_error>
+
+#include "c_owners.h"
+#include "device/device.h"
+
+namespace deskwatch {
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+/// A folder of temporary files that goes with this object.
+class OwnFolder {
+public:
+    OwnFolder() : path_((fs::temp_directory_path() / "deskwatch-XXXXXX").string()) {
+        if (mkdtemp(path_.data()) == nullptr) {
+            throw std::system_error(errno, std::generic_category(), "cannot make a folder " + path_);
+        }
+    }
+    ~OwnFolder() {
+        std::error_code ignored;
+        fs::remove_all(path_, ignored);
+    }
+    OwnFolder(const OwnFolder&) = delete;
+    OwnFolder& operator=(const OwnFolder&) = delete;
+
+    fs::path path() const { return path_; }
+
+private:
+    std::string path_;
+};
+
+std::string bytesOf(GBytes* bytes) {
+    gsize size = 0;
+    const auto* data = bytes != nullptr ? static_cast<const char*>(g_bytes_get_data(bytes, &size)) : nullptr;
+    return data != nullptr ? std::string(data, size) : std::string();
+}
+
+/// Runs in the new process: it ends with this one, which cannot end it when it is killed.
+void endWithParent(gpointer /*data*/) {
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
+}
+
+/// What a killed process could not clean up.
+void removeLeftovers(const fs::path& folder) {
+    std::error_code ignored;
+    for (const auto& entry : fs::directory_iterator(folder, ignored)) {
+        while (Device(entry.path() / "watch").kill()) { // one may have started another meanwhile
+        }
+    }
+    fs::remove_all(folder, ignored);
+}
+
+/// Without what every message of the program begins with.
+std::string reasonIn(const std::string& errors) {
+    const std::string begin = "deskwatch: replay: ";
+    const auto text = errors.compare(0, begin.size(), begin) == 0 ? errors.substr(begin.size()) : errors;
+    return text.substr(0, text.find_last_not_of('\n') + 1);
+}
+
+/// One recording and its process.
+class Worker {
+public:
+    using Ended = std::function<void(Worker& worker, BatchResult result)>;
+
+    Worker(std::string file, const BatchOptions& options, fs::path folder, Ended ended)
+        : limit_(options.limit), folder_(std::move(folder)), ended_(std::move(ended)), result_{std::move(file), 0, ""} {
+        fs::create_directory(folder_);
+        std::vector<const char*> arguments;
+        for (const auto& word : options.command) {
+            arguments.push_back(word.c_str());
+        }
+        arguments.insert(arguments.end(), {"--", result_.file.c_str(), nullptr});
+        const c::ObjectOwner<GSubprocessLauncher> launcher(g_subprocess_launcher_new(
+            static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDOUT_SILENCE | G_SUBPROCESS_FLAGS_STDERR_PIPE)));
+        g_subprocess_launcher_setenv(launcher.get(), "TMPDIR", folder_.c_str(), TRUE);
+        g_subprocess_launcher_set_child_setup(launcher.get(), endWithParent, nullptr, nullptr);
+        GError* error = nullptr;
+        process_.reset(g_subprocess_launcher_spawnv(launcher.get(), arguments.data(), &error));
+        if (process_ == nullptr) {
+            throw std::runtime_error("cannot start " + options.command.front() + ": " + c::takeMessage(error));
+        }
+        g_subprocess_communicate_async(process_.get(), nullptr, nullptr, onOutput, this);
+        timer_ = g_timeout_add_seconds(static_cast<guint>(limit_.count()), onLate, this);
+    }
+
+    ~Worker() { g_source_remove(timer_); }
+    Worker(const Worker&) = delete;
+    Worker& operator=(const Worker&) = delete;
+
+    void end() { g_subprocess_send_signal(process_.get(), SIGTERM); }
+
+private:
+    static gboolean onLate(gpointer self) {
+        constexpr guint secondsToCleanUp = 30;
+        auto& worker = *static_cast<Worker*>(self);
+        worker.isLate_ ? g_subprocess_force_exit(worker.process_.get()) : worker.end();
+        worker.isLate_ = true;
+        worker.timer_ = g_timeout_add_seconds(secondsToCleanUp, onLate, self);
+        return G_SOURCE_REMOVE;
+    }
+
+    static void onOutput(GObject* /*process*/, GAsyncResult* outcome, gpointer self) {
+        auto& worker = *static_cast<Worker*>(self);
+        GBytes* errors = nullptr;
+        g_subprocess_communicate_finish(worker.process_.get(), outcome, nullptr, &errors, nullptr);
+        worker.result_.failure = bytesOf(errors);
+        g_clear_pointer(&errors, g_bytes_unref);
+        g_subprocess_wait_async(worker.process_.get(), nullptr, onEnd, self);
+    }
+
+    static void onEnd(GObject* /*process*/, GAsyncResult* outcome, gpointer self) {
+        auto& worker = *static_cast<Worker*>(self);
+        g_subprocess_wait_finish(worker.process_.get(), outcome, nullptr);
+        worker.finish();
+    }
+
+    void finish() {
+        const bool hasExited = g_subprocess_get_if_exited(process_.get()) != FALSE;
+        const int status = hasExited ? g_subprocess_get_exit_status(process_.get()) : -1;
+        const auto reason = reasonIn(result_.failure);
+        result_.seconds = std::chrono::duration<double>(Clock::now() - start_).count();
+        if (isLate_) {
+            result_.failure = "took longer than " + std::to_string(limit_.count()) + " s";
+        } else if (!hasExited) {
+            result_.failure = "its process was ended by signal " +
+                              std::to_string(g_subprocess_get_term_sig(process_.get())) + "\n" + reason;
+        } else {
+            result_.failure = status == 0       ? ""
+                              : !reason.empty() ? reason
+                                                : "its process failed with " + std::to_string(status);
+        }
+        removeLeftovers(folder_);
+        ended_(*this, std::move(result_));
+    }
+
+    Clock::time_point start_ = Clock::now();
+    std::chrono::seconds limit_;
+    fs::path folder_;
+    Ended ended_;
+    BatchResult result_;
+    c::ObjectOwner<GSubprocess> process_;
+    guint timer_ = 0;
+    bool isLate_ = false;
+};
+
+/// Keeps as many workers going as there may be.
+class Batch {
+public:
+    Batch(const std::vector<std::string>& files, const BatchOptions& options,
+          std::function<void(const BatchResult& result)> tell)
+        : files_(files), options_(options), tell_(std::move(tell)) {
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+            sources_.push_back(g_unix_signal_add(signal,
+                                                 signal == SIGINT    ? onSignal<SIGINT>
+                                                 : signal == SIGTERM ? onSignal<SIGTERM>
+                                                                     : onSignal<SIGHUP>,
+                                                 this));
+        }
+    }
+
+    ~Batch() { std::for_each(sources_.begin(), sources_.end(), g_source_remove); }
+    Batch(const Batch&) = delete;
+    Batch& operator=(const Batch&) = delete;
+
+    std::vector<BatchResult> run() {
+        {
+            const OwnFolder folder;
+            folder_ = folder.path();
+            refill();
+            while (!workers_.empty() || !ended_.empty()) {
+                g_main_context_iteration(nullptr, TRUE);
+                ended_.clear();
+                refill();
+            }
+        }
+        if (signal_ != 0) {
+            std::signal(signal_, SIG_DFL);
+            std::raise(signal_);
+        }
+        return std::move(results_);
+    }
+
+private:
+    template <int signal>
+    static gboolean onSignal(gpointer self) {
+        auto& batch = *static_cast<Batch*>(self);
+        batch.signal_ = signal;
+        for (const auto& worker : batch.workers_) {
+            worker->end();
+        }
+        return G_SOURCE_CONTINUE;
+    }
+
+    void refill() {
+        while (signal_ == 0 && next_ < files_.size() && workers_.size() < static_cast<std::size_t>(options_.jobs)) {
+            const auto& file = files_[next_++];
+            workers_.push_back(std::make_unique<Worker>(
+                file, options_, folder_ / std::to_string(next_),
+                [this](Worker& worker, BatchResult result) { take(worker, std::move(result)); }));
+        }
+    }
+
+    void take(Worker& worker, BatchResult result) {
+        if (signal_ == 0) {
+            tell_(result);
+            results_.push_back(std::move(result));
+        }
+        const auto place =
+            std::find_if(workers_.begin(), workers_.end(), [&](const auto& entry) { return entry.get() == &worker; });
+        ended_.push_back(std::move(*place)); // it calls this, so it goes later
+        workers_.erase(place);
+    }
+
+    const std::vector<std::string>& files_;
+    const BatchOptions& options_;
+    std::function<void(const BatchResult& result)> tell_;
+    std::vector<guint> sources_;
+    fs::path folder_;
+    std::vector<std::unique_ptr<Worker>> workers_;
+    std::vector<std::unique_ptr<Worker>> ended_;
+    std::vector<BatchResult> results_;
+    std::size_t next_ = 0;
+    int signal_ = 0;
+};
+
+} // namespace
+
+std::vector<std::string> recordingsIn(const std::vector<std::string>& paths) {
+    std::set<std::string> files;
+    for (const auto& path : paths) {
+        if (!fs::is_directory(path)) {
+            if (!fs::exists(path)) {
+                throw std::runtime_error("there is no file or folder " + path);
+            }
+            files.insert(path);
+            continue;
+        }
+        for (const auto& entry : fs::recursive_directory_iterator(path)) {
+            if (entry.is_regular_file() && entry.path().extension() == ".jsonl") {
+                files.insert(entry.path().string());
+            }
+        }
+    }
+    return {files.begin(), files.end()};
+}
+
+std::vector<BatchResult> replayAll(const std::vector<std::string>& files, const BatchOptions& options,
+                                   const std::function<void(const BatchResult& result)>& tell) {
+    return Batch(files, options, tell).run();
+}
+
+} // namespace deskwatch
