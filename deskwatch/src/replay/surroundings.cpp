@@ -123,6 +123,7 @@ bool Surroundings::act(const TraceEvent& event) {
     } else if (kind == "message") {
         send(event);
     } else if (kind == "reply") {
+        settle(event["from"]); // the request has reached it
         return standIns_.answer(event["from"], event["extraData"]);
     } else if (kind == "key") {
         writeSettings({{event["key"], event["value"]}});
@@ -153,11 +154,6 @@ std::vector<TraceEvent> Surroundings::effects() {
         takeUpToNow(); // it may have ended suddenly, which is an effect
         if (!hasEnded(effects_)) {
             throw;
-        }
-    }
-    for (const auto* application : ids::companions) {
-        if (bus_.daemon().isOwned(application)) {
-            settle(application);
         }
     }
     takeUpToNow();
