@@ -51,6 +51,7 @@ public:
     explicit Lines(const RecordOptions& options) : options_(options) {
         if (options.file != standardInput) {
             file_.open(options.file, std::ios::trunc);
+            requireWritten(file_);
         }
     }
 
@@ -60,13 +61,17 @@ public:
                       .dump(-1, ' ', false, TraceEvent::error_handler_t::replace)
                << '\n'
                << std::flush;
+        requireWritten(stream);
+    }
+
+private:
+    void requireWritten(const std::ostream& stream) const {
         if (!stream) {
             throw std::runtime_error("cannot write " +
                                      (options_.file == standardInput ? "standard output" : options_.file));
         }
     }
 
-private:
     RecordOptions options_;
     Anonymiser anonymiser_;
     std::ofstream file_;
