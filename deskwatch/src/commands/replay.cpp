@@ -124,10 +124,11 @@ BatchReport replayShare(const ReplayOptions& options) {
 BatchReport mergeReports(const std::vector<std::string>& files) {
     constexpr std::size_t mostBytes = 1'000'000'000;
     std::vector<BatchReport> reports;
+    reports.reserve(files.size());
     for (const auto& file : files) {
         reports.push_back(parseBatchJson(readInput(file, mostBytes), inputName(file)));
     }
-    const auto all = merged(reports);
+    auto all = merged(reports);
     for (const auto& result : all.results) {
         std::cerr << (result.failure.empty() ? "" : failureLine(result) + "\n");
     }
