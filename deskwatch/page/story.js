@@ -20,7 +20,7 @@ class Story {
       el('div', { className: 'row' }, button('Back', () => this.go(this.step - 1)), button('Next', () => this.go(this.step + 1), { className: 'primary' }),
         button('Next effect', () => this.go(this.nextEffect())), button('Close the recording', () => this.close())), this.list);
     panel.append(el('section', { className: 'sheet' }, el('h2', {}, 'Record'),
-      el('p', { className: 'soft' }, 'A recording begins on a watch without accounts. deskwatch replay plays it on a fresh watch and compares every effect.'),
+      el('p', { className: 'soft' }, 'A recording begins with the watch as it is. deskwatch replay plays it on a fresh watch and compares every effect.'),
       el('div', { className: 'row' }, this.start, this.stop, this.save), this.say),
     el('section', { className: 'sheet' }, el('h2', {}, 'Look at a recording'), labelled('File', this.file)), this.player);
     this.state = {};
@@ -51,7 +51,7 @@ class Story {
     this.file.value = '';
     try {
       const [head, ...events] = (await file.text()).trim().split('\n').map((line) => JSON.parse(line));
-      if (head.recording !== 1) {
+      if (![1, 2].includes(head.recording)) {
         throw new Error('its first line is not the head of a recording');
       }
       this.head = head;

@@ -12,18 +12,33 @@ export function eventText(event) {
   if (event.key) {
     return `${event.in ? 'in ' : 'out'} ${event.key} = ${asText(event.value)}`;
   }
+  if (event.around || event.expect) {
+    return Object.values(event).map((value) => (typeof value === 'string' ? value : JSON.stringify(value))).join(' ');
+  }
   const content = event.entries?.req ?? event.extraData?.result ?? '';
   return `${event.in ? 'in ' : 'out'} ${what} ${other} ${content}`.trim();
 }
 
+/// The recorded settings by their paths. Format 1 has the keys alone, and by their names.
+function settingsOf(head) {
+  return head.settings ?? Object.fromEntries(Object.entries(head).map(([key, value]) => [`/vconf/${key}`, value]));
+}
+
+function setValue(state, path, value) {
+  if (path.startsWith('/vconf/')) {
+    state.keys[path.slice('/vconf/'.length)] = value;
+  } else if (settings[path]) {
+    state.settings[settings[path]] = Number(value) || 0;
+  }
+}
+
 export function stateAfter(head, events, apps, keys) {
   const state = { serviceRunning: head.serviceRunning, idleExit: null, accounts: [], settings: { quality: 0, minimum_length: 0 },
-    keys: { ...head, [keys.applied]: 0 }, launches: [] };
+    keys: { [keys.applied]: 0 }, launches: (head.waiting ?? []).map((application) => ({ application, waiting: true, extraData: {} })) };
+  Object.entries(settingsOf(head)).forEach(([path, value]) => setValue(state, path, value));
   for (const event of events) {
-    if (event.key?.startsWith('/vconf/')) {
-      state.keys[event.key.slice('/vconf/'.length)] = event.value;
-    } else if (settings[event.key]) {
-      state.settings[settings[event.key]] = Number(event.value) || 0;
+    if (event.key) {
+      setValue(state, event.key, event.value);
     } else if (event.out === 'launch') {
       state.launches.push({ application: event.to, waiting: event.replyWanted, extraData: event.extraData });
     } else if (event.in === 'reply') {
