@@ -83,7 +83,7 @@ DeviceSession::DeviceSession(const Device& device, const std::string& applicatio
 }
 
 std::vector<std::string> DeviceSession::settle(const std::string& id) const {
-    const auto ids = awaitSettled(id);
+    auto ids = awaitSettled(id);
     // The platform hears from the main loop that an application started anew, and reaches it only then.
     while (g_main_context_iteration(nullptr, FALSE) != FALSE) {
     }
