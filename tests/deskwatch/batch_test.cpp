@@ -57,8 +57,9 @@ protected:
     std::string recordings(int count) const {
         std::ifstream stream(std::string(SOURCE_FOLDER) + "/tests/recordings/exchange-story.jsonl");
         const std::string text(std::istreambuf_iterator<char>(stream), {});
+        const std::string before = R"(minimum-length","value":)";
         auto other = text;
-        other.replace(other.find("minimum-length\",\"value\":") + 24, 1, "99");
+        other.replace(other.find(before) + before.size(), 1, "99");
         const auto folder = write("mark", "").parent_path() / "recordings";
         fs::create_directories(folder / "inner");
         for (int number = 1; number <= count; ++number) {

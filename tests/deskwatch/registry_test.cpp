@@ -45,20 +45,21 @@ TEST(Registry, WatchBeforeARemovedOneIsTheNewest) {
 }
 
 TEST(Registry, WatchesThatAreAddedAtTheSameTimeAllStay) {
-    constexpr int threads = 4;
-    constexpr int each = 25;
+    constexpr std::size_t threads = 4;
+    constexpr std::size_t each = 25;
     const TemporaryFolder folder;
     const Registry registry(folder.path());
     std::vector<std::future<void>> adding;
-    for (int thread = 0; thread < threads; ++thread) {
+    adding.reserve(threads);
+    for (std::size_t thread = 0; thread < threads; ++thread) {
         adding.push_back(std::async(std::launch::async, [&registry, thread] {
-            for (int watch = 0; watch < each; ++watch) {
+            for (std::size_t watch = 0; watch < each; ++watch) {
                 registry.add("/tmp/" + std::to_string(thread * each + watch));
             }
         }));
     }
     adding.clear(); // waits
-    EXPECT_EQ(registry.folders().size(), std::size_t{threads * each});
+    EXPECT_EQ(registry.folders().size(), threads * each);
 }
 
 TEST(Registry, OfTheUserIsInTheStateFolder) {
