@@ -23,7 +23,7 @@ Evidence evidenceOf(const CommonOptions& common, const CheckOptions& options) {
 } // namespace
 
 void addCheckCommand(CLI::App& program, const CommonOptions& common) {
-    auto* command = program.add_subcommand("check", "Say in what the watch is weaker than its accounts want, and why");
+    auto* command = program.add_subcommand("check", "Say where the watch is weaker than its accounts want, and why");
     auto options = std::make_shared<CheckOptions>();
     command
         ->add_option("--copy", options->copy,

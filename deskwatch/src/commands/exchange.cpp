@@ -48,7 +48,7 @@ void serve(const ServeOptions& options) {
 }
 
 void addServeCommand(CLI::App& exchange) {
-    auto* command = exchange.add_subcommand("serve", "Be an Exchange ActiveSync server for the desk");
+    auto* command = exchange.add_subcommand("serve", "Run an Exchange ActiveSync server for the desk");
     auto options = std::make_shared<ServeOptions>();
     command
         ->add_option("POLICY", options->policies,

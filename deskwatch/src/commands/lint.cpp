@@ -32,7 +32,7 @@ void addLintCommand(CLI::App& program) {
     auto files = std::make_shared<std::vector<std::string>>();
     command->add_option("FILE", *files, "Message files; - is standard input")->required();
     command->footer(
-        "The service takes what it can of any message; this tells what it makes something else of. Needs no\n"
+        "The service takes what it can of any message; this reports what it would read differently. Needs no\n"
         "watch. Fails with 1 when there are remarks.\n"
         "Example:\n  deskwatch lint samples/hardened.json");
     command->callback([files] { lint(*files); });

@@ -36,8 +36,10 @@ void addTimelineCommand(CLI::App& program, const CommonOptions& common) {
                                      "Continue with what happens, until interrupted or the watch is switched off");
     command->add_flag("--new", options->isNew, "Leave out what happened before")->needs(follow);
     command->add_flag("--json", options->isJson, "One JSON object for each entry");
-    command->footer("What happened before is the log and what the mail application received; its times are not known.\n"
-                    "Example:\n  deskwatch timeline --follow");
+    command->footer(
+        "Of what happened before, only the log is known and what the mail application received. Start it with\n"
+        "--follow beforehand to see requests, effects, keys and launches.\n"
+        "Example:\n  deskwatch timeline --follow");
     command->callback([&common, options] { showTimeline(common, *options); });
 }
 
