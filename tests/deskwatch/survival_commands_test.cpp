@@ -88,7 +88,8 @@ TEST_F(SurvivalCommands, LogThatNeverEndsHoldsNobodyUp) {
 
 /// Whether a process can be in a name space of its own here, in which the limits are its own.
 bool canLimitNotifiers() {
-    return std::system("unshare --user --map-root-user true 2>/dev/null") == 0;
+    return std::system("unshare --user --map-root-user "
+                       "sh -c 'echo 0 >/proc/sys/user/max_inotify_instances' 2>/dev/null") == 0;
 }
 
 TEST_F(SurvivalCommands, FollowersDoWithoutANotifierOfTheSystem) {
