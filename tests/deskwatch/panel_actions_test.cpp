@@ -67,8 +67,7 @@ INSTANTIATE_TEST_SUITE_P(
     Refused, BadPanelActions,
     testing::Values(
         ActionRow{"[]", R"(an action is an object, {"action": NAME, ...})"},
-        ActionRow{"{}", R"(the action lacks "action")"},
-        ActionRow{R"({"action":"format"})", "there is no action format"},
+        ActionRow{"{}", R"(the action lacks "action")"}, ActionRow{R"({"action":"format"})", "format is not an action"},
         ActionRow{R"({"action":"popup","answer":"--help"})", R"("answer" must be one of ok, sync-off, dismiss)"},
         ActionRow{R"({"action":"delete","account":"2"})", R"("account" must be a whole number)"},
         ActionRow{R"({"action":"refresh","account":2,"password":"a\nb"})", R"("password" must be a line of text)"},

@@ -187,7 +187,7 @@ TEST_F(PanelCommand, ActionIsDoneByTheCommandThatItNames) {
     EXPECT_EQ(refused["status"], 3);
     EXPECT_EQ(refused["errors"], "deskwatch: lock: 2 characters are not enough: at least 4 are demanded\n");
     EXPECT_NE(bodyOf(act("[1,")).find("the body is not valid JSON: "), std::string::npos);
-    EXPECT_EQ(bodyOf(act(R"({"action":"fly"})")), "there is no action fly");
+    EXPECT_EQ(bodyOf(act(R"({"action":"fly"})")), "fly is not an action");
 }
 
 TEST_F(PanelCommand, FifthStreamParksTheOldest) {

@@ -213,7 +213,7 @@ TEST(NoticeText, SaysWhatTheServerMeans) {
     EXPECT_EQ(noticeText("p", {Kind::Status, "140", 3}),
               "p:3: the server answers with Status 140, the server orders a wipe");
     EXPECT_EQ(noticeText("p", {Kind::PolicyStatus, "2", 0}),
-              "p: the server answers with Status of the policy 2, there is no policy for this user");
+              "p: the server answers with Status of the policy 2, the server has no policy for this user");
     EXPECT_EQ(noticeText("p", {Kind::Status, "x", 1}), "p:1: the Status is \"x\", which is not a number");
     EXPECT_EQ(noticeText("p", {Kind::AccountWipe, "", 1}).find("p:1: the server orders to remove the account"), 0U);
 }

@@ -242,7 +242,7 @@ std::vector<std::string> recordingsIn(const std::vector<std::string>& paths) {
     for (const auto& path : paths) {
         if (!fs::is_directory(path)) {
             if (!fs::exists(path)) {
-                throw std::runtime_error("there is no file or folder " + path);
+                throw std::runtime_error(path + " does not exist");
             }
             files.insert(path);
             continue;

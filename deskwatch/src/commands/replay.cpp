@@ -110,7 +110,7 @@ BatchReport replayShare(const ReplayOptions& options) {
     const auto files = recordingsIn(options.files);
     report.total = files.size();
     if (files.empty()) {
-        throw std::runtime_error("there is no recording (*.jsonl) in " + options.files.front());
+        throw std::runtime_error(options.files.front() + " holds no recording (*.jsonl)");
     }
     const auto times = options.times.empty() ? ReplayTimes{} : readTimes(options.times);
     const auto share = shareOf(report.shard, files, times);

@@ -3,17 +3,11 @@
 #include <stdexcept>
 #include <utility>
 
+#include "device/bus_connection.h"
+
 namespace deskwatch {
 
-BusClient::BusClient(const std::string& address) {
-    GError* error = nullptr;
-    const auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                                         G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    connection_.reset(g_dbus_connection_new_for_address_sync(address.c_str(), flags, nullptr, nullptr, &error));
-    if (connection_ == nullptr) {
-        throw std::runtime_error("cannot reach the bus at " + address + ": " + c::takeMessage(error));
-    }
-}
+BusClient::BusClient(const std::string& address) : connection_(connectToBus(address)) {}
 
 void BusClient::whenClosed(std::function<void()> callback) {
     closed_ = std::move(callback);

@@ -218,7 +218,7 @@ std::vector<CommandLine> commandsOf(const nlohmann::json& request) {
     const auto name = textOf(request, "action");
     const auto action = actions().find(name);
     if (action == actions().end()) {
-        throw BadAction("there is no action " + name);
+        throw BadAction(name + " is not an action");
     }
     return action->second(request);
 }

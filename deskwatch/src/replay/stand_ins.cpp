@@ -10,6 +10,7 @@
 
 #include "c_owners.h"
 #include "device/application_ids.h"
+#include "device/bus_connection.h"
 #include "device/bus_daemon.h"
 #include "host_bus.h"
 #include "recording/recorded_text.h"
@@ -22,18 +23,6 @@ constexpr int busTimeout = 30'000;
 
 /// The bus name that says that the mail application has its port open (tesk-host.xml).
 const std::string mailPort = std::string(ids::mail) + ".port_eas_2ditpolicy_2dport";
-
-c::ObjectOwner<GDBusConnection> connectTo(const std::string& address) {
-    GError* error = nullptr;
-    const auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                                         G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    c::ObjectOwner<GDBusConnection> connection(
-        g_dbus_connection_new_for_address_sync(address.c_str(), flags, nullptr, nullptr, &error));
-    if (connection == nullptr) {
-        throw std::runtime_error("cannot reach the bus at " + address + ": " + c::takeMessage(error));
-    }
-    return connection;
-}
 
 } // namespace
 
@@ -71,7 +60,7 @@ private:
 class StandIns::Application {
 public:
     Application(const std::string& address, std::string id)
-        : id_(std::move(id)), connection_(connectTo(address)), launches_(tesk_host_application_skeleton_new()),
+        : id_(std::move(id)), connection_(connectToBus(address)), launches_(tesk_host_application_skeleton_new()),
           messages_(tesk_host_message_port_skeleton_new()) {
         g_signal_connect(launches_.get(), "handle-launch", G_CALLBACK(onLaunch), this);
         g_signal_connect(launches_.get(), "handle-settle", G_CALLBACK(onSettle), this);
