@@ -2,18 +2,22 @@
 // the work alone.
 #include <exception>
 #include <iostream>
+#include <map>
 
 #include "workload.h"
 
 int main(int argc, char** argv) {
     constexpr int wantedArguments = 5;
     if (argc != wantedArguments) {
-        std::cerr << "usage: bench-count service|limit update|merge|decide ACCOUNTS ROUNDS\n";
+        std::cerr << "usage: bench-count service|limit|compiled update|merge|decide ACCOUNTS ROUNDS\n";
         return 2;
     }
     try {
-        const auto make = std::string(argv[1]) == "service" ? bench::makeServiceWorkload : bench::makeLimitWorkload;
-        const auto workload = make(argv[2], std::stoi(argv[3]));
+        const std::map<std::string, decltype(&bench::makeLimitWorkload)> sides{
+            {"service", bench::makeServiceWorkload},
+            {"limit", bench::makeLimitWorkload},
+            {"compiled", bench::makeCompiledWorkload}};
+        const auto workload = sides.at(argv[1])(argv[2], std::stoi(argv[3]));
         for (int round = std::stoi(argv[4]); round > 0; --round) {
             workload->run();
         }

@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr char selectAllSql[] = "select * from eas_policy_tbl;";
+
 struct ParserReleaser {
     void operator()(JsonParser* parser) const { g_object_unref(parser); }
 };
@@ -58,17 +60,22 @@ class Update : public LimitWorkload {
 public:
     explicit Update(int accounts) : LimitWorkload(accounts) {}
 
-    void run() override {
+    void run() final {
         const std::unique_ptr<JsonParser, ParserReleaser> parser(json_parser_new());
         json_parser_load_from_data(parser.get(), message_.c_str(), -1, nullptr);
         JsonObject* const root = json_node_get_object(json_parser_get_root(parser.get()));
         JsonObject* const account = json_array_get_object_element(json_object_get_array_member(root, "param"), 0);
-        write(account, json_object_get_object_member(account, "policySet"));
+        store(account, json_object_get_object_member(account, "policySet"));
     }
 
-private:
-    void write(JsonObject* account, JsonObject* policySet) {
-        sqlite3_stmt* const statement = statement_.get();
+protected:
+    virtual void store(JsonObject* account, JsonObject* policySet) {
+        bind(statement_.get(), account, policySet);
+        bench::run(statement_);
+    }
+
+    /// Binds the columns; returns the next free parameter.
+    static int bind(sqlite3_stmt* statement, JsonObject* account, JsonObject* policySet) {
         int parameter = 1;
         sqlite3_bind_int64(statement, parameter++, json_object_get_int_member(account, "accountId"));
         for (const char* member : members) {
@@ -79,9 +86,10 @@ private:
         const char* const name = json_object_get_string_member(account, "accountName");
         sqlite3_bind_text(statement, parameter++, name, -1, SQLITE_STATIC);
         sqlite3_bind_text(statement, parameter++, name, -1, SQLITE_STATIC);
-        bench::run(statement_);
+        return parameter;
     }
 
+private:
     std::string message_ = bench::updateMessage();
     bench::Statement statement_ = bench::prepare(database(), upsertSql());
 
@@ -103,7 +111,59 @@ public:
     }
 
 private:
-    bench::Statement statement_ = bench::prepare(database(), "select * from eas_policy_tbl;");
+    bench::Statement statement_ = bench::prepare(database(), selectAllSql);
+};
+
+/// Reads every value of every row, with a statement that is compiled for it.
+void readAll(const bench::Database& database) {
+    TeskPolicyData data;
+    const bench::Statement statement = bench::prepare(database, selectAllSql);
+    while (sqlite3_step(statement.get()) == SQLITE_ROW) {
+        int column = 0;
+        for (const auto& number : TeskPolicyTable::numbers) {
+            data.*number.field = sqlite3_column_int(statement.get(), column++);
+        }
+        for (const auto& text : TeskPolicyTable::texts) {
+            data.*text.field = reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), column++));
+        }
+    }
+}
+
+/// The update with the three statements that the store's operations compile for it: is the account there, overwrite its
+/// row, read all rows.
+class CompiledUpdate : public Update {
+public:
+    explicit CompiledUpdate(int accounts) : Update(accounts) {}
+
+protected:
+    void store(JsonObject* account, JsonObject* policySet) override {
+        find(json_object_get_int_member(account, "accountId"));
+        overwrite(account, policySet);
+        readAll(database());
+    }
+
+private:
+    void find(gint64 accountId) const {
+        const bench::Statement statement =
+            bench::prepare(database(), "select * from eas_policy_tbl where account_id=?;");
+        sqlite3_bind_int64(statement.get(), 1, accountId);
+        if (sqlite3_step(statement.get()) != SQLITE_ROW) {
+            throw std::runtime_error("bench: the account is not stored");
+        }
+    }
+
+    void overwrite(JsonObject* account, JsonObject* policySet) const {
+        const bench::Statement statement = bench::prepare(database(), TeskPolicyTable::updateSql());
+        const int rowParameter = bind(statement.get(), account, policySet);
+        sqlite3_bind_int64(statement.get(), rowParameter, json_object_get_int_member(account, "accountId"));
+        bench::run(statement);
+    }
+};
+
+class CompiledMerge : public LimitWorkload {
+public:
+    explicit CompiledMerge(int accounts) : LimitWorkload(accounts) {}
+    void run() override { readAll(database()); }
 };
 
 /// Compares the numbers that decide.
@@ -139,4 +199,14 @@ std::unique_ptr<bench::Workload> bench::makeLimitWorkload(const std::string& nam
         return std::make_unique<Decide>();
     }
     throw std::runtime_error("bench: no such work: " + name);
+}
+
+std::unique_ptr<bench::Workload> bench::makeCompiledWorkload(const std::string& name, int accounts) {
+    if (name == "update") {
+        return std::make_unique<CompiledUpdate>(accounts);
+    }
+    if (name == "merge") {
+        return std::make_unique<CompiledMerge>(accounts);
+    }
+    throw std::runtime_error("bench: no such work with compiled statements: " + name);
 }

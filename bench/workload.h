@@ -26,6 +26,10 @@ std::unique_ptr<Workload> makeServiceWorkload(const std::string& name, int accou
 /// numbers.
 std::unique_ptr<Workload> makeLimitWorkload(const std::string& name, int accounts);
 
+/// The least that "update" and "merge" need with the store's operations as they are: each compiles its statement, uses
+/// it once and finalizes it, and reads every column.
+std::unique_ptr<Workload> makeCompiledWorkload(const std::string& name, int accounts);
+
 /// The text of a policy update with one account.
 std::string updateMessage();
 

@@ -171,9 +171,7 @@ int TeskConsumerDbMgr::getPolicyDataList(TeskPolicyDataList& out) {
         return TESK_DB_NO_ROW;
     }
     for (; result == SQLITE_ROW; result = __readRow(statement)) {
-        const auto data = std::make_shared<TeskPolicyData>();
-        __readPolicy(statement, *data);
-        out.push_back(data);
+        __readPolicy(statement, *out.emplace_back(std::make_shared<TeskPolicyData>()));
     }
     return 0;
 }
@@ -253,9 +251,11 @@ bool TeskConsumerDbMgr::__openNewFile(const std::string& path, const TeskConsume
 }
 
 bool TeskConsumerDbMgr::__openFile(const std::string& path, const TeskConsumerPlace& place) {
-    // Nobody reads SQLite's statistics of its memory, and keeping them takes a lock at every allocation. Where a
-    // library of the platform was first to use SQLite, the statistics stay, and nothing else is different.
+    // Nobody reads SQLite's statistics of its memory, and keeping them takes a lock at every allocation. Another lock
+    // goes with each value that is read, for connections that several threads share; nobody shares one unless he asks
+    // for that lock when he opens it. Where a library of the platform was first to use SQLite, both stay as they were.
     sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+    sqlite3_config(SQLITE_CONFIG_MULTITHREAD);
     sqlite3* opened = nullptr;
     int result = sqlite3_open(path.c_str(), &opened);
     if (result != SQLITE_OK) {
@@ -379,7 +379,7 @@ void TeskConsumerDbMgr::__readPolicy(const Statement& statement, TeskPolicyData&
     for (const auto& text : TeskPolicyTable::texts) {
         // a foreign hand may have left NULL in the column
         const auto* const value = reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), column++));
-        data.*text.field = value != nullptr ? value : "";
+        data.*text.field = std::string(value != nullptr ? value : "");
     }
 }
 

@@ -20,12 +20,12 @@ bool takesAccountValue(TeskMergeRule rule, std::int32_t start, std::int32_t merg
     return false;
 }
 
-void mergeInto(TeskPolicyData& strong, const TeskPolicyData& account) {
-    static const TeskPolicyData start;
-    for (const auto& number : TeskPolicyTable::numbers) {
-        auto& merged = strong.*number.field;
-        merged = TeskPolicyMerge::mergedValue(number.rule, start.*number.field, merged, account.*number.field);
+std::int32_t mergedValueOf(const TeskPolicyNumber& number, std::int32_t start, const TeskPolicyDataList& accounts) {
+    std::int32_t merged = start;
+    for (const auto& account : accounts) {
+        merged = TeskPolicyMerge::mergedValue(number.rule, start, merged, (*account).*number.field);
     }
+    return merged;
 }
 
 } // namespace
@@ -37,8 +37,11 @@ std::int32_t TeskPolicyMerge::mergedValue(TeskMergeRule rule, std::int32_t start
 
 TeskPolicyData TeskPolicyMerge::strongest(const TeskPolicyDataList& accounts) {
     TeskPolicyData strong;
-    for (const auto& account : accounts) {
-        mergeInto(strong, *account);
+    for (const auto& number : TeskPolicyTable::numbers) {
+        if (number.rule != TeskMergeRule::NotMerged) {
+            auto& value = strong.*number.field;
+            value = mergedValueOf(number, value, accounts);
+        }
     }
     return strong;
 }
