@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "records/log_line.h"
+
 namespace deskwatch {
 namespace {
 
@@ -10,38 +12,44 @@ using std::chrono::seconds;
 constexpr pid_t serviceProcess = 7;
 
 std::string line(const std::string& process, const std::string& text) {
-    return "W/TESK_CONSUMER(" + process + "): TeskConsumerKiller.cpp: f(66) >  " + text + "\n";
+    return "2026-11-22T09:41:20.123Z W/TESK_CONSUMER(" + process + "): TeskConsumerKiller.cpp: f(66) >  " + text + "\n";
 }
 
 const std::string decided = line("    7", "REFRESH killer!");
 const std::string left = line("    7", "Leave");
+const auto decision = *logLine(decided).time;
 
 TEST(IdleExit, ServiceThatDecidedNothingGoesOn) {
-    EXPECT_EQ(idleExitOf("", serviceProcess, seconds(0)), std::nullopt);
-    EXPECT_EQ(idleExitOf(left, serviceProcess, seconds(0)), std::nullopt);
+    EXPECT_EQ(idleExitOf("", serviceProcess, decision), std::nullopt);
+    EXPECT_EQ(idleExitOf(left, serviceProcess, decision), std::nullopt);
 }
 
-TEST(IdleExit, TimeIsKnownWhenTheDecisionIsTheLastThatHappened) {
-    EXPECT_EQ(idleExitOf(decided, serviceProcess, seconds(0)), (IdleExit{seconds(10), true}));
-    EXPECT_EQ(idleExitOf(decided + left + left, serviceProcess, seconds(4)), (IdleExit{seconds(6), true}));
-    EXPECT_EQ(idleExitOf(decided, serviceProcess, seconds(11)), (IdleExit{seconds(0), true}));
+TEST(IdleExit, TimeIsCountedFromTheDecision) {
+    EXPECT_EQ(idleExitOf(decided, serviceProcess, decision), (IdleExit{seconds(10), true}));
+    EXPECT_EQ(idleExitOf(decided + left, serviceProcess, decision + seconds(4)), (IdleExit{seconds(6), true}));
+    EXPECT_EQ(idleExitOf(decided, serviceProcess, decision + seconds(11)), (IdleExit{seconds(0), true}));
 }
 
-TEST(IdleExit, TimeIsNotKnownWhenSomethingWasWrittenSince) {
-    EXPECT_EQ(idleExitOf(decided + line("    7", "Enter"), serviceProcess, seconds(4)), (IdleExit{seconds(10), false}));
-    EXPECT_EQ(idleExitOf(decided + "dbus-daemon: something\n", serviceProcess, seconds(4)),
-              (IdleExit{seconds(10), false}));
+TEST(IdleExit, TimeIsNotKnownWhenTheClockWasSet) {
+    for (const auto jump : {seconds(-2), seconds(-86'400), seconds(13), seconds(86'400)}) {
+        EXPECT_EQ(idleExitOf(decided, serviceProcess, decision + jump), (IdleExit{seconds(10), false}));
+    }
+}
+
+TEST(IdleExit, TimeIsNotKnownWhenTheLogHasNoTimes) {
+    const auto untimed = decided.substr(decided.find("W/"));
+    EXPECT_EQ(idleExitOf(untimed, serviceProcess, decision), (IdleExit{seconds(10), false}));
 }
 
 TEST(IdleExit, LaterDecisionCounts) {
     const std::string stopped = line("    7", "STOP killer!");
-    EXPECT_EQ(idleExitOf(decided + stopped, serviceProcess, seconds(0)), std::nullopt);
-    EXPECT_EQ(idleExitOf(stopped + decided, serviceProcess, seconds(0)), (IdleExit{seconds(10), true}));
+    EXPECT_EQ(idleExitOf(decided + stopped, serviceProcess, decision), std::nullopt);
+    EXPECT_EQ(idleExitOf(stopped + decided, serviceProcess, decision), (IdleExit{seconds(10), true}));
 }
 
 TEST(IdleExit, DecisionOfAnEarlierProcessIsNoneOfThisOne) {
-    EXPECT_EQ(idleExitOf(line("    8", "REFRESH killer!"), serviceProcess, seconds(0)), std::nullopt);
-    EXPECT_EQ(idleExitOf(line("   77", "REFRESH killer!"), serviceProcess, seconds(0)), std::nullopt);
+    EXPECT_EQ(idleExitOf(line("    8", "REFRESH killer!"), serviceProcess, decision), std::nullopt);
+    EXPECT_EQ(idleExitOf(line("   77", "REFRESH killer!"), serviceProcess, decision), std::nullopt);
 }
 
 } // namespace

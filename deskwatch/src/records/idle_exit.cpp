@@ -5,11 +5,18 @@
 #include <cstdio>
 #include <string>
 
+#include "records/log_line.h"
+
 namespace deskwatch {
 namespace {
 
+using namespace std::chrono;
+
 /// The service's own delay.
-constexpr std::chrono::seconds delay{10};
+constexpr seconds delay{10};
+
+/// By how much a busy service is late.
+constexpr seconds grace{2};
 
 /// What the platform's log writes after the tag.
 std::string processMark(pid_t process) {
@@ -31,11 +38,17 @@ std::string_view takeLastLine(std::string_view& text) {
     return line;
 }
 
+/// Somebody may have set the clock since the decision: then its age says nothing.
+IdleExit exitAfter(const std::optional<system_clock::time_point>& decision, system_clock::time_point now) {
+    const auto age = decision ? duration_cast<seconds>(now - *decision) : seconds(-1);
+    const bool isCredible = age >= seconds(0) && age <= delay + grace;
+    return isCredible ? IdleExit{std::max(delay - age, seconds(0)), true} : IdleExit{delay, false};
+}
+
 } // namespace
 
-std::optional<IdleExit> idleExitOf(std::string_view log, pid_t service, std::chrono::seconds age) {
+std::optional<IdleExit> idleExitOf(std::string_view log, pid_t service, system_clock::time_point now) {
     const std::string mark = processMark(service);
-    bool isLast = true;
     while (!log.empty()) {
         const auto line = takeLastLine(log);
         const bool isService = contains(line, mark);
@@ -43,9 +56,8 @@ std::optional<IdleExit> idleExitOf(std::string_view log, pid_t service, std::chr
             return std::nullopt;
         }
         if (isService && contains(line, "REFRESH killer!")) {
-            return isLast ? IdleExit{std::max(delay - age, std::chrono::seconds(0)), true} : IdleExit{delay, false};
+            return exitAfter(logLine(line).time, now);
         }
-        isLast = isLast && isService && contains(line, ">  Leave"); // the ends of the functions that decided it
     }
     return std::nullopt;
 }

@@ -105,14 +105,8 @@ std::vector<ReceivedMessage> readMessages(const DeviceSession& session) {
 
 std::optional<IdleExit> readIdleExit(const DeviceSession& session) {
     const auto process = session.daemon().processOf(ids::service);
-    const auto log = session.device().layout().log();
-    std::error_code error;
-    const auto changed = std::filesystem::last_write_time(log, error);
-    if (!process || error) {
-        return std::nullopt;
-    }
-    const auto age = std::filesystem::file_time_type::clock::now() - changed;
-    return idleExitOf(endOfLog(log), *process, std::chrono::duration_cast<std::chrono::seconds>(age));
+    return process ? idleExitOf(endOfLog(session.device().layout().log()), *process, std::chrono::system_clock::now())
+                   : std::nullopt;
 }
 
 StoredAccount mergedPolicy(const std::vector<StoredAccount>& accounts) {
