@@ -63,6 +63,24 @@ TEST(StatusOutput, TablesOfAFreshWatchSayThatThereIsNothing) {
     EXPECT_NE(text.find("Launch requests\n  none\n"), std::string::npos) << text;
 }
 
+TEST(StatusOutput, UsedLockScreenAndWipeAreTold) {
+    auto status = freshStatus();
+    EXPECT_EQ(statusTables(status).find("Lock screen"), std::string::npos);
+    status.settings[5] = 30; // expires
+    status.lockScreen = {2, 30, true};
+    status.wipes = 1;
+    const auto text = statusTables(status);
+    EXPECT_NE(
+        text.find("\nLock screen\n"
+                  "  the watch is locked\n"
+                  "  wrong password, attempt 2: no setting limits the attempts\n"
+                  "  the password is 30 days old: it has expired after 30 days, and the wearer has to set another\n"
+                  "\nLaunch requests\n"),
+        std::string::npos)
+        << text;
+    EXPECT_NE(text.find("\nIts internal storage was wiped since the boot."), std::string::npos) << text;
+}
+
 TEST(StatusOutput, JsonHoldsTheSame) {
     const auto json = nlohmann::json::parse(statusJson(fullStatus()));
     EXPECT_EQ(json, nlohmann::json::parse(R"({
@@ -73,6 +91,7 @@ TEST(StatusOutput, JsonHoldsTheSame) {
             "wifi_state": null, "messaging_state": null, "popimap_email_state": null,
             "internal_storage_encryption": null},
         "keys": {"db/a": "text", "db/b": null}, "enforcingAccount": 2, "wipes": 0,
+        "lockScreen": {"wrongAttempts": 0, "passwordAge": 0, "locked": false},
         "launches": [{"application": "com.example.popup", "caller": "com.example.agent", "waiting": true,
                       "extraData": {"OPERATION": "X"}}],
         "faults": [{"function": "vconf_get_int", "code": -1, "nth": 2}], "messages": []})"));

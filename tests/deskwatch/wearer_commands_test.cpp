@@ -149,11 +149,78 @@ TEST_F(WearerCommands, LockOfAFreshWatchIsTheWearersOwn) {
     EXPECT_FALSE(watch["serviceRunning"]) << "it need not run for this";
 }
 
+TEST_F(WearerCommands, WatchWipesItselfAfterTheLastWrongPassword) {
+    boot();
+    EXPECT_EQ(deskwatchProgram({"lock", "--wrong", "1"}).errors,
+              "deskwatch: lock: the watch has no lock; set one with: deskwatch lock pin\n");
+    run({"mail", "policy", sample("hardened.json")}); // 10 attempts
+    run({"lock", "password"});
+    const auto kept = device().layout().internalStorage() / "note";
+    std::ofstream(kept) << "of the wearer";
+    EXPECT_EQ(run({"lock", "--wrong", "9"}),
+              "wrong password, attempt 9 of 10: after the next one the watch wipes itself\n");
+    run({"off"});
+    boot();
+    EXPECT_EQ(status()["lockScreen"], Json::parse(R"({"wrongAttempts": 9, "passwordAge": 0, "locked": true})"));
+    ASSERT_TRUE(std::filesystem::exists(kept));
+
+    EXPECT_EQ(run({"lock", "--wrong", "5"}), "wrong password, attempt 10 of 10: the watch wipes itself\n");
+
+    EXPECT_FALSE(std::filesystem::exists(kept));
+    EXPECT_EQ(status()["wipes"], 1);
+    EXPECT_EQ(status()["lockScreen"]["wrongAttempts"], 0);
+}
+
+TEST_F(WearerCommands, RefusedWipeIsTold) {
+    boot({"--lock", "pin"});
+    run({"mail", "policy", sample("hardened.json")});
+    std::filesystem::remove(device().layout().internalStorage());
+    std::filesystem::create_symlink("/nowhere", device().layout().internalStorage());
+    const auto outcome = deskwatchProgram({"lock", "--wrong", "10"});
+    EXPECT_EQ(outcome.status, refused);
+    EXPECT_NE(outcome.errors.find("attempt 10 of 10: the watch wipes itself, but the platform refuses it with -1\n"),
+              std::string::npos)
+        << outcome.errors;
+    EXPECT_EQ(status()["lockScreen"]["wrongAttempts"], 10);
+}
+
+TEST_F(WearerCommands, WatchThatIsLeftAloneLocksItself) {
+    boot();
+    EXPECT_EQ(run({"lock", "--idle", "9000"}), "the watch stays unlocked: it has no lock\n");
+    run({"lock", "pin"});
+    EXPECT_EQ(run({"lock", "--idle", "9000"}), "the watch stays unlocked: no setting locks it\n");
+    run({"mail", "policy", sample("hardened.json")}); // 900 seconds
+    EXPECT_EQ(run({"lock", "--idle", "899"}), "the watch stays unlocked; it locks itself after 900 s without use\n");
+    EXPECT_EQ(run({"lock", "--idle", "900"}), "the watch is locked\n");
+    EXPECT_EQ(run({"lock", "--right"}), "the watch is unlocked\n");
+    EXPECT_EQ(status()["lockScreen"]["locked"], false);
+}
+
+TEST_F(WearerCommands, ExpiredPasswordOpensNothingUntilThereIsAnother) {
+    boot();
+    run({"mail", "policy", sample("hardened.json")}); // 365 days
+    run({"lock", "password"});
+    run({"lock", "--wrong", "1"});
+    const std::string expired =
+        "the password is 365 days old: it has expired after 365 days, and the wearer has to set another";
+    EXPECT_EQ(run({"lock", "--age", "365"}), expired + "\n");
+    const auto outcome = deskwatchProgram({"lock", "--right"});
+    EXPECT_EQ(outcome.status, refused);
+    EXPECT_EQ(outcome.errors, "deskwatch: lock: " + expired + ": deskwatch lock pin or deskwatch lock password\n");
+
+    run({"lock", "password"});
+
+    EXPECT_EQ(run({"lock", "--right"}), "the watch is unlocked\n");
+    EXPECT_EQ(status()["lockScreen"], Json::parse(R"({"wrongAttempts": 0, "passwordAge": 0, "locked": false})"));
+}
+
 TEST_F(WearerCommands, LengthOfALockIsANumber) {
     boot();
     EXPECT_EQ(deskwatchProgram({"lock", "pin", "--length", "0"}).status, 2);
     EXPECT_EQ(deskwatchProgram({"lock", "gesture"}).status, 2);
     EXPECT_EQ(deskwatchProgram({"lock"}).status, 2);
+    EXPECT_EQ(deskwatchProgram({"lock", "--wrong", "1", "--length", "4"}).status, 2);
+    EXPECT_EQ(deskwatchProgram({"lock", "--wrong", "1", "--right"}).status, 2);
 }
 
 TEST_F(WearerCommands, EncryptionIsCompleteAtOnce) {

@@ -15,6 +15,7 @@
 #include "session/device_policy.h"
 #include "session/device_session.h"
 #include "session/lock_rules.h"
+#include "session/lock_screen.h"
 #include "tesk-desk-bus.h"
 
 namespace deskwatch {
@@ -97,6 +98,7 @@ int setLock(const Device& device, Lock lock, std::optional<int> length) {
         throw Refusal(*refusal);
     }
     expectSet(vconf_set_int(TeskConsumerKeys::lockType, static_cast<int>(lock)), TeskConsumerKeys::lockType);
+    writeLockScreen({}); // a new password, and the wearer is past the lock screen
     session.settleService();
     return choice.length;
 }

@@ -1,8 +1,11 @@
 #include "actors/wearer.h"
 
+#include <algorithm>
+#include <array>
 #include <iostream>
 #include <memory>
 
+#include "actors/lock_screen_use.h"
 #include "commands.h"
 
 namespace deskwatch {
@@ -21,18 +24,47 @@ void addAnswer(CLI::App& popup, const CommonOptions& common, const NamedAnswer& 
 }
 
 struct LockOptions {
-    Lock lock = Lock::None;
+    std::optional<Lock> lock;
     std::optional<int> length;
+    std::optional<int> wrongPasswords;
+    bool isUnlocked = false;
+    std::optional<int> inactivity;
+    std::optional<int> passwordAge;
 };
 
-void lockScreen(const CommonOptions& common, const LockOptions& options) {
-    const int length = setLock(chosenDevice(common), options.lock, options.length);
-    if (options.lock == Lock::None) {
-        std::cout << "the screen has no lock\n";
-        return;
-    }
-    std::cout << "the screen is locked with a " << (options.lock == Lock::Pin ? "PIN" : "password") << " of " << length
-              << " characters\n";
+std::string locked(const Device& device, const LockOptions& options) {
+    const int length = setLock(device, *options.lock, options.length);
+    return *options.lock == Lock::None
+               ? "the screen has no lock"
+               : std::string("the screen is locked with a ") + (*options.lock == Lock::Pin ? "PIN" : "password") +
+                     " of " + std::to_string(length) + " characters";
+}
+
+std::string used(const Device& device, const LockOptions& options) {
+    return options.lock             ? locked(device, options)
+           : options.wrongPasswords ? enterWrongPassword(device, *options.wrongPasswords)
+           : options.isUnlocked     ? unlock(device)
+           : options.inactivity     ? leaveAlone(device, *options.inactivity)
+                                    : agePassword(device, *options.passwordAge);
+}
+
+CLI::Option* addPositive(CLI::App& command, const char* name, std::optional<int>& value, const char* description) {
+    return command.add_option(name, value, description)->check(checkPositive, "");
+}
+
+/// What the wearer can do with the lock, one thing at a time. The first is the option for a kind of lock.
+std::array<const CLI::Option*, 5> addLockActions(CLI::App& command, LockOptions& options) {
+    auto* const lock = command.add_option("LOCK", options.lock, "Set this kind of lock");
+    chooseLock(lock);
+    addPositive(command, "--length", options.length,
+                "Number of characters of LOCK (default: the fewest that are allowed)")
+        ->needs(lock)
+        ->type_name("N");
+    return {lock,
+            addPositive(command, "--wrong", options.wrongPasswords, "Enter a wrong password N times")->type_name("N"),
+            command.add_flag("--right", options.isUnlocked, "Enter the right password"),
+            addPositive(command, "--idle", options.inactivity, "Leave the watch alone that long")->type_name("SECONDS"),
+            addPositive(command, "--age", options.passwordAge, "Make the password that old")->type_name("DAYS")};
 }
 
 void addTutorialState(CLI::App& tutorial, const CommonOptions& common, const char* name, bool isInProgress) {
@@ -55,15 +87,20 @@ void addPopupCommand(CLI::App& program, const CommonOptions& common) {
 }
 
 void addLockCommand(CLI::App& program, const CommonOptions& common) {
-    auto* command = program.add_subcommand("lock", "Set the screen's lock, as the wearer in the lock settings");
+    auto* command = program.add_subcommand("lock", "Set or use the screen's lock, as the wearer");
     auto options = std::make_shared<LockOptions>();
-    chooseLock(command->add_option("LOCK", options->lock, "Kind of the lock")->required());
-    command->add_option("--length", options->length, "Its number of characters (default: the fewest that are allowed)")
-        ->check(checkPositive, "")
-        ->type_name("N");
-    command->footer("Fails with 3, and says what is required, when the enforced policy does not allow that lock.\n"
-                    "Example:\n  deskwatch lock pin --length 6");
-    command->callback([&common, options] { lockScreen(common, *options); });
+    const auto actions = addLockActions(*command, *options);
+    command->footer(
+        "Fails with 3, and says what is required, when the enforced policy does not allow that lock. After\n"
+        "the last wrong password that it allows, the watch wipes itself.\n"
+        "Example:\n  deskwatch lock pin --length 6\n  deskwatch lock --wrong 3");
+    command->callback([&common, options, actions] {
+        if (std::count_if(actions.begin(), actions.end(), [](const auto* action) { return action->count() > 0; }) !=
+            1) {
+            throw CLI::ValidationError("one of LOCK, --wrong, --right, --idle and --age is needed");
+        }
+        std::cout << used(chosenDevice(common), *options) << '\n';
+    });
 }
 
 void addEncryptCommand(CLI::App& program, const CommonOptions& common) {

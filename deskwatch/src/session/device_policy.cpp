@@ -2,6 +2,7 @@
 
 #include <dpm/device-policy-manager.h>
 #include <dpm/password.h>
+#include <dpm/security.h>
 
 #include <algorithm>
 #include <memory>
@@ -43,6 +44,10 @@ LockDemand readLockDemand() {
         throw std::runtime_error("cannot read what the device policy manager requires of a lock");
     }
     return demand;
+}
+
+int wipeInternalStorage() {
+    return dpm_security_wipe_data(newManager().get(), DPM_SECURITY_WIPE_INTERNAL_STORAGE);
 }
 
 } // namespace deskwatch

@@ -14,6 +14,9 @@ SettingValues readDevicePolicy(DConfClient* store);
 /// What the device policy manager requires of the screen's lock. Throws std::runtime_error when it cannot be read.
 LockDemand readLockDemand();
 
+/// Wipes the internal storage of the watch, as the platform does it. Returns the platform's code, 0 for success.
+int wipeInternalStorage();
+
 } // namespace deskwatch
 
 #endif

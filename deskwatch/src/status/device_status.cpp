@@ -150,6 +150,7 @@ DeviceStatus readStatus(const DeviceSession& session) {
     status.keys = readKeys(store.get());
     status.enforcingAccount = {enforcingAccountKey, readSetting(store.get(), std::string("/apps/") + ids::service +
                                                                                  "/" + enforcingAccountKey)};
+    status.lockScreen = readLockScreen(store.get());
     status.faults = readFaults();
     std::error_code none;
     const auto wipes = std::filesystem::file_size(layout.internalWipes(), none);

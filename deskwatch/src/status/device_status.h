@@ -12,6 +12,7 @@
 #include "records/idle_exit.h"
 #include "session/device_session.h"
 #include "session/device_settings.h"
+#include "session/lock_screen.h"
 #include "session/platform_faults.h"
 #include "session/value.h"
 
@@ -49,6 +50,7 @@ struct DeviceStatus {
     std::vector<NamedValue> keys;
     /// The account that the password is enforced for, as the service noted it.
     NamedValue enforcingAccount;
+    LockScreen lockScreen;
     /// How often the internal storage was wiped since the boot.
     int wipes = 0;
     /// The launch requests of the applications that run, in order within each.

@@ -112,6 +112,23 @@ std::string messageTable(const std::vector<ReceivedMessage>& messages) {
     return text.empty() ? "  none\n" : text;
 }
 
+/// Nothing as long as nobody has used it.
+std::string lockScreenText(const DeviceStatus& status) {
+    const auto limits = lockLimits(status.settings);
+    const auto& screen = status.lockScreen;
+    const std::string text = (screen.isLocked ? "  " + inactivityText(screen, limits) + "\n" : "") +
+                             (screen.wrongAttempts > 0 ? "  " + wrongAttemptText(screen, limits) + "\n" : "") +
+                             (screen.passwordAge > 0 ? "  " + passwordAgeText(screen, limits) + "\n" : "");
+    return text.empty() ? text : "\nLock screen\n" + text;
+}
+
+/// A wipe of the desk empties a folder that nothing is in; what a device would lose is still shown.
+std::string wipeText(const DeviceStatus& status) {
+    return status.wipes == 0 ? ""
+                             : "Its internal storage was wiped since the boot. A device loses what follows with it and "
+                               "starts anew; the desk keeps it.\n";
+}
+
 Json messageJson(const ReceivedMessage& message) {
     Json entries = Json::object();
     for (const auto& [key, value] : message.entries) {
@@ -145,6 +162,9 @@ Json statusObject(const DeviceStatus& status) {
     object["keys"] = asObject(status.keys);
     object["enforcingAccount"] = valueJson(status.enforcingAccount.value);
     object["wipes"] = status.wipes;
+    object["lockScreen"] = {{"wrongAttempts", status.lockScreen.wrongAttempts},
+                            {"passwordAge", status.lockScreen.passwordAge},
+                            {"locked", status.lockScreen.isLocked}};
     object["launches"] = Json::array();
     for (const auto& screen : status.screens) {
         object["launches"].push_back(screenJson(screen));
@@ -179,9 +199,10 @@ nlohmann::ordered_json faultsJson(const std::vector<PlatformFault>& faults) {
 
 std::string statusTables(const DeviceStatus& status, const DeviceStatus* earlier) {
     const DeviceStatus& before = earlier != nullptr ? *earlier : status;
-    return "Watch " + status.folder + ", " + serviceText(status) + "\n\nStored accounts\n" + accountTable(status) +
-           "\nSettings of the device policy manager\n" + namedValues(named(status.settings), named(before.settings)) +
-           "\nKeys\n" + namedValues(keysOf(status), keysOf(before)) + "\nLaunch requests\n" +
+    return "Watch " + status.folder + ", " + serviceText(status) + "\n" + wipeText(status) + "\nStored accounts\n" +
+           accountTable(status) + "\nSettings of the device policy manager\n" +
+           namedValues(named(status.settings), named(before.settings)) + "\nKeys\n" +
+           namedValues(keysOf(status), keysOf(before)) + lockScreenText(status) + "\nLaunch requests\n" +
            screenTable(status.screens) + "\nMessages to the mail application\n" + messageTable(status.messages) +
            (status.faults.empty() ? "" : "\nFunctions of the platform that fail\n" + faultTable(status.faults));
 }

@@ -1,0 +1,95 @@
+#include "actors/lock_screen_use.h"
+
+#include "TeskConsumerKeys.h"
+#include "actors/refusal.h"
+#include "c_owners.h"
+#include "device/application_ids.h"
+#include "session/device_policy.h"
+#include "session/device_session.h"
+#include "session/lock_screen.h"
+#include "session/shared_keys.h"
+
+namespace deskwatch {
+namespace {
+
+/// The lock screen of a watch, which it speaks to as the lock settings.
+class LockScreenInUse {
+public:
+    explicit LockScreenInUse(const Device& device) : session_(device, ids::lockSettings) {
+        const c::ObjectOwner<DConfClient> store(dconf_client_new());
+        limits_ = lockLimits(readDevicePolicy(store.get()));
+        screen_ = readLockScreen(store.get());
+    }
+
+    const LockLimits& limits() const { return limits_; }
+    const LockScreen& screen() const { return screen_; }
+
+    static bool hasLock() {
+        const Value lock = readKey(TeskConsumerKeys::lockType);
+        return lock != Value() && lock != Value(static_cast<int>(Lock::None));
+    }
+
+    static void requireLock() {
+        if (!hasLock()) {
+            throw Refusal("the watch has no lock; set one with: deskwatch lock pin");
+        }
+    }
+
+    void change(const LockScreen& screen) {
+        writeLockScreen(screen);
+        screen_ = screen;
+    }
+
+private:
+    DeviceSession session_;
+    LockLimits limits_;
+    LockScreen screen_;
+};
+
+} // namespace
+
+std::string enterWrongPassword(const Device& device, int times) {
+    LockScreenInUse use(device);
+    LockScreenInUse::requireLock();
+    const auto screen = afterWrongPasswords(use.screen(), times, use.limits());
+    use.change(screen);
+    auto text = wrongAttemptText(screen, use.limits());
+    if (hasToWipe(screen, use.limits())) {
+        if (const int result = wipeInternalStorage(); result != 0) {
+            throw Refusal(text + ", but the platform refuses it with " + std::to_string(result));
+        }
+        use.change({0, screen.passwordAge, true}); // the attempts are counted anew
+    }
+    return text;
+}
+
+std::string unlock(const Device& device) {
+    LockScreenInUse use(device);
+    LockScreenInUse::requireLock();
+    if (isExpired(use.screen(), use.limits())) {
+        throw Refusal(passwordAgeText(use.screen(), use.limits()) + ": deskwatch lock pin or deskwatch lock password");
+    }
+    use.change({0, use.screen().passwordAge, false});
+    return "the watch is unlocked";
+}
+
+std::string leaveAlone(const Device& device, int seconds) {
+    LockScreenInUse use(device);
+    if (!LockScreenInUse::hasLock()) {
+        return "the watch stays unlocked: it has no lock";
+    }
+    const int limit = use.limits().inactivity;
+    if (limit > 0 && seconds >= limit) {
+        use.change({use.screen().wrongAttempts, use.screen().passwordAge, true});
+    }
+    return inactivityText(use.screen(), use.limits());
+}
+
+std::string agePassword(const Device& device, int days) {
+    LockScreenInUse use(device);
+    LockScreenInUse::requireLock();
+    use.change({use.screen().wrongAttempts, days, use.screen().isLocked});
+    return passwordAgeText(use.screen(), use.limits());
+}
+
+} // namespace deskwatch
