@@ -3,6 +3,7 @@
 #include <app_control.h>
 
 #include <algorithm>
+#include <atomic>
 #include <deque>
 #include <mutex>
 #include <stdexcept>
@@ -32,7 +33,8 @@ public:
     Loop() { g_main_context_push_thread_default(context_.get()); }
 
     ~Loop() {
-        g_main_loop_quit(loop_.get());
+        isOver_ = true; // a main loop that is told to end before it runs would run for ever
+        g_main_context_wakeup(context_.get());
         if (thread_.joinable()) {
             thread_.join();
         }
@@ -46,14 +48,16 @@ public:
         g_main_context_pop_thread_default(context_.get());
         thread_ = std::thread([this] {
             g_main_context_push_thread_default(context_.get());
-            g_main_loop_run(loop_.get());
+            while (!isOver_) {
+                g_main_context_iteration(context_.get(), TRUE);
+            }
             g_main_context_pop_thread_default(context_.get());
         });
     }
 
 private:
     c::Owner<GMainContext, g_main_context_unref> context_{g_main_context_new()};
-    c::MainLoopOwner loop_{g_main_loop_new(context_.get(), FALSE)};
+    std::atomic<bool> isOver_{false};
     std::thread thread_;
 };
 
