@@ -1,11 +1,17 @@
 #include "recording/bus_monitor.h"
 
+#include <algorithm>
+#include <iterator>
 #include <stdexcept>
+#include <utility>
 
 namespace deskwatch {
 namespace {
 
 constexpr int monitorTimeout = 10'000;
+
+/// Nobody's name; to ask who owns one of those in it marks a moment.
+const std::string markers = "tesk.desk.marker";
 
 /// Called in the connection's own thread. Keeps every message that comes in, so that nothing here answers it: a monitor
 /// that says something is cut off.
@@ -42,9 +48,20 @@ bool isQuestion(GDBusMessage* message, const std::string& asked) {
     return asked == name;
 }
 
+GVariant* listOf(std::vector<std::string> rules) {
+    if (!rules.empty()) {
+        rules.push_back("member='NameHasOwner',arg0namespace='" + markers + "'");
+    }
+    std::vector<const char*> pointers;
+    std::transform(rules.begin(), rules.end(), std::back_inserter(pointers),
+                   [](const std::string& rule) { return rule.c_str(); });
+    return g_variant_new_strv(pointers.data(), static_cast<gssize>(pointers.size()));
+}
+
 } // namespace
 
-BusMonitor::BusMonitor(const std::string& address) : messages_(g_async_queue_new_full(g_object_unref)) {
+BusMonitor::BusMonitor(const std::string& address, std::vector<std::string> rules)
+    : messages_(g_async_queue_new_full(g_object_unref)) {
     GError* error = nullptr;
     const auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
@@ -55,8 +72,8 @@ BusMonitor::BusMonitor(const std::string& address) : messages_(g_async_queue_new
     filter_ = g_dbus_connection_add_filter(connection_.get(), keep, g_async_queue_ref(messages_.get()), releaseQueue);
     const c::VariantOwner answer(g_dbus_connection_call_sync(
         connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus.Monitoring",
-        "BecomeMonitor", g_variant_new("(asu)", nullptr, 0U), nullptr, G_DBUS_CALL_FLAGS_NONE, monitorTimeout, nullptr,
-        &error));
+        "BecomeMonitor", g_variant_new("(@asu)", listOf(std::move(rules)), 0U), nullptr, G_DBUS_CALL_FLAGS_NONE,
+        monitorTimeout, nullptr, &error));
     if (answer == nullptr) {
         throw std::runtime_error("cannot watch the bus at " + address + ": " + c::takeMessage(error));
     }
@@ -76,7 +93,7 @@ c::ObjectOwner<GDBusMessage> BusMonitor::next(std::chrono::milliseconds atMost) 
 }
 
 void BusMonitor::takeUpToNow(const BusDaemon& daemon, const std::function<void(GDBusMessage* message)>& take) {
-    const std::string marker = "tesk.desk.marker" + std::to_string(++markers_);
+    const std::string marker = markers + ".n" + std::to_string(++markers_);
     daemon.isOwned(marker); // passes after everything else
     while (const auto message = next(std::chrono::milliseconds(monitorTimeout))) {
         if (isQuestion(message.get(), marker)) {

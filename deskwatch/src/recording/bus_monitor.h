@@ -4,18 +4,20 @@
 #include <chrono>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "c_owners.h"
 #include "device/bus_daemon.h"
 
 namespace deskwatch {
 
-/// Sees every message that passes the bus of a watch from now on, in order. Says nothing itself. Each message wakes the
+/// Sees the messages that pass the bus of a watch from now on, in order. Says nothing itself. Each message wakes the
 /// process's main context, so that a main loop may wait for messages beside other things.
 class BusMonitor {
 public:
-    /// Throws std::runtime_error when nobody answers at that address or the bus lets nobody watch.
-    explicit BusMonitor(const std::string& address);
+    /// Sees what one of the bus's match rules describes; every message when there is none. Throws std::runtime_error
+    /// when nobody answers at that address or the bus lets nobody watch.
+    explicit BusMonitor(const std::string& address, std::vector<std::string> rules = {});
     ~BusMonitor();
     BusMonitor(const BusMonitor&) = delete;
     BusMonitor& operator=(const BusMonitor&) = delete;

@@ -76,6 +76,14 @@ BusTrace::BusTrace(const BusDaemon& daemon, Sink sink) : sink_(std::move(sink)) 
     }
 }
 
+std::vector<std::string> BusTrace::rulesOfEffects() {
+    return {"type='method_call',interface='tesk.host.Application',member='Launch'",
+            "type='method_call',interface='tesk.host.MessagePort',member='Send'",
+            "type='method_call',interface='ca.desrt.dconf.Writer',member='Change'",
+            "type='method_call',interface='org.freedesktop.DBus',member='ReleaseName'",
+            "type='signal',interface='org.freedesktop.DBus',member='NameOwnerChanged'"};
+}
+
 void BusTrace::take(GDBusMessage* message) {
     switch (g_dbus_message_get_message_type(message)) {
     case G_DBUS_MESSAGE_TYPE_METHOD_CALL:

@@ -10,6 +10,7 @@
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "device/bus_daemon.h"
 
@@ -58,6 +59,9 @@ public:
 
     /// Learns which applications are on the bus now. The sink receives the events.
     BusTrace(const BusDaemon& daemon, Sink sink);
+
+    /// Match rules of the bus for the messages from which effects and ends of the service come, a fraction of all.
+    static std::vector<std::string> rulesOfEffects();
 
     /// Takes the next message of the bus.
     void take(GDBusMessage* message);

@@ -73,7 +73,7 @@ std::set<std::string> applicationsOf(const Recording& recording) {
 } // namespace
 
 Surroundings::Surroundings(const Device& device, const Recording& recording)
-    : device_(device), bus_(device.busAddress()), monitor_(device.busAddress()),
+    : device_(device), bus_(device.busAddress()), monitor_(device.busAddress(), BusTrace::rulesOfEffects()),
       standIns_(device, applicationsOf(recording)), trace_(bus_.daemon(), [this](const TraceEvent& event) {
           if (event.contains("out") || (event.contains("in") && event["in"] == "end")) {
               effects_.push_back(event);
