@@ -13,6 +13,7 @@
 
 #include "c_owners.h"
 #include "device/device.h"
+#include "device/temporary_files.h"
 
 namespace deskwatch {
 namespace {
@@ -23,11 +24,7 @@ using Clock = std::chrono::steady_clock;
 /// A folder of temporary files that goes with this object.
 class OwnFolder {
 public:
-    OwnFolder() : path_((fs::temp_directory_path() / "deskwatch-XXXXXX").string()) {
-        if (mkdtemp(path_.data()) == nullptr) {
-            throw std::system_error(errno, std::generic_category(), "cannot make a folder " + path_);
-        }
-    }
+    OwnFolder() : path_(makeTemporaryFolder()) {}
     ~OwnFolder() {
         std::error_code ignored;
         fs::remove_all(path_, ignored);
@@ -35,10 +32,10 @@ public:
     OwnFolder(const OwnFolder&) = delete;
     OwnFolder& operator=(const OwnFolder&) = delete;
 
-    fs::path path() const { return path_; }
+    const fs::path& path() const { return path_; }
 
 private:
-    std::string path_;
+    fs::path path_;
 };
 
 std::string bytesOf(GBytes* bytes) {

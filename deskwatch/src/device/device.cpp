@@ -114,23 +114,24 @@ std::chrono::seconds Device::endTimeout() const {
 }
 
 void Device::boot(const std::vector<Application>& applications, const DeviceState& state) const {
+    layout_.makeFolders();
+    const auto lock = lockBoot(layout_);
+    if (isBooted()) {
+        throw std::runtime_error(layout_.folder().string() + " is already booted");
+    }
+    endBus(layout_, BusProcess(layout_.busRecord()), endTimeout()); // what a sudden end left behind
+    std::filesystem::remove(layout_.internalWipes());
     const bool isFresh = !std::filesystem::exists(layout_.settingsDatabase());
     start(applications, [&] { writeFirstSettings(BusClient(busAddress()), state, isFresh); });
 }
 
 void Device::resume(const std::vector<Application>& applications) const {
+    layout_.makeFolders();
     start(applications, [] {});
 }
 
 void Device::start(const std::vector<Application>& applications, const std::function<void()>& whenBusRuns) const {
-    layout_.makeFolders();
-    const auto lock = lockBoot(layout_);
     const BusProcess bus(layout_.busRecord());
-    if (isBooted()) {
-        throw std::runtime_error(layout_.folder().string() + " is already booted");
-    }
-    endBus(layout_, bus, endTimeout()); // what a sudden end left behind
-    std::filesystem::remove(layout_.internalWipes());
     writeDeviceFiles(layout_, applications);
     noteLogOfBoot(layout_);
     bus.start({layout_.busConfiguration(), layout_.log(), layout_.commonEnvironment()});

@@ -41,7 +41,7 @@ public:
     /// booted already or when a step fails; then nothing of it runs.
     void boot(const std::vector<Application>& applications, const DeviceState& state = {}) const;
 
-    /// Boots the watch like `boot`, but leaves all settings as they are in its folder, the keys under memory/ and the
+    /// Boots a watch that has never run. Leaves all settings as they are in its folder, the keys under memory/ and the
     /// faults included: for a copy of a watch that runs.
     void resume(const std::vector<Application>& applications) const;
 

@@ -4,24 +4,22 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <system_error>
+#include <vector>
+
+#include "device/temporary_files.h"
 
 namespace deskwatch {
 namespace {
 
 namespace fs = std::filesystem;
-
-fs::path newFolder() {
-    std::string path = (fs::temp_directory_path() / "deskwatch-XXXXXX").string();
-    if (mkdtemp(path.data()) == nullptr) {
-        throw std::system_error(errno, std::generic_category(), "cannot make a folder " + path);
-    }
-    return path;
-}
 
 bool isIgnored(int signal) {
     struct sigaction action {};
@@ -72,23 +70,34 @@ int awaitEnd(pid_t child, const sigset_t& signals) {
     return status;
 }
 
-void switchOff(const Device& device) {
-    try {
-        device.off();
-    } catch (const std::exception&) {
-        device.kill(); // a process that hangs does not come to an orderly end
-    }
+std::vector<pid_t> childrenOfThisProcess() {
+    std::ifstream list("/proc/thread-self/children");
+    return {std::istream_iterator<pid_t>(list), {}};
 }
 
-/// After a sudden end nothing there is worth waiting for.
-void remove(const Device& device, bool isSudden) {
+/// Nothing on a watch that goes is worth an orderly end. As this process adopts what the child leaves, it has those for
+/// children, and no other new ones.
+void killAdopted(const std::vector<pid_t>& others) {
+    std::vector<pid_t> adopted;
+    do {
+        adopted = childrenOfThisProcess();
+        adopted.erase(
+            std::remove_if(adopted.begin(), adopted.end(),
+                           [&](pid_t child) { return std::find(others.begin(), others.end(), child) != others.end(); }),
+            adopted.end());
+        for (const pid_t child : adopted) {
+            kill(child, SIGKILL);
+            waitpid(child, nullptr, 0);
+        }
+    } while (!adopted.empty()); // what these have left
+}
+
+void remove(const Device& device) {
     try {
-        if (fs::exists(device.layout().busConfiguration()) && !isSudden) {
-            switchOff(device);
-        }
-        while (isSudden && device.kill()) { // one that was ending may have started another
-        }
         fs::remove_all(device.layout().folder().parent_path());
+        if (device.layout().socket().parent_path() != device.layout().folder()) {
+            fs::remove(device.layout().socket());
+        }
     } catch (const std::exception& error) {
         static_cast<void>(
             std::fprintf(stderr, "cannot remove %s: %s\n", device.layout().folder().c_str(), error.what()));
@@ -106,8 +115,10 @@ void remove(const Device& device, bool isSudden) {
 
 } // namespace
 
-TemporaryDevice::TemporaryDevice() : earlier_(blockSignals()), device_(newFolder() / "watch") {
+TemporaryDevice::TemporaryDevice() : earlier_(blockSignals()), device_(makeTemporaryFolder() / "watch") {
     const auto signals = awaitedSignals();
+    const auto others = childrenOfThisProcess(); // a shell's that became this program
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
     const pid_t parent = getpid();
     const pid_t child = fork();
     if (child == 0) {
@@ -115,13 +126,14 @@ TemporaryDevice::TemporaryDevice() : earlier_(blockSignals()), device_(newFolder
     }
     if (child > 0) {
         const int status = awaitEnd(child, signals);
-        remove(device_, WIFSIGNALED(status));
+        killAdopted(others);
+        remove(device_);
         endAs(status, signals);
     }
     sigprocmask(SIG_SETMASK, &earlier_, nullptr);
     if (child < 0) {
         const int error = errno;
-        remove(device_, true);
+        remove(device_);
         throw std::system_error(error, std::generic_category(), "cannot start a process");
     }
 }

@@ -9,9 +9,9 @@ namespace deskwatch {
 
 /// A watch in a folder of its own among the temporary files, on no list, that lasts as long as the process.
 ///
-/// The process goes on as a child of itself. The parent waits for the end of the child, switches the watch off, removes
-/// the folder and ends as the child did: whether it returned, threw, crashed, or was told to end by SIGINT, SIGTERM or
-/// SIGHUP. Make one of them, and before the process has threads, open connections or unwritten output.
+/// The process goes on as a child of itself. The parent waits for the end of the child, kills what runs on the watch,
+/// removes the folder and ends as the child did: whether it returned, threw, crashed, or was told to end by SIGINT,
+/// SIGTERM or SIGHUP. Make one of them, and before the process has threads, open connections or unwritten output.
 class TemporaryDevice {
 public:
     /// Throws std::runtime_error when there is no place for the folder, which does not exist yet.

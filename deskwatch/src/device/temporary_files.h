@@ -1,0 +1,15 @@
+#ifndef DESKWATCH_TEMPORARY_FILES_H
+#define DESKWATCH_TEMPORARY_FILES_H
+
+#include <filesystem>
+
+namespace deskwatch {
+
+/// Makes a folder of this user alone for a watch that does not last: in the folder that TMPDIR names; without one in
+/// memory when there is room, since a watch writes its small files to the disk hundreds of times. Throws
+/// std::system_error when there is no place for it.
+std::filesystem::path makeTemporaryFolder();
+
+} // namespace deskwatch
+
+#endif
