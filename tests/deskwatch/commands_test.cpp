@@ -162,8 +162,10 @@ TEST_F(Commands, ApplicationsEndWhenTheBusIsKilled) {
     run({"mail", "policy", sample("hardened.json")});
     const auto processes = BusClient(device().busAddress()).daemon().applicationProcesses();
 
-    BusProcess(device().layout().busRecord()).running().value().signal(SIGKILL);
+    const auto bus = BusProcess(device().layout().busRecord()).running();
+    bus->signal(SIGKILL);
 
+    EXPECT_TRUE(bus->waitForEnd(timeout)) << "it may still be dying when its applications have ended";
     for (const auto& process : processes) {
         EXPECT_TRUE(process.waitForEnd(timeout)) << process.pid();
     }
