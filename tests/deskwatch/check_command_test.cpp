@@ -44,6 +44,22 @@ TEST_F(CheckCommand, RefusedRuleIsFoundUntilItIsWritten) {
     EXPECT_EQ(kinds(), Kinds{});
 }
 
+TEST_F(CheckCommand, WatchThatIsOffIsLookedAtByWhatItKeeps) {
+    boot({"--lock", "password", "--encrypted"});
+    run({"fault", "dpm_password_set_minimum_length", "-13"});
+    deskwatchProgram({"mail", "policy", sample("hardened.json")});
+    run({"mail", "wipe"});
+    const auto explanation = run({"explain", "--json"});
+    run({"off"});
+    setenv("DESKWATCH_DEVICE", device().layout().folder().c_str(), 1);
+
+    EXPECT_EQ(kinds(), Kinds{"refused"}) << "its log tells";
+    EXPECT_EQ(run({"explain", "--json"}), explanation);
+    EXPECT_EQ(status()["wipes"], 1);
+    EXPECT_NE(run({"timeline"}).find("[EAS] Failed setPasswordMinLength"), std::string::npos);
+    EXPECT_NE(deskwatchProgram({"timeline", "--follow"}).errors.find("is not booted; boot it with"), std::string::npos);
+}
+
 TEST_F(CheckCommand, MissingLockAndEncryptionAreFound) {
     boot();
     run({"mail", "policy", sample("hardened.json")});

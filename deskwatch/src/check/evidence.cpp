@@ -136,15 +136,18 @@ bool isSet(DConfClient* store, const std::string& path) {
 } // namespace
 
 Evidence readEvidence(const DeviceSession& session) {
-    const auto& layout = session.device().layout();
+    return readEvidence(session, session.device().layout());
+}
+
+Evidence readEvidence(const DeviceSession& /*speaks as an application of the watch*/, const DeviceLayout& files) {
     const c::ObjectOwner<DConfClient> store(dconf_client_new());
     Evidence evidence;
-    readStore(policyDatabase(layout), evidence);
+    readStore(policyDatabase(files), evidence);
     evidence.held = readDevicePolicy(store.get());
     readKeys([&](const char* key) { return readSetting(store.get(), std::string("/vconf/") + key); }, evidence);
     evidence.isAdministered = isSet(store.get(), std::string("/dpm/clients/") + ids::service);
-    evidence.refused = refusedIn(layout.log());
-    evidence.connected = connectedAccounts(layout);
+    evidence.refused = refusedIn(files.log());
+    evidence.connected = connectedAccounts(files);
     return evidence;
 }
 

@@ -5,7 +5,7 @@
 #include "check/evidence.h"
 #include "check/findings.h"
 #include "commands.h"
-#include "session/observer.h"
+#include "commands/observed_watch.h"
 
 namespace deskwatch {
 namespace {
@@ -16,8 +16,11 @@ struct CheckOptions {
 };
 
 Evidence evidenceOf(const CommonOptions& common, const CheckOptions& options) {
-    return options.copy.empty() ? readEvidence(DeviceSession(chosenDevice(common), observerId))
-                                : readEvidence(std::filesystem::path(options.copy));
+    if (!options.copy.empty()) {
+        return readEvidence(std::filesystem::path(options.copy));
+    }
+    const ObservedWatch watch(chosenDevice(common));
+    return readEvidence(watch.session(), watch.files());
 }
 
 } // namespace
@@ -30,7 +33,8 @@ void addCheckCommand(CLI::App& program, const CommonOptions& common) {
                      "Instead of a watch, a folder copied from a device: .tesk.db, settings.json and log")
         ->type_name("DIR");
     command->add_flag("--json", options->isJson, "One JSON object instead of text");
-    command->footer("Starts nothing and changes nothing. settings.json is what status --json writes; of a device its\n"
+    command->footer("A watch that is switched off is checked by what it keeps. Starts nothing and changes nothing. "
+                    "settings.json is what status --json writes; of a device its\n"
                     "\"settings\" and \"keys\" suffice. Exit status 3 when something is found.\n"
                     "Example:\n  deskwatch check");
     command->callback([&common, options] {

@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "commands.h"
+#include "commands/observed_watch.h"
 #include "commands/output.h"
 #include "explain/explanation.h"
 #include "session/observer.h"
@@ -24,7 +25,7 @@ std::string shown(const DeviceStatus& status, const ExplainOptions& options) {
 }
 
 /// Again after each change that makes a difference.
-void followExplanation(const DeviceSession& session, const ExplainOptions& options) {
+[[noreturn]] void followExplanation(const DeviceSession& session, const ExplainOptions& options) {
     endWithReader();
     std::string last;
     followStatus(session, [&](const DeviceStatus& status) {
@@ -38,11 +39,11 @@ void followExplanation(const DeviceSession& session, const ExplainOptions& optio
 }
 
 void showExplanation(const CommonOptions& common, const ExplainOptions& options) {
-    const DeviceSession session(chosenDevice(common), observerId);
+    const auto device = chosenDevice(common);
     if (options.isFollowed) {
-        followExplanation(session, options);
+        followExplanation(DeviceSession(device, observerId), options);
     }
-    std::cout << shown(readStatus(session), options);
+    std::cout << shown(ObservedWatch(device).status(), options);
 }
 
 } // namespace
@@ -52,7 +53,8 @@ void addExplainCommand(CLI::App& program, const CommonOptions& common) {
     auto options = std::make_shared<ExplainOptions>();
     command->add_flag("--json", options->isJson, "One JSON object instead of tables; with --follow, one for each line");
     command->add_flag("--follow", options->isFollowed, "Show it again after each change");
-    command->footer("Starts nothing and changes nothing.\nExample:\n  deskwatch explain");
+    command->footer("A watch that is switched off is explained by what it keeps. Starts nothing and changes nothing.\n"
+                    "Example:\n  deskwatch explain");
     command->callback([&common, options] { showExplanation(common, *options); });
 }
 

@@ -3,11 +3,10 @@
 #include <iostream>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 
 #include "commands.h"
+#include "commands/observed_watch.h"
 #include "commands/output.h"
-#include "forecast/device_copy.h"
 #include "session/observer.h"
 #include "status/device_status.h"
 #include "status/status_follower.h"
@@ -44,36 +43,16 @@ private:
     std::string shown_;
 };
 
-/// What a watch that is off keeps. A copy of it is booted, since the settings are read as an application of a
-/// watch.
-DeviceStatus readKept(const Device& device) {
-    if (!device.exists()) {
-        throw std::runtime_error(device.layout().folder().string() + " is not a watch folder");
-    }
-    const DeviceCopy copy(device);
-    auto status = readStatus(copy.session());
-    status.folder = device.layout().folder().string();
-    status.isBooted = false;
-    return status;
-}
-
-void show(const DeviceStatus& status, bool isJson) {
-    std::cout << (isJson ? statusJson(status) : statusTables(status));
-}
-
 void showStatus(const CommonOptions& common, const StatusOptions& options) {
     const auto device = chosenDevice(common);
-    if (!device.isBooted() && !options.isFollowed) {
-        show(readKept(device), options.isJson);
-        return;
-    }
-    const DeviceSession session(device, observerId);
     if (options.isFollowed) {
+        const DeviceSession session(device, observerId);
         endWithReader();
         StatusDisplay display(options.isJson);
         followStatus(session, [&](const DeviceStatus& status) { display.show(status); });
     }
-    show(readStatus(session), options.isJson);
+    const auto status = ObservedWatch(device).status();
+    std::cout << (options.isJson ? statusJson(status) : statusTables(status));
 }
 
 } // namespace

@@ -38,7 +38,8 @@ void addTimelineCommand(CLI::App& program, const CommonOptions& common) {
     command->add_flag("--json", options->isJson, "One JSON object for each entry");
     command->footer(
         "Of what happened before, only the log is known and what the mail application received. Start it with\n"
-        "--follow beforehand to see requests, effects, keys and launches.\n"
+        "--follow beforehand to see requests, effects, keys and launches. Of a watch that is switched off it is the "
+        "log.\n"
         "Example:\n  deskwatch timeline --follow");
     command->callback([&common, options] { showTimeline(common, *options); });
 }

@@ -50,7 +50,7 @@ public:
     void readPast(bool isTold) {
         isTold_ = isTold;
         log_.read();
-        if (isTold) {
+        if (isTold && device_.isBooted()) {
             for (const auto& event : inboxOf(BusClient(device_.busAddress()))) {
                 tell_(timelineEntry(event));
             }
@@ -104,9 +104,12 @@ private:
 } // namespace
 
 void tellTimeline(const Device& device, const TimelineRange& range, const Tell& tell) {
-    device.requireBooted();
     std::optional<BusMonitor> monitor;
+    if (!device.exists()) {
+        throw std::runtime_error(device.layout().folder().string() + " is not a watch folder");
+    }
     if (range.isFollowed) {
+        device.requireBooted();
         monitor.emplace(device.busAddress()); // first, so that nothing falls between past and present
     }
     Timeline timeline(device, tell);

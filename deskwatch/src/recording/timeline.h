@@ -48,7 +48,8 @@ struct TimelineRange {
     bool isFollowed = false;
 };
 
-/// Tells what happened on a booted watch. Starts nothing and changes nothing there. Throws std::runtime_error.
+/// Tells what happened on a watch; of one that is switched off, what its log says. Starts nothing and changes nothing
+/// there. Throws std::runtime_error.
 void tellTimeline(const Device& device, const TimelineRange& range,
                   const std::function<void(const TimelineEntry& entry)>& tell);
 

@@ -152,9 +152,7 @@ DeviceStatus readStatus(const DeviceSession& session) {
                                                                                  "/" + enforcingAccountKey)};
     status.lockScreen = readLockScreen(store.get());
     status.faults = readFaults();
-    std::error_code none;
-    const auto wipes = std::filesystem::file_size(layout.internalWipes(), none);
-    status.wipes = none ? 0 : static_cast<int>(wipes);
+    status.wipes = countWipes(layout);
     for (const auto* application : ids::companions) {
         if (session.daemon().isOwned(application)) {
             readLaunches(session, application, status.screens);
@@ -164,6 +162,12 @@ DeviceStatus readStatus(const DeviceSession& session) {
         status.messages = readMessages(session);
     }
     return status;
+}
+
+int countWipes(const DeviceLayout& files) {
+    std::error_code none;
+    const auto wipes = std::filesystem::file_size(files.internalWipes(), none);
+    return none ? 0 : static_cast<int>(wipes);
 }
 
 DeviceFacts deviceFacts(const DeviceStatus& status) {

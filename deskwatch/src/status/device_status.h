@@ -64,6 +64,9 @@ struct DeviceStatus {
 /// Looks at a booted watch; starts nothing and changes nothing there. Throws std::runtime_error.
 DeviceStatus readStatus(const DeviceSession& session);
 
+/// How often the internal storage of a watch was wiped since its last boot.
+int countWipes(const DeviceLayout& files);
+
 /// What of it decides how the watch takes a policy.
 DeviceFacts deviceFacts(const DeviceStatus& status);
 
