@@ -11,11 +11,6 @@
 namespace host {
 namespace {
 
-bool neverArrived(const GError* error) {
-    return g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_SERVICE_UNKNOWN) ||
-           g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_NAME_HAS_NO_OWNER);
-}
-
 // An application that took the request and then ended has cancelled it. Any other error means that none took it.
 app_control_result_e resultOf(const GError* error) {
     return g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_NO_REPLY) ? APP_CONTROL_RESULT_CANCELED
@@ -49,7 +44,6 @@ struct Launcher::Launch {
     app_control_reply_cb callback;
     void* userData;
     bool isStarting;
-    bool isRepeated = false;
 
     const std::string& target() const { return *request->appId; }
 };
@@ -93,17 +87,14 @@ std::vector<std::string> Launcher::outstanding() const {
     return ids;
 }
 
+// To the id and not to the process that owns it now: if that one is about to end, the bus daemon starts the next one.
 void Launcher::dispatch(Launch& launch) {
-    g_autoptr(GError) error = nullptr;
-    const c::ObjectOwner<PlatformBusApplication> target(platform_bus_application_proxy_new_sync(
-        bus_.connection(), callsAlone, launch.target().c_str(), host_bus::applicationPath, nullptr, &error));
-    if (target == nullptr) {
-        throw HostError("cannot speak to " + launch.target() + ": " + error->message);
-    }
     constexpr int noTimeOut = G_MAXINT;
-    platform_bus_application_call_launch(target.get(), Environment::get().applicationId().c_str(),
-                                         launch.request->extraData.toVariant(), launch.callback != nullptr,
-                                         G_DBUS_CALL_FLAGS_NONE, noTimeOut, nullptr, onAnswer, &launch);
+    g_dbus_connection_call(bus_.connection(), launch.target().c_str(), host_bus::applicationPath,
+                           "tesk.host.Application", "Launch",
+                           g_variant_new("(s@a(ayay)b)", Environment::get().applicationId().c_str(),
+                                         launch.request->extraData.toVariant(), launch.callback != nullptr),
+                           G_VARIANT_TYPE("(ia(ayay))"), G_DBUS_CALL_FLAGS_NONE, noTimeOut, nullptr, onAnswer, &launch);
 }
 
 std::unique_ptr<Launcher::Launch> Launcher::take(Launch* launch) {
@@ -114,34 +105,30 @@ std::unique_ptr<Launcher::Launch> Launcher::take(Launch* launch) {
     return taken;
 }
 
-void Launcher::onAnswer(GObject* proxy, GAsyncResult* outcome, gpointer launch) {
+void Launcher::onAnswer(GObject* connection, GAsyncResult* outcome, gpointer launch) {
     auto* answeredLaunch = static_cast<Launch*>(launch);
     guarded("the answer to a launch request", 0, [&] {
-        answeredLaunch->launcher->answered(answeredLaunch, PLATFORM_BUS_APPLICATION(proxy), outcome);
+        g_autoptr(GError) error = nullptr;
+        const c::VariantOwner answer(g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), outcome, &error));
+        answeredLaunch->launcher->answered(answeredLaunch, answer.get(), error);
         return 0;
     });
 }
 
-void Launcher::answered(Launch* launch, PlatformBusApplication* proxy, GAsyncResult* outcome) {
-    g_autoptr(GError) error = nullptr;
-    gint result = APP_CONTROL_RESULT_FAILED;
-    GVariant* data = nullptr;
-    platform_bus_application_call_launch_finish(proxy, &result, &data, outcome, &error);
-    const c::VariantOwner owner(data);
-    // The request went to the process that owned the id a moment ago. If that one ended without receiving it, the
-    // bus daemon can start the next one.
-    if (neverArrived(error) && !std::exchange(launch->isRepeated, true)) {
-        dispatch(*launch);
-        return;
+void Launcher::answered(Launch* launch, GVariant* answer, const GError* error) {
+    gint result = resultOf(error);
+    c::VariantOwner data;
+    if (answer != nullptr) {
+        g_variant_get_child(answer, 0, "i", &result);
+        data.reset(g_variant_get_child_value(answer, 1));
     }
     const std::unique_ptr<Launch> done = take(launch);
     if (error != nullptr) {
         report("the launch of " + done->target() + " failed: " + error->message);
-        result = resultOf(error);
     }
     if (done->callback != nullptr) {
         auto reply = std::make_unique<app_control_s>();
-        reply->extraData = data != nullptr ? StringMap(data) : StringMap();
+        reply->extraData = data != nullptr ? StringMap(data.get()) : StringMap();
         callBack(std::move(done->request), std::move(reply), static_cast<app_control_result_e>(result), done->callback,
                  done->userData);
     }

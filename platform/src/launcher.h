@@ -8,7 +8,6 @@
 
 #include "app_control_handle.h"
 #include "bus.h"
-#include "platform-bus.h"
 
 namespace host {
 
@@ -38,8 +37,8 @@ private:
     void dispatch(Launch& launch);
     std::unique_ptr<Launch> take(Launch* launch);
 
-    static void onAnswer(GObject* proxy, GAsyncResult* outcome, gpointer launch);
-    void answered(Launch* launch, PlatformBusApplication* proxy, GAsyncResult* outcome);
+    static void onAnswer(GObject* connection, GAsyncResult* outcome, gpointer launch);
+    void answered(Launch* launch, GVariant* answer, const GError* error);
 
     Bus& bus_;
     std::list<std::unique_ptr<Launch>> launches_;
