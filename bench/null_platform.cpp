@@ -27,11 +27,13 @@ struct __device_policy_manager_s {};
 
 namespace {
 
-constexpr int passwordLock = 2;
-
 struct State {
     std::string dataPath;
+    std::function<void()> story;
     message_port_message_cb port = nullptr;
+    vconf_callback_fn lockWatch = nullptr;
+    int lock = bench::passwordLock;
+    int passwordApplied = 1;
     app_control_s request;
     __device_policy_manager_s manager;
 };
@@ -48,6 +50,15 @@ int& setting() {
     return value;
 }
 
+/// The two keys that decide, and one for all others.
+int& intKey(const char* name) {
+    static int other = 0;
+    if (std::strcmp(name, "db/setting/lock_type") == 0) {
+        return state().lock;
+    }
+    return std::strcmp(name, "db/eas/password_policy_applied") == 0 ? state().passwordApplied : other;
+}
+
 char* copyOf(const char* text) {
     return strdup(text);
 }
@@ -56,6 +67,21 @@ char* copyOf(const char* text) {
 
 void bench::setDataPath(const std::string& path) {
     state().dataPath = path;
+}
+
+void bench::setStory(std::function<void()> story) {
+    state().story = std::move(story);
+}
+
+void bench::pullTrigger(Trigger trigger) {
+    trigger();
+}
+
+void bench::setLock(int lock) {
+    state().lock = lock;
+    if (state().lockWatch != nullptr) {
+        state().lockWatch(nullptr, nullptr);
+    }
 }
 
 void bench::deliver(const std::string& request, const std::string& argument) {
@@ -72,7 +98,13 @@ char* app_get_data_path(void) {
     return copyOf(state().dataPath.c_str());
 }
 
-int service_app_main(int, char**, service_app_lifecycle_callback_s*, void*) {
+int service_app_main(int, char**, service_app_lifecycle_callback_s* callback, void* user_data) {
+    if (!callback->create(user_data)) {
+        return -1;
+    }
+    callback->app_control(&state().request, user_data);
+    state().story();
+    callback->terminate(user_data);
     return 0;
 }
 void service_app_exit(void) {}
@@ -159,11 +191,12 @@ int bundle_get_str(bundle* b, const char* key, char** str) {
     return 0;
 }
 
-int vconf_get_int(const char*, int* intval) {
-    *intval = passwordLock;
+int vconf_get_int(const char* in_key, int* intval) {
+    *intval = intKey(in_key);
     return 0;
 }
-int vconf_set_int(const char*, const int) {
+int vconf_set_int(const char* in_key, const int intval) {
+    intKey(in_key) = intval;
     return 0;
 }
 char* vconf_get_str(const char*) {
@@ -172,14 +205,15 @@ char* vconf_get_str(const char*) {
 int vconf_set_str(const char*, const char*) {
     return 0;
 }
-int vconf_notify_key_changed(const char*, vconf_callback_fn, void*) {
+int vconf_notify_key_changed(const char*, vconf_callback_fn cb, void*) {
+    state().lockWatch = cb;
     return 0;
 }
 char* vconf_keynode_get_name(keynode_t*) {
     return nullptr;
 }
 int vconf_keynode_get_int(keynode_t*) {
-    return passwordLock;
+    return bench::passwordLock;
 }
 char* vconf_keynode_get_str(keynode_t*) {
     return nullptr;
