@@ -137,12 +137,19 @@ bool Bus::isActivatable(const std::string& name) {
     return g_strv_contains(names, name.c_str()) != FALSE;
 }
 
+// Nobody waits for the daemon's consent: what this process asks it next comes after this.
 void Bus::addMatch(const std::string& rule) {
-    demand("AddMatch", g_variant_new("(s)", rule.c_str()), "()", "ask for the signals of " + rule);
+    tell("AddMatch", rule);
 }
 
 void Bus::removeMatch(const std::string& rule) {
-    release("RemoveMatch", g_variant_new("(s)", rule.c_str()), "()", "take back the signals of " + rule);
+    tell("RemoveMatch", rule);
+}
+
+void Bus::tell(const char* method, const std::string& rule) const {
+    g_dbus_connection_call(connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                           method, g_variant_new("(s)", rule.c_str()), nullptr, G_DBUS_CALL_FLAGS_NONE, libraryTimeout,
+                           nullptr, nullptr, nullptr);
 }
 
 // Nobody is left to act on a failure here.

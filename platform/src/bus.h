@@ -46,8 +46,8 @@ public:
     /// Whether the daemon could start a process for the name.
     bool isActivatable(const std::string& name);
 
-    /// Subscribes to the signals that a match rule describes, until removeMatch() has been called as often. Throws
-    /// HostError when the rule is not valid.
+    /// Subscribes to the signals that a match rule describes, until removeMatch() has been called as often. Returns at
+    /// once; the daemon knows it before it answers or passes on anything that is sent later.
     void addMatch(const std::string& rule);
     void removeMatch(const std::string& rule);
 
@@ -74,6 +74,9 @@ private:
 
     /// Gives back what the daemon holds for this process; a failure to do `what` is reported.
     void release(const char* method, GVariant* arguments, const char* answerType, const std::string& what) const;
+
+    /// Tells the daemon of a match rule; it gives no answer.
+    void tell(const char* method, const std::string& rule) const;
 
     /// Ends the process when the error means that the connection is gone.
     void check(const GError* error) const;

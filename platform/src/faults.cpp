@@ -10,6 +10,7 @@ namespace host {
 Faults::Faults(SettingsStore& store, const std::string& applicationId)
     : store_(store), folder_("/faults/" + applicationId + "/") {
     store_.watch(folder_);
+    store_.awaitNews(); // a fault that comes after this makes news
     listener_ = store_.addListener([this](const std::string& path) { notify(path); });
     read();
 }

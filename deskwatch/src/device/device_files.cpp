@@ -53,6 +53,7 @@ void writeBusConfiguration(const DeviceLayout& layout) {
   <limit name="max_completed_connections">10000</limit>
   <limit name="max_connections_per_user">10000</limit>
   <limit name="max_pending_service_starts">10000</limit>
+  <limit name="max_match_rules_per_connection">50000</limit>
   <limit name="max_replies_per_connection">50000</limit>
 </busconfig>
 )");
