@@ -7,9 +7,11 @@
 
 #include <cstdlib>
 
+// A watch hands variables of the beginning "LC_" to its applications, so that the changes are in force there too.
+
 /// The changes that a process has come by, one byte each, in the file that the environment names; null without one.
 inline char* teskReachedMutants() {
-    const char* const path = std::getenv("TESK_MUTATION_TRACE");
+    const char* const path = std::getenv("LC_TESK_MUTATION_TRACE");
     const int file = path != nullptr ? open(path, O_RDWR) : -1;
     if (file < 0) {
         return nullptr;
@@ -23,7 +25,7 @@ inline char* teskReachedMutants() {
 /// Whether the small wrong change of this number is in force: one per process, or none. Allocates nothing, since the
 /// tests count allocations.
 inline bool teskMutant(int number) {
-    static const char* const chosen = std::getenv("TESK_MUTANT");
+    static const char* const chosen = std::getenv("LC_TESK_MUTANT");
     static const int chosenNumber = chosen != nullptr ? std::atoi(chosen) : 0;
     static char* const reached = teskReachedMutants();
     if (reached != nullptr) {

@@ -21,7 +21,9 @@ FUNCTIONS = {CursorKind.FUNCTION_DECL, CursorKind.CXX_METHOD, CursorKind.CONSTRU
              CursorKind.FUNCTION_TEMPLATE, CursorKind.CONVERSION_FUNCTION}
 VARIABLES = {CursorKind.VAR_DECL, CursorKind.FIELD_DECL}
 WRAPPERS = {CursorKind.UNEXPOSED_EXPR, CursorKind.PAREN_EXPR}
-NEVER_RUN = {CursorKind.STATIC_ASSERT, CursorKind.ENUM_DECL, CursorKind.PARM_DECL, CursorKind.MACRO_DEFINITION}
+# What never runs; and what an exception says, which is for a reader to judge.
+NEVER_CHANGED = {CursorKind.STATIC_ASSERT, CursorKind.ENUM_DECL, CursorKind.PARM_DECL, CursorKind.MACRO_DEFINITION,
+                 CursorKind.CXX_THROW_EXPR}
 JUMPS = {CursorKind.BREAK_STMT, CursorKind.CONTINUE_STMT}
 INTEGERS = {TypeKind.CHAR_S, TypeKind.SHORT, TypeKind.USHORT, TypeKind.INT, TypeKind.UINT, TypeKind.LONG,
             TypeKind.ULONG, TypeKind.LONGLONG, TypeKind.ULONGLONG}
@@ -88,6 +90,11 @@ def variables_in(cursor: Cursor) -> Iterator[Spot]:
             yield spot_of(inner.referenced.location)
 
 
+def is_alike(one: Cursor, other: Cursor) -> bool:
+    return (one.type.get_canonical().spelling == other.type.get_canonical().spelling
+            and one.access_specifier == other.access_specifier)
+
+
 class Finder:
     """Walks through one source as one compilation sees it. What the compiler itself computes stays as it is."""
 
@@ -129,8 +136,8 @@ class Finder:
     # declarations
 
     def visit(self, cursor: Cursor) -> None:
-        if cursor.kind in NEVER_RUN or self.in_macro(cursor):
-            return
+        if cursor.kind in NEVER_CHANGED or self.in_macro(cursor) or spot_of(cursor.location)[0] != self.source.path:
+            return  # or a header that is included within a declaration
         if cursor.kind in FUNCTIONS:
             self.visit_function(cursor)
         elif cursor.kind in VARIABLES:
@@ -145,8 +152,9 @@ class Finder:
 
     def visit_children(self, cursor: Cursor) -> None:
         is_block = cursor.kind == CursorKind.COMPOUND_STMT
+        compiler_needs_first = cursor.kind == CursorKind.CASE_STMT or self.is_decided_by_compiler(cursor)
         for index, child in enumerate(cursor.get_children()):
-            if cursor.kind == CursorKind.CASE_STMT and index == 0:
+            if compiler_needs_first and index == 0:
                 self.needed_by_compiler.update(variables_in(child))
                 continue
             if is_block or cursor.kind in (CursorKind.CASE_STMT, CursorKind.DEFAULT_STMT):
@@ -180,12 +188,13 @@ class Finder:
                 self.visit(child)
         self.function = outside
         if keyword >= 0:
-            self.note_constant(cursor, keyword, is_array)
+            self.note_constant(cursor, keyword, is_array and canonical(cursor.type.element_type) == TypeKind.CHAR_S)
 
-    def note_constant(self, cursor: Cursor, keyword: int, is_array: bool) -> None:
+    def note_constant(self, cursor: Cursor, keyword: int, is_text: bool) -> None:
         name = cursor.location.offset
-        rewrites = [(keyword, keyword + len("constexpr"), "const")]
-        if is_array:  # no condition yields an array, but it yields where one begins
+        end = keyword + len("constexpr")
+        rewrites = [(keyword, end, "" if self.text(end, name).startswith(" const ") else "const")]
+        if is_text:  # no condition yields an array, but it yields where one begins
             rewrites.append((name, name + len(f"{cursor.spelling}[]"), f"* const {cursor.spelling}"))
         self.source.constants[name] = Constant(cursor.extent.start.offset, cursor.extent.end.offset, rewrites,
                                                set(variables_in(cursor)))
@@ -224,8 +233,13 @@ class Finder:
 
     # expressions
 
+    def is_decided_by_compiler(self, cursor: Cursor) -> bool:
+        return cursor.kind == CursorKind.IF_STMT and self.text_of(cursor).startswith("if constexpr")
+
     def note(self, cursor: Cursor) -> None:
         kind = cursor.kind
+        if self.is_decided_by_compiler(cursor):
+            return
         if kind in (CursorKind.IF_STMT, CursorKind.WHILE_STMT, CursorKind.CONDITIONAL_OPERATOR):
             self.note_negation(next(cursor.get_children()))
         elif kind == CursorKind.RETURN_STMT:
@@ -236,6 +250,8 @@ class Finder:
             self.note_unary_operator(cursor)
         elif kind == CursorKind.DECL_REF_EXPR:
             self.note_enumerator(cursor)
+        elif kind == CursorKind.MEMBER_REF_EXPR:
+            self.note_field(cursor)
         else:
             self.note_literal(cursor)
 
@@ -272,6 +288,19 @@ class Finder:
         names = [sibling.spelling for sibling in enumerator.semantic_parent.get_children()]
         neighbour = names[(names.index(enumerator.spelling) + 1) % len(names)]
         self.replace(cursor, "enumerator", re.sub(r"\w+$", neighbour, self.text_of(cursor)))
+
+    def note_field(self, cursor: Cursor) -> None:
+        """Another field of the same type: the next one of its record."""
+        field = cursor.referenced
+        if field is None or field.kind != CursorKind.FIELD_DECL or field.is_bitfield():
+            return
+        twins = [sibling.spelling for sibling in field.semantic_parent.get_children()
+                 if sibling.kind == CursorKind.FIELD_DECL and is_alike(sibling, field)]
+        if field.spelling not in twins:
+            return  # of a template, whose fields have other types
+        neighbour = twins[(twins.index(field.spelling) + 1) % len(twins)]
+        if neighbour != field.spelling:
+            self.replace(cursor, "field", re.sub(r"\w+$", neighbour, self.text_of(cursor)))
 
     def note_literal(self, cursor: Cursor) -> None:
         text = self.text_of(cursor)

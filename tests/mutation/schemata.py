@@ -1,18 +1,22 @@
-"""Writes the service's sources so that every small wrong change is in them at once, and one at a time in force."""
+"""Writes the sources of an area so that all chosen small wrong changes are in them at once, and one at a time in force."""
 
 import json
 import os
 import re
 import shlex
 from collections import Counter, defaultdict, deque
+from concurrent.futures import ProcessPoolExecutor
 from dataclasses import dataclass
+from itertools import repeat
 from pathlib import Path
 
 from clang.cindex import Cursor, Diagnostic, Index, TranslationUnit
 
 from places import Change, Finder, Place, Source, Spot, spot_of
 
-LEFT_OUT = {"consumer/src/TeskConsumerLog.h"}  # macros, and what the compiler computes for them
+LEFT_OUT = ("consumer/src/TeskConsumerLog.h",  # macros, and what the compiler computes for them
+            "consumer/src/main.cpp")  # which is in none of the unit tests
+PROJECTS = ("consumer", "platform", "deskwatch")
 
 
 @dataclass(frozen=True)
@@ -22,6 +26,11 @@ class Mutant:
     line: int
     key: str  # names the change, wherever the lines around it move
     change: Change
+
+    @property
+    def source(self) -> str:
+        """A header and the source of its name are one."""
+        return os.path.splitext(self.path)[0]
 
 
 def short(code: str, limit: int = 70) -> str:
@@ -43,22 +52,30 @@ def parsed(command: dict[str, str]) -> TranslationUnit:
     return unit
 
 
-def sources_of(root: Path, compile_commands: Path) -> list[Source]:
-    """The service's sources and headers with the changes that can be made in them."""
-    folder = f"{root}/consumer/src/"
+def found(folder: str, command: dict[str, str]) -> tuple[list[Source], set[Spot]]:
+    """What one compilation sees of the sources in a folder, and the constants that the compiler itself needs."""
+    unit = parsed(command)
+    declarations: dict[str, list[Cursor]] = defaultdict(list)
+    for cursor in unit.cursor.get_children():
+        declarations[spot_of(cursor.location)[0]].append(cursor)
+    sources, needed = [], set()
+    for path in declarations:
+        if path.startswith(folder) and not path.endswith(LEFT_OUT):
+            sources.append(Source(path, Path(path).read_text("latin-1")))
+            needed |= Finder(sources[-1], declarations[path]).needed_by_compiler
+    return sources, needed
+
+
+def sources_of(root: Path, compile_commands: Path, area: str) -> list[Source]:
+    """The sources and headers of an area, such as consumer/src, with the changes that can be made in them."""
+    folder = f"{root}/{area}/"
+    commands = [command for command in json.loads(compile_commands.read_text()) if command["file"].startswith(folder)]
     sources: dict[str, Source] = {}
     needed: set[Spot] = set()
-    for command in json.loads(compile_commands.read_text()):
-        if not command["file"].startswith(folder):
-            continue
-        unit = parsed(command)
-        declarations: dict[str, list[Cursor]] = defaultdict(list)
-        for cursor in unit.cursor.get_children():
-            declarations[spot_of(cursor.location)[0]].append(cursor)
-        for path in declarations:
-            if path.startswith(folder) and path not in sources and os.path.relpath(path, root) not in LEFT_OUT:
-                sources[path] = Source(path, Path(path).read_text("latin-1"))
-                needed |= Finder(sources[path], declarations[path]).needed_by_compiler
+    with ProcessPoolExecutor(len(os.sched_getaffinity(0))) as workers:
+        for seen, needed_here in workers.map(found, repeat(folder), commands):
+            sources = {source.path: source for source in seen} | sources
+            needed |= needed_here
     leave_alone(sources, needed)
     return [sources[path] for path in sorted(sources)]
 
@@ -81,7 +98,7 @@ def numbered(root: Path, sources: list[Source]) -> list[Mutant]:
     mutants: list[Mutant] = []
     equals: Counter[str] = Counter()
     for source in sources:
-        path, lines = os.path.relpath(source.path, root), source.text.splitlines()
+        path, lines = os.path.relpath(source.path, root), source.text.split("\n")
         for place in in_order(source):
             place.first_number = len(mutants) + 1
             line = source.text.count("\n", 0, place.start)
@@ -103,10 +120,11 @@ def in_order(source: Source) -> list[Place]:
 
 
 class Writer:
-    """Writes one source with its changes. Lines keep their numbers, since the log carries them."""
+    """Writes one source with the chosen of its changes. Lines keep their numbers, since the log carries them."""
 
-    def __init__(self, source: Source) -> None:
+    def __init__(self, source: Source, numbers: set[int]) -> None:
         self.source = source
+        self.numbers = numbers
         self.rewrites = {start: (end, text) for constant in source.constants.values()
                          for start, end, text in constant.rewrites}
         self.edits = deque(sorted([*in_order(source), *self.rewrites], key=self.start_of))
@@ -124,13 +142,15 @@ class Writer:
         return "".join([*parts, self.source.text[start:end]])
 
     def choice(self, place: Place) -> str:
-        numbers = range(place.first_number, place.first_number + len(place.changes))
+        chosen_changes = [(number, change) for number, change in enumerate(place.changes, place.first_number)
+                          if number in self.numbers]
         if place.start == place.end:
-            return "".join(change.code.format(f"teskMutant({number})")
-                           for number, change in zip(numbers, place.changes))
+            return "".join(change.code.format(f"teskMutant({number})") for number, change in chosen_changes)
         original = self.text(place.start, place.end)
+        if not chosen_changes:
+            return original
         chosen = f"bool({original})" if place.as_bool else f"({original})"
-        for number, change in zip(numbers, place.changes):
+        for number, change in chosen_changes:
             chosen = f"(teskMutant({number}) ? ({on_one_line(change.code)}) : {chosen})"
         return chosen
 
@@ -139,16 +159,17 @@ def on_one_line(code: str) -> str:
     return re.sub(r"\s*(//[^\n]*)?\n\s*", " ", code)
 
 
-def write_tree(root: Path, tree: Path, sources: list[Source]) -> None:
-    """The repository by links, with the service's sources changed. A file that would stay the same is not touched."""
-    for folder, replaced in ((Path(), {"consumer", "build", ".git"}), (Path("consumer"), {"src"})):
+def write_tree(root: Path, tree: Path, sources: list[Source], numbers: set[int]) -> None:
+    """The repository by links, with sources changed. A file that would stay the same is not touched."""
+    for folder, replaced in ((".", {*PROJECTS, "build", ".git"}), *((project, {"src"}) for project in PROJECTS)):
         (tree / folder).mkdir(parents=True, exist_ok=True)
         for entry in (root / folder).iterdir():
             link = tree / folder / entry.name
             if entry.name not in replaced and not link.is_symlink():
                 link.symlink_to(entry)
-    texts = {path: path.read_text("latin-1") for path in (root / "consumer/src").rglob("*") if path.is_file()}
-    texts |= {Path(source.path): Writer(source).text(0, len(source.text)) for source in sources}
+    texts = {path: path.read_text("latin-1") for project in PROJECTS
+             for path in (root / project / "src").rglob("*") if path.is_file()}
+    texts |= {Path(source.path): Writer(source, numbers).text(0, len(source.text)) for source in sources}
     for path, text in texts.items():
         written = tree / path.relative_to(root)
         if not written.exists() or written.read_text("latin-1") != text:

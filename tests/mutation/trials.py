@@ -1,4 +1,4 @@
-"""Runs unit tests, each in a process of its own, with none or one of the small wrong changes in force."""
+"""Runs tests, each in a process of its own, with none or one of the small wrong changes in force."""
 
 import os
 import subprocess
@@ -7,14 +7,26 @@ import time
 from collections import Counter, defaultdict
 from collections.abc import Callable, Iterable
 from concurrent.futures import ThreadPoolExecutor
+from enum import Enum
 from pathlib import Path
 from typing import TypeVar
 
 from schemata import Mutant
 
-TIME_OUT = 20  # seconds; most tests take some hundredths of one
+TIME_OUT = 30  # seconds, and ten times what the test takes without a change
+# Whatever a test starts ends with it, also when the change keeps it from ending that itself. The shell takes leave of orphans.
+ALONE = ("unshare", *(() if os.geteuid() == 0 else ("--user", "--map-current-user")),
+         "--pid", "--fork", "--mount-proc", "--kill-child", "bash", "-c", '"$@"; exit', "test")
+Test = tuple[Path, str]  # a program and the name of a test in it
 Item = TypeVar("Item")
 Result = TypeVar("Result")
+
+
+class Answer(Enum):
+    """What the tests say about a change."""
+    NOTICED = "noticed"
+    ENDLESS = "endless"  # a test ran out of time
+    UNNOTICED = "unnoticed"
 
 
 def in_parallel(work: Callable[[Item], Result], items: Iterable[Item]) -> list[Result]:
@@ -23,18 +35,23 @@ def in_parallel(work: Callable[[Item], Result], items: Iterable[Item]) -> list[R
 
 
 class Trials:
-    """The tests of a program in which all changes are. Their files live in `folder`."""
+    """The tests of programs in which the changes are. Their files live in `folder`."""
 
-    def __init__(self, program: Path, folder: Path) -> None:
-        self.program = program
+    def __init__(self, programs: list[Path], folder: Path, mutants: list[Mutant], most: int) -> None:
         self.folder = folder
-        self.seconds: dict[str, float] = {}
-        self.endless: list[str] = []  # tests that were ended
-        self.noticed_by: dict[str, Counter[str]] = defaultdict(Counter)  # how often which test, by source
-        self.tests = self.listed()
+        self.most = most  # tests that are asked about a change
+        self.patience = 1  # how many times its time a test is given
+        self.seconds: dict[Test, float] = defaultdict(float)
+        self.noticed_by: dict[str, Counter[Test]] = defaultdict(Counter)  # how often which test, by source
+        self.numbers: dict[str, set[int]] = defaultdict(set)  # of the changes, by source
+        for mutant in mutants:
+            self.numbers[mutant.source].add(mutant.number)
+        last = max(mutant.number for mutant in mutants)
+        self.tests = [(program, test) for program in programs for test in self.listed(program)]
+        self.reached = dict(zip(self.tests, in_parallel(lambda test: self.reached_by(test, last), self.tests)))
 
-    def listed(self) -> list[str]:
-        text = subprocess.run([self.program, "--gtest_list_tests"], capture_output=True, text=True, check=True).stdout
+    def listed(self, program: Path) -> list[str]:
+        text = subprocess.run([program, "--gtest_list_tests"], capture_output=True, text=True, check=True).stdout
         tests, suite = [], ""
         for line in text.splitlines():
             name = line.split("#")[0].rstrip()
@@ -44,38 +61,50 @@ class Trials:
                 tests.append(suite + name.strip())
         return [test for test in tests if "DISABLED_" not in test]
 
-    def passes(self, test: str, **environment: str) -> bool:
-        command = [self.program, f"--gtest_filter={test}"]
-        try:
-            return subprocess.run(command, cwd=self.folder, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-                                  env={**os.environ, "TMPDIR": str(self.folder), **environment}, timeout=TIME_OUT,
-                                  check=False).returncode == 0
-        except subprocess.TimeoutExpired:
-            self.endless.append(test)
-            return False
+    def passes(self, test: Test, **environment: str) -> bool:
+        """Throws subprocess.TimeoutExpired."""
+        command = [*ALONE, test[0], f"--gtest_filter={test[1]}"]
+        return subprocess.run(command, cwd=self.folder, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                              env={**os.environ, "TMPDIR": str(self.folder), **environment},
+                              timeout=self.patience * (TIME_OUT + 10 * self.seconds[test]), check=False).returncode == 0
 
-    def reached_by(self, test: str, mutants: int) -> set[int]:
+    def reached_by(self, test: Test, last: int) -> set[int]:
         """The changes that the test comes by while none is in force."""
         with tempfile.NamedTemporaryFile(dir=self.folder) as trace:
-            trace.truncate(mutants + 1)
+            trace.truncate(last + 1)
             start = time.monotonic()
-            if not self.passes(test, TESK_MUTATION_TRACE=trace.name):
-                raise SystemExit(f"mutate: {test} fails without any change")
+            if not any(self.passes(test, LC_TESK_MUTATION_TRACE=trace.name) for _ in range(2)):
+                raise SystemExit(f"mutate: {test[1]} fails without any change")
             self.seconds[test] = time.monotonic() - start
             return {number for number, reached in enumerate(trace.read()) if reached}
 
-    def reaching_tests(self, mutants: int) -> dict[int, list[str]]:
-        tests: dict[int, list[str]] = defaultdict(list)
-        for test, numbers in zip(self.tests, in_parallel(lambda test: self.reached_by(test, mutants), self.tests)):
-            for number in numbers:
-                tests[number].append(test)
-        return tests
+    def likeliest(self, mutant: Mutant) -> list[Test]:
+        """The tests that come by the change: first those that noticed most other changes in the source, then those that are
+        the most about it, where of the changes that they come by the greatest share is in that source; then the quick."""
+        successes, numbers = self.noticed_by[mutant.source], self.numbers[mutant.source]
 
-    def is_noticed(self, mutant: Mutant, tests: list[str]) -> bool:
-        """Whether one of the tests fails; those that noticed other changes in the source are asked first."""
-        successes = self.noticed_by[mutant.path]
-        for test in sorted(tests, key=lambda test: (-successes[test], self.seconds[test])):
-            if not self.passes(test, TESK_MUTANT=str(mutant.number)):
-                successes[test] += 1
-                return True
-        return False
+        def order(test: Test) -> tuple[int, float, float]:
+            reached = self.reached[test]
+            return -successes[test], -len(reached & numbers) / len(reached), self.seconds[test]
+
+        return sorted((test for test in self.tests if mutant.number in self.reached[test]), key=order)[:self.most]
+
+    def answer(self, mutant: Mutant) -> Answer:
+        for test in self.likeliest(mutant):
+            try:
+                if self.passes(test, LC_TESK_MUTANT=str(mutant.number)):
+                    continue
+            except subprocess.TimeoutExpired:
+                return Answer.ENDLESS
+            self.noticed_by[mutant.source][test] += 1
+            return Answer.NOTICED
+        return Answer.UNNOTICED
+
+    def answers(self, mutants: list[Mutant]) -> dict[Mutant, Answer]:
+        """Asks again, one at a time and with more patience, where time ran out: the machine may have been busy."""
+        answers = dict(zip(mutants, in_parallel(self.answer, mutants)))
+        self.patience = 2
+        for mutant in mutants:
+            if answers[mutant] == Answer.ENDLESS:
+                answers[mutant] = self.answer(mutant)
+        return answers
