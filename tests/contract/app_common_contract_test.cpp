@@ -1,6 +1,7 @@
 #include <app_common.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
 
 #include "contract_environment.h"
@@ -15,7 +16,7 @@ TEST(AppCommonContract, TellsTheApplicationsId) {
 }
 
 TEST(AppCommonContract, IdWithoutAPlaceForItIsAnError) {
-    EXPECT_LT(app_get_id(nullptr), 0);
+    EXPECT_EQ(app_get_id(nullptr), -EINVAL);
 }
 
 TEST(AppCommonContract, DataPathIsAnAbsoluteFolderWithASlashAtItsEnd) {

@@ -39,7 +39,8 @@ protected:
         write("/faults/" + std::string(deskId) + "/" + function, g_variant_new("(ii)", code, nth));
     }
 
-    static void clear() { write("/faults/" + std::string(deskId) + "/", nullptr); }
+    /// The faults of all applications.
+    static void clear() { write("/faults/", nullptr); }
 
     static void write(const std::string& path, GVariant* value) {
         const c::ObjectOwner<DConfClient> client(dconf_client_new());
@@ -76,7 +77,9 @@ TEST_F(Faults, OnlyTheNthCallFails) {
         EXPECT_TRUE(runMainLoopUntil([&] { return vconf_set_int("db/test/number", 1) == refused; }));
 
         EXPECT_EQ(setQuality(), DPM_ERROR_NONE);
-        EXPECT_EQ(setQuality(), refused);
+        set("vconf_set_str", refused);
+        EXPECT_TRUE(runMainLoopUntil([&] { return vconf_set_str("db/test/text", "text") == refused; }));
+        EXPECT_EQ(setQuality(), refused) << "the calls before another fault are counted too";
         EXPECT_EQ(setQuality(), DPM_ERROR_NONE);
     });
 }

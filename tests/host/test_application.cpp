@@ -30,6 +30,7 @@ struct Application {
     bool refuses = false;
     bool ownsSystemName = false;
     bool exitsInCreate = false;
+    guint timer = 0;
     app_control_h kept = nullptr;
 };
 
@@ -90,6 +91,11 @@ std::string textOf(bundle* message, const char* key) {
     return text != nullptr ? text : "";
 }
 
+gboolean onTimer(gpointer /*data*/) {
+    say("timer");
+    return G_SOURCE_CONTINUE;
+}
+
 void onMessage(int /*port*/, const char* sender, const char* /*remotePort*/, bool /*trusted*/, bundle* message,
                void* data) {
     auto* application = static_cast<Application*>(data);
@@ -99,6 +105,12 @@ void onMessage(int /*port*/, const char* sender, const char* /*remotePort*/, boo
     } else if (todo == "watch") {
         vconf_notify_key_changed(textOf(message, "key").c_str(), onKeyChanged, nullptr);
         say("watching");
+    } else if (todo == "start ten seconds") {
+        application->timer = g_timeout_add_seconds(10, onTimer, nullptr);
+        say(todo + " done");
+    } else if (todo == "stop") {
+        g_source_remove(application->timer);
+        say(todo + " done");
     } else if (todo == "throw") {
         throw std::runtime_error("the application gave up");
     } else {
