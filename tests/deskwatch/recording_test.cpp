@@ -10,9 +10,6 @@
 namespace deskwatch {
 namespace {
 
-constexpr std::chrono::seconds deadline{20};
-constexpr std::chrono::milliseconds lookAgain{10};
-
 std::string textOf(const std::filesystem::path& file) {
     std::ifstream stream(file);
     return {std::istreambuf_iterator<char>(stream), {}};
@@ -23,13 +20,13 @@ class RunningRecord {
 public:
     explicit RunningRecord(const std::filesystem::path& file, const char* option = nullptr) {
         GError* error = nullptr;
-        process_.reset(g_subprocess_new(G_SUBPROCESS_FLAGS_NONE, &error, DESKWATCH_PROGRAM, "record", file.c_str(),
-                                        option, nullptr));
+        process_.reset(g_subprocess_new(G_SUBPROCESS_FLAGS_STDERR_PIPE, &error, DESKWATCH_PROGRAM, "record",
+                                        file.c_str(), option, nullptr));
         EXPECT_NE(process_, nullptr) << c::takeMessage(error);
-        const auto end = std::chrono::steady_clock::now() + deadline;
-        while (textOf(file).find('\n') == std::string::npos && std::chrono::steady_clock::now() < end) {
-            g_usleep(std::chrono::microseconds(lookAgain).count());
-        }
+        const c::ObjectOwner<GDataInputStream> errors(
+            g_data_input_stream_new(g_subprocess_get_stderr_pipe(process_.get())));
+        const c::MemoryOwner<char> line(g_data_input_stream_read_line(errors.get(), nullptr, nullptr, nullptr));
+        EXPECT_EQ(line != nullptr ? line.get() : "", "recording to " + file.string() + "; ^C or deskwatch off ends it");
     }
 
     ~RunningRecord() { g_subprocess_force_exit(process_.get()); }
@@ -66,6 +63,21 @@ protected:
         return file;
     }
 };
+
+TEST_F(Recordings, FileThatHoldsSomethingIsReplacedOnlyByForce) {
+    const auto file = write("story.jsonl", "kept\n");
+    boot();
+    const auto outcome = deskwatchProgram({"record", file.string()});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors, "deskwatch: record: " + file.string() + " exists already; --force replaces it\n");
+    EXPECT_EQ(textOf(file), "kept\n");
+
+    const RunningRecord recording(file, "--force");
+    recording.interrupt();
+
+    EXPECT_EQ(recording.status(), 0);
+    EXPECT_EQ(textOf(file).find("kept"), std::string::npos);
+}
 
 TEST_F(Recordings, WearersStoryReplaysWithEveryEffectEqual) {
     const auto file = recordStory();

@@ -3,6 +3,7 @@
 
 #include "commands.h"
 #include "recording/recorder.h"
+#include "text/input_file.h"
 
 namespace deskwatch {
 
@@ -12,10 +13,16 @@ void addRecordCommand(CLI::App& program, const CommonOptions& common) {
     command->add_option("FILE", options->file, "The recording, a line of JSON for each event; - for standard output")
         ->required();
     command->add_flag("--anonymise", options->isAnonymous, "Replace the names of accounts");
+    command->add_flag("--force", options->isForced, "Replace FILE when it exists");
     command->footer("Runs until it is interrupted or the watch is switched off. The first line holds the state of the\n"
                     "watch: its stored accounts, settings, keys and faults.\n"
                     "Example:\n  deskwatch record story.jsonl");
-    command->callback([&common, options] { record(chosenDevice(common), *options); });
+    command->callback([&common, options] {
+        record(chosenDevice(common), *options, [&options] {
+            std::cerr << "recording to " << (options->file == standardInput ? "standard output" : options->file)
+                      << "; ^C or deskwatch off ends it\n";
+        });
+    });
 }
 
 } // namespace deskwatch

@@ -20,6 +20,7 @@ void StoryRecorder::start() {
     }
     lines_ = 0;
     error_.clear();
+    said_.clear();
     std::error_code ignored;
     std::filesystem::remove(file_, ignored);
     followed_.emplace(file_, [this](const std::string& text) {
@@ -28,7 +29,7 @@ void StoryRecorder::start() {
     });
     process_.emplace(
         std::vector<std::string>{"--device", folder_, "record", file_.string()},
-        [this](const std::string& line) { error_ = line; }, [this](int status) { onEnd(status); });
+        [this](const std::string& line) { said_ = line; }, [this](int status) { onEnd(status); });
     tellState();
 }
 
@@ -47,8 +48,8 @@ void StoryRecorder::onEnd(int status) {
     followed_->read();
     followed_.reset();
     process_.reset();
-    if (status != 0 && error_.empty()) {
-        error_ = "the recording ended suddenly";
+    if (status != 0) {
+        error_ = said_.empty() ? "the recording ended suddenly" : said_;
     }
     tellState();
 }

@@ -38,6 +38,7 @@ private:
     std::optional<LineProcess> process_;
     std::optional<FollowedFile> followed_;
     std::size_t lines_ = 0;
+    std::string said_; // last, which is the reason when it fails
     std::string error_;
 };
 

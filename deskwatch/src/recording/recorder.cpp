@@ -45,11 +45,20 @@ private:
     FileDescriptor descriptor_;
 };
 
+/// Whether something would be lost with the file.
+bool isWritten(const std::filesystem::path& file) {
+    std::error_code none;
+    return std::filesystem::is_regular_file(file, none) && std::filesystem::file_size(file, none) > 0;
+}
+
 /// The file of a recording, line by line.
 class Lines {
 public:
     explicit Lines(const RecordOptions& options) : options_(options) {
         if (options.file != standardInput) {
+            if (!options.isForced && isWritten(options.file)) {
+                throw std::runtime_error(options.file + " exists already; --force replaces it");
+            }
             file_.open(options.file, std::ios::trunc);
             requireWritten(file_);
         }
@@ -160,11 +169,12 @@ private:
 
 } // namespace
 
-void record(const Device& device, const RecordOptions& options) {
+void record(const Device& device, const RecordOptions& options, const std::function<void()>& whenReady) {
     const EndSignals signals;
     device.requireBooted();
     Recorder recorder(device, options);
     recorder.writeHead();
+    whenReady();
     recorder.run(signals);
 }
 
