@@ -108,7 +108,7 @@ TEST(ProvisioningImport, FateOfEachElementIsTold) {
               "not an element of a provisioning document; did you mean \"AllowWifi\"?");
 }
 
-TEST(ProvisioningImport, SummaryIsAboutWhatThePolicyDemands) {
+TEST(ProvisioningImport, SummaryAndLinesTellTheSameOfWhatThePolicyDemands) {
     const auto report = importText("p.xml", import({{"DevicePasswordEnabled", "1"},
                                                     {"AllowWifi", "1"},
                                                     {"AllowCamera", "0"},
@@ -118,11 +118,26 @@ TEST(ProvisioningImport, SummaryIsAboutWhatThePolicyDemands) {
                                                     {"MaxAttachmentSize", "-1"},
                                                     {"MaxEmailAgeFilter", "2"},
                                                     {"AllowTeleport", "0"},
+                                                    {"AllowBluetooth", "1"},
                                                     {"{urn:x}Other", "0"}}));
-    EXPECT_EQ(report.substr(0, report.find("p.xml:1:")),
-              "p.xml: enforced: DevicePasswordEnabled 1\n"
-              "p.xml: only stored: AllowCamera 0, MinDevicePasswordComplexCharacters 3\n"
-              "p.xml: lost: RequireStorageCardEncryption 1, MaxEmailAgeFilter 2, AllowTeleport 0\n");
+    EXPECT_EQ(
+        report,
+        "p.xml: enforced: DevicePasswordEnabled 1\n"
+        "p.xml: only stored: AllowCamera 0, MinDevicePasswordComplexCharacters 3\n"
+        "p.xml: lost: RequireStorageCardEncryption 1, MaxEmailAgeFilter 2, AllowTeleport 0, AllowBluetooth 1\n"
+        "p.xml:1: DevicePasswordEnabled 1: enforced, devicePasswordEnabled true\n"
+        "p.xml:2: AllowWifi 1: demands nothing, allowWifi true\n"
+        "p.xml:3: AllowCamera 0: only stored, allowCamera false\n"
+        "p.xml:4: MinDevicePasswordComplexCharacters 3: only stored, minDevicePasswordComplexCharacters 3; counts "
+        "only when the password must be alphanumeric\n"
+        "p.xml:5: RequireStorageCardEncryption 1: lost: no message carries it\n"
+        "p.xml:6: AllowHTMLEmail 1: demands nothing\n"
+        "p.xml:7: MaxAttachmentSize -1: demands nothing\n"
+        "p.xml:8: MaxEmailAgeFilter 2: lost, unless the mail application sees to it\n"
+        "p.xml:9: AllowTeleport 0: lost: unknown to the watch; not an element of a provisioning document\n"
+        "p.xml:10: AllowBluetooth 1: lost, allowBluetoothMode true; hands-free only (1) and allowed (2) are sent "
+        "as the same value\n"
+        "p.xml:11: {urn:x}Other 0: demands nothing; an element of another namespace\n");
     EXPECT_EQ(importText("p.xml", import({})),
               "p.xml: enforced: nothing\np.xml: only stored: nothing\np.xml: lost: nothing\n");
 }
@@ -141,8 +156,8 @@ TEST(ProvisioningImport, RemarksAreMadeWhereTheValueMakesThemTrue) {
           Row{"MaxInactivityTimeDeviceLock", "9999",
               "9999 seconds and more, no limit in the protocol, are taken literally"},
           Row{"MaxDevicePasswordFailedAttempts", "4", ""},
-          Row{"MaxDevicePasswordFailedAttempts", "", "empty, treated as absent; 10 are allowed when there is no limit"},
-          Row{"MinDevicePasswordComplexCharacters", "2", "only when the password must be alphanumeric"}}) {
+          Row{"MaxDevicePasswordFailedAttempts", "", "empty, treated as absent; without a limit the watch allows 10"},
+          Row{"MinDevicePasswordComplexCharacters", "2", "counts only when the password must be alphanumeric"}}) {
         EXPECT_EQ(import({{row.element, row.value}, {"DevicePasswordEnabled", "1"}}).elements[0].remark, row.remark)
             << row.element << " " << row.value;
     }
@@ -233,9 +248,9 @@ TEST(ProvisioningImport, MessageGoesToAFileAndTheReportToStandardError) {
     const auto report = Json::parse(outcome.errors);
     ASSERT_EQ(report["elements"].size(), 7U);
     EXPECT_EQ(report["elements"][5], Json::parse(R"({"line": 16, "element": "AllowBluetooth", "value": "1",
-        "watch": "stored, not enforced", "member": "allowBluetoothMode", "carried": true,
+        "watch": "lost", "member": "allowBluetoothMode", "carried": true,
         "remark": "hands-free only (1) and allowed (2) are sent as the same value"})"));
-    EXPECT_EQ(report["elements"][6]["watch"], "not deliverable to the watch");
+    EXPECT_EQ(report["elements"][6]["watch"], "lost: no message carries it");
 }
 
 } // namespace

@@ -115,6 +115,20 @@ Fate fateOf(Support support) {
     return support == Support::Enforced ? Fate::Enforced : support == Support::Stored ? Fate::Stored : Fate::Lost;
 }
 
+/// A value as a member carries it.
+Json carriedValue(const ElementRule& rule, int value) {
+    switch (rule.conversion) {
+    case Conversion::Flag:
+        return value != 0;
+    case Conversion::PasswordMode:
+        return value != 0 ? alphanumericMode : 0;
+    case Conversion::Number:
+    case Conversion::None:
+        break;
+    }
+    return value;
+}
+
 /// The values as the policy set carries them.
 class PolicySet {
 public:
@@ -126,7 +140,12 @@ public:
 
     Fate fateOfDemand(const ElementRule& rule) const {
         const bool waitsForAnother = *rule.remarkUnless != '\0' && isRemarkTrue(rule);
-        return valueOf(rule) == rule.absent ? Fate::Nothing : waitsForAnother ? Fate::Stored : fateOf(rule.support);
+        const bool isCarried =
+            rule.conversion == Conversion::None || carriedValue(rule, valueOf(rule)) != carriedValue(rule, rule.absent);
+        return valueOf(rule) == rule.absent ? Fate::Nothing
+               : !isCarried                 ? Fate::Lost
+               : waitsForAnother            ? Fate::Stored
+                                            : fateOf(rule.support);
     }
 
     bool isRemarkTrue(const ElementRule& rule) const {
@@ -135,19 +154,7 @@ public:
         return value >= rule.remarkLeast && value <= rule.remarkMost && (unless == nullptr || valueOf(*unless) == 0);
     }
 
-    Json carried(const ElementRule& rule) const {
-        const int value = valueOf(rule);
-        switch (rule.conversion) {
-        case Conversion::Flag:
-            return value != 0;
-        case Conversion::PasswordMode:
-            return value != 0 ? alphanumericMode : 0;
-        case Conversion::Number:
-        case Conversion::None:
-            break;
-        }
-        return value;
-    }
+    Json carried(const ElementRule& rule) const { return carriedValue(rule, valueOf(rule)); }
 
     Json json() const {
         Json members = Json::object();

@@ -1,5 +1,6 @@
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <array>
 
 #include "provisioning/provisioning_import.h"
@@ -11,32 +12,39 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-const char* supportText(Support support) {
+/// Why no message carries an element.
+const char* reasonOfLoss(Support support) {
     switch (support) {
-    case Support::Enforced:
-        return "enforced";
-    case Support::Stored:
-        return "stored, not enforced";
     case Support::NotDeliverable:
-        return "not deliverable to the watch";
+        return ": no message carries it";
     case Support::MailApplication:
-        return "left to the mail application";
+        return ", unless the mail application sees to it";
     case Support::NotThere:
-        return "the watch has no such thing";
+        return ": the watch has no such thing";
     case Support::Unknown:
+        return ": unknown to the watch";
+    case Support::Enforced:
+    case Support::Stored:
         break;
     }
-    return "unknown to the watch";
+    return "";
 }
 
-struct FateLine {
+struct FateWord {
     Fate fate;
     const char* words;
 };
 
-/// The lines of the summary.
-constexpr std::array<FateLine, 3> fateLines{
+/// The lines of the summary, and what the line of an element begins with.
+constexpr std::array<FateWord, 3> fateWords{
     {{Fate::Enforced, "enforced"}, {Fate::Stored, "only stored"}, {Fate::Lost, "lost"}}};
+
+std::string fateText(const ImportedElement& entry) {
+    const auto* const known = std::find_if(fateWords.begin(), fateWords.end(),
+                                           [&](const FateWord& candidate) { return candidate.fate == entry.fate; });
+    const std::string words = known != fateWords.end() ? known->words : "demands nothing";
+    return entry.fate == Fate::Lost ? words + reasonOfLoss(entry.support) : words;
+}
 
 std::vector<std::string> elementsOf(const ProvisioningImport& import, Fate fate) {
     std::vector<std::string> elements;
@@ -56,16 +64,17 @@ std::string importText(const std::string& file, const ProvisioningImport& import
     for (const auto& notice : import.notices) {
         text.append("warning: ").append(notice).append("\n");
     }
-    for (const auto& [fate, words] : fateLines) {
+    for (const auto& [fate, words] : fateWords) {
         const auto elements = elementsOf(import, fate);
         text.append(file).append(": ").append(words).append(": ");
         text.append(elements.empty() ? "nothing" : joined(elements, ", ")).append("\n");
     }
-    for (const auto& [element, support, member, carried, remark, fate] : import.elements) {
+    for (const auto& entry : import.elements) {
+        const auto& [element, support, member, carried, remark, fate] = entry;
         text += placeIn(file, element.line);
         text.append(": ").append(printable(element.name));
         text.append(element.value.empty() ? "" : " ").append(printable(element.value));
-        text.append(": ").append(supportText(support));
+        text.append(": ").append(fateText(entry));
         if (!member.empty()) {
             text.append(", ").append(member).append(" ").append(carried);
         }
@@ -76,14 +85,15 @@ std::string importText(const std::string& file, const ProvisioningImport& import
 
 std::string importJson(const std::string& file, const ProvisioningImport& import) {
     Json object{{"file", file}, {"notices", import.notices}, {"summary", Json::object()}, {"elements", Json::array()}};
-    for (const auto& [fate, words] : fateLines) {
+    for (const auto& [fate, words] : fateWords) {
         object["summary"][words] = elementsOf(import, fate);
     }
-    for (const auto& [element, support, member, carried, remark, fate] : import.elements) {
+    for (const auto& entry : import.elements) {
+        const auto& [element, support, member, carried, remark, fate] = entry;
         object["elements"].push_back({{"line", element.line},
                                       {"element", element.name},
                                       {"value", element.value},
-                                      {"watch", supportText(support)},
+                                      {"watch", fateText(entry)},
                                       {"member", member.empty() ? Json(nullptr) : Json(member)},
                                       {"carried", carried.empty() ? Json(nullptr) : Json::parse(carried)},
                                       {"remark", remark}});
