@@ -61,6 +61,17 @@ private:
     std::string version_ = "14.1";
 };
 
+TEST(ServedPolicies, ComeInAnyFormatThatBringsOnePolicy) {
+    for (const char* file : {"/policies/format-list.txt", "/policies/grommunio.json", "/policies/reply.hex"}) {
+        const auto document = ServedPolicies({std::string(SAMPLES) + file}).documentOf("bob");
+        ASSERT_TRUE(document) << file;
+        const auto* const enabled = document->child("DevicePasswordEnabled");
+        ASSERT_NE(enabled, nullptr) << file;
+        EXPECT_EQ(enabled->text, "1") << file;
+    }
+    EXPECT_THROW(ServedPolicies({SAMPLES "/policies/policies.ini"}), std::runtime_error) << "it has two";
+}
+
 TEST_F(TheDeskServer, FinalKeyOpensTheCommandsUntilThePolicyChanges) {
     EXPECT_EQ(folderSync(""), 141);
     EXPECT_EQ(folderSync("0"), 142);

@@ -52,7 +52,7 @@ void addServeCommand(CLI::App& exchange) {
     auto options = std::make_shared<ServeOptions>();
     command
         ->add_option("POLICY", options->policies,
-                     "USER=FILE, or FILE for all other users; XML with an EASProvisionDoc element")
+                     "USER=FILE, or FILE for all other users; a policy in any format that import reads")
         ->required();
     command->add_option("--port", options->port, "Port of the loopback interface (default: any that is free)")
         ->check(CLI::Range(0, 65535))

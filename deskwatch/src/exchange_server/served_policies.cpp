@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "policy_files/policy_file.h"
 #include "provisioning/provisioning_document.h"
 #include "text/input_file.h"
 #include "wbxml/element_xml.h"
@@ -30,11 +31,8 @@ void moveToProvision(WbxmlElement& element) {
     }
 }
 
-WbxmlElement readDocument(const std::string& file) {
-    if (file == standardInput) {
-        throw std::runtime_error("a policy is read again for each device, and standard input only once; name a file");
-    }
-    const auto text = readInput(file);
+/// As it stands, with what only the XML says.
+WbxmlElement documentOfXml(const std::string& file, const std::string& text) {
     readProvisioningDocument(file, text); // refuses with the line what is not one
     const auto root = elementFromXml(text);
     const auto* const found = findDocument(root);
@@ -43,6 +41,33 @@ WbxmlElement readDocument(const std::string& file) {
     }
     auto document = *found;
     moveToProvision(document);
+    return document;
+}
+
+/// Of the values that any other format has.
+WbxmlElement documentOfPolicy(const std::string& file, const std::string& text) {
+    const auto content = readPolicyFile(file, text);
+    if (content.policies.size() != 1) {
+        throw std::runtime_error(file + " has " + std::to_string(content.policies.size()) +
+                                 " policies; the server takes a file with one");
+    }
+    auto document = provisionElement("EASProvisionDoc", std::vector<WbxmlElement>{});
+    for (const auto& element : content.policies.front().elements) {
+        if (!element.isList) {
+            document.children.push_back(provisionElement(element.name, element.value));
+        }
+    }
+    return document;
+}
+
+WbxmlElement readDocument(const std::string& file) {
+    if (file == standardInput) {
+        throw std::runtime_error("a policy is read again for each device, and standard input only once; name a file");
+    }
+    const auto text = readInput(file);
+    const auto start = text.find_first_not_of(" \t\r\n\xEF\xBB\xBF");
+    const bool isXml = start != std::string::npos && text[start] == '<';
+    auto document = isXml ? documentOfXml(file, text) : documentOfPolicy(file, text);
     try {
         encodeWbxml(document);
     } catch (const std::runtime_error& error) {

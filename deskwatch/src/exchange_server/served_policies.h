@@ -13,8 +13,8 @@ namespace deskwatch {
 /// The policies of a server's users, in files that may change at any time.
 class ServedPolicies {
 public:
-    /// Each is `USER=FILE`, or `FILE` for everybody else. Throws std::runtime_error when a file does not hold a
-    /// provisioning document, with its place, and for a user with two files.
+    /// Each is `USER=FILE`, or `FILE` for everybody else. Throws std::runtime_error when a file does not hold one
+    /// policy in a format that readPolicyFile knows, with its place, and for a user with two files.
     explicit ServedPolicies(const std::vector<std::string>& policies);
 
     /// The EASProvisionDoc of a user as it is now; none when the user has no policy. Throws std::runtime_error when the
