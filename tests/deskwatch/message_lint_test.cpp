@@ -74,12 +74,14 @@ TEST_F(LintCommand, RemarksFailAndAreWarningsWhereTheMessageIsSent) {
         file + ":28: \"minDevicePasswordLenght\" is not a member; did you mean \"minDevicePasswordLength\"?\n";
 
     EXPECT_EQ(run({"lint", sample("hardened.json")}), "");
-    const auto linted = deskwatchProgram({"lint", file});
+    const auto linted = deskwatchProgram({"lint", "/nowhere", write("broken.json", "{").string(), file});
     boot();
     const auto foreseen = deskwatchProgram({"whatif", file});
     const auto sent = deskwatchProgram({"mail", "policy", file});
 
     EXPECT_EQ(linted.status, 1);
+    EXPECT_EQ(linted.errors.find("deskwatch: lint: cannot read /nowhere: No such file or directory\n"), 0U);
+    EXPECT_NE(linted.errors.find("broken.json:1:2: not valid JSON: "), std::string::npos) << linted.errors;
     EXPECT_NE(linted.output.find(remark), std::string::npos) << linted.output;
     for (const auto& outcome : {foreseen, sent}) {
         EXPECT_EQ(outcome.status, 0);

@@ -7,21 +7,37 @@
 #include "commands.h"
 #include "messages/message_lint.h"
 #include "text/input_file.h"
+#include "text/json_input.h"
+#include "text/value_text.h"
 
 namespace deskwatch {
 namespace {
 
-/// Throws when a file has remarks, after all files have been checked.
+std::vector<std::string> remarksOn(const std::string& file) {
+    const auto text = readMessageFile(file, Check::None);
+    requireJson(inputName(file), text, "");
+    return remarkLines(inputName(file), text);
+}
+
+/// Throws when there are remarks, or a file is not a message, after all files have been checked.
 void lint(const std::vector<std::string>& files) {
     std::size_t count = 0;
+    std::vector<std::string> failures;
     for (const auto& file : files) {
-        for (const auto& line : remarkLines(inputName(file), readMessageFile(file, Check::ValidJson))) {
-            std::cout << line << '\n';
-            ++count;
+        try {
+            for (const auto& line : remarksOn(file)) {
+                std::cout << line << '\n';
+                ++count;
+            }
+        } catch (const std::runtime_error& error) {
+            failures.emplace_back(error.what());
         }
     }
     if (count > 0) {
-        throw std::runtime_error(std::to_string(count) + (count == 1 ? " remark" : " remarks"));
+        failures.push_back(std::to_string(count) + (count == 1 ? " remark" : " remarks"));
+    }
+    if (!failures.empty()) {
+        throw std::runtime_error(joined(failures, "\n"));
     }
 }
 
