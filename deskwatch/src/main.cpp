@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <iostream>
 #include <stdexcept>
 #include <string>
@@ -5,6 +6,7 @@
 #include "actors/refusal.h"
 #include "commands/commands.h"
 #include "commands/output.h"
+#include "text/suggestion.h"
 
 namespace {
 
@@ -26,6 +28,10 @@ void print(const CLI::App& program, const std::exception& error) {
     std::cerr << "deskwatch: " << commandName(program) << ": " << error.what() << '\n';
 }
 
+bool isOption(const std::string& word) {
+    return word.rfind('-', 0) == 0;
+}
+
 /// What a command wrote before it failed must not be lost either.
 int report(const CLI::App& program, const std::exception& error, int status) {
     print(program, error);
@@ -38,10 +44,36 @@ int report(const CLI::App& program, const std::exception& error, int status) {
     return status;
 }
 
-/// Tells what was given in the place of a command and is none. The parser only misses the command.
+/// What the user probably meant by a word that is neither a command nor an option of the command.
+std::string meant(const CLI::App& program, const std::string& word) {
+    const CLI::App* command = &program;
+    std::vector<std::string> names;
+    for (auto inner = program.get_subcommands(); !inner.empty(); inner = command->get_subcommands()) {
+        command = inner.front();
+    }
+    for (const auto* place : {command, &program}) {
+        for (const auto* option : place->get_options()) {
+            for (const auto& name : option->get_lnames()) {
+                names.push_back("--" + name);
+            }
+        }
+    }
+    for (const auto* inner : command->get_subcommands([](const CLI::App*) { return true; })) {
+        names.push_back(inner->get_group().empty() ? "" : inner->get_name());
+    }
+    return deskwatch::didYouMean(word, {names.begin(), names.end()});
+}
+
+/// Tells what was given in the place of a command or an option and is none. The parser only misses the command, or
+/// tells the values of the option, too.
 int reportUsage(const CLI::App& program, const CLI::ParseError& error) {
-    const auto unknown = program.remaining(true);
-    if (dynamic_cast<const CLI::RequiredError*>(&error) == nullptr || unknown.empty()) {
+    auto unknown = program.remaining(true);
+    const bool isTooMuch = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
+    if (isTooMuch) {
+        std::stable_partition(unknown.begin(), unknown.end(), isOption);
+    }
+    const bool isUnknownOption = isTooMuch && !unknown.empty() && isOption(unknown.front());
+    if ((dynamic_cast<const CLI::RequiredError*>(&error) == nullptr || unknown.empty()) && !isUnknownOption) {
         const int status = program.exit(error) == 0 ? 0 : usage;
         deskwatch::flushOutput(); // help is output, too
         return status;
@@ -49,7 +81,7 @@ int reportUsage(const CLI::App& program, const CLI::ParseError& error) {
     const std::string outer = commandName(program);
     const std::string& word = unknown.front();
     std::cerr << "deskwatch: " << (outer.empty() ? "" : outer + ": ") << word
-              << (word.rfind('-', 0) == 0 ? " is not an option" : " is not a command")
+              << (isOption(word) ? " is not an option" : " is not a command") << meant(program, word)
               << "\nRun with --help for more information.\n";
     return usage;
 }

@@ -218,13 +218,34 @@ TEST_F(Commands, WrongArgumentIsNamedWithWhatThereIs) {
     EXPECT_EQ(chain.errors.find("--lock: chain not in {none,password,pin}\n"), 0U) << chain.errors;
 }
 
+TEST_F(Commands, NameThatIsMisspeltIsProposed) {
+    boot();
+    const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
+        {{"lock", "pin", "--lenght", "4"}, "lock: --lenght is not an option; did you mean \"--length\"?\n"},
+        {{"--devise", "x", "status"}, "--devise is not an option; did you mean \"--device\"?\n"},
+        {{"log", "--level", "w"}, "w not in {V,D,I,W,E,F}; did you mean \"W\"?\n"},
+        {{"event", "low-batery"}, "did you mean \"low-battery\"?\n"},
+        {{"bus", "allowWiFi", "0"}, "did you mean \"allowWifi\"?\n"},
+        {{"fault", "vconf_set_itn", "-1"}, "did you mean \"vconf_set_int\"?\n"},
+        {{"launch", "com.velmor.tesk-agnt"}, "did you mean \"com.velmor.tesk-agent\"?\n"},
+        {{"key", "get", "db/setting/locktype"}, "is not set; did you mean \"db/setting/lock_type\"?\n"},
+        {{"mail", "send", "chk_pasword_policy"}, "did you mean \"chk_password_policy\"?\n"},
+    };
+    for (const auto& [arguments, words] : cases) {
+        const auto outcome = deskwatchProgram(arguments);
+        EXPECT_NE(outcome.status, 0) << words;
+        EXPECT_NE(outcome.errors.find(words), std::string::npos) << outcome.errors;
+    }
+}
+
 TEST_F(Commands, WordThatIsNoCommandIsNamed) {
     const auto outer = deskwatchProgram({"statu", "--json"});
     EXPECT_EQ(outer.status, 2);
-    EXPECT_EQ(outer.errors.find("deskwatch: statu is not a command\n"), 0U) << outer.errors;
+    EXPECT_EQ(outer.errors.find("deskwatch: statu is not a command; did you mean \"status\"?\n"), 0U) << outer.errors;
     const auto inner = deskwatchProgram({"mail", "polcy", "file"});
     EXPECT_EQ(inner.status, 2);
-    EXPECT_EQ(inner.errors.find("deskwatch: mail: polcy is not a command\n"), 0U) << inner.errors;
+    EXPECT_EQ(inner.errors.find("deskwatch: mail: polcy is not a command; did you mean \"policy\"?\n"), 0U)
+        << inner.errors;
     const auto option = deskwatchProgram({"--statu"});
     EXPECT_EQ(option.status, 2);
     EXPECT_EQ(option.errors.find("deskwatch: --statu is not an option\n"), 0U) << option.errors;

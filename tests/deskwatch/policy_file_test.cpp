@@ -204,7 +204,7 @@ TEST(ChosenPolicy, NamesAreToldWhenTheChoiceIsOpen) {
     EXPECT_EQ(policyFileRefusal([&] { chosenPolicy("p", two, ""); }),
               "p has 2 policies; choose one with --policy: \"Field staff\", \"Office\"");
     EXPECT_EQ(policyFileRefusal([&] { chosenPolicy("p", two, "office"); }),
-              "p has no policy \"office\"; it has \"Field staff\", \"Office\"");
+              "p has no policy \"office\"; it has \"Field staff\", \"Office\"; did you mean \"Office\"?");
     EXPECT_EQ(policyFileRefusal([] { chosenPolicy("p", {}, ""); }), "p brings no policy");
 }
 

@@ -1,7 +1,9 @@
 #ifndef DESKWATCH_REQUEST_H
 #define DESKWATCH_REQUEST_H
 
+#include <array>
 #include <string>
+#include <string_view>
 
 namespace deskwatch {
 
@@ -17,6 +19,8 @@ inline constexpr char updatePolicy[] = "req_update_policy";
 inline constexpr char deleteAccount[] = "req_delete_account";
 inline constexpr char checkPassword[] = "chk_password_policy";
 inline constexpr char checkEncryption[] = "chk_device_encryption_policy";
+
+inline constexpr std::array<std::string_view, 4> all{updatePolicy, deleteAccount, checkPassword, checkEncryption};
 
 /// A message with policy sets.
 inline Request policyUpdate(std::string message) {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "messages/message.h"
+#include "text/suggestion.h"
 
 namespace deskwatch {
 namespace {
@@ -220,7 +221,9 @@ Effect effectOfCheck(const Request& request, const std::vector<ServiceLine>& log
 
 std::vector<Effect> effectsOf(const Request& request, const RequestTraces& traces) {
     if (const auto reason = reasonToPassOver(traces.log); !reason.empty()) {
-        return {{Became::PassedOver, std::nullopt, "", reason}};
+        const bool isKnown = std::find(requests::all.begin(), requests::all.end(), request.name) != requests::all.end();
+        const auto meant = isKnown ? "" : didYouMean(request.name, {requests::all.begin(), requests::all.end()});
+        return {{Became::PassedOver, std::nullopt, "", reason + meant}};
     }
     if (request.name == requests::updatePolicy) {
         return effectsOfUpdate(request, traces);

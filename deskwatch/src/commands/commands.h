@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -23,12 +24,23 @@ struct CommonOptions {
     int timeout = static_cast<int>(Device::defaultPatience.count());
 };
 
-/// Makes an option accept the names of values; another text is refused with the list of names.
+/// Refuses a text that is none of these names with the list, and with the name that was probably meant.
+CLI::Validator oneOf(std::vector<std::string> names);
+
+/// Makes an option accept the names of values.
 template <class Type>
 void chooseByName(CLI::Option* option, const std::map<std::string, Type>& values) {
+    std::vector<std::string> names;
+    for (const auto& [name, value] : values) {
+        names.push_back(name);
+    }
     option->transform(CLI::Transformer(values).description(""));
-    option->transform(CLI::IsMember(values).description("")); // the last one is asked first
+    option->transform(oneOf(names)); // the last one is asked first
 }
+
+/// Runs what fails for a name that nobody knows; the failure then says which name was probably meant.
+void suggestWhenUnknown(const std::string& name, const std::vector<std::string>& known,
+                        const std::function<void()>& action);
 
 /// Refuses what is not a number from 1 to the largest one, in words; empty when it is one.
 std::string checkPositive(const std::string& text);

@@ -4,10 +4,13 @@
 #include <limits>
 #include <stdexcept>
 
+#include "actors/refusal.h"
 #include "commands.h"
 #include "device/registry.h"
 #include "messages/message_lint.h"
 #include "text/input_file.h"
+#include "text/suggestion.h"
+#include "text/value_text.h"
 
 namespace deskwatch {
 
@@ -25,6 +28,31 @@ std::string checkPositive(const std::string& text) {
 
 std::string checkNotEmpty(const std::string& text) {
     return text.empty() ? "an empty name names no watch" : "";
+}
+
+CLI::Validator oneOf(std::vector<std::string> names) {
+    return CLI::Validator(
+        [names = std::move(names)](const std::string& text) -> std::string {
+            if (std::find(names.begin(), names.end(), text) != names.end()) {
+                return "";
+            }
+            return text + " not in {" + joined(names, ",") + "}" + didYouMean(text, {names.begin(), names.end()});
+        },
+        "");
+}
+
+void suggestWhenUnknown(const std::string& name, const std::vector<std::string>& known,
+                        const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const Refusal&) {
+        throw;
+    } catch (const std::runtime_error& error) {
+        if (std::find(known.begin(), known.end(), name) != known.end()) {
+            throw;
+        }
+        throw std::runtime_error(error.what() + didYouMean(name, {known.begin(), known.end()}));
+    }
 }
 
 void chooseLock(CLI::Option* option) {

@@ -1,3 +1,4 @@
+#include <array>
 #include <iostream>
 #include <memory>
 
@@ -6,9 +7,27 @@
 #include "commands.h"
 #include "records/service_log.h"
 #include "session/platform_events.h"
+#include "text/value_text.h"
 
 namespace deskwatch {
 namespace {
+
+/// What the service can be asked for.
+constexpr std::array<const char*, 15> diagnosticMethods{"ping",
+                                                        "removeAccount",
+                                                        "usingFile",
+                                                        "devicePasswordEnabled",
+                                                        "allowSimplePassword",
+                                                        "minDevicePasswordLength",
+                                                        "minDevicePasswordComplexCharacters",
+                                                        "maxInactivityTimeDeviceLock",
+                                                        "devicePasswordExpiration",
+                                                        "devicePasswordHistory",
+                                                        "requireDeviceEncryption",
+                                                        "allowBluetooth",
+                                                        "allowPopimapEmail",
+                                                        "allowTextMessaging",
+                                                        "allowWifi"};
 
 struct BusOptions {
     std::string method;
@@ -20,7 +39,9 @@ struct BusOptions {
 void callMethod(const Device& device, const BusOptions& options) {
     ServiceLog log(device.layout().log());
     log.skip();
-    const int answer = callDiagnosticMethod(device, options.method, options.value);
+    int answer = 0;
+    suggestWhenUnknown(options.method, {diagnosticMethods.begin(), diagnosticMethods.end()},
+                       [&] { answer = callDiagnosticMethod(device, options.method, options.value); });
     if (const auto reason = reasonToPassOver(log.takeLines()); !reason.empty()) {
         throw Refusal(options.method + ": " + reason);
     }
@@ -46,10 +67,7 @@ void addBusCommand(CLI::App& program, const CommonOptions& common) {
     auto* command = program.add_subcommand("bus", "Call the service's bus interface for diagnosis");
     auto options = std::make_shared<BusOptions>();
     auto* method = command->add_option("METHOD", options->method, "What the service is asked for")->required();
-    method->type_name(
-        "ping|removeAccount|usingFile|devicePasswordEnabled|allowSimplePassword|minDevicePasswordLength|"
-        "minDevicePasswordComplexCharacters|maxInactivityTimeDeviceLock|devicePasswordExpiration|"
-        "devicePasswordHistory|requireDeviceEncryption|allowBluetooth|allowPopimapEmail|allowTextMessaging|allowWifi");
+    method->type_name(joined({diagnosticMethods.begin(), diagnosticMethods.end()}, "|"));
     command->add_option("VALUE", options->value, "The field's value");
     command->footer(
         "Starts the service when it does not run; prints what the method returns.\n"

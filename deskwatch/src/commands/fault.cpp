@@ -33,7 +33,7 @@ void changeFaults(const CommonOptions& common, const FaultOptions& options) {
     if (options.isCleared) {
         clearFaults(session);
     } else if (!options.fault.function.empty()) {
-        setFault(session, options.fault);
+        suggestWhenUnknown(options.fault.function, platformFunctions(), [&] { setFault(session, options.fault); });
     } else {
         const auto faults = readFaults();
         std::cout << (options.isJson ? jsonText(faultsJson(faults), 2) + "\n" : faultTable(faults));

@@ -1,6 +1,7 @@
 #include <iostream>
 #include <memory>
 
+#include "TeskConsumerKeys.h"
 #include "commands.h"
 #include "commands/output.h"
 #include "session/observer.h"
@@ -19,16 +20,27 @@ struct KeyOptions {
     bool isJson = false;
 };
 
+/// The keys that the service reads or writes.
+std::vector<std::string> namedKeys() {
+    return {TeskConsumerKeys::passwordPolicyApplied, TeskConsumerKeys::deviceEncryptionApplied,
+            TeskConsumerKeys::passwordInputFinished, TeskConsumerKeys::lockType,
+            TeskConsumerKeys::cryptoState,           TeskConsumerKeys::countryIso,
+            TeskConsumerKeys::tutorialInProgress};
+}
+
 std::string asLine(const std::string& key, const Value& value) {
     return jsonText({{"key", key}, {"value", valueJson(value)}});
 }
 
 void get(const CommonOptions& common, const KeyOptions& options) {
     const DeviceSession session(chosenDevice(common), observerId);
-    const Value value = readKey(options.key);
-    if (std::holds_alternative<std::monostate>(value)) {
-        throw std::runtime_error(options.key + " is not set");
-    }
+    Value value;
+    suggestWhenUnknown(options.key, namedKeys(), [&] {
+        value = readKey(options.key);
+        if (std::holds_alternative<std::monostate>(value)) {
+            throw std::runtime_error(options.key + " is not set");
+        }
+    });
     std::cout << (options.isJson ? asLine(options.key, value) : valueText(value)) << '\n';
 }
 

@@ -37,7 +37,10 @@ void addLaunchCommand(CLI::App& program, const CommonOptions& common) {
         for (const auto& entry : options->entries) {
             extraData.push_back(parseEntry(entry));
         }
-        launchFromHome(chosenDevice(common), options->application, extraData);
+        std::vector<std::string> known(ids::companions.begin(), ids::companions.end());
+        known.emplace_back(ids::service);
+        suggestWhenUnknown(options->application, known,
+                           [&] { launchFromHome(chosenDevice(common), options->application, extraData); });
     });
 }
 

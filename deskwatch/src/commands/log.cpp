@@ -69,7 +69,7 @@ void addLogCommand(CLI::App& program, const CommonOptions& common) {
                       "Continue with new lines until interrupted, or the watch is switched off");
     command->add_flag("--boot", options->isOfBoot, "Show only what was written since the last boot");
     command->add_option("--level", options->level, "Show only log lines of this level and higher: V D I W E F")
-        ->check(CLI::IsMember({"V", "D", "I", "W", "E", "F"}))
+        ->check(oneOf({"V", "D", "I", "W", "E", "F"}))
         ->type_name("LEVEL");
     command->footer("Lines of the platform's log begin with their time in UTC.\n"
                     "Example:\n  deskwatch log --follow --level W");

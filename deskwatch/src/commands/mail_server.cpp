@@ -107,8 +107,9 @@ CLI::Option* addVersionOption(CLI::App& command, std::optional<int>& version) {
             "--protocol",
             [take](const std::string& text) {
                 if (!take(text)) {
-                    throw CLI::ValidationError("--protocol",
-                                               text + " is not a version of ActiveSync that is spoken here");
+                    throw CLI::ValidationError(
+                        "--protocol",
+                        text + " is not a version of ActiveSync: 2.5, 12.0, 12.1, 14.0, 14.1, 16.0 or 16.1");
                 }
             },
             "Version of ActiveSync: 2.5, 12.0, 12.1, 14.0, 14.1, 16.0 or 16.1 (default: the highest that both speak)")

@@ -4,7 +4,9 @@
 #include <stdexcept>
 
 #include "exchange_server/desk_server.h"
+#include "text/suggestion.h"
 #include "text/text_table.h"
+#include "text/value_text.h"
 #include "wbxml/wbxml_codec.h"
 
 namespace deskwatch {
@@ -50,11 +52,11 @@ std::optional<int> numberOf(const std::string& text) {
 
 void requireValid(const ServerOrder& order, const OrderRow* row) {
     if (row == nullptr) {
-        std::string names;
-        for (const auto& known : orderRows) {
-            names.append(names.empty() ? "" : ", ").append(known.name);
-        }
-        throw std::runtime_error("\"" + order.name + "\" is not an order; the orders are " + names);
+        std::vector<std::string> names;
+        std::transform(std::begin(orderRows), std::end(orderRows), std::back_inserter(names),
+                       [](const OrderRow& known) { return known.name; });
+        throw std::runtime_error("\"" + order.name + "\" is not an order; the orders are " + joined(names, ", ") +
+                                 didYouMean(order.name, {names.begin(), names.end()}));
     }
     const bool isValid = row->needs == Needs::Number ? numberOf(order.value).has_value()
                          : row->needs == Needs::Text ? !order.value.empty() && printable(order.value) == order.value

@@ -10,6 +10,7 @@
 #include "provisioning/exchange_trace_format.h"
 #include "provisioning/provisioning_import.h"
 #include "provisioning/provisioning_tolerance.h"
+#include "text/suggestion.h"
 #include "text/text_table.h"
 #include "text/value_text.h"
 
@@ -72,6 +73,13 @@ std::string namesOf(const PolicyFile& content) {
     return joined(names, ", ");
 }
 
+std::vector<std::string_view> namesAsWords(const PolicyFile& content) {
+    std::vector<std::string_view> names;
+    std::transform(content.policies.begin(), content.policies.end(), std::back_inserter(names),
+                   [](const FilePolicy& policy) { return std::string_view(policy.name); });
+    return names;
+}
+
 } // namespace
 
 PolicyFile readPolicyFile(const std::string& file, const std::string& bytes) {
@@ -101,7 +109,8 @@ const FilePolicy& chosenPolicy(const std::string& file, const PolicyFile& conten
         throw std::runtime_error(file + " brings no policy");
     }
     if (count == 0) {
-        throw std::runtime_error(file + " has no policy \"" + printable(name) + "\"; it has " + namesOf(content));
+        throw std::runtime_error(file + " has no policy \"" + printable(name) + "\"; it has " + namesOf(content) +
+                                 didYouMean(name, namesAsWords(content)));
     }
     if (count > 1) {
         throw std::runtime_error(file + " has " + std::to_string(policies.size()) +
