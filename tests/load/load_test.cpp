@@ -21,7 +21,7 @@ constexpr long allowedGrowth = 1024; // KiB
 
 /// Whether a checker holds memory of its own beside the service's and keeps what was freed for a while.
 bool isChecked() {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef TESK_SANITIZED
     return true;
 #else
     return std::getenv("TESK_TEST_SERVICE") != nullptr;

@@ -114,7 +114,7 @@ TEST(HostileStore, UpdateWaitsForALockThatIsReleasedInTime) {
 }
 
 /// What the service may take for 100,000 accounts, in KB.
-#ifdef __SANITIZE_ADDRESS__
+#ifdef TESK_SANITIZED
 constexpr long mostMemory = 800'000; // the sanitizer keeps for a while what has been released
 #else
 constexpr long mostMemory = 100'000;
