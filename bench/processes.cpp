@@ -15,7 +15,7 @@
 #include <thread>
 
 #include "c_owners.h"
-#include "device/bus_client.h"
+#include "device/bus_connection.h"
 #include "device/device.h"
 
 namespace {
@@ -67,18 +67,6 @@ private:
     bool owned_ = false;
     guint watch_;
 };
-
-c::ObjectOwner<GDBusConnection> connect(const std::string& address) {
-    GError* error = nullptr;
-    const auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                                         G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    c::ObjectOwner<GDBusConnection> connection(
-        g_dbus_connection_new_for_address_sync(address.c_str(), flags, nullptr, nullptr, &error));
-    if (connection == nullptr) {
-        throw std::runtime_error("bench: no bus at " + address + ": " + c::takeMessage(error));
-    }
-    return connection;
-}
 
 /// The form that GLib takes lists of texts in; they stay the caller's.
 std::vector<const char*> pointers(const std::vector<std::string>& texts) {
@@ -239,7 +227,7 @@ void measure(const fs::path& binaries, const fs::path& folder, int idleSeconds) 
     sync(); // pages of a program that was just linked would count as dirty memory of its process
     const deskwatch::BootedDevice watch(folder / "watch",
                                         {{serviceId, programs[0].command}, {platformId, programs[1].command}});
-    const auto bus = connect(watch->busAddress());
+    const auto bus = deskwatch::connectToBus(watch->busAddress());
     measureStartUp(*watch, bus.get(), programs);
 
     RunningPrograms running;
