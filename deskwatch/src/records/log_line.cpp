@@ -37,15 +37,21 @@ system_clock::time_point timeOf(const std::string& text) {
 
 } // namespace
 
+std::optional<char> levelOf(std::string_view line) {
+    if (isShapedLikeATime(line.substr(0, timeShape.size()))) {
+        line.remove_prefix(timeShape.size());
+    }
+    const bool hasLevel = line.size() > 1 && line[1] == '/' && levels.find(line[0]) != std::string_view::npos;
+    return hasLevel ? std::optional(line[0]) : std::nullopt;
+}
+
 LogLine logLine(std::string_view line) {
     LogLine result;
+    result.level = levelOf(line);
     result.text = line;
     if (const auto start = line.substr(0, timeShape.size()); isShapedLikeATime(start)) {
         result.time = timeOf(std::string(start));
         result.text.remove_prefix(timeShape.size());
-    }
-    if (result.text.size() > 1 && result.text[1] == '/' && levels.find(result.text[0]) != std::string_view::npos) {
-        result.level = result.text[0];
     }
     return result;
 }

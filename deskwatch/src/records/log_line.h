@@ -19,6 +19,9 @@ struct LogLine {
     std::string_view text;
 };
 
+/// The level of a line alone, which is quick: a log has many lines.
+std::optional<char> levelOf(std::string_view line);
+
 /// The parts of a line, which has to last as long as they do.
 LogLine logLine(std::string_view line);
 

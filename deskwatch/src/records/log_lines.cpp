@@ -6,9 +6,18 @@ namespace deskwatch {
 
 std::string LogLines::add(std::string_view text) {
     constexpr std::size_t longestLine = 1'048'576;
+    const bool isLineComplete = text.find('\n') != std::string_view::npos; // what is unfinished has no line break
     unfinished_ += text;
-    if (unfinished_.size() > longestLine && unfinished_.rfind('\n') == std::string::npos) {
+    if (!isLineComplete) {
+        if (unfinished_.size() <= longestLine) {
+            return "";
+        }
         unfinished_ += '\n'; // nobody's line is that long, and a log without line breaks must not fill the memory
+    }
+    if (!lowest_) {
+        auto complete = unfinished_.substr(0, unfinished_.rfind('\n') + 1);
+        unfinished_.erase(0, complete.size());
+        return complete;
     }
     std::string wanted;
     std::size_t begin = 0;
@@ -22,10 +31,7 @@ std::string LogLines::add(std::string_view text) {
 }
 
 bool LogLines::isWanted(std::string_view line) const {
-    if (!lowest_) {
-        return true;
-    }
-    const auto level = logLine(line).level;
+    const auto level = levelOf(line);
     return level && isAtLeast(*level, *lowest_);
 }
 
