@@ -29,6 +29,10 @@ void runPending();
 /// Takes the daemon of the device policy manager away. False where that cannot be done.
 [[nodiscard]] bool removePolicyDaemon();
 
+/// Whether the storage may be wiped. A device would lose what is on it: there the call is answered without the
+/// platform.
+[[nodiscard]] bool mayWipe();
+
 /// Another application, with a port. Its functions do not run the main loop.
 namespace remote {
 

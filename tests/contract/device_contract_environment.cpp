@@ -38,6 +38,10 @@ bool removePolicyDaemon() {
     return false;
 }
 
+bool mayWipe() {
+    return false;
+}
+
 namespace remote {
 
 bool start() {

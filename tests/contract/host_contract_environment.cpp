@@ -78,6 +78,10 @@ bool removePolicyDaemon() {
     return std::filesystem::remove(device()->folder() / "services" / "ca.desrt.dconf.service");
 }
 
+bool mayWipe() {
+    return true;
+}
+
 namespace remote {
 
 bool start() {

@@ -37,6 +37,10 @@ bool removePolicyDaemon() {
     return true;
 }
 
+bool mayWipe() {
+    return true;
+}
+
 namespace remote {
 
 bool start() {
