@@ -16,12 +16,12 @@ TEST_F(Commands, ExplainNamesWinnerLosersAndWhatBecameOfIt) {
             attempts = field;
         }
     }
-    EXPECT_EQ(attempts, Json::parse(R"({"field": "max_device_password_failed_attempts",
-        "rule": "the smallest value other than 0, which means no limit", "accounts": [
+    EXPECT_EQ(attempts, Json::parse(R"json({"field": "max_device_password_failed_attempts",
+        "rule": "the smallest value above 0 (0: no limit)", "accounts": [
             {"account": 1, "value": 0, "standing": "loses"}, {"account": 2, "value": 10, "standing": "loses"},
             {"account": 3, "value": 8, "standing": "wins"}],
         "winner": 3, "losers": [1, 2], "merged": 8,
-        "setting": "maximum_failed_attempts_for_wipe", "demanded": 8, "now": 8})"));
+        "setting": "maximum_failed_attempts_for_wipe", "demanded": 8, "now": 8})json"));
     EXPECT_EQ(explained["password"]["enforcingAccount"], 2);
     EXPECT_EQ(explained["password"]["scores"][1]["score"], 22);
     EXPECT_EQ(explained["notes"][0]["accounts"], Json::parse("[3]"));

@@ -133,7 +133,7 @@ const std::vector<Damage>& damages() {
         {"SmallestHistoryWins",
          enforced({accountWith(1, {{"device_password_history", 8}}), accountWith(2, {{"device_password_history", 2}})}),
          FindingKind::Merge,
-         "device_password_history of account 2 wins: the smallest value other than 0, which means no limit",
+         "device_password_history of account 2 wins: the smallest value above 0 (0: no limit)",
          {"account 1 wants history 8, the device holds 2"}},
         {"LockWasRemoved",
          damaged(enforced({accountWith(1, pin)}), [](auto& watch) { watch.lockType = 0; }),

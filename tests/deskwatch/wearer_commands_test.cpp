@@ -92,7 +92,7 @@ TEST_F(WearerCommands, PopupThatIsNotOpenTakesNoAnswer) {
     outcome = deskwatchProgram({"popup", "dismiss"});
 
     EXPECT_EQ(outcome.status, refused);
-    EXPECT_EQ(outcome.errors, "deskwatch: popup dismiss: nobody waits for an answer of the popup\n");
+    EXPECT_EQ(outcome.errors, "deskwatch: popup dismiss: nobody waits for an answer from the popup\n");
 }
 
 TEST_F(WearerCommands, AnswerReachesTheServiceThatRunsNowAndNoneThatHasEnded) {

@@ -10,7 +10,7 @@
 
 namespace deskwatch {
 
-/// A policy that the server waits to hear about.
+/// A policy whose server has not been told yet what became of it.
 struct PendingPolicy {
     std::string temporaryKey;
     /// How often the wearer had stopped synchronising when the service got the policy; none before it got it.

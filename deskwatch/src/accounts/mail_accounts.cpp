@@ -80,7 +80,7 @@ void MailAccounts::refresh(int id) {
     auto account = store_.read(id);
     Handshake handshake(surroundings_.transport, account.server, surroundings_.password(account));
     if (account.pending) {
-        say(account, "goes on with the policy that the server waits to hear about");
+        say(account, "goes on with the policy on which the server has no report yet");
         finish(account, handshake, true);
         return;
     }

@@ -75,7 +75,7 @@ void answerPopup(const Device& device, PopupAnswer answer) {
     }
     const auto questions = openQuestions(session);
     if (questions == 0) {
-        throw Refusal("nobody waits for an answer of the popup");
+        throw Refusal("nobody waits for an answer from the popup");
     }
     const auto popup = popupOf(session);
     do {

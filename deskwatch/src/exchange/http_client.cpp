@@ -111,7 +111,8 @@ void addHeader(const char* name, const char* value, gpointer reply) {
 }
 
 [[noreturn]] void fail(const HttpRequest& request, const std::string& reason) {
-    throw std::runtime_error("cannot get an answer of " + request.url.substr(0, request.url.find('?')) + ": " + reason);
+    throw std::runtime_error("cannot get an answer from " + request.url.substr(0, request.url.find('?')) + ": " +
+                             reason);
 }
 
 /// What went wrong, with the reason that is known better than the library's own words.

@@ -60,7 +60,7 @@ constexpr Words statuses[] = {
 };
 
 constexpr Words policyStatuses[] = {
-    {2, "the server has no policy for this user", "nothing is to be done"},
+    {2, "the server has no policy for this user", "there is nothing to do"},
     {3, "the server does not know the kind of policy", "--protocol VERSION tries another version"},
     {4, "the policy on the server is damaged", "the administrator has to save it again"},
     {5, "the server has given out another key meanwhile", "connect again"},

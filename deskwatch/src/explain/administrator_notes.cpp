@@ -71,7 +71,7 @@ constexpr std::array<Rule, 7> noteRules{{
      "clients to ignore them"},
     {asksForALongerHistory,
      "the smallest password history other than 0 is enforced, not the largest, so this account gets a shorter one"},
-    {leavesAttemptsUnlimited, "failed attempts are never unlimited: no account limits them, so 10 are allowed"},
+    {leavesAttemptsUnlimited, "failed attempts are never unlimited: when no account limits them, the watch allows 10"},
     {weakensAttempts,
      "an account that allows more than 10 failed attempts weakens the watch: without it there would be 10"},
     {meansUnlimitedInactivity,

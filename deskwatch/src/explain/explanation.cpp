@@ -96,7 +96,7 @@ const char* ruleInWords(TeskMergeRule rule, int start) {
     case TeskMergeRule::Largest:
         return "the largest value";
     case TeskMergeRule::SmallestNonZero:
-        return "the smallest value other than 0, which means no limit";
+        return "the smallest value above 0 (0: no limit)";
     case TeskMergeRule::Smallest:
         return "the lowest level";
     case TeskMergeRule::NotMerged:

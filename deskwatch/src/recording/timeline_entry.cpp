@@ -30,7 +30,8 @@ std::string assignment(const TraceEvent& event) {
 
 std::string messageText(const TraceEvent& event) {
     const auto size = entry(event, "entries", "msg").size();
-    return entry(event, "entries", "req") + (size > 0 ? " with " + std::to_string(size) + " bytes" : "");
+    return entry(event, "entries", "req") +
+           (size > 0 ? " with " + std::to_string(size) + (size == 1 ? " byte" : " bytes") : "");
 }
 
 std::string faultText(const TraceEvent& event) {
