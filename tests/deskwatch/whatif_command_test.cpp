@@ -241,16 +241,24 @@ TEST_F(Whatif, SignalLeavesNoProcessAndNoFolder) {
     const auto script = write("service", "#!/bin/sh\necho $$ >" + announcement.string() + "\nexec sleep 1000\n");
     std::filesystem::permissions(script, std::filesystem::perms::owner_all);
     boot({"--service", script.string()});
-    for (const int number : {SIGINT, SIGTERM}) {
+    for (const int number : {SIGINT, SIGTERM, SIGKILL}) {
         ASSERT_EQ(mkfifo(announcement.c_str(), 0600), 0);
         RunningProgram program({"whatif", sample("hardened.json")});
         const pid_t service = awaitNumber(announcement);
         std::filesystem::remove(announcement);
         ASSERT_GT(service, 0) << "the copy does not start it";
 
+        const auto bus = ProcessHandle::open(getsid(service));
+        ASSERT_TRUE(bus);
+
         program.signal(number);
 
         EXPECT_EQ(program.waitForEnd(), -1) << "ended by the signal";
+        EXPECT_TRUE(bus->waitForEnd(std::chrono::seconds(20)));
+        if (number == SIGKILL) { // it cannot do more, and this service does not mind its bus
+            kill(service, SIGKILL);
+            continue;
+        }
         EXPECT_FALSE(ProcessHandle::open(service)) << "the service still comes up";
         EXPECT_TRUE(std::filesystem::is_empty(temporary()));
     }

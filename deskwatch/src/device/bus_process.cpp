@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/prctl.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
@@ -42,16 +44,28 @@ FileDescriptor openLog(const std::filesystem::path& log) {
     return descriptor;
 }
 
+/// What the new process is told.
+struct Introduction {
+    std::string record;
+    pid_t starter; // that it ends with; 0 for nobody
+};
+
 /// Runs in the new process before it becomes the daemon, in a session of its own with all that it starts. The daemon
 /// writes down itself who it is, so that it is known even when the process that boots the device is killed at this
 /// moment. Only calls that are safe after a fork.
-void introduceDaemon(gpointer recordPath) {
+void introduceDaemon(gpointer data) {
+    const auto& introduction = *static_cast<const Introduction*>(data);
+    if (introduction.starter != 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+    }
+    if (introduction.starter != 0 && getppid() != introduction.starter) {
+        _exit(1);
+    }
     setsid();
     char stat[1024];
     const FileDescriptor self(open("/proc/self/stat", O_RDONLY | O_CLOEXEC));
     const ssize_t length = read(self.get(), stat, sizeof stat);
-    const FileDescriptor record(
-        open(static_cast<const char*>(recordPath), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+    const FileDescriptor record(open(introduction.record.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
     if (length <= 0 || write(record.get(), stat, static_cast<size_t>(length)) != length) {
         _exit(1);
     }
@@ -102,7 +116,7 @@ void BusProcess::start(const Start& start) const {
     const char* const arguments[] = {daemon.c_str(), configuration.c_str(), "--nofork", "--nopidfile",
                                      "--nosyslog",   ready.c_str(),         nullptr};
     auto [readEnd, writeEnd] = makePipe();
-    std::string record = record_.string();
+    Introduction introduction{record_.string(), start.endsWithStarter ? getpid() : 0};
     GError* error = nullptr;
     {
         const c::ObjectOwner<GSubprocessLauncher> launcher(g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_NONE));
@@ -111,7 +125,7 @@ void BusProcess::start(const Start& start) const {
         g_subprocess_launcher_take_stdout_fd(launcher.get(), openLog(start.log).release());
         g_subprocess_launcher_take_stderr_fd(launcher.get(), openLog(start.log).release());
         g_subprocess_launcher_take_fd(launcher.get(), writeEnd.release(), readyDescriptor);
-        g_subprocess_launcher_set_child_setup(launcher.get(), introduceDaemon, record.data(), nullptr);
+        g_subprocess_launcher_set_child_setup(launcher.get(), introduceDaemon, &introduction, nullptr);
         const c::ObjectOwner<GSubprocess> process(g_subprocess_launcher_spawnv(launcher.get(), arguments, &error));
     }
     if (error != nullptr) {

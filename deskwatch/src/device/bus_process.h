@@ -9,8 +9,8 @@
 
 namespace deskwatch {
 
-/// The dbus-daemon of one device. It outlives the process that started it; a record in the device's folder says which
-/// process it is.
+/// The dbus-daemon of one device. It may outlive the process that started it; a record in the device's folder says
+/// which process it is.
 class BusProcess {
 public:
     /// What a start needs.
@@ -18,6 +18,7 @@ public:
         std::filesystem::path configuration;
         std::filesystem::path log;
         Environment environment;
+        bool endsWithStarter; // with the thread that starts it, however that ends
     };
 
     /// `record` is the file that says which process is the daemon. Nothing is started.

@@ -122,19 +122,20 @@ void Device::boot(const std::vector<Application>& applications, const DeviceStat
     endBus(layout_, BusProcess(layout_.busRecord()), endTimeout()); // what a sudden end left behind
     std::filesystem::remove(layout_.internalWipes());
     const bool isFresh = !std::filesystem::exists(layout_.settingsDatabase());
-    start(applications, [&] { writeFirstSettings(BusClient(busAddress()), state, isFresh); });
+    start(applications, false, [&] { writeFirstSettings(BusClient(busAddress()), state, isFresh); });
 }
 
 void Device::resume(const std::vector<Application>& applications) const {
     layout_.makeFolders();
-    start(applications, [] {});
+    start(applications, true, [] {});
 }
 
-void Device::start(const std::vector<Application>& applications, const std::function<void()>& whenBusRuns) const {
+void Device::start(const std::vector<Application>& applications, bool endsWithThisThread,
+                   const std::function<void()>& whenBusRuns) const {
     const BusProcess bus(layout_.busRecord());
     writeDeviceFiles(layout_, applications);
     noteLogOfBoot(layout_);
-    bus.start({layout_.busConfiguration(), layout_.log(), layout_.commonEnvironment()});
+    bus.start({layout_.busConfiguration(), layout_.log(), layout_.commonEnvironment(), endsWithThisThread});
     try {
         whenBusRuns();
         writeBootedMark(layout_);

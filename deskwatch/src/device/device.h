@@ -42,7 +42,8 @@ public:
     void boot(const std::vector<Application>& applications, const DeviceState& state = {}) const;
 
     /// Boots a watch that has never run. Leaves all settings as they are in its folder, the keys under memory/ and the
-    /// faults included: for a copy of a watch that runs.
+    /// faults included: for a watch that lasts as long as the calling thread. When that is killed, the bus goes and all
+    /// applications with it.
     void resume(const std::vector<Application>& applications) const;
 
     /// Whether the watch has been booted to the end and its bus runs.
@@ -69,7 +70,8 @@ public:
     Environment appEnvironment(const std::string& id) const;
 
 private:
-    void start(const std::vector<Application>& applications, const std::function<void()>& whenBusRuns) const;
+    void start(const std::vector<Application>& applications, bool endsWithThisThread,
+               const std::function<void()>& whenBusRuns) const;
 
     std::chrono::seconds endTimeout() const;
 
