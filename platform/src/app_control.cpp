@@ -81,7 +81,6 @@ int app_control_add_extra_data(app_control_h app_control, const char* key, const
         }
         const auto verdict = verdictOnKey(key);
         if (verdict == APP_CONTROL_ERROR_NONE) {
-            control.extraData.remove(key);
             control.extraData.set(key, value);
         }
         return verdict;

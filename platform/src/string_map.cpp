@@ -22,11 +22,8 @@ std::string* StringMap::find(const std::string& key) {
 }
 
 void StringMap::set(const std::string& key, const std::string& value) {
-    if (std::string* present = find(key)) {
-        *present = value;
-    } else {
-        pairs_.emplace_back(key, value);
-    }
+    remove(key);
+    pairs_.emplace_back(key, value);
 }
 
 void StringMap::remove(const std::string& key) {

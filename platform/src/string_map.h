@@ -26,7 +26,7 @@ public:
     /// The value of a key, or null.
     std::string* find(const std::string& key);
 
-    /// Adds a pair, or replaces the value of a key that is there.
+    /// Adds a pair at the end, in place of one with the same key.
     void set(const std::string& key, const std::string& value);
 
     /// Removes the pair of a key, if there is one.

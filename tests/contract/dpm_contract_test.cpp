@@ -273,6 +273,10 @@ TEST_F(DpmContract, WipeTakesTypesThatNameAStorageOfTheDevice) {
     EXPECT_EQ(wipe(0), DPM_ERROR_INVALID_PARAMETER);
 }
 
+TEST_F(DpmContract, ManagerCanBeDestroyed) {
+    EXPECT_EQ(dpm_manager_destroy(dpm_manager_create()), DPM_ERROR_NONE);
+}
+
 TEST_F(DpmContract, NullHandleIsInvalid) {
     int value = 0;
     for (const Setting& setting : settings()) {

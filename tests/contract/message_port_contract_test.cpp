@@ -124,6 +124,15 @@ TEST(MessagePortContract, BytesThatAreNotUtf8ArriveUnchanged) {
     EXPECT_EQ(inbox.texts, std::vector<std::string>{"caf\xe9"});
 }
 
+TEST(MessagePortContract, NameOfAPortMayHaveAnyCharacters) {
+    for (const char* name : {"a port", "a.port", "a_port", "ä port"}) {
+        EXPECT_GT(message_port_register_local_port(name, receive, nullptr), 0) << name;
+        bool open = false;
+        EXPECT_EQ(message_port_check_remote_port(self, name, &open), MESSAGE_PORT_ERROR_NONE);
+        EXPECT_TRUE(open) << name;
+    }
+}
+
 TEST(MessagePortContract, PortClosesOnce) {
     EXPECT_EQ(message_port_unregister_local_port(1), MESSAGE_PORT_ERROR_PORT_NOT_FOUND);
     const int id = message_port_register_local_port(port, receive, nullptr);

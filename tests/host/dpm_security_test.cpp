@@ -45,6 +45,17 @@ TEST_F(DpmSecurity, WipeEmptiesTheFolderAndKeepsIt) {
     EXPECT_TRUE(fs::exists(external() / "card"));
 }
 
+TEST_F(DpmSecurity, StorageIsEncryptedWhenItsOwnKeySaysSo) {
+    int internalAnswer = -1;
+    int externalAnswer = -1;
+    vconf_set_str("db/ode/crypto_state", "unencrypted");
+    vconf_set_str("db/ode/external_crypto_state", "encrypted");
+    EXPECT_EQ(dpm_security_is_internal_storage_encrypted(handle(), &internalAnswer), DPM_ERROR_NONE);
+    EXPECT_EQ(dpm_security_is_external_storage_encrypted(handle(), &externalAnswer), DPM_ERROR_NONE);
+    EXPECT_EQ(internalAnswer, 0);
+    EXPECT_EQ(externalAnswer, 1);
+}
+
 TEST_F(DpmSecurity, WipeOfBothEmptiesBoth) {
     write(internal() / "note");
     write(external() / "card");

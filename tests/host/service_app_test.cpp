@@ -53,7 +53,9 @@ TEST_F(ServiceApp, SecondInstanceIsRefusedBeforeCreate) {
     const auto second = start({"serve"});
     ASSERT_TRUE(second->ended());
     EXPECT_EQ(second->status(), 1);
-    EXPECT_EQ(occurrences(second->errors(), "an instance of com.example.app is running already"), 1U);
+    EXPECT_EQ(
+        occurrences(second->errors(), "tesk-host: service_app_main: an instance of com.example.app is running already"),
+        1U);
     EXPECT_EQ(occurrences(second->errors(), "create"), 0U);
 }
 

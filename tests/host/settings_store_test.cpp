@@ -1,4 +1,5 @@
 #include <app_preference.h>
+#include <dconf.h>
 #include <dpm/administration.h>
 #include <dpm/restriction.h>
 #include <vconf.h>
@@ -19,6 +20,14 @@ TEST_F(SettingsStore, ValuesSurviveARestartOfEverything) {
 
     EXPECT_EQ(run({"print-key", "db/example/key"})->output(), "7");
     EXPECT_EQ(run({"print-quality"})->output(), "33 0");
+}
+
+TEST_F(SettingsStore, PreferenceIsWhereTheToolsOfADeskReadIt) {
+    EXPECT_EQ(preference_set_int("key", 7), PREFERENCE_ERROR_NONE);
+    const c::ObjectOwner<DConfClient> client(dconf_client_new());
+    const c::VariantOwner value(dconf_client_read(client.get(), "/apps/com.example.desk/key"));
+    ASSERT_NE(value, nullptr);
+    EXPECT_EQ(g_variant_get_int32(value.get()), 7);
 }
 
 TEST_F(SettingsStore, TextsThatAreNotUtf8AreRefused) {
