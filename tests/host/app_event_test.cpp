@@ -1,6 +1,8 @@
 #include <service_app.h>
 #include <tesk-host-bus.h>
 
+#include <cerrno>
+
 #include "host_bus.h"
 #include "host_test.h"
 
@@ -19,6 +21,14 @@ TEST_F(AppEvent, SystemEventReachesAHandlerThatWasAddedBeforeTheMainLoop) {
     announce(g_variant_new("(i)", APP_EVENT_LOW_MEMORY));
     ASSERT_TRUE(app->said("event low memory\n"));
     EXPECT_EQ(occurrences(app->errors(), "event"), 1U);
+}
+
+TEST_F(AppEvent, HandlerIsRemovedOnce) {
+    app_event_handler_h handler = nullptr;
+    const auto ignore = [](app_event_info_h, void*) {};
+    EXPECT_EQ(service_app_add_event_handler(&handler, APP_EVENT_LOW_MEMORY, ignore, nullptr), 0);
+    EXPECT_EQ(service_app_remove_event_handler(handler), 0);
+    EXPECT_EQ(service_app_remove_event_handler(handler), -EINVAL);
 }
 
 TEST_F(AppEvent, SystemEventOfAnotherFormIsIgnored) {

@@ -117,10 +117,10 @@ TEST_F(Launcher, ReplyComesWithItsDataAndACopyOfTheRequest) {
     EXPECT_EQ(answer.target, appId);
 }
 
-TEST_F(Launcher, RequestCanStillBeReadAfterItWasAnsweredInTheCallback) {
+TEST_F(Launcher, RequestIsAnsweredOnceAndCanStillBeReadInTheCallback) {
     Answer answer;
     launch(appId, {{"do", "answer"}, {"text", "hello"}}, &answer);
-    EXPECT_TRUE(logged("launch by com.example.desk: hello\n"));
+    EXPECT_TRUE(logged("first answer 0\nsecond answer -22\nlaunch by com.example.desk: hello\n"));
 }
 
 TEST_F(Launcher, ReplyMayComeLate) {

@@ -2,6 +2,7 @@
 #include <dconf.h>
 #include <dpm/administration.h>
 #include <dpm/restriction.h>
+#include <message_port.h>
 #include <vconf.h>
 
 #include "host_test.h"
@@ -38,6 +39,7 @@ TEST_F(SettingsStore, TextsThatAreNotUtf8AreRefused) {
     EXPECT_EQ(preference_set_int("\xff", 1), PREFERENCE_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(dpm_restriction_set_messaging_state(manager.get(), "\xff", 1), DPM_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(dpm_admin_register_client(manager.get(), "\xff", 0), DPM_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(message_port_send_message(appId, "\xff", bundleOf({}).get()), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
 }
 
 TEST_F(SettingsStore, NamesThatWouldLeaveTheirFolderAreRefused) {

@@ -50,11 +50,11 @@ std::string callerOf(app_control_h control) {
     return id != nullptr ? taken(id) : "nobody";
 }
 
-void answer(app_control_h request) {
+int answer(app_control_h request) {
     const AppControlOwner reply = newAppControl();
     const std::string text = extraData(request, "text");
     app_control_add_extra_data(reply.get(), "answer", text.empty() ? "yes" : text.c_str());
-    app_control_reply_to_launch_request(reply.get(), request, APP_CONTROL_RESULT_SUCCEEDED);
+    return app_control_reply_to_launch_request(reply.get(), request, APP_CONTROL_RESULT_SUCCEEDED);
 }
 
 void onAnswered(app_control_h /*request*/, app_control_h /*reply*/, app_control_result_e result, void* /*data*/) {
@@ -146,8 +146,8 @@ void onLaunch(app_control_h request, void* data) {
     auto* application = static_cast<Application*>(data);
     const std::string todo = extraData(request, "do");
     if (todo == "answer") {
-        answer(request);
-        answer(request); // the second one is refused
+        say("first answer " + std::to_string(answer(request)));
+        say("second answer " + std::to_string(answer(request)));
     } else if (todo == "keep") {
         application->kept = request;
     } else if (todo == "drop") {
