@@ -39,6 +39,12 @@ bool collectOneKey(app_control_h control, const char* key, void* keys) {
     return false;
 }
 
+TEST_F(AppControlContract, IsMadeAndDestroyedOnce) {
+    app_control_h made = nullptr;
+    EXPECT_EQ(app_control_create(&made), APP_CONTROL_ERROR_NONE);
+    EXPECT_EQ(app_control_destroy(made), APP_CONTROL_ERROR_NONE);
+}
+
 TEST_F(AppControlContract, NamesNoApplicationAtFirst) {
     EXPECT_EQ(appId(), "(null)");
 }

@@ -1,6 +1,7 @@
 #include <service_app.h>
 #include <tesk-host-bus.h>
 
+#include <array>
 #include <cerrno>
 
 #include "host_bus.h"
@@ -23,12 +24,30 @@ TEST_F(AppEvent, SystemEventReachesAHandlerThatWasAddedBeforeTheMainLoop) {
     EXPECT_EQ(occurrences(app->errors(), "event"), 1U);
 }
 
-TEST_F(AppEvent, HandlerIsRemovedOnce) {
+void count(app_event_info_h /*info*/, void* events) {
+    ++*static_cast<int*>(events);
+}
+
+TEST_F(AppEvent, HandlerIsRemovedOnceAndHearsNothingMore) {
+    std::array<app_event_handler_h, 2> handlers{};
+    std::array<int, 2> events{};
+    EXPECT_EQ(service_app_add_event_handler(&handlers[0], APP_EVENT_LOW_MEMORY, count, &events[0]), 0);
+    EXPECT_EQ(service_app_add_event_handler(&handlers[1], APP_EVENT_LOW_MEMORY, count, &events[1]), 0);
+
+    EXPECT_EQ(service_app_remove_event_handler(handlers[0]), 0);
+    EXPECT_EQ(service_app_remove_event_handler(handlers[0]), -EINVAL);
+
+    announce(g_variant_new("(i)", APP_EVENT_LOW_MEMORY));
+    EXPECT_TRUE(runMainLoopUntil([&] { return events[1] == 1; }));
+    EXPECT_EQ(events[0], 0);
+}
+
+TEST_F(AppEvent, HandlerOfNoEventOrWithoutACallbackIsInvalid) {
     app_event_handler_h handler = nullptr;
-    const auto ignore = [](app_event_info_h, void*) {};
-    EXPECT_EQ(service_app_add_event_handler(&handler, APP_EVENT_LOW_MEMORY, ignore, nullptr), 0);
-    EXPECT_EQ(service_app_remove_event_handler(handler), 0);
-    EXPECT_EQ(service_app_remove_event_handler(handler), -EINVAL);
+    const auto unknown = static_cast<app_event_type_e>(APP_EVENT_SUSPENDED_STATE_CHANGED + 1);
+    EXPECT_EQ(service_app_add_event_handler(&handler, unknown, count, nullptr), -EINVAL);
+    EXPECT_EQ(service_app_add_event_handler(&handler, APP_EVENT_LOW_MEMORY, nullptr, nullptr), -EINVAL);
+    EXPECT_EQ(service_app_add_event_handler(nullptr, APP_EVENT_LOW_MEMORY, count, nullptr), -EINVAL);
 }
 
 TEST_F(AppEvent, SystemEventOfAnotherFormIsIgnored) {

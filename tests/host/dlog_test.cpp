@@ -48,6 +48,11 @@ TEST_F(Dlog, DebugIsNotShownByDefault) {
     EXPECT_EQ(written(DLOG_INFO, "text"), prefix("I") + "text\n");
 }
 
+TEST_F(Dlog, EmptyLevelIsTheDefaultWithoutAWord) {
+    setenv("DLOG_LEVEL", "", 1);
+    EXPECT_EQ(written(DLOG_INFO, "text"), prefix("I") + "text\n");
+}
+
 TEST_F(Dlog, LowestLevelShownComesFromTheEnvironment) {
     setenv("DLOG_LEVEL", "e", 1);
     EXPECT_EQ(written(DLOG_WARN, "text"), "");
@@ -66,12 +71,17 @@ TEST_F(Dlog, LevelMayBeANumber) {
 }
 
 TEST_F(Dlog, SilentShowsNothing) {
-    setenv("DLOG_LEVEL", "S", 1);
+    setenv("DLOG_LEVEL", "silent", 1);
     EXPECT_EQ(written(DLOG_FATAL, "text"), "");
 }
 
 TEST_F(Dlog, EveryLineOfATextHasThePrefix) {
     EXPECT_EQ(written(DLOG_INFO, "one\ntwo\n"), prefix("I") + "one\n" + prefix("I") + "two\n");
+}
+
+TEST_F(Dlog, EmptyTextIsALineToo) {
+    EXPECT_EQ(written(DLOG_INFO, ""), prefix("I") + "\n");
+    EXPECT_GT(result(), 0);
 }
 
 TEST_F(Dlog, LongTextIsWhole) {
@@ -80,8 +90,9 @@ TEST_F(Dlog, LongTextIsWhole) {
 }
 
 TEST_F(Dlog, InvalidArgumentsAreErrors) {
-    EXPECT_LT(__dlog_print(LOG_ID_INVALID, DLOG_ERROR, "TAG", "%s", "text"), 0);
-    EXPECT_LT(__dlog_print(LOG_ID_MAIN, 99, "TAG", "%s", "text"), 0);
+    EXPECT_EQ(__dlog_print(LOG_ID_INVALID, DLOG_ERROR, "TAG", "%s", "text"), -EINVAL);
+    EXPECT_EQ(__dlog_print(LOG_ID_MAIN, 99, "TAG", "%s", "text"), -EINVAL);
+    EXPECT_EQ(__dlog_print(LOG_ID_MAIN, DLOG_SILENT, "TAG", "%s", "text"), -EINVAL);
 }
 
 TEST_F(Dlog, LeavesTheErrorNumberAlone) {

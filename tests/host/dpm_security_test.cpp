@@ -43,6 +43,7 @@ TEST_F(DpmSecurity, WipeEmptiesTheFolderAndKeepsIt) {
     EXPECT_TRUE(fs::is_directory(internal()));
     EXPECT_TRUE(fs::is_empty(internal()));
     EXPECT_TRUE(fs::exists(external() / "card"));
+    EXPECT_EQ(fs::file_size(device().folder() / "run/wipes-internal"), 1U) << "a byte for each wipe";
 }
 
 TEST_F(DpmSecurity, StorageIsEncryptedWhenItsOwnKeySaysSo) {

@@ -2,6 +2,7 @@
 #include <app_preference.h>
 #include <dpm/administration.h>
 #include <dpm/password.h>
+#include <dpm/restriction.h>
 #include <dpm/security.h>
 #include <gtest/gtest.h>
 #include <message_port.h>
@@ -36,6 +37,7 @@ TEST(NoBus, EachCallFailsWithTheCodeOfItsOwnKind) {
     EXPECT_EQ(preference_is_existing("key", &flag), PREFERENCE_ERROR_IO_ERROR);
     EXPECT_EQ(dpm_password_set_quality(manager.get(), 32), DPM_ERROR_NOT_PERMITTED);
     EXPECT_EQ(dpm_password_get_quality(manager.get(), &value), DPM_ERROR_CONNECTION_REFUSED);
+    EXPECT_EQ(dpm_restriction_get_messaging_state(manager.get(), "*", &value), DPM_ERROR_CONNECTION_REFUSED);
     EXPECT_EQ(dpm_security_is_internal_storage_encrypted(manager.get(), &value), DPM_ERROR_CONNECTION_REFUSED);
     EXPECT_EQ(app_control_send_launch_request(request.get(), nullptr, nullptr), APP_CONTROL_ERROR_LAUNCH_FAILED);
     EXPECT_EQ(message_port_check_remote_port("com.example.app", "port", &flag), MESSAGE_PORT_ERROR_IO_ERROR);

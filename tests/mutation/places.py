@@ -21,6 +21,8 @@ FUNCTIONS = {CursorKind.FUNCTION_DECL, CursorKind.CXX_METHOD, CursorKind.CONSTRU
              CursorKind.FUNCTION_TEMPLATE, CursorKind.CONVERSION_FUNCTION}
 VARIABLES = {CursorKind.VAR_DECL, CursorKind.FIELD_DECL}
 WRAPPERS = {CursorKind.UNEXPOSED_EXPR, CursorKind.PAREN_EXPR}
+# Functions whose first argument is a text for whoever reads what went wrong: no test is to repeat it.
+REPORTS = {"report", "guarded"}
 # What never runs; and what an exception says, which is for a reader to judge.
 NEVER_CHANGED = {CursorKind.STATIC_ASSERT, CursorKind.ENUM_DECL, CursorKind.PARM_DECL, CursorKind.MACRO_DEFINITION,
                  CursorKind.CXX_THROW_EXPR}
@@ -101,6 +103,7 @@ class Finder:
     def __init__(self, source: Source, declarations: list[Cursor]) -> None:
         self.source = source
         self.needed_by_compiler: set[Spot] = set()
+        self.reported: set[int] = set()  # where such texts are
         self.function = ""
         self.result: Type | None = None
         self.macros = [(cursor.extent.start.offset, cursor.extent.end.offset) for cursor in declarations
@@ -138,6 +141,9 @@ class Finder:
     def visit(self, cursor: Cursor) -> None:
         if cursor.kind in NEVER_CHANGED or self.in_macro(cursor) or spot_of(cursor.location)[0] != self.source.path:
             return  # or a header that is included within a declaration
+        if cursor.kind == CursorKind.CALL_EXPR and cursor.spelling in REPORTS:
+            text = next(cursor.get_arguments(), cursor)
+            self.reported.update(inner.extent.start.offset for inner in text.walk_preorder())
         if cursor.kind in FUNCTIONS:
             self.visit_function(cursor)
         elif cursor.kind in VARIABLES:
@@ -308,7 +314,8 @@ class Finder:
             self.replace(cursor, "literal", "false" if text == "true" else "true")
         elif cursor.kind == CursorKind.CHARACTER_LITERAL:
             self.replace(cursor, "literal", "'~'")
-        elif cursor.kind == CursorKind.STRING_LITERAL:  # of the same length, so that the type stays
+        elif cursor.kind == CursorKind.STRING_LITERAL and cursor.extent.start.offset not in self.reported:
+            # of the same length, so that the type stays
             self.replace(cursor, "literal", '"~' + text[1:] if text == '""' else '"~' + text[2:])
         elif cursor.kind == CursorKind.FLOATING_LITERAL:
             self.replace(cursor, "literal", f"{text} + 1")
