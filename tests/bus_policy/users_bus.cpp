@@ -73,7 +73,7 @@ UsersBus::UsersBus(const fs::path& policy) {
     write(folder / "bus.conf", configuration(folder, policy));
     write(folder / "passwd", "root:x:0:0::/:/bin/sh\nowner:x:5001:5001::/:/bin/sh\nnobody:x:65534:65534::/:/bin/sh\n");
     write(folder / "group", "root:x:0:\nowner:x:5001:\nnogroup:x:65534:\n");
-    daemon_.start({folder / "bus.conf", folder / "log", usersIn(folder)});
+    daemon_.start({folder / "bus.conf", folder / "log", usersIn(folder), false});
 }
 
 Connection UsersBus::connect(User user) const {
