@@ -39,7 +39,7 @@ bool collectOneKey(app_control_h control, const char* key, void* keys) {
     return false;
 }
 
-TEST_F(AppControlContract, IsMadeAndDestroyedOnce) {
+TEST_F(AppControlContract, IsMadeAndDestroyed) {
     app_control_h made = nullptr;
     EXPECT_EQ(app_control_create(&made), APP_CONTROL_ERROR_NONE);
     EXPECT_EQ(app_control_destroy(made), APP_CONTROL_ERROR_NONE);

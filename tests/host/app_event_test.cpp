@@ -1,7 +1,6 @@
 #include <service_app.h>
 #include <tesk-host-bus.h>
 
-#include <array>
 #include <cerrno>
 
 #include "host_bus.h"
@@ -29,17 +28,19 @@ void count(app_event_info_h /*info*/, void* events) {
 }
 
 TEST_F(AppEvent, HandlerIsRemovedOnceAndHearsNothingMore) {
-    std::array<app_event_handler_h, 2> handlers{};
-    std::array<int, 2> events{};
-    EXPECT_EQ(service_app_add_event_handler(&handlers[0], APP_EVENT_LOW_MEMORY, count, &events[0]), 0);
-    EXPECT_EQ(service_app_add_event_handler(&handlers[1], APP_EVENT_LOW_MEMORY, count, &events[1]), 0);
+    app_event_handler_h first = nullptr;
+    app_event_handler_h second = nullptr;
+    int eventsOfFirst = 0;
+    int eventsOfSecond = 0;
+    EXPECT_EQ(service_app_add_event_handler(&first, APP_EVENT_LOW_MEMORY, count, &eventsOfFirst), 0);
+    EXPECT_EQ(service_app_add_event_handler(&second, APP_EVENT_LOW_MEMORY, count, &eventsOfSecond), 0);
 
-    EXPECT_EQ(service_app_remove_event_handler(handlers[0]), 0);
-    EXPECT_EQ(service_app_remove_event_handler(handlers[0]), -EINVAL);
+    EXPECT_EQ(service_app_remove_event_handler(first), 0);
+    EXPECT_EQ(service_app_remove_event_handler(first), -EINVAL);
 
     announce(g_variant_new("(i)", APP_EVENT_LOW_MEMORY));
-    EXPECT_TRUE(runMainLoopUntil([&] { return events[1] == 1; }));
-    EXPECT_EQ(events[0], 0);
+    EXPECT_TRUE(runMainLoopUntil([&] { return eventsOfSecond == 1; }));
+    EXPECT_EQ(eventsOfFirst, 0);
 }
 
 TEST_F(AppEvent, HandlerOfNoEventOrWithoutACallbackIsInvalid) {
