@@ -18,6 +18,14 @@ namespace {
 /// The panel of a watch, and what a client says to it byte by byte.
 class PanelCommand : public Commands {
 protected:
+    /// As its user ends it: a panel that is killed leaves its folder.
+    void TearDown() override {
+        if (panel_ != nullptr) {
+            panel_->signal(SIGTERM);
+            panel_->waitForEnd();
+        }
+    }
+
     void start(const std::vector<std::string>& options = {}) {
         std::vector<std::string> arguments{"panel", device().layout().folder().string(), "--no-browser"};
         arguments.insert(arguments.end(), options.begin(), options.end());
