@@ -2,7 +2,9 @@
 
 #include <fstream>
 
+#include "bus.h"
 #include "guard.h"
+#include "host_bus.h"
 
 namespace host::dpm {
 namespace {
@@ -38,6 +40,15 @@ void countWipe(const fs::path& device, const char* name) {
     std::ofstream(device / "run" / (std::string("wipes-") + name), std::ios::app) << 'x';
 }
 
+// The storage is empty whether or not somebody can be told.
+void announceWipe(const char* name) {
+    guarded("the news of a wipe", 0, [name] {
+        g_dbus_connection_emit_signal(Bus::get().connection(), nullptr, host_bus::systemPath, "tesk.host.System",
+                                      "Wiped", g_variant_new("(s)", name), nullptr);
+        return 0;
+    });
+}
+
 } // namespace
 
 void wipeStorage(const fs::path& device, const char* name) {
@@ -48,6 +59,7 @@ void wipeStorage(const fs::path& device, const char* name) {
     requireInside(device, storage, name);
     emptyFolder(storage);
     countWipe(device, name);
+    announceWipe(name);
 }
 
 } // namespace host::dpm

@@ -95,6 +95,28 @@ TEST_F(Recordings, WearersStoryReplaysWithEveryEffectEqual) {
     EXPECT_GT(std::stoi(replayed.substr(4)), 40) << replayed;
 }
 
+TEST_F(Recordings, WipeThatIsNotDoneIsADifference) {
+    const auto file = write("wiped.jsonl", "");
+    boot();
+    const RunningRecord recording(file);
+    run({"mail", "wipe"});
+    run({"off"});
+    EXPECT_EQ(recording.status(), 0);
+    const auto text = textOf(file);
+    const auto wipe = text.find(R"({"out":"wipe","storage":"internal"})");
+    ASSERT_NE(wipe, std::string::npos) << text;
+    EXPECT_EQ(deskwatchProgram({"replay", file.string()}).status, 0);
+
+    const std::string refusal = R"({"around":"fault","function":"dpm_security_wipe_data","code":-13,"nth":0})";
+    auto refused = text;
+    refused.insert(refused.find("{\"in\":\"message\""), refusal + "\n");
+    const auto outcome = deskwatchProgram({"replay", write("refused.jsonl", refused).string()});
+
+    EXPECT_EQ(outcome.status, 1);
+    const auto line = 2 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(wipe), '\n');
+    EXPECT_NE(outcome.errors.find("refused.jsonl:" + std::to_string(line) + ": "), std::string::npos) << outcome.errors;
+}
+
 TEST_F(Recordings, ReplayShowsTheFirstDifferenceAndUpdateAcceptsIt) {
     const auto file = recordStory();
     auto text = textOf(file);

@@ -81,6 +81,7 @@ std::vector<std::string> BusTrace::rulesOfEffects() {
             "type='method_call',interface='tesk.host.MessagePort',member='Send'",
             "type='method_call',interface='ca.desrt.dconf.Writer',member='Change'",
             "type='method_call',interface='org.freedesktop.DBus',member='ReleaseName'",
+            "type='signal',interface='tesk.host.System',member='Wiped'",
             "type='signal',interface='org.freedesktop.DBus',member='NameOwnerChanged'"};
 }
 
@@ -95,7 +96,7 @@ void BusTrace::take(GDBusMessage* message) {
         break;
     case G_DBUS_MESSAGE_TYPE_SIGNAL:
         takeOwnerChange(message);
-        takeSystemEvent(message);
+        takeSystemSignal(message);
         break;
     default:
         break;
@@ -210,8 +211,15 @@ std::optional<int> systemEventOf(const std::string& name) {
     return known != systemEvents.end() ? std::optional(known->first) : isNumber ? std::optional(number) : std::nullopt;
 }
 
-void BusTrace::takeSystemEvent(GDBusMessage* message) {
-    if (textOf(g_dbus_message_get_interface(message)) != "tesk.host.System" || !isBodyOf(message, "(i)")) {
+void BusTrace::takeSystemSignal(GDBusMessage* message) {
+    if (textOf(g_dbus_message_get_interface(message)) != "tesk.host.System") {
+        return;
+    }
+    if (isBodyOf(message, "(s)") && isService(g_dbus_message_get_sender(message))) {
+        const auto storage = child(g_dbus_message_get_body(message), 0);
+        sink_({{"out", "wipe"}, {"storage", g_variant_get_string(storage.get(), nullptr)}});
+    }
+    if (!isBodyOf(message, "(i)")) {
         return;
     }
     const int type = g_variant_get_int32(child(g_dbus_message_get_body(message), 0).get());

@@ -29,6 +29,7 @@ namespace deskwatch {
 ///     {"out": "write", "key": PATH, "value": VALUE}          a setting, a key or a preference
 ///     {"out": "launch", "to": ID, "replyWanted": BOOL, "extraData": {...}}
 ///     {"out": "message", "to": ID, "port": PORT, "entries": {...}}
+///     {"out": "wipe", "storage": NAME}                       "internal" or "external"
 ///
 /// What was done to the watch from outside:
 ///
@@ -74,7 +75,7 @@ private:
     void takePortMessage(GDBusMessage* message);
     void takeChanges(GDBusMessage* message);
     void takeDiagnosis(GDBusMessage* message);
-    void takeSystemEvent(GDBusMessage* message);
+    void takeSystemSignal(GDBusMessage* message);
     void takeFault(const std::string& key, GVariant* value);
     std::string nameOf(const char* busName) const;
     bool isService(const char* busName) const;

@@ -68,6 +68,9 @@ std::pair<const char*, std::string> outgoing(const std::string& what, const Trac
     if (what == "launch") {
         return {"launch", "the service launches " + member(event, "to")};
     }
+    if (what == "wipe") {
+        return {"wipe", "the service wipes the " + member(event, "storage") + " storage"};
+    }
     return {"message", "the service sends " + messageText(event) + " to " + member(event, "to")};
 }
 

@@ -39,6 +39,7 @@ const std::vector<EventForm>& forms() {
         {"out", "write", {{"key", Type::Path}, {"value", Type::Value}}},
         {"out", "launch", {{"to", Type::Text}, {"replyWanted", Type::Flag}, {"extraData", Type::Texts}}},
         {"out", "message", {{"to", Type::Text}, {"port", Type::Text}, {"entries", Type::Texts}}},
+        {"out", "wipe", {{"storage", Type::Text}}},
         {"around", "event", {{"type", Type::SystemEvent}}},
         {"around", "fault", {{"function", Type::Text}, {"code", Type::NumberOrNull}, {"nth", Type::Number}}},
         {"expect", "check", {{"findings", Type::List, true}}},

@@ -59,6 +59,7 @@ Recording readRecording(const std::filesystem::path& file) {
             if (line == 1) {
                 recording.state = stateOf(event);
                 recording.head = text;
+                recording.hasWipes = event["recording"] != 1;
             } else {
                 requireEvent(event);
                 recording.events.push_back({std::move(event), line, text});

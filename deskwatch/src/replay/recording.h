@@ -22,6 +22,8 @@ struct Recording {
     RecordedState state;
     /// The first line.
     std::string head;
+    /// The first format did not write wipes down.
+    bool hasWipes = true;
     std::vector<RecordedEvent> events;
 };
 

@@ -15,6 +15,7 @@
 #include "recording/recorded_text.h"
 #include "recording/recorded_value.h"
 #include "records/policy_database.h"
+#include "replay/channels.h"
 #include "text_pairs.h"
 
 namespace deskwatch {
@@ -74,8 +75,9 @@ std::set<std::string> applicationsOf(const Recording& recording) {
 
 Surroundings::Surroundings(const Device& device, const Recording& recording)
     : device_(device), bus_(device.busAddress()), monitor_(device.busAddress(), BusTrace::rulesOfEffects()),
-      standIns_(device, applicationsOf(recording)), trace_(bus_.daemon(), [this](const TraceEvent& event) {
-          if (event.contains("out") || (event.contains("in") && event["in"] == "end")) {
+      standIns_(device, applicationsOf(recording)),
+      trace_(bus_.daemon(), [this, hasWipes = recording.hasWipes](const TraceEvent& event) {
+          if (isEffect(event) && (hasWipes || event.value("out", "") != "wipe")) {
               effects_.push_back(event);
           }
       }) {}
