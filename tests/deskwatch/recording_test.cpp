@@ -109,7 +109,7 @@ TEST_F(Recordings, WipeThatIsNotDoneIsADifference) {
 
     const std::string refusal = R"({"around":"fault","function":"dpm_security_wipe_data","code":-13,"nth":0})";
     auto refused = text;
-    refused.insert(refused.find("{\"in\":\"message\""), refusal + "\n");
+    refused.insert(refused.find(R"({"in":"message")"), refusal + "\n");
     const auto outcome = deskwatchProgram({"replay", write("refused.jsonl", refused).string()});
 
     EXPECT_EQ(outcome.status, 1);

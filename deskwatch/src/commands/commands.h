@@ -31,6 +31,7 @@ CLI::Validator oneOf(std::vector<std::string> names);
 template <class Type>
 void chooseByName(CLI::Option* option, const std::map<std::string, Type>& values) {
     std::vector<std::string> names;
+    names.reserve(values.size());
     for (const auto& [name, value] : values) {
         names.push_back(name);
     }

@@ -31,14 +31,13 @@ std::string checkNotEmpty(const std::string& text) {
 }
 
 CLI::Validator oneOf(std::vector<std::string> names) {
-    return CLI::Validator(
-        [names = std::move(names)](const std::string& text) -> std::string {
-            if (std::find(names.begin(), names.end(), text) != names.end()) {
-                return "";
-            }
-            return text + " not in {" + joined(names, ",") + "}" + didYouMean(text, {names.begin(), names.end()});
-        },
-        "");
+    const auto refuse = [names = std::move(names)](const std::string& text) -> std::string {
+        if (std::find(names.begin(), names.end(), text) != names.end()) {
+            return "";
+        }
+        return text + " not in {" + joined(names, ",") + "}" + didYouMean(text, {names.begin(), names.end()});
+    };
+    return {refuse, ""};
 }
 
 void suggestWhenUnknown(const std::string& name, const std::vector<std::string>& known,
