@@ -2,6 +2,7 @@
 #include <nlohmann/json.hpp>
 
 #include <fstream>
+#include <map>
 
 #include "comparison/policy_comparison.h"
 #include "program.h"
@@ -49,6 +50,7 @@ TEST(PolicyComparison, MergeOfTheServiceDecides) {
     EXPECT_EQ(decides("AllowWifi", "0", "1"), Side::First);
     EXPECT_EQ(decides("AlphanumericDevicePasswordRequired", "0", "1"), Side::Second);
     EXPECT_EQ(decides("AllowCamera", "0", "1"), Side::None) << "cameras are not merged";
+    EXPECT_EQ(decides("AllowBluetooth", "0", "2"), Side::None) << "merged, and not enforced";
 }
 
 TEST(PolicyComparison, WhatNoMessageCarriesIsComparedWhereItDemands) {
@@ -63,6 +65,18 @@ TEST(PolicyComparison, WhatNoMessageCarriesIsComparedWhereItDemands) {
     auto message = second;
     message.isMessage = true;
     EXPECT_TRUE(comparePolicies(first, message).notCarried.empty());
+}
+
+TEST(PolicyComparison, WatchGoesByWhatItEnforces) {
+    const auto policy = policyToCompare({{"MinDevicePasswordLength", "8"}});
+    const auto comparison = comparePolicies(policy, policy);
+    std::map<std::string, std::string> together;
+    for (const auto& member : comparison.members) {
+        together[member.name] = member.together;
+    }
+    EXPECT_EQ(together["minDevicePasswordLength"], "8");
+    EXPECT_EQ(together["maxDevicePasswordFailedAttempts"], "10") << "attempts are never unlimited";
+    EXPECT_EQ(together["allowCamera"], "") << "equal, and not enforced";
 }
 
 TEST(CompareCommand, DifferencesAreMarkedAndToldByTheStatus) {

@@ -14,14 +14,10 @@ std::string shownValue(const std::string& json) {
     return json.empty() ? "-" : json;
 }
 
-/// What a watch with both policies goes by.
+/// What a watch with both policies goes by, and whose value that is.
 std::string together(const ComparedValue& value) {
-    if (!value.isDifferent()) {
-        return value.values[0];
-    }
-    return value.decides == Side::None    ? "-"
-           : value.decides == Side::First ? value.values[0] + " (first)"
-                                          : value.values[1] + " (second)";
+    const char* const side = value.decides == Side::None ? "" : value.decides == Side::First ? " (first)" : " (second)";
+    return shownValue(value.together) + side;
 }
 
 const char* markOfDifference(const ComparedValue& value) {
@@ -77,7 +73,8 @@ std::string comparisonJson(const ComparedPolicy& first, const ComparedPolicy& se
                                      {"first", valueOrNull(member.values[0])},
                                      {"second", valueOrNull(member.values[1])},
                                      {"different", member.isDifferent()},
-                                     {"decides", sideJson(member.decides)}});
+                                     {"decides", sideJson(member.decides)},
+                                     {"together", valueOrNull(member.together)}});
     }
     for (const auto& element : comparison.notCarried) {
         object["notCarried"].push_back({{"element", element.name},

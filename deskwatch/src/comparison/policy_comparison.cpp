@@ -6,6 +6,7 @@
 
 #include "messages/message_table.h"
 #include "rules/TeskPolicyMerge.h"
+#include "rules/TeskPolicySettings.h"
 
 namespace deskwatch {
 namespace {
@@ -31,12 +32,25 @@ Side decidingSide(const PolicyMember& member, std::int32_t first, std::int32_t s
     const auto* const row =
         std::find_if(TeskPolicyTable::numbers.begin(), TeskPolicyTable::numbers.end(),
                      [&member](const TeskPolicyNumber& number) { return number.column == member.column; });
-    if (first == second || row == TeskPolicyTable::numbers.end() || row->rule == TeskMergeRule::NotMerged) {
+    if (member.setting.empty() || first == second || row == TeskPolicyTable::numbers.end()) {
         return Side::None;
     }
     const auto start = TeskPolicyData().*row->field;
     const auto alone = TeskPolicyMerge::mergedValue(row->rule, start, start, first);
     return TeskPolicyMerge::mergedValue(row->rule, start, alone, second) == first ? Side::First : Side::Second;
+}
+
+/// The value that the watch makes of the deciding one: without a limit of the attempts it has one of its own.
+std::string enforcedValue(const PolicyMember& member, const Json& value) {
+    if (member.setting.empty()) {
+        return "";
+    }
+    if (member.name == "maxDevicePasswordFailedAttempts") {
+        TeskPolicyData policy;
+        policy.maxDevicePasswordFailedAttempts = value.get<std::int32_t>();
+        return std::to_string(TeskPolicySettings::of(policy, 0).failedAttempts);
+    }
+    return value.dump();
 }
 
 std::vector<ComparedValue> comparedMembers(const Json& first, const Json& second) {
@@ -45,9 +59,9 @@ std::vector<ComparedValue> comparedMembers(const Json& first, const Json& second
         const std::string name(member.name);
         const auto& one = first[name];
         const auto& other = second[name];
-        members.push_back({name,
-                           {one.dump(), other.dump()},
-                           decidingSide(member, storedValue(member, one), storedValue(member, other))});
+        const auto side = decidingSide(member, storedValue(member, one), storedValue(member, other));
+        members.push_back(
+            {name, {one.dump(), other.dump()}, side, enforcedValue(member, side == Side::Second ? other : one)});
     }
     return members;
 }
@@ -62,7 +76,7 @@ void noteNotCarried(const ProvisioningImport& import, std::size_t side, std::vec
         auto found = std::find_if(values.begin(), values.end(),
                                   [&name = name](const ComparedValue& known) { return known.name == name; });
         if (found == values.end()) {
-            found = values.insert(values.end(), {name, {}, Side::None});
+            found = values.insert(values.end(), {name, {}, Side::None, ""});
         }
         found->values.at(side) =
             isList ? Json("a list").dump() : Json(value).dump(-1, ' ', false, Json::error_handler_t::replace);

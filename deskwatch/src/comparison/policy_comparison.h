@@ -27,8 +27,10 @@ struct ComparedValue {
     std::string name;
     /// The values as JSON; of an element that demands nothing, empty.
     std::array<std::string, 2> values;
-    /// Whose value a watch with both policies goes by; none where they agree or no rule decides.
+    /// Whose value a watch with both policies goes by; none where they agree or nothing is enforced.
     Side decides = Side::None;
+    /// The value, as JSON, that a watch with both goes by; empty when it enforces none.
+    std::string together;
 
     bool isDifferent() const { return values[0] != values[1]; }
 };
