@@ -126,18 +126,18 @@ TEST(ProvisioningImport, SummaryAndLinesTellTheSameOfWhatThePolicyDemands) {
         "p.xml: only stored: AllowCamera 0, MinDevicePasswordComplexCharacters 3\n"
         "p.xml: lost: RequireStorageCardEncryption 1, MaxEmailAgeFilter 2, AllowTeleport 0, AllowBluetooth 1\n"
         "p.xml:1: DevicePasswordEnabled 1: enforced, devicePasswordEnabled true\n"
-        "p.xml:2: AllowWifi 1: demands nothing, allowWifi true\n"
+        "p.xml:2: AllowWifi 1: restricts nothing, allowWifi true\n"
         "p.xml:3: AllowCamera 0: only stored, allowCamera false\n"
         "p.xml:4: MinDevicePasswordComplexCharacters 3: only stored, minDevicePasswordComplexCharacters 3; counts "
         "only when the password must be alphanumeric\n"
         "p.xml:5: RequireStorageCardEncryption 1: lost: no message carries it\n"
-        "p.xml:6: AllowHTMLEmail 1: demands nothing\n"
-        "p.xml:7: MaxAttachmentSize -1: demands nothing\n"
+        "p.xml:6: AllowHTMLEmail 1: restricts nothing\n"
+        "p.xml:7: MaxAttachmentSize -1: restricts nothing\n"
         "p.xml:8: MaxEmailAgeFilter 2: lost, unless the mail application sees to it\n"
         "p.xml:9: AllowTeleport 0: lost: unknown to the watch; not an element of a provisioning document\n"
         "p.xml:10: AllowBluetooth 1: lost, allowBluetoothMode true; hands-free only (1) and allowed (2) are sent "
         "as the same value\n"
-        "p.xml:11: {urn:x}Other 0: demands nothing; an element of another namespace\n");
+        "p.xml:11: {urn:x}Other 0: restricts nothing; an element of another namespace\n");
     EXPECT_EQ(importText("p.xml", import({})),
               "p.xml: enforced: nothing\np.xml: only stored: nothing\np.xml: lost: nothing\n");
 }
@@ -207,6 +207,9 @@ TEST(ProvisioningImport, EveryIllegalValueIsNamedWithItsLine) {
     EXPECT_EQ(refusal({{"AllowWifi", "yes"}, {"AllowCamera", "1"}, {"MinDevicePasswordLength", "40"}}),
               "p.xml:1: AllowWifi is \"yes\"; it must be 0 or 1\n"
               "p.xml:3: MinDevicePasswordLength is \"40\"; it must be a number from 1 to 16");
+    EXPECT_EQ(
+        refusal({{"MinDevicePasswordLength", "0"}}),
+        "p.xml:1: MinDevicePasswordLength is \"0\"; it must be a number from 1 to 16; for no limit leave it empty");
     EXPECT_NE(refusal({{"MaxInactivityTimeDeviceLock", "99999999999"}}), "");
     EXPECT_NE(refusal({{"AllowWifi", "0x1"}}), "");
     EXPECT_EQ(

@@ -285,6 +285,8 @@ TEST_F(Whatif, ImportedPolicyIsForetoldAndSentAsItsMessageIs) {
     EXPECT_EQ(foretold, expected);
     EXPECT_EQ(call("--send").output, file + ": account 2 (imported@example.com): stored\n");
     EXPECT_EQ(status()["settings"], after(expected["settings"]));
+    deskwatchProgram({"mail", "policy", sample("hardened.json")});
+    EXPECT_EQ(call("--send").output, file + ": account 2 (bob@bank.example): unchanged\n") << "the stored name stays";
     const auto order = write("order.xml", "<Provision><RemoteWipe/><EASProvisionDoc/></Provision>").string();
     EXPECT_EQ(deskwatchProgram({"import", order, "--send"}).status, 1);
     EXPECT_EQ(status()["accounts"].size(), 1U);

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -7,9 +8,11 @@
 
 #include "commands.h"
 #include "commands/output.h"
+#include "explain/device_facts.h"
 #include "forecast/forecast.h"
 #include "policy_files/policy_file.h"
 #include "provisioning/provisioning_import.h"
+#include "records/policy_database.h"
 #include "text/input_file.h"
 #include "text/value_text.h"
 
@@ -24,6 +27,8 @@ struct ImportOptions {
     bool isJson = false;
     bool isWhatif = false;
     bool isSend = false;
+    /// Whether the account's name was given.
+    bool isNamed = false;
 };
 
 void writeMessage(const std::string& output, const std::string& message) {
@@ -43,6 +48,18 @@ void refuseBesideAnOrder(const std::string& name, const PolicyFile& content) {
     }
 }
 
+/// The name under which the watch has the account, so that its policy does not rename it; else the usual one.
+std::string accountName(const Device& device, const ImportTarget& target) {
+    try {
+        const auto accounts = policyRecords(readStoredAccounts(policyDatabase(device.layout())));
+        const auto stored = std::find_if(accounts.begin(), accounts.end(),
+                                         [&](const auto& account) { return account->accountId == target.account; });
+        return stored != accounts.end() && !(*stored)->accountName.empty() ? (*stored)->accountName : target.name;
+    } catch (const std::runtime_error&) {
+        return target.name; // whether the watch can use its accounts is for the watch to tell
+    }
+}
+
 ProvisioningImport importOf(const std::string& name, const PolicyFile& content, const ImportOptions& options) {
     auto notices = noticeLines(name, content);
     if (content.policies.empty() && !notices.empty()) {
@@ -56,7 +73,10 @@ ProvisioningImport importOf(const std::string& name, const PolicyFile& content, 
     return result;
 }
 
-void import(const CommonOptions& common, const ImportOptions& options) {
+void import(const CommonOptions& common, ImportOptions options) {
+    if (!options.isNamed && (options.isWhatif || options.isSend)) {
+        options.target.name = accountName(chosenDevice(common), options.target);
+    }
     const auto name = inputName(options.file);
     const auto content = readPolicyFile(name, readInput(options.file));
     const auto result = importOf(name, content, options);
@@ -86,8 +106,10 @@ void addImportCommand(CLI::App& program, const CommonOptions& common) {
     command->add_option("--account", options->target.account, "The account's number (default: 1)")
         ->check(checkPositive, "")
         ->type_name("ID");
-    command->add_option("--name", options->target.name, "The account's name (default: imported@example.com)")
-        ->type_name("NAME");
+    auto* const name = command
+                           ->add_option("--name", options->target.name,
+                                        "The account's name (default: the stored one, else imported@example.com)")
+                           ->type_name("NAME");
     command
         ->add_option("-o,--output", options->output,
                      "File for the message (default: standard output, unless --whatif or --send)")
@@ -105,7 +127,10 @@ void addImportCommand(CLI::App& program, const CommonOptions& common) {
         "The report on what the watch does with each element goes to standard error.\n"
         "Example:\n  deskwatch import samples/policies/format-list.txt --whatif\n"
         "  deskwatch import samples/policies/policies.ini --policy Hardened --send --account 2");
-    command->callback([&common, options] { import(common, *options); });
+    command->callback([&common, options, name] {
+        options->isNamed = name->count() > 0;
+        import(common, *options);
+    });
 }
 
 } // namespace deskwatch

@@ -33,10 +33,11 @@ std::string legalValues(const ElementRule& rule) {
                           : "a number from " + std::to_string(rule.least) + " to " + std::to_string(rule.most);
 }
 
-/// What people write for no limit in other places, and where the protocol has an empty element for it.
+/// What people write for no limit in other places (a message has 0), where the protocol has an empty element for it.
 std::string hintFor(const ProvisioningElement& element, const ElementRule& rule) {
     const auto isNoLimit = nearest(element.value, {"Unlimited", "None", "Never"}).has_value();
-    return isNoLimit && rule.most > 1 ? "; for no limit leave it empty" : "";
+    const bool isZeroOfMessage = element.value == "0" && rule.absent == 0; // refused, so the element has a minimum
+    return isZeroOfMessage || (isNoLimit && rule.most > 1) ? "; for no limit leave it empty" : "";
 }
 
 std::string notAnElement(const std::string& name) {

@@ -42,7 +42,7 @@ constexpr std::array<FateWord, 3> fateWords{
 std::string fateText(const ImportedElement& entry) {
     const auto* const known = std::find_if(fateWords.begin(), fateWords.end(),
                                            [&](const FateWord& candidate) { return candidate.fate == entry.fate; });
-    const std::string words = known != fateWords.end() ? known->words : "demands nothing";
+    const std::string words = known != fateWords.end() ? known->words : "restricts nothing";
     return entry.fate == Fate::Lost ? words + reasonOfLoss(entry.support) : words;
 }
 
