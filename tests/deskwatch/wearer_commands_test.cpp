@@ -154,6 +154,8 @@ TEST_F(WearerCommands, WatchWipesItselfAfterTheLastWrongPassword) {
     EXPECT_EQ(deskwatchProgram({"lock", "--wrong", "1"}).errors,
               "deskwatch: lock: the watch has no lock; set one with: deskwatch lock pin\n");
     run({"mail", "policy", sample("hardened.json")}); // 10 attempts
+    EXPECT_EQ(deskwatchProgram({"lock", "--wrong", "1"}).errors,
+              "deskwatch: lock: the watch has no lock; set one with: deskwatch lock password\n");
     run({"lock", "password"});
     const auto kept = device().layout().internalStorage() / "note";
     std::ofstream(kept) << "of the wearer";
@@ -204,6 +206,8 @@ TEST_F(WearerCommands, ExpiredPasswordOpensNothingUntilThereIsAnother) {
     const std::string expired =
         "the password is 365 days old: it has expired after 365 days, and the wearer has to set another";
     EXPECT_EQ(run({"lock", "--age", "365"}), expired + "\n");
+    const auto found = deskwatchProgram({"check"}).output;
+    EXPECT_EQ(found.find(expired + "\n"), 0U) << found;
     const auto outcome = deskwatchProgram({"lock", "--right"});
     EXPECT_EQ(outcome.status, refused);
     EXPECT_EQ(outcome.errors, "deskwatch: lock: " + expired + ": deskwatch lock pin or deskwatch lock password\n");

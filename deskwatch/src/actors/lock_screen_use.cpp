@@ -1,16 +1,21 @@
 #include "actors/lock_screen_use.h"
 
+#include <limits>
+
 #include "TeskConsumerKeys.h"
 #include "actors/refusal.h"
 #include "c_owners.h"
 #include "device/application_ids.h"
 #include "session/device_policy.h"
 #include "session/device_session.h"
+#include "session/lock_rules.h"
 #include "session/lock_screen.h"
 #include "session/shared_keys.h"
 
 namespace deskwatch {
 namespace {
+
+constexpr int anyLength = std::numeric_limits<int>::max();
 
 /// The lock screen of a watch, which it speaks to as the lock settings.
 class LockScreenInUse {
@@ -31,7 +36,9 @@ public:
 
     static void requireLock() {
         if (!hasLock()) {
-            throw Refusal("the watch has no lock; set one with: deskwatch lock pin");
+            const bool isPinEnough = !refusalOf({Lock::Pin, anyLength}, readLockDemand());
+            throw Refusal(std::string("the watch has no lock; set one with: deskwatch lock ") +
+                          (isPinEnough ? "pin" : "password"));
         }
     }
 

@@ -14,6 +14,7 @@
 #include "records/log_line.h"
 #include "records/policy_database.h"
 #include "session/device_policy.h"
+#include "session/lock_screen.h"
 #include "session/setting_value.h"
 
 namespace deskwatch {
@@ -108,6 +109,9 @@ void readSettings(const fs::path& file, Evidence& evidence) {
             evidence.held.at(setting) = numberOf(valueOf(dump.at("settings"), deviceSettings.at(setting).name));
         }
         readKeys([&](const char* key) { return valueOf(dump.at("keys"), key); }, evidence);
+        if (dump.contains("lockScreen")) {
+            evidence.lockScreen.passwordAge = dump.at("lockScreen").at("passwordAge").get<int>();
+        }
         if (dump.contains("administrator")) {
             evidence.isAdministered = dump.at("administrator").get<bool>();
         }
@@ -145,6 +149,7 @@ Evidence readEvidence(const DeviceSession& /*speaks as an application of the wat
     readStore(policyDatabase(files), evidence);
     evidence.held = readDevicePolicy(store.get());
     readKeys([&](const char* key) { return readSetting(store.get(), std::string("/vconf/") + key); }, evidence);
+    evidence.lockScreen = readLockScreen(store.get());
     evidence.isAdministered = isSet(store.get(), std::string("/dpm/clients/") + ids::service);
     evidence.refused = refusedIn(files.log());
     evidence.connected = connectedAccounts(files);

@@ -113,6 +113,13 @@ void findMissingLock(const Evidence& evidence, const DeviceFacts& facts, Finding
     }
 }
 
+void findExpiredPassword(const Evidence& evidence, Findings& findings) {
+    const auto limits = lockLimits(evidence.held);
+    if (isExpired(evidence.lockScreen, limits)) {
+        findings.add(Kind::Lock, passwordAgeText(evidence.lockScreen, limits));
+    }
+}
+
 void findMissingEncryption(const DeviceFacts& facts, Findings& findings) {
     if (TeskPolicyMerge::strongest(facts.accounts).requireDeviceEncryption != 0 && !facts.isEncrypted()) {
         findings.add(Kind::Encryption, "the internal storage is not encrypted");
@@ -149,6 +156,7 @@ std::vector<Finding> findingsOf(const Evidence& evidence) {
         findOddValues(evidence, findings);
         findUnmetDemands(evidence, facts, findings);
         findMissingLock(evidence, facts, findings);
+        findExpiredPassword(evidence, findings);
         findMissingEncryption(facts, findings);
     }
     findMissingAccounts(evidence, facts, findings);

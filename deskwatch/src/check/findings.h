@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "explain/device_facts.h"
+#include "session/lock_screen.h"
 
 namespace deskwatch {
 
@@ -22,6 +23,7 @@ struct Evidence {
     std::optional<int> lockType;
     /// Whether the service noted that the lock is what the policies demand.
     bool wasLockApplied = false;
+    LockScreen lockScreen;
     /// Whether the service administers the device; none when that is not known.
     std::optional<bool> isAdministered;
     /// The settings, as indices of deviceSettings, that the device refused when the service last wrote them.

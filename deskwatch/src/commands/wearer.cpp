@@ -97,7 +97,7 @@ void addLockCommand(CLI::App& program, const CommonOptions& common) {
     command->callback([&common, options, actions] {
         if (std::count_if(actions.begin(), actions.end(), [](const auto* action) { return action->count() > 0; }) !=
             1) {
-            throw CLI::ValidationError("one of LOCK, --wrong, --right, --idle and --age is needed");
+            throw CLI::ValidationError("exactly one of LOCK, --wrong, --right, --idle and --age is needed");
         }
         std::cout << used(chosenDevice(common), *options) << '\n';
     });
