@@ -98,6 +98,12 @@ TEST_F(Batches, FailuresAreNamedAndTheReportsOfTheShardsAreOne) {
     EXPECT_NE(deskwatchProgram(merge).errors.find("the report of shard 2/2 is missing"), std::string::npos);
 }
 
+TEST_F(Batches, UpdatedFilesAreNamed) {
+    const auto folder = recordings(2);
+    const auto outcome = deskwatchProgram({"replay", "--update", folder});
+    EXPECT_EQ(outcome.output.find(folder + "/2.jsonl: updated\nSlowest\n"), 0U) << outcome.output << outcome.errors;
+}
+
 TEST_F(Batches, WorkerThatHangsOrIsKilledFailsItsRecordingAlone) {
     const auto folder = recordings(1);
     const auto service = write("service", "#!/bin/sh\nexec sleep 1000\n");

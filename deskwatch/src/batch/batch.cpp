@@ -72,7 +72,8 @@ public:
     using Ended = std::function<void(Worker& worker, BatchResult result)>;
 
     Worker(std::string file, const BatchOptions& options, fs::path folder, Ended ended)
-        : limit_(options.limit), folder_(std::move(folder)), ended_(std::move(ended)), result_{std::move(file), 0, ""} {
+        : limit_(options.limit), folder_(std::move(folder)),
+          ended_(std::move(ended)), result_{std::move(file), 0, "", false} {
         fs::create_directory(folder_);
         std::vector<const char*> arguments;
         for (const auto& word : options.command) {
@@ -80,7 +81,7 @@ public:
         }
         arguments.insert(arguments.end(), {"--", result_.file.c_str(), nullptr});
         const c::ObjectOwner<GSubprocessLauncher> launcher(g_subprocess_launcher_new(
-            static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDOUT_SILENCE | G_SUBPROCESS_FLAGS_STDERR_PIPE)));
+            static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDOUT_PIPE | G_SUBPROCESS_FLAGS_STDERR_PIPE)));
         g_subprocess_launcher_setenv(launcher.get(), "TMPDIR", folder_.c_str(), TRUE);
         g_subprocess_launcher_set_child_setup(launcher.get(), endWithParent, nullptr, nullptr);
         GError* error = nullptr;
@@ -110,9 +111,12 @@ private:
 
     static void onOutput(GObject* /*process*/, GAsyncResult* outcome, gpointer self) {
         auto& worker = *static_cast<Worker*>(self);
+        GBytes* output = nullptr;
         GBytes* errors = nullptr;
-        g_subprocess_communicate_finish(worker.process_.get(), outcome, nullptr, &errors, nullptr);
+        g_subprocess_communicate_finish(worker.process_.get(), outcome, &output, &errors, nullptr);
         worker.result_.failure = bytesOf(errors);
+        worker.result_.isUpdated = bytesOf(output).find(": updated\n") != std::string::npos;
+        g_clear_pointer(&output, g_bytes_unref);
         g_clear_pointer(&errors, g_bytes_unref);
         g_subprocess_wait_async(worker.process_.get(), nullptr, onEnd, self);
     }

@@ -54,7 +54,11 @@ std::string batchText(const BatchReport& report) {
     const auto shown = slowest.begin() + static_cast<std::ptrdiff_t>(std::min(mostShown, slowest.size()));
     std::partial_sort(slowest.begin(), shown, slowest.end(),
                       [](const auto& one, const auto& other) { return one.seconds > other.seconds; });
-    std::string text = slowest.size() > 1 ? "Slowest\n" : "";
+    std::string text;
+    for (const auto& result : report.results) {
+        text += result.isUpdated ? result.file + ": updated\n" : "";
+    }
+    text += slowest.size() > 1 ? "Slowest\n" : "";
     for (auto result = slowest.begin(); slowest.size() > 1 && result != shown; ++result) {
         text += "  " + decimal(result->seconds) + " s  " + result->file + "\n";
     }
@@ -71,7 +75,8 @@ std::string batchJson(const BatchReport& report) {
     for (const auto& result : report.results) {
         results.push_back({{"file", result.file},
                            {"seconds", result.seconds},
-                           {"failure", result.failure.empty() ? Json(nullptr) : Json(result.failure)}});
+                           {"failure", result.failure.empty() ? Json(nullptr) : Json(result.failure)},
+                           {"updated", result.isUpdated}});
     }
     return jsonText({{"shard", report.shard.index},
                      {"shards", report.shard.count},
@@ -90,7 +95,8 @@ BatchReport parseBatchJson(const std::string& text, const std::string& file) {
         for (const auto& result : json.at("recordings")) {
             const auto& failure = result.at("failure");
             report.results.push_back({result.at("file"), result.at("seconds"),
-                                      failure.is_null() ? std::string() : failure.get<std::string>()});
+                                      failure.is_null() ? std::string() : failure.get<std::string>(),
+                                      result.value("updated", false)});
         }
         return report;
     } catch (const Json::exception& error) {

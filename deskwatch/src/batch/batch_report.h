@@ -14,6 +14,8 @@ struct BatchResult {
     double seconds = 0;
     /// Why it failed, the first line for a reader who has many of them; empty when every effect was equal.
     std::string failure;
+    /// Whether its file was rewritten.
+    bool isUpdated = false;
 };
 
 /// What became of the recordings of a shard, or of all.
@@ -27,7 +29,7 @@ struct BatchReport {
     std::size_t failed() const;
 };
 
-/// The slowest ten and the sum, for a reader.
+/// The files that were rewritten, the slowest ten and the sum, for a reader.
 std::string batchText(const BatchReport& report);
 
 /// For programs; parseBatchJson reads it. Throws std::runtime_error with the file's name when the text is not a report.

@@ -48,6 +48,12 @@ std::string serviceOf(const ReplayOptions& options) {
                                    : std::filesystem::absolute(options.service);
 }
 
+std::string equalText(std::size_t effects) {
+    return effects == 0   ? "no effects to compare"
+           : effects == 1 ? "the one effect is equal"
+                          : "all " + std::to_string(effects) + " effects are equal";
+}
+
 void replayOne(const ReplayOptions& options) {
     const auto& file = options.files.front();
     const auto recording = readRecording(file);
@@ -55,14 +61,15 @@ void replayOne(const ReplayOptions& options) {
     const auto outcome =
         replay(*device, standardApplications(serviceOf(options), {thisProgram().string(), "companion"}), recording);
     if (!outcome.difference) {
-        std::cout << "all " << outcome.equal << " effects are equal\n";
+        std::cout << equalText(outcome.equal) << "\n";
         return;
     }
     const auto where = inputName(file) + ":" + std::to_string(outcome.difference->line);
     const auto text = differenceText(recording, *outcome.difference);
     if (!options.isUpdated) {
         throw std::runtime_error(where + ": the service does not do what was recorded; " +
-                                 std::to_string(outcome.equal) + " effects are equal\n" + text);
+                                 std::to_string(outcome.equal) + (outcome.equal == 1 ? " effect is" : " effects are") +
+                                 " equal\n" + text);
     }
     rewrite(file, updatedRecording(recording, outcome.happened));
     std::cout << where << ": updated\n" << text;
