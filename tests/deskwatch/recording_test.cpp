@@ -180,7 +180,7 @@ TEST_F(Recordings, WrongLineIsRefusedWithItsPlace) {
         {head, " has no event to replay"},
         {"", " has no event to replay"},
         {head + R"({"in":"lunch"})",
-         R"(:2:2: not a line of a recording: "in" is "lunch", which nobody knows; did you mean "launch"?)"},
+         R"(:2:2: not a line of a recording: "in" is "lunch", which is not known; did you mean "launch"?)"},
         {head + R"({"out":"write","key":"/a","value":1})" + "\n" + R"({"out":"read"})",
          ":3:2: not a line of a recording"},
         {head + R"({"over":"fault"})",

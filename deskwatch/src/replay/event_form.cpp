@@ -223,7 +223,7 @@ void requireEvent(const TraceEvent& event) {
     }
     const auto kind = event[direction].get<std::string>();
     throw FormError(direction,
-                    "\"" + direction + "\" is \"" + kind + "\", which nobody knows" + didYouMean(kind, kinds));
+                    "\"" + direction + "\" is \"" + kind + "\", which is not known" + didYouMean(kind, kinds));
 }
 
 RecordedState stateOf(const TraceEvent& head) {
