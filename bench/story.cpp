@@ -52,7 +52,7 @@ std::string privateDirtyMemory() {
     throw std::runtime_error("bench: the kernel does not tell the memory of the process");
 }
 
-/// In a process of its own, so that what filling needs is no memory of the service.
+/// Runs in a child process, so that its memory is not counted as the service's.
 void fill(const bench::DataFolder& folder, int accounts) {
     const pid_t child = fork();
     if (child == 0) {
