@@ -41,7 +41,8 @@ it; where the lock is set, none was. The service ends itself after ten seconds o
   are waits of a thread that ended because their time had passed.
 - On a platform that costs nothing, where the trigger is samples/exchange-default.json for both policies: instructions of the
   trigger, or of the whole life for the two starts, and none for the idle minute (within 2 %); the peak of the heap (2 %) and the
-  private dirty memory (5 %) up to the end of the story. What the platform does to wipe a device is not counted.
+  private dirty memory, pages of files left out (5 %), up to the end of the story. What the platform does to wipe a device is not
+  counted.
 """
 
 

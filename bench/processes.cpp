@@ -10,6 +10,7 @@
 #include <csignal>
 #include <fstream>
 #include <iostream>
+#include <map>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
@@ -139,24 +140,25 @@ void measureStartUp(const deskwatch::Device& watch, GDBusConnection* bus, const 
     }
 }
 
-/// The sum of a field over the threads of a process.
-double threadSum(const std::string& pid, const std::string& field) {
-    double sum = 0;
+/// How often each thread of a process has waited so far.
+std::map<std::string, double> waitsByThread(const std::string& pid) {
+    const std::string field = "voluntary_ctxt_switches:";
+    std::map<std::string, double> waits;
     for (const auto& thread : fs::directory_iterator("/proc/" + pid + "/task")) {
         std::ifstream status(thread.path() / "status");
         for (std::string line; std::getline(status, line);) {
-            if (line.rfind(field + ":", 0) == 0) {
-                sum += std::stod(line.substr(field.size() + 1));
+            if (line.rfind(field, 0) == 0) {
+                waits[thread.path().filename()] = std::stod(line.substr(field.size()));
             }
         }
     }
-    return sum;
+    return waits;
 }
 
 void measureMemory(const Program& program, const std::string& pid) {
     std::ifstream rollup("/proc/" + pid + "/smaps_rollup");
     for (std::string line; std::getline(rollup, line);) {
-        for (const std::string field : {"Rss", "Pss", "Private_Clean", "Private_Dirty"}) {
+        for (const std::string field : {"Rss", "Pss", "Private_Clean", "Anonymous"}) {
             if (line.rfind(field + ":", 0) == 0) {
                 print(field, program, std::stod(line.substr(field.size() + 1)));
             }
@@ -167,16 +169,19 @@ void measureMemory(const Program& program, const std::string& pid) {
 
 using RunningPrograms = std::vector<std::unique_ptr<Running>>;
 
-/// How often the threads of each process were woken.
+/// How often the threads of each process were woken; a thread that ends meanwhile is not counted.
 void measureWakeUps(const std::vector<Program>& programs, const RunningPrograms& running, int seconds) {
-    const std::string field = "voluntary_ctxt_switches";
-    std::vector<double> before;
+    std::vector<std::map<std::string, double>> before;
     for (const auto& process : running) {
-        before.push_back(threadSum(process->pid(), field));
+        before.push_back(waitsByThread(process->pid()));
     }
     std::this_thread::sleep_for(std::chrono::seconds(seconds));
     for (std::size_t program = 0; program < programs.size(); ++program) {
-        print("wake-ups", programs[program], threadSum(running[program]->pid(), field) - before[program]);
+        double sum = 0;
+        for (const auto& [thread, waits] : waitsByThread(running[program]->pid())) {
+            sum += waits - before[program][thread];
+        }
+        print("wake-ups", programs[program], sum);
     }
 }
 
@@ -224,7 +229,6 @@ void measure(const fs::path& binaries, const fs::path& folder, int idleSeconds) 
          std::string(platformId) + ".port_port"},
         {"bare", bareId, {(binaries / "bench-bare-process").string(), bareId, (folder / "bare.db").string()}, bareId},
     };
-    sync(); // pages of a program that was just linked would count as dirty memory of its process
     const deskwatch::BootedDevice watch(folder / "watch",
                                         {{serviceId, programs[0].command}, {platformId, programs[1].command}});
     const auto bus = deskwatch::connectToBus(watch->busAddress());

@@ -14,7 +14,7 @@ PROGRAMS, IDLE_SECONDS = os.path.abspath(sys.argv[1]), sys.argv[2]
 WORKS = [("update", 1, 40), ("merge", 1, 40), ("merge", 10, 40), ("merge", 100, 20), ("merge", 1000, 8),
          ("merge", 10000, 2), ("decide", 1, 10000)]
 COMPILED = {"update", "merge"}  # works that use the database
-GOALS = {("limit", "merge", 100): 2.0, ("compiled", "update", 1): 1.15, "start-up": 1.25, "Private_Dirty": 1.15}
+GOALS = {("limit", "merge", 100): 2.0, ("compiled", "update", 1): 1.15, "start-up": 1.25, "Anonymous": 1.15}
 
 
 def output_of(*command):
@@ -77,7 +77,7 @@ def report_processes():
         goals = GOALS if limit == "bare" else {}
         for name, label, unit in (("start-up", "start-up to a registered port", "ms"),
                                   ("Rss", "resident memory", "KB"), ("Pss", "proportional memory", "KB"),
-                                  ("Private_Dirty", "private dirty memory", "KB"), ("threads", "threads", ""),
+                                  ("Anonymous", "private dirty memory", "KB"), ("threads", "threads", ""),
                                   ("wake-ups", f"wake-ups in {IDLE_SECONDS} s of idling", ""),
                                   ("system-calls", f"system calls in {IDLE_SECONDS} s of idling", "")):
             form = "{:,.1f}" if unit == "ms" else "{:,.0f}"

@@ -42,10 +42,12 @@ Trigger triggerOf(const std::string& name) {
     return found->second;
 }
 
+/// In kilobytes, without the pages of files: those of a program that was linked a moment ago are dirty until they are
+/// on the disk.
 std::string privateDirtyMemory() {
     std::ifstream rollup("/proc/self/smaps_rollup");
     for (std::string word; rollup >> word;) {
-        if (word == "Private_Dirty:" && rollup >> word) {
+        if (word == "Anonymous:" && rollup >> word) {
             return word;
         }
     }
