@@ -160,6 +160,11 @@ int TeskConsumerDbMgr::getPolicyDataByAccountId(int accountId, TeskPolicyData& o
 }
 
 int TeskConsumerDbMgr::getPolicyDataList(TeskPolicyDataList& out) {
+    return getPolicyDataList(
+        [&out](const TeskPolicyData& data) { out.push_back(std::make_shared<TeskPolicyData>(data)); });
+}
+
+int TeskConsumerDbMgr::getPolicyDataList(const TeskPolicyVisitor& visit) {
     TESK_INFO("Enter");
     const auto statement = __prepareQuery(selectAllSql);
     if (!statement) {
@@ -170,8 +175,10 @@ int TeskConsumerDbMgr::getPolicyDataList(TeskPolicyDataList& out) {
         TESK_WARN("query result: %d", result);
         return TESK_DB_NO_ROW;
     }
+    TeskPolicyData data;
     for (; result == SQLITE_ROW; result = __readRow(statement)) {
-        __readPolicy(statement, *out.emplace_back(std::make_shared<TeskPolicyData>()));
+        __readPolicy(statement, data);
+        visit(data);
     }
     return 0;
 }
@@ -379,7 +386,7 @@ void TeskConsumerDbMgr::__readPolicy(const Statement& statement, TeskPolicyData&
     for (const auto& text : TeskPolicyTable::texts) {
         // a foreign hand may have left NULL in the column
         const auto* const value = reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), column++));
-        data.*text.field = std::string(value != nullptr ? value : "");
+        (data.*text.field).assign(value != nullptr ? value : "");
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include <sqlite3.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -13,6 +14,8 @@
 constexpr int TESK_DB_INVALID_ACCOUNT = -2;
 constexpr int TESK_DB_FAILURE = -1001;
 constexpr int TESK_DB_NO_ROW = -1002;
+
+using TeskPolicyVisitor = std::function<void(const TeskPolicyData&)>;
 
 /// Keeps one policy record per account in an SQLite file in the application's data folder. The file is opened, and on
 /// the first start made, when the instance is; while it could not be opened every operation fails. A table that could
@@ -44,6 +47,10 @@ public:
 
     /// Appends a record per row, in the table's order. Returns 0, TESK_DB_NO_ROW for an empty table, or an error.
     int getPolicyDataList(TeskPolicyDataList& out);
+
+    /// Shows the rows one by one, in the table's order, in a record that is valid during the call only. Returns the
+    /// same.
+    int getPolicyDataList(const TeskPolicyVisitor& visit);
 
     /// Writes the number of rows to *count. Returns 0, or TESK_DB_FAILURE and leaves *count alone.
     int getAllEasAccountCount(int* count);

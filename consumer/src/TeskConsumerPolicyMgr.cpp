@@ -119,9 +119,9 @@ void TeskConsumerPolicyMgr::applyPolicyAndWarn(const TeskConsumerPlace& place) {
 }
 
 std::shared_ptr<TeskPolicyData> TeskConsumerPolicyMgr::getStrongPolicy() {
-    TeskPolicyDataList accounts;
-    TeskConsumerDbMgr::getInstance()->getPolicyDataList(accounts);
-    auto strong = std::make_shared<TeskPolicyData>(TeskPolicyMerge::strongest(accounts));
+    auto strong = std::make_shared<TeskPolicyData>();
+    TeskConsumerDbMgr::getInstance()->getPolicyDataList(
+        [&strong](const TeskPolicyData& account) { TeskPolicyMerge::takeIn(*strong, account); });
     TESK_INFO("<<<<<<<<<< Strong policy >>>>>>>>>>");
     return strong;
 }
@@ -163,9 +163,10 @@ int TeskConsumerPolicyMgr::__callWhileNoAccountIsStored(int (ITeskConsumerPolicy
 }
 
 int TeskConsumerPolicyMgr::__getPasswordEnforcingAccountId(int* accountId) {
-    TeskPolicyDataList accounts;
-    TeskConsumerDbMgr::getInstance()->getPolicyDataList(accounts);
-    *accountId = TeskPolicyMerge::passwordEnforcingAccountId(accounts);
+    TeskPasswordEnforcer enforcer;
+    TeskConsumerDbMgr::getInstance()->getPolicyDataList(
+        [&enforcer](const TeskPolicyData& account) { TeskPolicyMerge::takeIn(enforcer, account); });
+    *accountId = enforcer.accountId;
     TESK_INFO("Password enforcing account id : %d", *accountId);
     return 0;
 }

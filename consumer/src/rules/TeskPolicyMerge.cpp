@@ -20,14 +20,6 @@ bool takesAccountValue(TeskMergeRule rule, std::int32_t start, std::int32_t merg
     return false;
 }
 
-std::int32_t mergedValueOf(const TeskPolicyNumber& number, std::int32_t start, const TeskPolicyDataList& accounts) {
-    std::int32_t merged = start;
-    for (const auto& account : accounts) {
-        merged = TeskPolicyMerge::mergedValue(number.rule, start, merged, (*account).*number.field);
-    }
-    return merged;
-}
-
 } // namespace
 
 std::int32_t TeskPolicyMerge::mergedValue(TeskMergeRule rule, std::int32_t start, std::int32_t merged,
@@ -35,13 +27,18 @@ std::int32_t TeskPolicyMerge::mergedValue(TeskMergeRule rule, std::int32_t start
     return takesAccountValue(rule, start, merged, account) ? account : merged;
 }
 
+void TeskPolicyMerge::takeIn(TeskPolicyData& strong, const TeskPolicyData& account) {
+    static const TeskPolicyData start;
+    for (const auto& number : TeskPolicyTable::numbers) {
+        auto& merged = strong.*number.field;
+        merged = mergedValue(number.rule, start.*number.field, merged, account.*number.field);
+    }
+}
+
 TeskPolicyData TeskPolicyMerge::strongest(const TeskPolicyDataList& accounts) {
     TeskPolicyData strong;
-    for (const auto& number : TeskPolicyTable::numbers) {
-        if (number.rule != TeskMergeRule::NotMerged) {
-            auto& value = strong.*number.field;
-            value = mergedValueOf(number, value, accounts);
-        }
+    for (const auto& account : accounts) {
+        takeIn(strong, *account);
     }
     return strong;
 }
@@ -57,18 +54,20 @@ std::int64_t TeskPolicyMerge::passwordScore(const TeskPolicyData& account) {
     return score;
 }
 
-std::int32_t TeskPolicyMerge::passwordEnforcingAccountId(const TeskPolicyDataList& accounts) {
-    std::int64_t bestScore = 0;
-    std::int32_t accountId = 0;
-    for (const auto& account : accounts) {
-        if (account->devicePasswordEnabled == 0) {
-            continue;
-        }
-        const std::int64_t score = passwordScore(*account);
-        if (score >= bestScore) {
-            bestScore = score;
-            accountId = account->accountId;
-        }
+void TeskPolicyMerge::takeIn(TeskPasswordEnforcer& enforcer, const TeskPolicyData& account) {
+    if (account.devicePasswordEnabled == 0) {
+        return;
     }
-    return accountId;
+    const std::int64_t score = passwordScore(account);
+    if (score >= enforcer.score) {
+        enforcer = {account.accountId, score};
+    }
+}
+
+std::int32_t TeskPolicyMerge::passwordEnforcingAccountId(const TeskPolicyDataList& accounts) {
+    TeskPasswordEnforcer enforcer;
+    for (const auto& account : accounts) {
+        takeIn(enforcer, *account);
+    }
+    return enforcer.accountId;
 }
