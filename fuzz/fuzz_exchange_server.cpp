@@ -1,8 +1,6 @@
 // What anybody may ask the server for the desk: requests of any method, query, headers and body, with orders between
 // them.
 
-#include <unistd.h>
-
 #include <array>
 #include <filesystem>
 #include <fstream>
@@ -12,6 +10,7 @@
 #include "exchange/server_address.h"
 #include "exchange_server/desk_server.h"
 #include "fuzz_target.h"
+#include "temporary_folder.h"
 
 namespace {
 
@@ -26,12 +25,12 @@ constexpr std::array orders{"wipe",     "account-wipe", "forget", "http",   "sta
                             "redirect", "slow",         "cut",    "broken", "-"};
 
 std::string policyFile() {
-    static const auto file = [] {
-        auto path = std::filesystem::temp_directory_path() / ("fuzzed-policy-" + std::to_string(getpid()) + ".xml");
-        std::ofstream(path) << "<EASProvisionDoc><AllowCamera>0</AllowCamera></EASProvisionDoc>";
-        return path.string();
-    }();
-    return file;
+    static const TemporaryFolder folder;
+    const auto file = folder.path() / "policy.xml";
+    if (!exists(file)) {
+        std::ofstream(file) << "<EASProvisionDoc><AllowCamera>0</AllowCamera></EASProvisionDoc>";
+    }
+    return file.string();
 }
 
 ServerRequest request(ByteReader& bytes) {
