@@ -199,7 +199,9 @@ class Finder:
     def note_constant(self, cursor: Cursor, keyword: int, is_text: bool) -> None:
         name = cursor.location.offset
         end = keyword + len("constexpr")
-        rewrites = [(keyword, end, "" if self.text(end, name).startswith(" const ") else "const")]
+        is_member = cursor.semantic_parent.kind in (CursorKind.CLASS_DECL, CursorKind.STRUCT_DECL)
+        words = ["inline"] * is_member + ["const"] * (not self.text(end, name).startswith(" const "))
+        rewrites = [(keyword, end, " ".join(words))]
         if is_text:  # no condition yields an array, but it yields where one begins
             rewrites.append((name, name + len(f"{cursor.spelling}[]"), f"* const {cursor.spelling}"))
         self.source.constants[name] = Constant(cursor.extent.start.offset, cursor.extent.end.offset, rewrites,
