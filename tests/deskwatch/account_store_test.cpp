@@ -1,12 +1,12 @@
 #include "accounts/account_store.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <csignal>
 #include <fstream>
 #include <stdexcept>
 
+#include "process_limit.h"
 #include "temporary_folder.h"
 
 namespace deskwatch {
@@ -60,11 +60,10 @@ TEST_F(TheAccountStore, FullDiskKeepsTheOldState) {
     auto changed = fullAccount();
     changed.message.assign(10'000, 'x');
     std::signal(SIGXFSZ, SIG_IGN); // NOLINT(cert-err33-c): the write fails instead
-    const rlimit small{4096, RLIM_INFINITY};
-    setrlimit(RLIMIT_FSIZE, &small);
-    EXPECT_THROW(store().write(changed), std::runtime_error);
-    const rlimit any{RLIM_INFINITY, RLIM_INFINITY};
-    setrlimit(RLIMIT_FSIZE, &any);
+    {
+        const ProcessLimit disk(RLIMIT_FSIZE, 4096);
+        EXPECT_THROW(store().write(changed), std::runtime_error);
+    }
     EXPECT_EQ(accountJson(store().read(2)), accountJson(fullAccount()));
     store().write(changed);
     EXPECT_EQ(store().read(2).message, changed.message);

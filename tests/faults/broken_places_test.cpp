@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -8,28 +7,12 @@
 #include <fstream>
 #include <stdexcept>
 
+#include "process_limit.h"
 #include "story_run.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-/// Limits what this process and its children may use, for as long as the object lives.
-class Limit {
-public:
-    Limit(__rlimit_resource resource, rlim_t limit) : resource_(resource) {
-        getrlimit(resource_, &before_);
-        const rlimit now{limit, before_.rlim_max};
-        setrlimit(resource_, &now);
-    }
-    ~Limit() { setrlimit(resource_, &before_); }
-    Limit(const Limit&) = delete;
-    Limit& operator=(const Limit&) = delete;
-
-private:
-    __rlimit_resource resource_;
-    rlimit before_{};
-};
 
 /// Gives up root, for whom permissions do not count, for as long as the object lives.
 class NoRoot {
@@ -132,7 +115,7 @@ TEST_F(BrokenPlace, NoPermissionInTheDataFolder) {
 
 TEST_F(BrokenPlace, FullDisk) {
     {
-        const Limit disk(RLIMIT_FSIZE, 0);
+        const ProcessLimit disk(RLIMIT_FSIZE, 0);
         play("db create fail");
     }
     EXPECT_FALSE(fs::exists(database)) << "a database without a table would never be repaired";
@@ -141,7 +124,7 @@ TEST_F(BrokenPlace, FullDisk) {
 
 TEST_F(BrokenPlace, DiskThatFillsUpHalfway) {
     {
-        const Limit disk(RLIMIT_FSIZE, 5000);
+        const ProcessLimit disk(RLIMIT_FSIZE, 5000);
         play("db create fail");
     }
     EXPECT_FALSE(fs::exists(database));
@@ -158,7 +141,7 @@ protected:
 
 TEST_F(BrokenPlaceWithRows, FullDiskLosesNoRow) {
     {
-        const Limit disk(RLIMIT_FSIZE, 0);
+        const ProcessLimit disk(RLIMIT_FSIZE, 0);
         play("db failure: disk I/O error");
     }
     EXPECT_EQ(run.rows(), rowsBefore);
@@ -167,7 +150,7 @@ TEST_F(BrokenPlaceWithRows, FullDiskLosesNoRow) {
 
 TEST_F(BrokenPlaceWithRows, DiskThatFillsUpHalfwayLosesNoRow) {
     {
-        const Limit disk(RLIMIT_FSIZE, 5000);
+        const ProcessLimit disk(RLIMIT_FSIZE, 5000);
         play("db failure: disk I/O error");
     }
     EXPECT_EQ(run.rows(), rowsBefore);
@@ -197,7 +180,7 @@ TEST(BrokenPlaceWhileRunning, NoFileIsLeftToOpen) {
     FaultStory story = storyNamed("StrongerSecondAccount");
     auto& event = story.story.events.front();
     event = [act = event](harness::Watch& watch) {
-        const Limit files(RLIMIT_NOFILE, 3);
+        const ProcessLimit files(RLIMIT_NOFILE, 3);
         act(watch);
     };
     StoryRun run(story, databaseOf(story));
