@@ -24,7 +24,6 @@ ApplicationObject::ApplicationObject(const Bus& bus, Handler handler)
 
 ApplicationObject::~ApplicationObject() {
     g_signal_handlers_disconnect_by_data(skeleton_.get(), this);
-    g_dbus_interface_skeleton_unexport(G_DBUS_INTERFACE_SKELETON(skeleton_.get()));
 }
 
 void ApplicationObject::deliver(std::unique_ptr<app_control_s> request) {

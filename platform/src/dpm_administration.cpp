@@ -13,8 +13,8 @@ constexpr auto nobody = static_cast<uid_t>(-1);
 
 bool isClient(const std::string& path, uid_t uid) {
     const c::VariantOwner user = SettingsStore::get().read(path);
-    return user != nullptr && g_variant_is_of_type(user.get(), G_VARIANT_TYPE_UINT32) &&
-           g_variant_get_uint32(user.get()) == uid;
+    const c::VariantOwner wanted(g_variant_ref_sink(g_variant_new_uint32(uid)));
+    return user != nullptr && g_variant_equal(user.get(), wanted.get()) != FALSE; // a value of another type differs
 }
 
 // Runs a function's body with the path of a client. A name or a user that cannot be one is refused.

@@ -215,6 +215,7 @@ TEST_F(DpmContract, ClientRegistersAndEndsOnce) {
     EXPECT_EQ(dpm_admin_register_client(handle(), client, user), DPM_ERROR_NOT_PERMITTED);
     EXPECT_EQ(dpm_admin_register_client(handle(), "com.example.another", user), DPM_ERROR_NONE);
     EXPECT_EQ(dpm_admin_register_client(handle(), "", user), DPM_ERROR_NONE) << "an empty name is one, too";
+    EXPECT_EQ(dpm_admin_deregister_client(handle(), client, user + 1), DPM_ERROR_NOT_PERMITTED);
     EXPECT_EQ(dpm_admin_deregister_client(handle(), client, user), DPM_ERROR_NONE);
     EXPECT_EQ(dpm_admin_deregister_client(handle(), client, user), DPM_ERROR_NOT_PERMITTED);
 }

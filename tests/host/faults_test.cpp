@@ -1,4 +1,3 @@
-#include <dconf.h>
 #include <dpm/administration.h>
 #include <dpm/password.h>
 #include <service_app.h>
@@ -36,16 +35,11 @@ protected:
     int setQuality() const { return dpm_password_set_quality(manager(), 128); }
 
     static void set(const std::string& function, int code, int nth = 0) {
-        write("/faults/" + std::string(deskId) + "/" + function, g_variant_new("(ii)", code, nth));
+        writeSetting("/faults/" + std::string(deskId) + "/" + function, g_variant_new("(ii)", code, nth));
     }
 
     /// The faults of all applications.
-    static void clear() { write("/faults/", nullptr); }
-
-    static void write(const std::string& path, GVariant* value) {
-        const c::ObjectOwner<DConfClient> client(dconf_client_new());
-        ASSERT_TRUE(dconf_client_write_sync(client.get(), path.c_str(), value, nullptr, nullptr, nullptr));
-    }
+    static void clear() { writeSetting("/faults/", nullptr); }
 
 private:
     const ManagerOwner manager_{dpm_manager_create()};
@@ -94,7 +88,7 @@ TEST_F(Faults, FunctionThatAnswersAPointerAnswersNull) {
 
 TEST_F(Faults, FaultOfAnotherApplicationHasNoEffectHere) {
     asApplication([&] {
-        write("/faults/" + std::string(appId) + "/dpm_password_set_quality", g_variant_new("(ii)", refused, 0));
+        writeSetting("/faults/" + std::string(appId) + "/dpm_password_set_quality", g_variant_new("(ii)", refused, 0));
         set("vconf_set_int", refused);
         EXPECT_TRUE(runMainLoopUntil([&] { return vconf_set_int("db/test/number", 1) == refused; }));
         EXPECT_EQ(setQuality(), DPM_ERROR_NONE);

@@ -1,5 +1,7 @@
 #include "host_test.h"
 
+#include <dconf.h>
+
 namespace {
 
 std::vector<std::string> commandOf(const std::vector<std::string>& arguments) {
@@ -43,4 +45,9 @@ void emitSignal(const char* path, const char* interface, const char* signal, GVa
     const c::ObjectOwner<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
     g_dbus_connection_emit_signal(bus.get(), nullptr, path, interface, signal, arguments, nullptr);
     g_dbus_connection_flush_sync(bus.get(), nullptr, nullptr);
+}
+
+void writeSetting(const std::string& path, GVariant* value) {
+    const c::ObjectOwner<DConfClient> client(dconf_client_new());
+    ASSERT_TRUE(dconf_client_write_sync(client.get(), path.c_str(), value, nullptr, nullptr, nullptr));
 }

@@ -45,4 +45,7 @@ std::size_t occurrences(const std::string& text, const std::string& part);
 /// Sends a signal to all on the bus, as any process of the device can. Consumes floating arguments.
 void emitSignal(const char* path, const char* interface, const char* signal, GVariant* arguments);
 
+/// Writes a setting, or removes what is below a folder, as any process of the device can. Consumes a floating value.
+void writeSetting(const std::string& path, GVariant* value);
+
 #endif

@@ -38,14 +38,14 @@ TEST_F(SettingsStore, TextsThatAreNotUtf8AreRefused) {
     EXPECT_EQ(preference_set_string("key", "\xff"), PREFERENCE_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(preference_set_int("\xff", 1), PREFERENCE_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(dpm_restriction_set_messaging_state(manager.get(), "\xff", 1), DPM_ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(dpm_admin_register_client(manager.get(), "\xff", 0), DPM_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(dpm_admin_register_client(manager.get(), "\xff", 1000), DPM_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(message_port_send_message(appId, "\xff", bundleOf({}).get()), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
 }
 
 TEST_F(SettingsStore, NamesThatWouldLeaveTheirFolderAreRefused) {
     const ManagerOwner manager(dpm_manager_create());
     EXPECT_EQ(dpm_restriction_set_messaging_state(manager.get(), "a/b", 1), DPM_ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(dpm_admin_register_client(manager.get(), "a/b", 0), DPM_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(dpm_admin_register_client(manager.get(), "a/b", 1000), DPM_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(preference_set_int("a//b", 1), PREFERENCE_ERROR_INVALID_PARAMETER);
 }
 
