@@ -15,13 +15,13 @@ protected:
 
     std::string appId() const {
         char* id = nullptr;
-        app_control_get_app_id(control(), &id);
+        EXPECT_EQ(app_control_get_app_id(control(), &id), APP_CONTROL_ERROR_NONE);
         return taken(id);
     }
 
     std::string extraData(const char* key) const {
         char* value = nullptr;
-        app_control_get_extra_data(control(), key, &value);
+        EXPECT_EQ(app_control_get_extra_data(control(), key, &value), APP_CONTROL_ERROR_NONE);
         return taken(value);
     }
 

@@ -129,8 +129,10 @@ TEST(MessagePortContract, NameOfAPortMayHaveAnyCharacters) {
     std::set<int> ids;
     const std::vector<const char*> names{"a port", "a\"port", "a.port", "a_port", "ä port"};
     for (const char* name : names) {
+        bool open = true;
+        EXPECT_EQ(message_port_check_remote_port(self, name, &open), MESSAGE_PORT_ERROR_NONE);
+        EXPECT_FALSE(open) << name;
         ids.insert(message_port_register_local_port(name, receive, nullptr));
-        bool open = false;
         EXPECT_EQ(message_port_check_remote_port(self, name, &open), MESSAGE_PORT_ERROR_NONE);
         EXPECT_TRUE(open) << name;
     }

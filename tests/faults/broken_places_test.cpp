@@ -1,39 +1,17 @@
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <stdexcept>
 
+#include "no_root.h"
 #include "process_limit.h"
 #include "story_run.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-/// Gives up root, for whom permissions do not count, for as long as the object lives.
-class NoRoot {
-public:
-    NoRoot() {
-        if (isRoot_ && seteuid(nobody) != 0) {
-            throw std::runtime_error("root cannot be given up");
-        }
-    }
-    ~NoRoot() {
-        if (isRoot_ && seteuid(0) != 0) {
-            std::abort();
-        }
-    }
-    NoRoot(const NoRoot&) = delete;
-    NoRoot& operator=(const NoRoot&) = delete;
-
-private:
-    static constexpr uid_t nobody = 65534;
-    const bool isRoot_ = geteuid() == 0;
-};
 
 const FaultStory& storyNamed(const std::string& name) {
     return *std::find_if(faultStories().begin(), faultStories().end(),

@@ -1,11 +1,14 @@
 #include <dlog.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pty.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -59,16 +62,53 @@ TEST_F(Dlog, LowestLevelShownComesFromTheEnvironment) {
     EXPECT_EQ(written(DLOG_ERROR, "text"), prefix("E") + "text\n");
 }
 
-TEST_F(Dlog, LevelMayBeAName) {
-    setenv("DLOG_LEVEL", "Verbose", 1);
-    EXPECT_EQ(written(DLOG_VERBOSE, "text"), prefix("V") + "text\n");
-}
-
 TEST_F(Dlog, LevelMayBeANumber) {
     setenv("DLOG_LEVEL", "3", 1);
     EXPECT_EQ(written(DLOG_VERBOSE, "text"), "");
     EXPECT_EQ(written(DLOG_DEBUG, "text"), prefix("D") + "text\n");
 }
+
+struct Level {
+    const char* name;
+    int priority;
+    const char* letter;
+    const char* colour;
+};
+
+class DlogLevel : public Dlog, public testing::WithParamInterface<Level> {
+protected:
+    // What a terminal gets that is the process's stderr.
+    static std::string shownAtATerminal(const std::vector<int>& priorities) {
+        int terminal = -1;
+        int errors = -1;
+        EXPECT_EQ(openpty(&terminal, &errors, nullptr, nullptr, nullptr), 0);
+        dup2(errors, STDERR_FILENO);
+        close(errors);
+        for (const int priority : priorities) {
+            __dlog_print(LOG_ID_MAIN, priority, "TAG", "text");
+        }
+        close(STDERR_FILENO); // reading ends with what was written
+        std::array<char, 512> part{};
+        std::string shown;
+        for (ssize_t size = 0; (size = read(terminal, part.data(), part.size())) > 0;) {
+            shown.append(part.data(), static_cast<std::size_t>(size));
+        }
+        return shown;
+    }
+};
+
+TEST_P(DlogLevel, IsTheLowestShownByItsNameAndHasALetterAndAColour) {
+    const Level& level = GetParam();
+    setenv("DLOG_LEVEL", level.name, 1);
+    EXPECT_EQ(shownAtATerminal({level.priority - 1, level.priority}),
+              level.colour + prefix(level.letter) + "text\x1b[0m\r\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, DlogLevel,
+    testing::Values(Level{"Verbose", DLOG_VERBOSE, "V", "\x1b[90m"}, Level{"debug", DLOG_DEBUG, "D", "\x1b[36m"},
+                    Level{"info", DLOG_INFO, "I", "\x1b[32m"}, Level{"warn", DLOG_WARN, "W", "\x1b[33m"},
+                    Level{"ERROR", DLOG_ERROR, "E", "\x1b[31m"}, Level{"fatal", DLOG_FATAL, "F", "\x1b[1;31m"}));
 
 TEST_F(Dlog, SilentShowsNothing) {
     setenv("DLOG_LEVEL", "silent", 1);

@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "host_test.h"
+#include "no_root.h"
 #include "platform_owners.h"
 
 namespace fs = std::filesystem;
@@ -47,14 +48,16 @@ TEST_F(DpmSecurity, WipeEmptiesTheFolderAndKeepsIt) {
 }
 
 TEST_F(DpmSecurity, StorageIsEncryptedWhenItsOwnKeySaysSo) {
-    int internalAnswer = -1;
-    int externalAnswer = -1;
-    vconf_set_str("db/ode/crypto_state", "unencrypted");
-    vconf_set_str("db/ode/external_crypto_state", "encrypted");
-    EXPECT_EQ(dpm_security_is_internal_storage_encrypted(handle(), &internalAnswer), DPM_ERROR_NONE);
-    EXPECT_EQ(dpm_security_is_external_storage_encrypted(handle(), &externalAnswer), DPM_ERROR_NONE);
-    EXPECT_EQ(internalAnswer, 0);
-    EXPECT_EQ(externalAnswer, 1);
+    for (const bool isInternal : {true, false}) {
+        int internalAnswer = -1;
+        int externalAnswer = -1;
+        vconf_set_str("db/ode/crypto_state", isInternal ? "encrypted" : "unencrypted");
+        vconf_set_str("db/ode/external_crypto_state", isInternal ? "unencrypted" : "encrypted");
+        EXPECT_EQ(dpm_security_is_internal_storage_encrypted(handle(), &internalAnswer), DPM_ERROR_NONE);
+        EXPECT_EQ(dpm_security_is_external_storage_encrypted(handle(), &externalAnswer), DPM_ERROR_NONE);
+        EXPECT_EQ(internalAnswer, isInternal ? 1 : 0);
+        EXPECT_EQ(externalAnswer, isInternal ? 0 : 1);
+    }
 }
 
 TEST_F(DpmSecurity, WipeOfBothEmptiesBoth) {
@@ -102,19 +105,26 @@ TEST_F(DpmSecurity, StorageThatIsNotThereIsWipedAlready) {
     EXPECT_EQ(wipe(externalStorage), DPM_ERROR_NONE);
 }
 
-TEST_F(DpmSecurity, WipeAsksForNoAdministrator) {
-    write(internal() / "note");
-    EXPECT_EQ(wipe(internalStorage), DPM_ERROR_NONE);
-    EXPECT_TRUE(fs::is_empty(internal()));
-}
+TEST_F(DpmSecurity, WipeTellsWhatItCannotRemoveAndRemovesTheRest) {
+    const fs::path kept = internal() / "kept";
+    write(kept / "note");
+    write(internal() / "gone");
+    fs::permissions(device().folder(), fs::perms::all);
+    fs::permissions(internal(), fs::perms::all);
+    fs::permissions(kept, static_cast<fs::perms>(0555));
 
-TEST_F(DpmSecurity, IsEncryptedWhenTheDevicesKeySaysSo) {
-    vconf_set_str("db/ode/crypto_state", "encrypted");
-    int isEncrypted = 0;
-    dpm_security_is_internal_storage_encrypted(handle(), &isEncrypted);
-    EXPECT_EQ(isEncrypted, 1);
-    dpm_security_is_external_storage_encrypted(handle(), &isEncrypted);
-    EXPECT_EQ(isEncrypted, 0);
+    testing::internal::CaptureStderr();
+    {
+        const NoRoot user;
+        EXPECT_EQ(wipe(internalStorage), DPM_ERROR_NOT_PERMITTED);
+    }
+    fs::permissions(kept, fs::perms::all); // so that the test can remove it
+
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "tesk-host: dpm_security_wipe_data: cannot wipe all of " +
+                                                          internal().string() + ": these remain: " + kept.string() +
+                                                          " (Permission denied)\n");
+    EXPECT_TRUE(fs::exists(kept / "note"));
+    EXPECT_FALSE(fs::exists(internal() / "gone"));
 }
 
 } // namespace

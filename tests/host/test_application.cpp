@@ -40,14 +40,16 @@ void say(const std::string& line) {
 
 std::string extraData(app_control_h control, const char* key) {
     char* value = nullptr;
-    app_control_get_extra_data(control, key, &value);
-    return value != nullptr ? taken(value) : std::string();
+    return app_control_get_extra_data(control, key, &value) == APP_CONTROL_ERROR_NONE ? taken(value) : std::string();
 }
 
 std::string callerOf(app_control_h control) {
     char* id = nullptr;
-    app_control_get_caller(control, &id);
-    return id != nullptr ? taken(id) : "nobody";
+    const int result = app_control_get_caller(control, &id);
+    if (result == APP_CONTROL_ERROR_KEY_NOT_FOUND) {
+        return "nobody";
+    }
+    return result == APP_CONTROL_ERROR_NONE ? taken(id) : "an error";
 }
 
 int answer(app_control_h request) {

@@ -1,10 +1,8 @@
-#include <message_port.h>
 #include <vconf.h>
 
 #include <array>
 
 #include "host_test.h"
-#include "platform_owners.h"
 
 namespace {
 
@@ -17,32 +15,6 @@ void recordNumber(keynode_t* node, void* numbers) {
 }
 
 class VconfWatches : public HostTest {};
-
-TEST_F(VconfWatches, KeyChangeOfThisProcessReachesTheOther) {
-    vconf_set_int("db/example/key", 0);
-    const auto app = start({"serve"});
-    ASSERT_TRUE(app->said("launch"));
-    message_port_send_message(appId, "control", bundleOf({{"do", "watch"}, {"key", "db/example/key"}}).get());
-    ASSERT_TRUE(app->said("watching"));
-
-    vconf_set_int("db/example/key", 7);
-
-    EXPECT_TRUE(app->said("key db/example/key is 7\n"));
-}
-
-TEST_F(VconfWatches, KeyChangeOfTheOtherProcessReachesThisOne) {
-    std::vector<int> numbers;
-    vconf_set_int("db/example/key", 0);
-    vconf_notify_key_changed("db/example/key", recordNumber, &numbers);
-
-    EXPECT_EQ(run({"set-key", "db/example/key", "7"})->status(), 0);
-
-    ASSERT_TRUE(runMainLoopUntil([&] { return !numbers.empty(); }));
-    EXPECT_EQ(numbers, std::vector<int>{7});
-    int value = 0;
-    vconf_get_int("db/example/key", &value);
-    EXPECT_EQ(value, 7);
-}
 
 TEST_F(VconfWatches, NewsOfAnotherFormIsIgnored) {
     std::vector<int> numbers;
