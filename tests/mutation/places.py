@@ -227,7 +227,7 @@ class Finder:
             self.replace(value, "returned value", f"({self.text_of(value)}) + 1")
         elif result == TypeKind.POINTER and inner.kind != CursorKind.CXX_NULL_PTR_LITERAL_EXPR:
             self.replace(value, "returned value", "nullptr")
-        elif result == TypeKind.RECORD and not in_lambda and self.text_of(value) not in ("{}", "nullptr"):
+        elif result == TypeKind.RECORD and not in_lambda and self.text_of(value) not in ("{}", "nullptr", "std::nullopt"):
             self.put_before(cursor, Change("returned value", self.text_of(value), "{}", "if ({}) return {{}}; "))
 
     def note_negation(self, condition: Cursor) -> None:
