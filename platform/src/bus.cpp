@@ -54,9 +54,13 @@ Bus::~Bus() {
 // A proxy of the daemon would cost three round trips at every start.
 c::VariantOwner Bus::ask(const char* method, GVariant* arguments, const char* answerType, int timeout,
                          GError** error) const {
-    return c::VariantOwner(g_dbus_connection_call_sync(
+    c::VariantOwner answer(g_dbus_connection_call_sync(
         connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method, arguments,
         G_VARIANT_TYPE(answerType), G_DBUS_CALL_FLAGS_NONE, timeout, nullptr, error));
+    if (error != nullptr && *error != nullptr) {
+        check(*error);
+    }
+    return answer;
 }
 
 c::VariantOwner Bus::demand(const char* method, GVariant* arguments, const char* answerType,
@@ -64,18 +68,9 @@ c::VariantOwner Bus::demand(const char* method, GVariant* arguments, const char*
     g_autoptr(GError) error = nullptr;
     c::VariantOwner answer = ask(method, arguments, answerType, libraryTimeout, &error);
     if (answer == nullptr) {
-        check(error);
         throw HostError("cannot " + what + ": " + error->message);
     }
     return answer;
-}
-
-void Bus::release(const char* method, GVariant* arguments, const char* answerType, const std::string& what) const {
-    g_autoptr(GError) error = nullptr;
-    if (ask(method, arguments, answerType, libraryTimeout, &error) == nullptr) {
-        check(error);
-        report("cannot " + what + ": " + error->message);
-    }
 }
 
 bool Bus::requestName(const std::string& name) {
@@ -92,7 +87,10 @@ bool Bus::requestName(const std::string& name) {
 
 void Bus::releaseName(const std::string& name) {
     names_.erase(name);
-    release("ReleaseName", g_variant_new("(s)", name.c_str()), "(u)", "release the bus name " + name);
+    g_autoptr(GError) error = nullptr;
+    if (ask("ReleaseName", g_variant_new("(s)", name.c_str()), "(u)", libraryTimeout, &error) == nullptr) {
+        report("cannot release the bus name " + name + ": " + error->message);
+    }
 }
 
 void Bus::releaseAllNames() {
@@ -120,7 +118,6 @@ std::optional<std::string> Bus::ownerOf(const std::string& name) {
         return std::nullopt;
     }
     if (answer == nullptr) {
-        check(error);
         throw HostError("cannot ask the bus daemon who owns " + name + ": " + error->message);
     }
     const char* owner = nullptr;

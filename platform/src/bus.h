@@ -64,16 +64,14 @@ public:
 private:
     Bus();
 
-    /// Asks the daemon. Null when it answers no value of the type within the timeout, in milliseconds.
+    /// Asks the daemon. Null when it answers no value of the type within the timeout, in milliseconds. With a place for
+    /// the error, a lost connection ends the process.
     c::VariantOwner ask(const char* method, GVariant* arguments, const char* answerType, int timeout,
                         GError** error) const;
 
     /// Asks the daemon for what must succeed. Throws HostError, which says that it cannot do `what`.
     c::VariantOwner demand(const char* method, GVariant* arguments, const char* answerType,
                            const std::string& what) const;
-
-    /// Gives back what the daemon holds for this process; a failure to do `what` is reported.
-    void release(const char* method, GVariant* arguments, const char* answerType, const std::string& what) const;
 
     /// Tells the daemon of a match rule; it gives no answer.
     void tell(const char* method, const std::string& rule) const;

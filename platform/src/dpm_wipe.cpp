@@ -42,10 +42,9 @@ void countWipe(const fs::path& device, const char* name) {
 
 // The storage is empty whether or not somebody can be told.
 void announceWipe(const char* name) {
-    guarded("the news of a wipe", 0, [name] {
+    guarded("the news of a wipe", [name] {
         g_dbus_connection_emit_signal(Bus::get().connection(), nullptr, host_bus::systemPath, "tesk.host.System",
                                       "Wiped", g_variant_new("(s)", name), nullptr);
-        return 0;
     });
 }
 

@@ -1,6 +1,5 @@
 #include "faults.h"
 
-#include <tuple>
 #include <utility>
 
 #include "bus_values.h"
@@ -31,13 +30,9 @@ void Faults::read() {
     std::map<std::string, Fault, std::less<>> faults;
     for (const auto& function : store_.list(folder_)) {
         if (const auto value = intPairOf(store_.read(folder_ + function).get())) {
-            Fault fault;
-            std::tie(fault.code, fault.nth) = *value;
             const auto known = faults_.find(function);
-            const bool isSame =
-                known != faults_.end() && known->second.code == fault.code && known->second.nth == fault.nth;
-            fault.calls = isSame ? known->second.calls : 0;
-            faults.emplace(function, fault);
+            const bool isSame = known != faults_.end() && known->second.codeAndNth == *value;
+            faults.emplace(function, Fault{*value, isSame ? known->second.calls : 0});
         }
     }
     faults_ = std::move(faults);
@@ -48,8 +43,9 @@ std::optional<int> Faults::answer(const char* function) {
     if (fault == faults_.end()) {
         return std::nullopt;
     }
-    const bool isMet = fault->second.nth == 0 || ++fault->second.calls == fault->second.nth;
-    return isMet ? std::optional(fault->second.code) : std::nullopt;
+    const auto [code, nth] = fault->second.codeAndNth;
+    const bool isMet = nth == 0 || ++fault->second.calls == nth;
+    return isMet ? std::optional(code) : std::nullopt;
 }
 
 } // namespace host

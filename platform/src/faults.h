@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "settings_store.h"
 
@@ -27,9 +28,8 @@ public:
 
 private:
     struct Fault {
-        int code = 0;
-        int nth = 0;
-        int calls = 0;
+        std::pair<int, int> codeAndNth;
+        int calls;
     };
 
     void notify(const std::string& path);

@@ -59,6 +59,15 @@ Result guarded(const char* function, Result failure, Body&& body) noexcept {
     }
 }
 
+/// The same for a function or callback that answers nothing.
+template <class Body>
+void guarded(const char* function, Body&& body) noexcept {
+    guarded(function, 0, [&] {
+        body();
+        return 0;
+    });
+}
+
 } // namespace host
 
 #endif

@@ -107,11 +107,10 @@ std::unique_ptr<Launcher::Launch> Launcher::take(Launch* launch) {
 
 void Launcher::onAnswer(GObject* connection, GAsyncResult* outcome, gpointer launch) {
     auto* answeredLaunch = static_cast<Launch*>(launch);
-    guarded("the answer to a launch request", 0, [&] {
+    guarded("the answer to a launch request", [&] {
         g_autoptr(GError) error = nullptr;
         const c::VariantOwner answer(g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), outcome, &error));
         answeredLaunch->launcher->answered(answeredLaunch, answer.get(), error);
-        return 0;
     });
 }
 

@@ -148,8 +148,5 @@ int service_app_main(int /*argc*/, char** argv, service_app_lifecycle_callback_s
 }
 
 void service_app_exit(void) {
-    guarded(__func__, 0, [] {
-        MainLoop::get().end();
-        return 0;
-    });
+    guarded(__func__, [] { MainLoop::get().end(); });
 }

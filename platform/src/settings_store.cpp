@@ -47,11 +47,11 @@ SettingsStore& SettingsStore::get() {
 
 // dconf takes the process's shared bus connection, in a thread of its own. The connection must have been made before,
 // by the main loop's thread, or the news of its loss would come to that other thread.
-SettingsStore::SettingsStore() : bus_(Bus::get()), client_(dconf_client_new()) {
-    subscription_ =
-        g_dbus_connection_signal_subscribe(bus_.connection(), nullptr, writerInterface, newsSignal, writerPath, nullptr,
-                                           G_DBUS_SIGNAL_FLAGS_NO_MATCH_RULE, onNews, this, nullptr);
-}
+SettingsStore::SettingsStore()
+    : bus_(Bus::get()), client_(dconf_client_new()),
+      subscription_(g_dbus_connection_signal_subscribe(bus_.connection(), nullptr, writerInterface, newsSignal,
+                                                       writerPath, nullptr, G_DBUS_SIGNAL_FLAGS_NO_MATCH_RULE, onNews,
+                                                       this, nullptr)) {}
 
 SettingsStore::~SettingsStore() {
     g_dbus_connection_signal_unsubscribe(bus_.connection(), subscription_);
@@ -125,13 +125,12 @@ bool SettingsStore::isReachable() {
 void SettingsStore::onNews(GDBusConnection* /*connection*/, const char* /*sender*/, const char* /*path*/,
                            const char* /*interface*/, const char* /*signal*/, GVariant* arguments, gpointer self) {
     auto& store = *static_cast<SettingsStore*>(self);
-    guarded("news of changed settings", 0, [&] {
+    guarded("news of changed settings", [&] {
         for (const std::string& path : changedPathsOf(arguments)) {
             for (const Listener& listener : store.listeners_) {
                 listener(path);
             }
         }
-        return 0;
     });
 }
 

@@ -83,7 +83,7 @@ private:
 
     Bus& bus_;
     c::ObjectOwner<DConfClient> client_;
-    guint subscription_ = 0;
+    guint subscription_;
     Listeners listeners_;
 };
 
