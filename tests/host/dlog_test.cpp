@@ -48,12 +48,26 @@ TEST_F(Dlog, LineBeginsWithTheTimeWhereThatIsWanted) {
 
 TEST_F(Dlog, DebugIsNotShownByDefault) {
     EXPECT_EQ(written(DLOG_DEBUG, "text"), "");
+    EXPECT_EQ(result(), 0);
     EXPECT_EQ(written(DLOG_INFO, "text"), prefix("I") + "text\n");
 }
 
 TEST_F(Dlog, EmptyLevelIsTheDefaultWithoutAWord) {
     setenv("DLOG_LEVEL", "", 1);
     EXPECT_EQ(written(DLOG_INFO, "text"), prefix("I") + "text\n");
+}
+
+TEST_F(Dlog, UnknownLevelIsTheDefaultAndIsReported) {
+    setenv("DLOG_LEVEL", "loud", 1);
+    EXPECT_EQ(written(DLOG_INFO, "text"), "tesk-host: (no application id): DLOG_LEVEL=loud is not a log level "
+                                          "(V D I W E F S); showing I and higher\n" +
+                                              prefix("I") + "text\n");
+    EXPECT_EQ(written(DLOG_DEBUG, "text"), "");
+}
+
+TEST_F(Dlog, FailedWriteIsItsError) {
+    close(STDERR_FILENO);
+    EXPECT_EQ(__dlog_print(LOG_ID_MAIN, DLOG_ERROR, "TAG", "text"), -EBADF);
 }
 
 TEST_F(Dlog, LowestLevelShownComesFromTheEnvironment) {

@@ -3,6 +3,7 @@
 
 #include <fstream>
 
+#include "host_bus.h"
 #include "host_test.h"
 #include "no_root.h"
 #include "platform_owners.h"
@@ -38,6 +39,16 @@ TEST_F(DpmSecurity, WipeEmptiesTheFolderAndKeepsIt) {
     write(internal() / "photos/2024/one");
     write(internal() / ".hidden");
     write(external() / "card");
+    std::string announced;
+    const auto note = [](GDBusConnection*, const char*, const char*, const char*, const char*, GVariant* arguments,
+                         gpointer text) {
+        const char* name = nullptr;
+        g_variant_get(arguments, "(&s)", &name);
+        *static_cast<std::string*>(text) = name;
+    };
+    const c::ObjectOwner<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
+    g_dbus_connection_signal_subscribe(bus.get(), nullptr, "tesk.host.System", "Wiped", host_bus::systemPath, nullptr,
+                                       G_DBUS_SIGNAL_FLAGS_NONE, note, &announced, nullptr);
 
     EXPECT_EQ(wipe(internalStorage), DPM_ERROR_NONE);
 
@@ -45,6 +56,7 @@ TEST_F(DpmSecurity, WipeEmptiesTheFolderAndKeepsIt) {
     EXPECT_TRUE(fs::is_empty(internal()));
     EXPECT_TRUE(fs::exists(external() / "card"));
     EXPECT_EQ(fs::file_size(device().folder() / "run/wipes-internal"), 1U) << "a byte for each wipe";
+    EXPECT_TRUE(runMainLoopUntil([&] { return announced == "internal"; }));
 }
 
 TEST_F(DpmSecurity, StorageIsEncryptedWhenItsOwnKeySaysSo) {

@@ -134,6 +134,7 @@ TEST_F(Launcher, ReplyMayComeLate) {
     ASSERT_TRUE(came(answer));
     EXPECT_EQ(answer.result, APP_CONTROL_RESULT_SUCCEEDED);
     EXPECT_EQ(answer.answer, "yes");
+    EXPECT_TRUE(logged("late answer given, caller: an error\n")) << "the request is gone";
 }
 
 TEST_F(Launcher, RequestThatIsDroppedIsCancelled) {

@@ -56,6 +56,14 @@ TEST_F(PortExchange, PortClosesWithItsApplication) {
     EXPECT_TRUE(runMainLoopUntil([] { return send(appId, "text", "hello") == MESSAGE_PORT_ERROR_PORT_NOT_FOUND; }));
 }
 
+TEST_F(PortExchange, PortThatItsLivingApplicationClosesIsNotFound) {
+    const auto app = start({"serve"});
+    ASSERT_TRUE(app->said("launch"));
+    EXPECT_EQ(send(appId, "do", "close"), MESSAGE_PORT_ERROR_NONE);
+    ASSERT_TRUE(app->said("close done\n"));
+    EXPECT_EQ(send(appId, "text", "hello"), MESSAGE_PORT_ERROR_PORT_NOT_FOUND);
+}
+
 TEST_F(PortExchange, OnlyAMessageForNoPortFailsAsPortNotFound) {
     const auto app = start({"serve"});
     ASSERT_TRUE(app->said("launch"));

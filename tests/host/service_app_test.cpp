@@ -1,4 +1,8 @@
+#include <service_app.h>
+
+#include <cerrno>
 #include <csignal>
+#include <fstream>
 
 #include "host_test.h"
 
@@ -38,7 +42,16 @@ TEST_F(ServiceApp, RefusedCreateEndsTheApplicationWithoutMainLoopAndTerminate) {
     EXPECT_EQ(occurrences(app->errors(), "create\n"), 1U);
     EXPECT_EQ(occurrences(app->errors(), "launch"), 0U);
     EXPECT_EQ(occurrences(app->errors(), "terminate"), 0U);
-    EXPECT_EQ(occurrences(app->errors(), "main returned -"), 1U);
+    EXPECT_EQ(occurrences(app->errors(), "main returned -1\n"), 1U);
+}
+
+TEST_F(ServiceApp, ApplicationWithoutArgumentsOrCreateIsInvalid) {
+    service_app_lifecycle_callback_s callbacks{};
+    char* none = nullptr;
+    EXPECT_EQ(service_app_main(0, &none, &callbacks, nullptr), -EINVAL);
+    callbacks.create = [](void*) { return false; };
+    EXPECT_EQ(service_app_main(0, nullptr, &callbacks, nullptr), -EINVAL);
+    EXPECT_EQ(service_app_main(0, &none, nullptr, nullptr), -EINVAL);
 }
 
 TEST_F(ServiceApp, ExitBeforeTheMainLoopEndsItTooAndRunsTerminate) {
@@ -90,6 +103,17 @@ TEST_F(ServiceApp, LostBusEndsTheApplicationAsAFailure) {
     EXPECT_EQ(app->status(), 1);
     EXPECT_EQ(occurrences(app->errors(), "the connection to the bus was lost"), 1U);
     EXPECT_EQ(occurrences(app->errors(), "terminate"), 0U);
+}
+
+TEST_F(ServiceApp, QuestionToALostBusIsAFailureBeforeTheMainLoopKnows) {
+    const auto file = device().folder() / "go on";
+    const auto app = start({"ask-again", file.string()});
+    ASSERT_TRUE(app->said("asked\n"));
+    device().shutDown();
+    std::ofstream(file).close();
+    ASSERT_TRUE(app->ended());
+    EXPECT_EQ(app->status(), 1);
+    EXPECT_EQ(occurrences(app->errors(), "the connection to the bus was lost"), 1U);
 }
 
 TEST_F(ServiceApp, LostBusIsAFailureForTheOwnerOfASystemNameToo) {

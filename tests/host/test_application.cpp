@@ -98,12 +98,14 @@ gboolean onTimer(gpointer /*data*/) {
     return G_SOURCE_CONTINUE;
 }
 
-void onMessage(int /*port*/, const char* sender, const char* /*remotePort*/, bool /*trusted*/, bundle* message,
+void onMessage(int port, const char* sender, const char* /*remotePort*/, bool /*trusted*/, bundle* message,
                void* data) {
     auto* application = static_cast<Application*>(data);
     const std::string todo = textOf(message, "do");
     if (todo == "answer") {
-        answer(std::exchange(application->kept, nullptr));
+        app_control_h request = std::exchange(application->kept, nullptr);
+        answer(request);
+        say("late answer given, caller: " + callerOf(request));
     } else if (todo == "watch") {
         vconf_notify_key_changed(textOf(message, "key").c_str(), onKeyChanged, nullptr);
         say("watching");
@@ -112,6 +114,9 @@ void onMessage(int /*port*/, const char* sender, const char* /*remotePort*/, boo
         say(todo + " done");
     } else if (todo == "stop") {
         g_source_remove(application->timer);
+        say(todo + " done");
+    } else if (todo == "close") {
+        message_port_unregister_local_port(port);
         say(todo + " done");
     } else if (todo == "throw") {
         throw std::runtime_error("the application gave up");
@@ -207,6 +212,16 @@ int launch(const Arguments& arguments) {
     return app_control_send_launch_request(request.get(), nullptr, nullptr) == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
+// Asks the bus daemon twice, without a main loop.
+int askAgain(const Arguments& arguments) {
+    bool open = false;
+    message_port_check_remote_port("com.example.other", "control", &open);
+    say("asked");
+    waitForFile(arguments.at(0));
+    message_port_check_remote_port("com.example.other", "control", &open);
+    return EXIT_SUCCESS;
+}
+
 int setKey(const Arguments& arguments) {
     return vconf_set_int(arguments.at(0).c_str(), std::stoi(arguments.at(1))) == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
@@ -247,6 +262,7 @@ const std::map<std::string, Command>& commands() {
         {"exit-in-create", [](const Arguments&) { return serveWith(&Application::exitsInCreate); }},
         {"send", sendMessages},
         {"launch", launch},
+        {"ask-again", askAgain},
         {"set-key", setKey},
         {"print-key", printKey},
         {"administer", administer},
