@@ -214,6 +214,7 @@ TEST_F(EveryCommand, FollowerEndsWithItsReader) {
     for (const Words& follower : {Words{"log", "--follow"},
                                   {"status", "--follow"},
                                   {"key", "watch", "db/setting/lock_type"},
+                                  {"record", "-"},
                                   {"timeline", "--follow"}}) {
         RunningProgram program(follower);
         program.nextLine();

@@ -1,6 +1,5 @@
 #include "batch/shard.h"
 
-#include <glib.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -9,8 +8,8 @@
 #include <numeric>
 #include <stdexcept>
 
-#include "c_owners.h"
 #include "text/input_file.h"
+#include "text/output_file.h"
 
 namespace deskwatch {
 namespace {
@@ -107,11 +106,7 @@ ReplayTimes readTimes(const std::string& file) {
 }
 
 void writeTimes(const std::string& file, const ReplayTimes& times) {
-    const auto text = nlohmann::json(times).dump(1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
-    GError* error = nullptr;
-    if (g_file_set_contents(file.c_str(), text.data(), static_cast<gssize>(text.size()), &error) == FALSE) {
-        throw std::runtime_error("cannot write " + file + ": " + c::takeMessage(error));
-    }
+    writeOutput(file, nlohmann::json(times).dump(1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n");
 }
 
 } // namespace deskwatch

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <fstream>
 #include <functional>
 #include <iostream>
 #include <memory>
@@ -8,6 +7,7 @@
 #include "commands.h"
 #include "messages/message_schema.h"
 #include "policy_files/policy_setting.h"
+#include "text/output_file.h"
 
 namespace deskwatch {
 namespace {
@@ -166,11 +166,7 @@ complete -o bashdefault -o default -F _deskwatch deskwatch
 
 void writeSchemas(const std::filesystem::path& folder) {
     for (const auto& file : schemaFiles()) {
-        std::ofstream stream(folder / file.name);
-        stream << file.text << std::flush;
-        if (!stream) {
-            throw std::runtime_error("cannot write " + (folder / file.name).string());
-        }
+        writeOutput(folder / file.name, file.text);
     }
 }
 

@@ -1,7 +1,4 @@
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -14,6 +11,7 @@
 #include "provisioning/provisioning_import.h"
 #include "records/policy_database.h"
 #include "text/input_file.h"
+#include "text/output_file.h"
 #include "text/value_text.h"
 
 namespace deskwatch {
@@ -30,14 +28,6 @@ struct ImportOptions {
     /// Whether the account's name was given.
     bool isNamed = false;
 };
-
-void writeMessage(const std::string& output, const std::string& message) {
-    std::ofstream stream(output, std::ios::binary | std::ios::trunc);
-    stream << message << std::flush;
-    if (!stream) {
-        throw std::runtime_error("cannot write " + output + ": " + std::strerror(errno));
-    }
-}
 
 /// A client that is told to wipe looks at no policy.
 void refuseBesideAnOrder(const std::string& name, const PolicyFile& content) {
@@ -81,7 +71,7 @@ void import(const CommonOptions& common, ImportOptions options) {
     const auto content = readPolicyFile(name, readInput(options.file));
     const auto result = importOf(name, content, options);
     if (!options.output.empty()) {
-        writeMessage(options.output, result.message);
+        writeOutput(options.output, result.message);
     } else if (!options.isWhatif && !options.isSend) {
         std::cout << result.message;
         flushOutput();

@@ -5,21 +5,16 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
 #include <stdexcept>
 
+#include "text/output_file.h"
+
 namespace deskwatch {
 namespace {
-
-/// The libraries ignore the signal once the process has a connection.
-void endByBrokenPipe() {
-    std::signal(SIGPIPE, SIG_DFL);
-    std::raise(SIGPIPE);
-}
 
 gboolean onReaderGone(int /*descriptor*/, GIOCondition /*condition*/, gpointer /*data*/) {
     endByBrokenPipe();

@@ -3,7 +3,7 @@
 
 #include "commands.h"
 #include "recording/recorder.h"
-#include "text/input_file.h"
+#include "text/output_file.h"
 
 namespace deskwatch {
 
@@ -19,8 +19,7 @@ void addRecordCommand(CLI::App& program, const CommonOptions& common) {
                     "Example:\n  deskwatch record story.jsonl");
     command->callback([&common, options] {
         record(chosenDevice(common), *options, [&options] {
-            std::cerr << "recording to " << (options->file == standardInput ? "standard output" : options->file)
-                      << "; ^C or deskwatch off ends it\n";
+            std::cerr << "recording to " << outputName(options->file) << "; ^C or deskwatch off ends it\n";
         });
     });
 }

@@ -1,6 +1,5 @@
 #include "replay/replay.h"
 
-#include <glib.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -10,10 +9,10 @@
 #include <thread>
 
 #include "batch/batch.h"
-#include "c_owners.h"
 #include "commands.h"
 #include "device/temporary_device.h"
 #include "text/input_file.h"
+#include "text/output_file.h"
 
 namespace deskwatch {
 namespace {
@@ -30,14 +29,6 @@ struct ReplayOptions {
     bool isJson = false;
     bool isMerged = false;
 };
-
-/// Replaces the file in one step.
-void rewrite(const std::string& file, const std::string& text) {
-    GError* error = nullptr;
-    if (g_file_set_contents(file.c_str(), text.data(), static_cast<gssize>(text.size()), &error) == FALSE) {
-        throw std::runtime_error("cannot write " + file + ": " + c::takeMessage(error));
-    }
-}
 
 std::filesystem::path thisProgram() {
     return std::filesystem::read_symlink("/proc/self/exe");
@@ -71,7 +62,7 @@ void replayOne(const ReplayOptions& options) {
                                  std::to_string(outcome.equal) + (outcome.equal == 1 ? " effect is" : " effects are") +
                                  " equal\n" + text);
     }
-    rewrite(file, updatedRecording(recording, outcome.happened));
+    writeOutput(file, updatedRecording(recording, outcome.happened));
     std::cout << where << ": updated\n" << text;
 }
 
@@ -144,8 +135,10 @@ BatchReport mergeReports(const std::vector<std::string>& files) {
 
 void replayMany(const ReplayOptions& options) {
     const auto report = options.isMerged ? mergeReports(options.files) : replayShare(options);
+    std::cout << (options.isJson ? batchJson(report)
+                                 : batchText(report)); // not lost with a file that cannot be written
     if (!options.junit.empty()) {
-        rewrite(options.junit, batchJunit(report));
+        writeOutput(options.junit, batchJunit(report));
     }
     if (!options.times.empty() && report.shard.count == 1) {
         auto times = readTimes(options.times);
@@ -154,7 +147,6 @@ void replayMany(const ReplayOptions& options) {
         }
         writeTimes(options.times, times);
     }
-    std::cout << (options.isJson ? batchJson(report) : batchText(report));
     if (report.failed() > 0) {
         throw std::runtime_error(std::to_string(report.failed()) + " of " + std::to_string(report.results.size()) +
                                  " recordings failed");

@@ -1,7 +1,5 @@
 #include "exchange/exchange_trace.h"
 
-#include <cerrno>
-#include <cstring>
 #include <sstream>
 #include <stdexcept>
 
@@ -68,34 +66,25 @@ std::string replyLines(const HttpReply& reply) {
 
 } // namespace
 
-TracedTransport::TracedTransport(Transport& transport, const std::string& file)
-    : transport_(transport), file_(file), stream_(file, std::ios::binary | std::ios::trunc) {
-    write(std::string(exchange_trace::firstLine) + "\n\n");
+TracedTransport::TracedTransport(Transport& transport, const std::string& file) : transport_(transport), file_(file) {
+    file_.write(std::string(exchange_trace::firstLine) + "\n\n");
 }
 
 HttpReply TracedTransport::send(const HttpRequest& request) {
-    write(requestLines(request));
+    file_.write(requestLines(request));
     try {
         auto reply = transport_.send(request);
-        write(replyLines(reply));
+        file_.write(replyLines(reply));
         return reply;
     } catch (const std::runtime_error& error) {
-        write(std::string("< ") + error.what() + "\n\n");
+        file_.write(std::string("< ") + error.what() + "\n\n");
         throw;
     }
 }
 
 void TracedTransport::pause(int seconds) {
-    write("(" + std::to_string(seconds) + " seconds pass)\n\n");
+    file_.write("(" + std::to_string(seconds) + " seconds pass)\n\n");
     transport_.pause(seconds);
-}
-
-void TracedTransport::write(const std::string& text) {
-    errno = 0;
-    stream_ << text << std::flush;
-    if (!stream_) {
-        throw std::runtime_error("cannot write " + file_ + ": " + std::strerror(errno));
-    }
 }
 
 } // namespace deskwatch

@@ -1,10 +1,10 @@
 #ifndef DESKWATCH_EXCHANGE_TRACE_H
 #define DESKWATCH_EXCHANGE_TRACE_H
 
-#include <fstream>
 #include <string>
 
 #include "exchange/transport.h"
+#include "text/output_file.h"
 
 namespace deskwatch {
 
@@ -19,11 +19,8 @@ public:
     void pause(int seconds) override;
 
 private:
-    void write(const std::string& text);
-
     Transport& transport_;
-    std::string file_;
-    std::ofstream stream_;
+    OutputFile file_;
 };
 
 } // namespace deskwatch

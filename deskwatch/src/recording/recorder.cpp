@@ -4,7 +4,6 @@
 
 #include <csignal>
 #include <fstream>
-#include <iostream>
 #include <iterator>
 #include <optional>
 #include <stdexcept>
@@ -17,7 +16,7 @@
 #include "recording/recorded_state.h"
 #include "records/idle_exit.h"
 #include "session/observer.h"
-#include "text/input_file.h"
+#include "text/output_file.h"
 
 namespace deskwatch {
 namespace {
@@ -45,45 +44,32 @@ private:
     FileDescriptor descriptor_;
 };
 
-/// Whether something would be lost with the file.
-bool isWritten(const std::filesystem::path& file) {
+/// The same file, with which nothing would be lost.
+const std::string& unwritten(const std::string& file) {
     std::error_code none;
-    return std::filesystem::is_regular_file(file, none) && std::filesystem::file_size(file, none) > 0;
+    if (std::filesystem::is_regular_file(file, none) && std::filesystem::file_size(file, none) > 0) {
+        throw std::runtime_error(file + " exists already; --force replaces it");
+    }
+    return file;
 }
 
 /// The file of a recording, line by line.
 class Lines {
 public:
-    explicit Lines(const RecordOptions& options) : options_(options) {
-        if (options.file != standardInput) {
-            if (!options.isForced && isWritten(options.file)) {
-                throw std::runtime_error(options.file + " exists already; --force replaces it");
-            }
-            file_.open(options.file, std::ios::trunc);
-            requireWritten(file_);
-        }
-    }
+    explicit Lines(const RecordOptions& options)
+        : isAnonymous_(options.isAnonymous), file_(options.isForced ? options.file : unwritten(options.file)) {}
 
     void write(const TraceEvent& line) {
-        auto& stream = options_.file == standardInput ? std::cout : file_;
-        stream << (options_.isAnonymous ? anonymiser_.anonymised(line) : line)
-                      .dump(-1, ' ', false, TraceEvent::error_handler_t::replace)
-               << '\n'
-               << std::flush;
-        requireWritten(stream);
+        const auto told = isAnonymous_ ? anonymiser_.anonymised(line) : line;
+        file_.write(told.dump(-1, ' ', false, TraceEvent::error_handler_t::replace) + "\n");
     }
+
+    void requireReader() const { file_.requireReader(); }
 
 private:
-    void requireWritten(const std::ostream& stream) const {
-        if (!stream) {
-            throw std::runtime_error("cannot write " +
-                                     (options_.file == standardInput ? "standard output" : options_.file));
-        }
-    }
-
-    RecordOptions options_;
+    bool isAnonymous_;
     Anonymiser anonymiser_;
-    std::ofstream file_;
+    OutputFile file_;
 };
 
 std::string endOf(const std::filesystem::path& log) {
@@ -121,6 +107,7 @@ public:
     void run(const EndSignals& signals) {
         bool isOver = false;
         while (!isOver) {
+            lines_.requireReader();
             isOver = signals.arrived() || monitor_.isClosed();
             while (const auto message = monitor_.next(isOver ? std::chrono::milliseconds::zero() : lookUp)) {
                 trace_.take(message.get());
