@@ -316,8 +316,9 @@ class Finder:
             self.replace(cursor, "literal", "false" if text == "true" else "true")
         elif cursor.kind == CursorKind.CHARACTER_LITERAL:
             self.replace(cursor, "literal", "'~'")
-        elif cursor.kind == CursorKind.STRING_LITERAL and cursor.extent.start.offset not in self.reported:
-            # of the same length, so that the type stays
+        elif (cursor.kind == CursorKind.STRING_LITERAL and text.startswith('"')
+              and cursor.extent.start.offset not in self.reported):
+            # of the same length, so that the type stays; __func__ is no text of the source
             self.replace(cursor, "literal", '"~' + text[1:] if text == '""' else '"~' + text[2:])
         elif cursor.kind == CursorKind.FLOATING_LITERAL:
             self.replace(cursor, "literal", f"{text} + 1")
