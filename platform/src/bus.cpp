@@ -13,7 +13,6 @@ namespace {
 constexpr int libraryTimeout = -1;
 constexpr guint doNotQueue = 4;
 constexpr guint primaryOwner = 1;
-constexpr guint alreadyOwner = 4;
 
 // Nothing that is registered to run at exit is of use without the bus, and some of it would wait for the daemon.
 [[noreturn]] void endProcess(const char* reason) {
@@ -47,10 +46,6 @@ Bus::Bus() : connection_(connect()) {
     g_signal_connect(connection_.get(), "closed", G_CALLBACK(onClosed), nullptr);
 }
 
-Bus::~Bus() {
-    g_signal_handlers_disconnect_by_func(connection_.get(), reinterpret_cast<gpointer>(&onClosed), nullptr);
-}
-
 // A proxy of the daemon would cost three round trips at every start.
 c::VariantOwner Bus::ask(const char* method, GVariant* arguments, const char* answerType, int timeout,
                          GError** error) const {
@@ -78,7 +73,7 @@ bool Bus::requestName(const std::string& name) {
         demand("RequestName", g_variant_new("(su)", name.c_str(), doNotQueue), "(u)", "take the bus name " + name);
     guint outcome = 0;
     g_variant_get(answer.get(), "(u)", &outcome);
-    if (outcome != primaryOwner && outcome != alreadyOwner) {
+    if (outcome != primaryOwner) {
         return false;
     }
     names_.insert(name);
@@ -166,8 +161,7 @@ void Bus::flush() {
 // bus by its unique id.
 bool Bus::startedThisProcess() const {
     const char* starter = std::getenv("DBUS_STARTER_ADDRESS");
-    const char* guid = g_dbus_connection_get_guid(connection_.get());
-    return starter != nullptr && guid != nullptr && std::strstr(starter, guid) != nullptr;
+    return starter != nullptr && std::strstr(starter, g_dbus_connection_get_guid(connection_.get())) != nullptr;
 }
 
 void Bus::check(const GError* error) const {

@@ -91,9 +91,9 @@ std::string timeNow() {
     gmtime_r(&now.tv_sec, &parts);
     std::array<char, 32> seconds{};
     std::strftime(seconds.data(), seconds.size(), "%Y-%m-%dT%H:%M:%S", &parts);
-    const std::string milliseconds =
-        std::to_string(1'000 + now.tv_nsec / 1'000'000).substr(1); // with its leading zeros
-    return std::string(seconds.data()) + "." + milliseconds + "Z ";
+    std::array<char, 32> milliseconds{};
+    std::snprintf(milliseconds.data(), milliseconds.size(), ".%03ldZ ", now.tv_nsec / 1'000'000);
+    return seconds.data() + std::string(milliseconds.data());
 }
 
 std::string prefixOf(const Level& level, const char* tag) {

@@ -21,7 +21,6 @@ std::unique_ptr<app_control_s> copyOf(const app_control_s& request) {
     auto copy = std::make_unique<app_control_s>();
     copy->appId = request.appId;
     copy->extraData = request.extraData;
-    copy->caller = request.caller;
     return copy;
 }
 
