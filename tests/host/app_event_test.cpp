@@ -46,6 +46,7 @@ TEST_F(AppEvent, HandlerIsRemovedOnceAndHearsNothingMore) {
 TEST_F(AppEvent, HandlerOfNoEventOrWithoutACallbackIsInvalid) {
     app_event_handler_h handler = nullptr;
     const auto unknown = static_cast<app_event_type_e>(APP_EVENT_SUSPENDED_STATE_CHANGED + 1);
+    EXPECT_EQ(service_app_add_event_handler(&handler, APP_EVENT_SUSPENDED_STATE_CHANGED, count, nullptr), 0);
     EXPECT_EQ(service_app_add_event_handler(&handler, unknown, count, nullptr), -EINVAL);
     EXPECT_EQ(service_app_add_event_handler(&handler, APP_EVENT_LOW_MEMORY, nullptr, nullptr), -EINVAL);
     EXPECT_EQ(service_app_add_event_handler(nullptr, APP_EVENT_LOW_MEMORY, count, nullptr), -EINVAL);

@@ -1,4 +1,5 @@
 #include <dlog.h>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <pty.h>
@@ -10,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "c_owners.h"
+
 namespace {
 
 // The level is read once per process, and each test is one.
@@ -19,6 +22,12 @@ protected:
         std::string pid = std::to_string(getpid());
         pid.insert(0, pid.size() < 5 ? 5 - pid.size() : 0, ' ');
         return std::string(level) + "/TAG(" + pid + "): ";
+    }
+
+    static std::string secondNow() {
+        const c::Owner<GDateTime, g_date_time_unref> now(g_date_time_new_now_utc());
+        const c::MemoryOwner<char> text(g_date_time_format(now.get(), "%Y-%m-%dT%H:%M:%S"));
+        return text.get();
     }
 
     static std::string written(int priority, const std::string& text) {
@@ -41,7 +50,10 @@ TEST_F(Dlog, LineHasLevelTagProcessAndText) {
 
 TEST_F(Dlog, LineBeginsWithTheTimeWhereThatIsWanted) {
     setenv("DLOG_FORMAT", "time", 1);
+    const std::string before = secondNow();
     const std::string line = written(DLOG_WARN, "text");
+    EXPECT_LE(before, line.substr(0, before.size()));
+    EXPECT_GE(secondNow(), line.substr(0, before.size()));
     EXPECT_THAT(line, testing::ContainsRegex("^[0-9-]{10}T[0-9:]{8}[.][0-9]{3}Z W/TAG"));
     EXPECT_THAT(line, testing::EndsWith("Z " + prefix("W") + "text\n"));
 }
@@ -96,6 +108,7 @@ protected:
         int terminal = -1;
         int errors = -1;
         EXPECT_EQ(openpty(&terminal, &errors, nullptr, nullptr, nullptr), 0);
+        fcntl(errors, F_SETFL, O_NONBLOCK); // nobody reads until all is written
         dup2(errors, STDERR_FILENO);
         close(errors);
         for (const int priority : priorities) {
@@ -130,7 +143,9 @@ TEST_F(Dlog, SilentShowsNothing) {
 }
 
 TEST_F(Dlog, EveryLineOfATextHasThePrefix) {
-    EXPECT_EQ(written(DLOG_INFO, "one\ntwo\n"), prefix("I") + "one\n" + prefix("I") + "two\n");
+    const std::string lines = written(DLOG_INFO, "one\ntwo\n");
+    EXPECT_EQ(lines, prefix("I") + "one\n" + prefix("I") + "two\n");
+    EXPECT_EQ(result(), static_cast<int>(lines.size()));
 }
 
 TEST_F(Dlog, EmptyTextIsALineToo) {

@@ -4,6 +4,7 @@
 #include <tesk-host-bus.h>
 #include <vconf.h>
 
+#include <array>
 #include <fstream>
 #include <map>
 #include <optional>
@@ -19,6 +20,7 @@ struct Answer {
     std::string answer;
     std::string requestedText;
     std::string target;
+    std::array<app_control_h, 2> handles{};
 };
 
 std::string extraData(app_control_h control, const char* key) {
@@ -31,7 +33,7 @@ void onReply(app_control_h request, app_control_h reply, app_control_result_e re
     auto* answer = static_cast<Answer*>(data);
     char* target = nullptr;
     app_control_get_app_id(request, &target);
-    *answer = {result, extraData(reply, "answer"), extraData(request, "text"), taken(target)};
+    *answer = {result, extraData(reply, "answer"), extraData(request, "text"), taken(target), {request, reply}};
 }
 
 // Sends a launch request and destroys it at once.
@@ -115,6 +117,9 @@ TEST_F(Launcher, ReplyComesWithItsDataAndACopyOfTheRequest) {
     EXPECT_EQ(answer.answer, "caf\xe9") << "no byte is lost on the way there and back";
     EXPECT_EQ(answer.requestedText, "caf\xe9");
     EXPECT_EQ(answer.target, appId);
+    for (app_control_h handle : answer.handles) {
+        EXPECT_EQ(app_control_destroy(handle), APP_CONTROL_ERROR_INVALID_PARAMETER) << "gone after the callback";
+    }
 }
 
 TEST_F(Launcher, RequestIsAnsweredOnceAndCanStillBeReadInTheCallback) {
@@ -153,9 +158,11 @@ TEST_F(Launcher, DroppedRequestWithoutReplyHarmsNobody) {
 
 TEST_F(Launcher, DeathOfTheApplicationCancelsTheRequest) {
     Answer answer;
+    testing::internal::CaptureStderr();
     launch(appId, {{"do", "crash"}}, &answer);
     ASSERT_TRUE(came(answer));
     EXPECT_EQ(answer.result, APP_CONTROL_RESULT_CANCELED);
+    EXPECT_EQ(occurrences(testing::internal::GetCapturedStderr(), "the launch of com.example.app failed: "), 1U);
 }
 
 TEST_F(Launcher, ApplicationThatCannotStartFails) {

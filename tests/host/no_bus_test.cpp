@@ -88,4 +88,10 @@ TEST(NoEnvironment, ApplicationHasNeitherIdNorFolderAndSaysWhichVariableIsWrong)
     }
 }
 
+TEST(NoEnvironment, FolderThatCannotBeMadeIsNone) {
+    setenv(host_bus::appIdVariable, "com.example.desk", 1);
+    setenv(host_bus::deviceVariable, "/dev/null", 1);
+    EXPECT_EQ(app_get_data_path(), nullptr);
+}
+
 } // namespace

@@ -48,14 +48,6 @@ TEST_F(PortExchange, MessageStartsNoApplication) {
     EXPECT_EQ(occurrences(device().log(), "create\n"), 0U);
 }
 
-TEST_F(PortExchange, PortClosesWithItsApplication) {
-    auto app = start({"serve"});
-    ASSERT_TRUE(app->said("launch"));
-    EXPECT_EQ(send(appId, "text", "hello"), MESSAGE_PORT_ERROR_NONE);
-    app.reset();
-    EXPECT_TRUE(runMainLoopUntil([] { return send(appId, "text", "hello") == MESSAGE_PORT_ERROR_PORT_NOT_FOUND; }));
-}
-
 TEST_F(PortExchange, PortThatItsLivingApplicationClosesIsNotFound) {
     const auto app = start({"serve"});
     ASSERT_TRUE(app->said("launch"));

@@ -42,7 +42,7 @@ TEST_F(ServiceApp, RefusedCreateEndsTheApplicationWithoutMainLoopAndTerminate) {
     EXPECT_EQ(occurrences(app->errors(), "create\n"), 1U);
     EXPECT_EQ(occurrences(app->errors(), "launch"), 0U);
     EXPECT_EQ(occurrences(app->errors(), "terminate"), 0U);
-    EXPECT_EQ(occurrences(app->errors(), "main returned -1\n"), 1U);
+    EXPECT_EQ(occurrences(app->errors(), "the application refused to start\nmain returned -1\n"), 1U);
 }
 
 TEST_F(ServiceApp, ApplicationWithoutArgumentsOrCreateIsInvalid) {

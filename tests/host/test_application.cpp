@@ -172,6 +172,11 @@ void onLaunch(app_control_h request, void* data) {
     } else if (todo == "launch") {
         launchAndWait(extraData(request, "target"));
     }
+    char* target = nullptr;
+    char* self = nullptr;
+    if (app_control_get_app_id(request, &target) != 0 || app_get_id(&self) != 0 || taken(target) != taken(self)) {
+        say("not for me");
+    }
     say("launch by " + callerOf(request) + ": " + extraData(request, "text"));
 }
 
