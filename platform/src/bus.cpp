@@ -42,7 +42,6 @@ Bus& Bus::get() {
 }
 
 Bus::Bus() : connection_(connect()) {
-    g_dbus_connection_set_exit_on_close(connection_.get(), FALSE);
     g_signal_connect(connection_.get(), "closed", G_CALLBACK(onClosed), nullptr);
 }
 

@@ -13,16 +13,16 @@ using host::guarded;
 
 namespace {
 
-constexpr host::dpm::Setting internalDemand{"/dpm/security/internal-storage-encryption", 0};
-constexpr host::dpm::Setting externalDemand{"/dpm/security/external-storage-encryption", 0};
+constexpr char internalDemand[] = "/dpm/security/internal-storage-encryption";
+constexpr char externalDemand[] = "/dpm/security/external-storage-encryption";
 constexpr char internalState[] = "/vconf/db/ode/crypto_state";
 constexpr char externalState[] = "/vconf/db/ode/external_crypto_state";
 
-int demand(const char* function, device_policy_manager_h handle, const host::dpm::Setting& setting, int encrypt) {
+int demand(const char* function, device_policy_manager_h handle, const char* setting, int encrypt) {
     if (handle != nullptr && encrypt < 0) {
         return DPM_ERROR_NOT_PERMITTED;
     }
-    return host::dpm::set(function, handle, setting, host::dpm::truth(encrypt));
+    return host::dpm::set(function, handle, {{setting, host::dpm::truth(encrypt)}});
 }
 
 int isEncrypted(const char* function, device_policy_manager_h handle, const char* stateKey, int* encrypted) {

@@ -29,7 +29,6 @@ public:
 
     SettingsStore(const SettingsStore&) = delete;
     SettingsStore& operator=(const SettingsStore&) = delete;
-    ~SettingsStore();
 
     /// Whether a text is a path of a key.
     static bool isKey(const std::string& path);
@@ -83,7 +82,6 @@ private:
 
     Bus& bus_;
     c::ObjectOwner<DConfClient> client_;
-    guint subscription_;
     Listeners listeners_;
 };
 

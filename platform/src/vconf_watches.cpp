@@ -83,9 +83,8 @@ gboolean VconfWatches::onBegin(gpointer self) {
 // The first news waits for that of the writes which were made since: the store's writer answers a write before it tells
 // of it.
 void VconfWatches::queue(const std::string& changedPath) {
-    const bool isWatched = std::any_of(watches_.begin(), watches_.end(), [&](const Watch& watch) {
-        return watch.number <= begun_ && marks + watch.key == changedPath;
-    });
+    const bool isWatched = std::any_of(watches_.begin(), watches_.end(),
+                                       [&](const Watch& watch) { return marks + watch.key == changedPath; });
     if (!isWatched) {
         return;
     }
