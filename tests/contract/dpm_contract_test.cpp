@@ -247,6 +247,7 @@ TEST_F(DpmContract, DemandForEncryptionEncryptsNothing) {
     registerClient();
     EXPECT_EQ(dpm_security_set_internal_storage_encryption(handle(), 1), DPM_ERROR_NONE);
     EXPECT_EQ(dpm_security_set_external_storage_encryption(handle(), 1), DPM_ERROR_NONE);
+    EXPECT_EQ(dpm_security_set_external_storage_encryption(handle(), 0), DPM_ERROR_NONE);
     int isEncrypted = -1;
     EXPECT_EQ(dpm_security_is_internal_storage_encrypted(handle(), &isEncrypted), DPM_ERROR_NONE);
     EXPECT_EQ(isEncrypted, 0);

@@ -190,6 +190,15 @@ TEST_F(Launcher, RequestAfterTheOneThatEndsTheApplicationIsNotLost) {
     EXPECT_TRUE(logged("launch by com.example.desk: afterwards\n"));
 }
 
+TEST_F(Launcher, RequestStartsTheNextProcessWhileTheLastOneEnds) {
+    const auto file = device().folder() / "go on";
+    launch(appId, {{"do", "exit-late"}, {"file", file.string()}}, nullptr);
+    ASSERT_TRUE(logged("terminate\n"));
+    launch(appId, {{"text", "meanwhile"}}, nullptr);
+    EXPECT_TRUE(logged("launch by com.example.desk: meanwhile\n"));
+    std::ofstream(file).close();
+}
+
 TEST_F(Launcher, ApplicationComesUpAgainAfterItsEnd) {
     launch(appId, {{"do", "exit"}}, nullptr);
     ASSERT_TRUE(logged("main returned 0\n"));

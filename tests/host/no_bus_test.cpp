@@ -53,6 +53,7 @@ TEST(NoBus, EachCallFailsWithTheCodeOfItsOwnKind) {
               MESSAGE_PORT_ERROR_IO_ERROR);
     EXPECT_EQ(message_port_unregister_local_port(1), MESSAGE_PORT_ERROR_IO_ERROR);
     EXPECT_EQ(message_port_check_remote_port("com.example.app", "port", &flag), MESSAGE_PORT_ERROR_IO_ERROR);
+    EXPECT_EQ(message_port_check_remote_port("com.example.app", "", &flag), MESSAGE_PORT_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(message_port_send_message("com.example.app", "port", bundleOf({{"key", "text"}}).get()),
               MESSAGE_PORT_ERROR_IO_ERROR);
     EXPECT_EQ(service_app_add_event_handler(

@@ -73,6 +73,8 @@ TEST_F(PortExchange, PortOfAnotherProcessStaysUnavailableHoweverOftenItIsOpened)
                   MESSAGE_PORT_ERROR_RESOURCE_UNAVAILABLE);
     }
     EXPECT_GT(message_port_register_local_port("free", ignoreMessage, nullptr), 0);
+    EXPECT_EQ(message_port_register_local_port(std::string(256, 'x').c_str(), ignoreMessage, nullptr),
+              MESSAGE_PORT_ERROR_INVALID_PARAMETER);
 }
 
 } // namespace

@@ -32,6 +32,7 @@ struct Application {
     bool exitsInCreate = false;
     guint timer = 0;
     app_control_h kept = nullptr;
+    std::string waitsFor; // a file, before it ends
 };
 
 void say(const std::string& line) {
@@ -145,8 +146,12 @@ bool onCreate(void* data) {
     return !application->refuses;
 }
 
-void onTerminate(void* /*data*/) {
+void onTerminate(void* data) {
     say("terminate");
+    const std::string& file = static_cast<Application*>(data)->waitsFor;
+    if (!file.empty()) {
+        waitForFile(file);
+    }
 }
 
 void onLaunch(app_control_h request, void* data) {
@@ -164,6 +169,9 @@ void onLaunch(app_control_h request, void* data) {
     } else if (todo == "crash") {
         _exit(EXIT_FAILURE);
     } else if (todo == "exit") {
+        service_app_exit();
+    } else if (todo == "exit-late") {
+        application->waitsFor = extraData(request, "file");
         service_app_exit();
     } else if (todo == "exit-when") {
         service_app_exit();
