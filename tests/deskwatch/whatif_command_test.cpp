@@ -287,8 +287,14 @@ TEST_F(Whatif, ImportedPolicyIsForetoldAndSentAsItsMessageIs) {
     EXPECT_EQ(status()["settings"], after(expected["settings"]));
     deskwatchProgram({"mail", "policy", sample("hardened.json")});
     EXPECT_EQ(call("--send").output, file + ": account 2 (bob@bank.example): unchanged\n") << "the stored name stays";
-    const auto order = write("order.xml", "<Provision><RemoteWipe/><EASProvisionDoc/></Provision>").string();
-    EXPECT_EQ(deskwatchProgram({"import", order, "--send"}).status, 1);
+    for (const auto& [order, obeying] : {std::pair("RemoteWipe", ": deskwatch mail wipe\n"),
+                                         std::pair("AccountOnlyRemoteWipe", ": deskwatch mail delete 2\n")}) {
+        const auto text = std::string("<Provision><") + order + "/><EASProvisionDoc/></Provision>";
+        const auto outcome =
+            deskwatchProgram({"import", write("order.xml", text).string(), "--send", "--account", "2"});
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_NE(outcome.errors.find(obeying), std::string::npos) << outcome.errors;
+    }
     EXPECT_EQ(status()["accounts"].size(), 1U);
 }
 

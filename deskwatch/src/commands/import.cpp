@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <stdexcept>
 
@@ -29,11 +30,16 @@ struct ImportOptions {
     bool isNamed = false;
 };
 
-/// A client that is told to wipe looks at no policy.
-void refuseBesideAnOrder(const std::string& name, const PolicyFile& content) {
+/// A client that is told to wipe looks at no policy. Names the command that obeys, which must never do more than the
+/// order demands.
+void refuseBesideAnOrder(const std::string& name, const PolicyFile& content, int account) {
+    const std::map<ServerNotice::Kind, std::string> obeying{
+        {ServerNotice::Kind::Wipe, "deskwatch mail wipe"},
+        {ServerNotice::Kind::AccountWipe, "deskwatch mail delete " + std::to_string(account)}};
     for (const auto& notice : content.notices) {
-        if (notice.kind == ServerNotice::Kind::Wipe || notice.kind == ServerNotice::Kind::AccountWipe) {
-            throw std::runtime_error(noticeText(name, notice) + "; this sends policies only (deskwatch mail wipe)");
+        if (const auto command = obeying.find(notice.kind); command != obeying.end()) {
+            throw std::runtime_error(noticeText(name, notice) +
+                                     "; this sends policies only, and what obeys is: " + command->second);
         }
     }
 }
@@ -81,7 +87,7 @@ void import(const CommonOptions& common, ImportOptions options) {
         const auto changes = forecast(chosenDevice(common), {{name, result.message}});
         std::cout << (options.isJson ? forecastJson(changes) : forecastText(changes));
     } else if (options.isSend) {
-        refuseBesideAnOrder(name, content);
+        refuseBesideAnOrder(name, content, options.target.account);
         sendAndTell(common, {{name, requests::policyUpdate(result.message)}});
     }
 }
