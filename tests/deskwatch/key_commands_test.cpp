@@ -28,19 +28,6 @@ TEST_F(KeyCommands, KeyThatIsNotSetFails) {
     EXPECT_EQ(outcome.errors, "deskwatch: key get: db/nothing/here is not set\n");
 }
 
-TEST_F(KeyCommands, TextThatIsNoKeyIsRefused) {
-    boot();
-    for (const std::vector<std::string>& command : {std::vector<std::string>{"get", "setting/lock_type"},
-                                                    {"set", "db/folder/", "1"},
-                                                    {"watch", "dpm/password"}}) {
-        auto arguments = command;
-        arguments.insert(arguments.begin(), "key");
-        const auto outcome = deskwatchProgram(arguments);
-        EXPECT_EQ(outcome.status, 1);
-        EXPECT_NE(outcome.errors.find("is not a key: a key begins with db/"), std::string::npos) << outcome.errors;
-    }
-}
-
 TEST_F(KeyCommands, KeyThatWasNeverSetCannotBeWatched) {
     boot();
     const auto outcome = deskwatchProgram({"key", "watch", "db/test/text"});

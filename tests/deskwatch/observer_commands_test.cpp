@@ -38,20 +38,6 @@ TEST_F(ObserverCommands, DiagnosticMethodStartsTheServiceAndTakesEffect) {
     EXPECT_EQ(watch["settings"]["wifi_state"], 0);
 }
 
-TEST_F(ObserverCommands, UnknownDiagnosticMethodIsNamed) {
-    boot();
-    const auto outcome = deskwatchProgram({"bus", "selfDestruct"});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.errors.find("deskwatch: bus: the service does not answer selfDestruct: "), 0U) << outcome.errors;
-    EXPECT_EQ(deskwatchProgram({"bus", "allowWifi", "no"}).status, 2);
-}
-
-TEST_F(ObserverCommands, DiagnosticMethodSaysWhetherItTakesAValue) {
-    boot();
-    EXPECT_EQ(deskwatchProgram({"bus", "allowWifi"}).errors, "deskwatch: bus: allowWifi needs a value\n");
-    EXPECT_EQ(deskwatchProgram({"bus", "ping", "1"}).errors, "deskwatch: bus: ping does not take a value\n");
-}
-
 TEST_F(ObserverCommands, KilledServiceIsStartedByTheNextRequest) {
     boot();
     EXPECT_EQ(run({"kill"}), "the service did not run\n");

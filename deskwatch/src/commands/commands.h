@@ -24,8 +24,20 @@ struct CommonOptions {
     int timeout = static_cast<int>(Device::defaultPatience.count());
 };
 
-/// Refuses a text that is none of these names with the list, and with the name that was probably meant.
-CLI::Validator oneOf(std::vector<std::string> names);
+// What a command cannot take whatever watch, file or server it is for is a wrong argument: a check of the option
+// refuses it, or the command throws CLI::ValidationError when it needs several options to tell. The program then ends
+// with 2.
+
+/// Refuses a text that is none of these names: with the list, or with other words for a long one, and with the name
+/// that was probably meant.
+CLI::Validator oneOf(std::vector<std::string> names, const std::string& refusal = "");
+
+/// Refuses a text for which a function throws std::runtime_error, in its words.
+CLI::Validator acceptedBy(std::function<void(const std::string&)> take);
+
+/// Runs what throws std::runtime_error for wrong arguments alone; throws CLI::ValidationError then, with the same
+/// words.
+void asArgument(const std::function<void()>& take);
 
 /// Makes an option accept the names of values.
 template <class Type>
@@ -45,6 +57,9 @@ void suggestWhenUnknown(const std::string& name, const std::vector<std::string>&
 
 /// Refuses what is not a number from 1 to the largest one, in words; empty when it is one.
 std::string checkPositive(const std::string& text);
+
+/// Refuses what is not a number of 32 bits, in words; empty when it is one.
+std::string checkNumber(const std::string& text);
 
 /// Refuses an empty text, in words; empty when there is one.
 std::string checkNotEmpty(const std::string& text);

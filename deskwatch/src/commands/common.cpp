@@ -14,30 +14,63 @@
 
 namespace deskwatch {
 
-std::string checkPositive(const std::string& text) {
+namespace {
+
+std::string checkAtLeast(int least, const std::string& text) {
     constexpr std::size_t longestShown = 40;
     int number = 0;
     const auto* const end = text.data() + text.size();
     const auto [last, error] = std::from_chars(text.data(), end, number);
-    if (error == std::errc() && last == end && number > 0) {
+    if (error == std::errc() && last == end && number >= least) {
         return "";
     }
     return (text.size() > longestShown ? "a text of " + std::to_string(text.size()) + " characters" : text) +
-           " is not a number from 1 to " + std::to_string(std::numeric_limits<int>::max());
+           " is not a number from " + std::to_string(least) + " to " + std::to_string(std::numeric_limits<int>::max());
+}
+
+} // namespace
+
+std::string checkPositive(const std::string& text) {
+    return checkAtLeast(1, text);
+}
+
+std::string checkNumber(const std::string& text) {
+    return checkAtLeast(std::numeric_limits<int>::min(), text);
 }
 
 std::string checkNotEmpty(const std::string& text) {
-    return text.empty() ? "an empty name names no watch" : "";
+    return text.empty() ? "an empty name names nothing" : "";
 }
 
-CLI::Validator oneOf(std::vector<std::string> names) {
-    const auto refuse = [names = std::move(names)](const std::string& text) -> std::string {
+CLI::Validator oneOf(std::vector<std::string> names, const std::string& refusal) {
+    const auto refuse = [names = std::move(names), refusal](const std::string& text) -> std::string {
         if (std::find(names.begin(), names.end(), text) != names.end()) {
             return "";
         }
-        return text + " not in {" + joined(names, ",") + "}" + didYouMean(text, {names.begin(), names.end()});
+        const auto reason = refusal.empty() ? " not in {" + joined(names, ",") + "}" : " " + refusal;
+        return text + reason + didYouMean(text, {names.begin(), names.end()});
     };
     return {refuse, ""};
+}
+
+CLI::Validator acceptedBy(std::function<void(const std::string&)> take) {
+    const auto refuse = [take = std::move(take)](const std::string& text) -> std::string {
+        try {
+            take(text);
+            return "";
+        } catch (const std::runtime_error& error) {
+            return error.what();
+        }
+    };
+    return {refuse, ""};
+}
+
+void asArgument(const std::function<void()>& take) {
+    try {
+        take();
+    } catch (const std::runtime_error& error) {
+        throw CLI::ValidationError(error.what());
+    }
 }
 
 void suggestWhenUnknown(const std::string& name, const std::vector<std::string>& known,

@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <array>
 #include <iostream>
+#include <iterator>
 #include <memory>
 
 #include "actors/refusal.h"
@@ -13,35 +15,54 @@ namespace deskwatch {
 namespace {
 
 /// What the service can be asked for.
-constexpr std::array<const char*, 15> diagnosticMethods{"ping",
-                                                        "removeAccount",
-                                                        "usingFile",
-                                                        "devicePasswordEnabled",
-                                                        "allowSimplePassword",
-                                                        "minDevicePasswordLength",
-                                                        "minDevicePasswordComplexCharacters",
-                                                        "maxInactivityTimeDeviceLock",
-                                                        "devicePasswordExpiration",
-                                                        "devicePasswordHistory",
-                                                        "requireDeviceEncryption",
-                                                        "allowBluetooth",
-                                                        "allowPopimapEmail",
-                                                        "allowTextMessaging",
-                                                        "allowWifi"};
+struct DiagnosticMethod {
+    const char* name;
+    bool takesValue;
+};
+
+constexpr std::array<DiagnosticMethod, 15> diagnosticMethods{{{"ping", false},
+                                                              {"removeAccount", false},
+                                                              {"usingFile", false},
+                                                              {"devicePasswordEnabled", true},
+                                                              {"allowSimplePassword", true},
+                                                              {"minDevicePasswordLength", true},
+                                                              {"minDevicePasswordComplexCharacters", true},
+                                                              {"maxInactivityTimeDeviceLock", true},
+                                                              {"devicePasswordExpiration", true},
+                                                              {"devicePasswordHistory", true},
+                                                              {"requireDeviceEncryption", true},
+                                                              {"allowBluetooth", true},
+                                                              {"allowPopimapEmail", true},
+                                                              {"allowTextMessaging", true},
+                                                              {"allowWifi", true}}};
+
+std::vector<std::string> methodNames() {
+    std::vector<std::string> names;
+    std::transform(diagnosticMethods.begin(), diagnosticMethods.end(), std::back_inserter(names),
+                   [](const DiagnosticMethod& method) { return method.name; });
+    return names;
+}
 
 struct BusOptions {
     std::string method;
     std::optional<int> value;
 };
 
+void requireValue(const BusOptions& options) {
+    const auto* const method =
+        std::find_if(diagnosticMethods.begin(), diagnosticMethods.end(),
+                     [&options](const DiagnosticMethod& known) { return options.method == known.name; });
+    if (method->takesValue != options.value.has_value()) {
+        throw CLI::ValidationError(options.method + (method->takesValue ? " needs a value" : " does not take a value"));
+    }
+}
+
 /// Calls a method and prints what it returns. The service answers before it does what it was called for, so whether it
 /// did is in its log.
 void callMethod(const Device& device, const BusOptions& options) {
     ServiceLog log(device.layout().log());
     log.skip();
-    int answer = 0;
-    suggestWhenUnknown(options.method, {diagnosticMethods.begin(), diagnosticMethods.end()},
-                       [&] { answer = callDiagnosticMethod(device, options.method, options.value); });
+    const int answer = callDiagnosticMethod(device, options.method, options.value);
     if (const auto reason = reasonToPassOver(log.takeLines()); !reason.empty()) {
         throw Refusal(options.method + ": " + reason);
     }
@@ -67,14 +88,17 @@ void addBusCommand(CLI::App& program, const CommonOptions& common) {
     auto* command = program.add_subcommand("bus", "Call the service's bus interface for diagnosis");
     auto options = std::make_shared<BusOptions>();
     auto* method = command->add_option("METHOD", options->method, "What the service is asked for")->required();
-    method->type_name(joined({diagnosticMethods.begin(), diagnosticMethods.end()}, "|"));
-    command->add_option("VALUE", options->value, "The field's value");
+    method->type_name(joined(methodNames(), "|"))->check(oneOf(methodNames()));
+    command->add_option("VALUE", options->value, "The field's value")->check(checkNumber, "");
     command->footer(
         "Starts the service when it does not run; prints what the method returns.\n"
         "usingFile makes the service read its policy from /opt/usr/media/policy.json; fails with 3 when the\n"
         "service does not take it.\n"
         "Example:\n  deskwatch bus allowWifi 0");
-    command->callback([&common, options] { callMethod(chosenDevice(common), *options); });
+    command->callback([&common, options] {
+        requireValue(*options);
+        callMethod(chosenDevice(common), *options);
+    });
 }
 
 void addKillCommand(CLI::App& program, const CommonOptions& common) {

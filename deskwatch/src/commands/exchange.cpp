@@ -94,7 +94,9 @@ std::string escaped(const std::string& text) {
 }
 
 void addUrl(CLI::App& command, OrderOptions& options) {
-    command.add_option("URL", options.url, "The address that the server printed")->required();
+    command.add_option("URL", options.url, "The address that the server printed")
+        ->required()
+        ->check(acceptedBy([](const std::string& url) { serverAddress(url, false); }));
     command.add_option("--cacert", options.authorities, "File of certificates to trust instead of the machine's own")
         ->type_name("FILE");
 }
@@ -110,6 +112,7 @@ void addOrderCommand(CLI::App& exchange) {
                     "Example:\n  deskwatch exchange order http://127.0.0.1:8025 bob wipe");
     command->callback([options] {
         const auto& order = options->order;
+        asArgument([&order] { DeskServer::requireOrder(order); });
         ask("POST", *options,
             "?user=" + escaped(order.user) + "&order=" + escaped(order.name) + "&value=" + escaped(order.value));
     });

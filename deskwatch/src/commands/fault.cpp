@@ -33,7 +33,7 @@ void changeFaults(const CommonOptions& common, const FaultOptions& options) {
     if (options.isCleared) {
         clearFaults(session);
     } else if (!options.fault.function.empty()) {
-        suggestWhenUnknown(options.fault.function, platformFunctions(), [&] { setFault(session, options.fault); });
+        setFault(session, options.fault);
     } else {
         const auto faults = readFaults();
         std::cout << (options.isJson ? jsonText(faultsJson(faults), 2) + "\n" : faultTable(faults));
@@ -46,8 +46,11 @@ void addFaultCommand(CLI::App& program, const CommonOptions& common) {
     auto* command = program.add_subcommand("fault", "Make a function of the platform fail when the service calls it");
     auto options = std::make_shared<FaultOptions>();
     auto* function =
-        command->add_option("FUNCTION", options->fault.function, "The function (default: list the faults)");
-    auto* code = command->add_option("CODE", options->fault.code, "The code that it returns instead of doing its work");
+        command
+            ->add_option("FUNCTION", options->fault.function, "The function, one of --list (default: list the faults)")
+            ->check(oneOf(platformFunctions(), "is not a function of the platform; fault --list names those that are"));
+    auto* code = command->add_option("CODE", options->fault.code, "The code that it returns instead of doing its work")
+                     ->check(checkNumber, "");
     function->needs(code);
     code->needs(function);
     command->add_option("--nth", options->fault.nth, "Only this call fails, counted from now (default: every call)")

@@ -28,6 +28,11 @@ std::vector<std::string> namedKeys() {
             TeskConsumerKeys::tutorialInProgress};
 }
 
+CLI::Option* takeKeys(CLI::Option* option) {
+    return option->required()->check(
+        acceptedBy([](const std::string& key) { suggestWhenUnknown(key, namedKeys(), [&key] { requireKey(key); }); }));
+}
+
 std::string asLine(const std::string& key, const Value& value) {
     return jsonText({{"key", key}, {"value", valueJson(value)}});
 }
@@ -63,7 +68,7 @@ void followAll(const CommonOptions& common, const KeyOptions& options) {
 void addGet(CLI::App& key, const CommonOptions& common) {
     auto* command = key.add_subcommand("get", "Print a key's value");
     auto options = std::make_shared<KeyOptions>();
-    command->add_option("KEY", options->key, "The key, such as db/setting/lock_type")->required();
+    takeKeys(command->add_option("KEY", options->key, "The key, such as db/setting/lock_type"));
     command->add_flag("--json", options->isJson, "One JSON object");
     command->footer("Fails with 1 when the key is not set.\nExample:\n  deskwatch key get db/setting/lock_type");
     command->callback([&common, options] { get(common, *options); });
@@ -72,7 +77,7 @@ void addGet(CLI::App& key, const CommonOptions& common) {
 void addSet(CLI::App& key, const CommonOptions& common) {
     auto* command = key.add_subcommand("set", "Set a key, as any application may");
     auto options = std::make_shared<KeyOptions>();
-    command->add_option("KEY", options->key, "The key, below db/, file/ or memory/")->required();
+    takeKeys(command->add_option("KEY", options->key, "The key, below db/, file/ or memory/"));
     command->add_option("VALUE", options->value, "Its value: a number if it looks like one, else a text")->required();
     command->add_flag("--text", options->isText, "The value is a text even if it looks like a number");
     command->footer("Returns when the service has handled the change.\n"
@@ -83,7 +88,7 @@ void addSet(CLI::App& key, const CommonOptions& common) {
 void addWatch(CLI::App& key, const CommonOptions& common) {
     auto* command = key.add_subcommand("watch", "Print the values of keys now, and again each time they are set");
     auto options = std::make_shared<KeyOptions>();
-    command->add_option("KEY", options->keys, "The keys")->required();
+    takeKeys(command->add_option("KEY", options->keys, "The keys"));
     command->add_option("--count", options->count, "End after this many lines (default: run until interrupted)")
         ->check(checkPositive, "")
         ->type_name("N");

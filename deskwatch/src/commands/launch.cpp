@@ -28,7 +28,9 @@ std::pair<std::string, std::string> parseEntry(const std::string& text) {
 void addLaunchCommand(CLI::App& program, const CommonOptions& common) {
     auto* command = program.add_subcommand("launch", "Launch an application of the watch, as its home screen does");
     auto options = std::make_shared<LaunchOptions>();
-    command->add_option("APPLICATION", options->application, "The application's id")->required();
+    command->add_option("APPLICATION", options->application, "The application's id")
+        ->required()
+        ->check(checkNotEmpty, "");
     command->add_option("KEY=VALUE", options->entries,
                         "Extra data of the request; KEY=@FILE takes the value from a file");
     command->footer(std::string("Example:\n  deskwatch launch ") + ids::service);

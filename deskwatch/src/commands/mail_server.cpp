@@ -12,6 +12,7 @@
 #include "exchange/exchange_trace.h"
 #include "exchange/http_client.h"
 #include "exchange/protocol_version.h"
+#include "exchange/server_address.h"
 #include "text/value_output.h"
 
 namespace deskwatch {
@@ -137,8 +138,11 @@ void addConnectCommand(CLI::App& mail, const CommonOptions& common) {
     addServerOptions(*command, options->server);
     command->footer("Gives the server's policy to the service, waits for the wearer, and tells the server what became "
                     "of it.\nExample:\n  deskwatch mail connect https://mail.example.com --user bob");
-    command->callback(
-        [&common, options] { ServerCommand(common, options->server).accounts().connect(options->account); });
+    command->callback([&common, options] {
+        const auto& wanted = options->account;
+        asArgument([&wanted] { serverAddress(wanted.url, wanted.allowsPlain); });
+        ServerCommand(common, options->server).accounts().connect(wanted);
+    });
 }
 
 /// Refreshes accounts, of which none keeps the others waiting by its failure. Throws what went wrong with all of them.
@@ -174,7 +178,8 @@ struct RefreshOptions {
 void addRefreshCommand(CLI::App& mail, const CommonOptions& common) {
     auto* command = mail.add_subcommand("refresh", "Ask the servers of connected accounts for a new policy");
     auto options = std::make_shared<RefreshOptions>();
-    auto* id = command->add_option("ACCOUNT", options->account, "The account's number (default: all)");
+    auto* id = command->add_option("ACCOUNT", options->account, "The account's number (default: all)")
+                   ->check(checkPositive, "");
     command->add_flag("--all", options->isAll, "All connected accounts")->excludes(id);
     addServerOptions(*command, options->server);
     command->footer("Goes on where an earlier command ended.\nExample:\n  deskwatch mail refresh 2");
@@ -187,7 +192,7 @@ void addRefreshCommand(CLI::App& mail, const CommonOptions& common) {
 void addDisconnectCommand(CLI::App& mail, const CommonOptions& common) {
     auto* command = mail.add_subcommand("disconnect", "Remove an account that is connected to a server");
     auto id = std::make_shared<int>();
-    command->add_option("ACCOUNT", *id, "The account's number")->required();
+    command->add_option("ACCOUNT", *id, "The account's number")->required()->check(checkPositive, "");
     command->footer(
         "The server is not told, as with a real mail application.\nExample:\n  deskwatch mail disconnect 2");
     command->callback([&common, id] {

@@ -164,7 +164,9 @@ void addOptionsOfMany(CLI::App& command, ReplayOptions& options) {
     command.add_option("--jobs", options.jobs, "Recordings side by side (default: one for each processor)")
         ->check(checkPositive, "")
         ->type_name("N");
-    command.add_option("--shard", options.shard, "Only the I-th of N parts, for several machines")->type_name("I/N");
+    command.add_option("--shard", options.shard, "Only the I-th of N parts, for several machines")
+        ->check(acceptedBy(shardOf))
+        ->type_name("I/N");
     command.add_option("--limit", options.limit, "The most time for one recording (default: 120)")
         ->check(checkPositive, "")
         ->type_name("SECONDS");

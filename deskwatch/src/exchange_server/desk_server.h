@@ -31,6 +31,9 @@ public:
     ServerAnswer answer(const ServerRequest& request);
 
     /// Throws std::runtime_error when there is no such order, with the list of them, or its value is wrong.
+    static void requireOrder(const ServerOrder& order);
+
+    /// Does as ordered. Throws as requireOrder does.
     void order(const ServerOrder& order);
 
     /// What the server knows, a line for each device.
@@ -38,6 +41,7 @@ public:
 
     /// The orders, each with its value and what it does, for a reader.
     static std::string orderHelp();
+    static std::vector<std::string> orderNames();
 
 private:
     struct Command;

@@ -50,25 +50,6 @@ std::optional<int> numberOf(const std::string& text) {
     return error == std::errc() && stop == end && number >= 0 && number < 1000 ? std::optional(number) : std::nullopt;
 }
 
-void requireValid(const ServerOrder& order, const OrderRow* row) {
-    if (row == nullptr) {
-        std::vector<std::string> names;
-        std::transform(std::begin(orderRows), std::end(orderRows), std::back_inserter(names),
-                       [](const OrderRow& known) { return known.name; });
-        throw std::runtime_error("\"" + order.name + "\" is not an order; the orders are " + joined(names, ", ") +
-                                 didYouMean(order.name, {names.begin(), names.end()}));
-    }
-    const bool isValid = row->needs == Needs::Number ? numberOf(order.value).has_value()
-                         : row->needs == Needs::Text ? !order.value.empty() && printable(order.value) == order.value
-                                                     : order.value.empty();
-    if (!isValid) {
-        throw std::runtime_error("the order " + order.name + " takes " +
-                                 (row->needs == Needs::Number ? "a number below 1000"
-                                  : row->needs == Needs::Text ? "a URL"
-                                                              : "no value"));
-    }
-}
-
 std::string provisionWith(const std::string& status, const std::string& policyStatus) {
     std::vector<WbxmlElement> content{provisionElement("Status", status)};
     if (!policyStatus.empty()) {
@@ -90,10 +71,34 @@ std::string DeskServer::orderHelp() {
     return textTable(rows);
 }
 
-void DeskServer::order(const ServerOrder& order) {
+std::vector<std::string> DeskServer::orderNames() {
+    std::vector<std::string> names;
+    std::transform(std::begin(orderRows), std::end(orderRows), std::back_inserter(names),
+                   [](const OrderRow& row) { return row.name; });
+    return names;
+}
+
+void DeskServer::requireOrder(const ServerOrder& order) {
     const auto* const row = rowOf(order.name);
-    requireValid(order, row);
-    if (row->isDisturbance) {
+    if (row == nullptr) {
+        const auto names = orderNames();
+        throw std::runtime_error("\"" + order.name + "\" is not an order; the orders are " + joined(names, ", ") +
+                                 didYouMean(order.name, {names.begin(), names.end()}));
+    }
+    const bool isValid = row->needs == Needs::Number ? numberOf(order.value).has_value()
+                         : row->needs == Needs::Text ? !order.value.empty() && printable(order.value) == order.value
+                                                     : order.value.empty();
+    if (!isValid) {
+        throw std::runtime_error("the order " + order.name + " takes " +
+                                 (row->needs == Needs::Number ? "a number below 1000"
+                                  : row->needs == Needs::Text ? "a URL"
+                                                              : "no value"));
+    }
+}
+
+void DeskServer::order(const ServerOrder& order) {
+    requireOrder(order);
+    if (rowOf(order.name)->isDisturbance) {
         disturbances_[order.user] = order;
         return;
     }

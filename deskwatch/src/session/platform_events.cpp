@@ -48,10 +48,6 @@ int callDiagnosticMethod(const Device& device, const std::string& method, std::o
         session.connection(), diagnosticName, diagnosticPath, diagnosticName, method.c_str(),
         value ? g_variant_new("(i)", *value) : nullptr, G_VARIANT_TYPE("(i)"), G_DBUS_CALL_FLAGS_NO_AUTO_START,
         static_cast<int>(std::chrono::milliseconds(device.patience()).count()), nullptr, &error));
-    if (g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS) != FALSE) {
-        g_clear_error(&error);
-        throw std::runtime_error(method + (value ? " does not take a value" : " needs a value"));
-    }
     if (answer == nullptr) {
         throw std::runtime_error("the service does not answer " + method + ": " + c::takeMessage(error));
     }

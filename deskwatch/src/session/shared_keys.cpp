@@ -15,7 +15,8 @@ std::string pathOf(const std::string& key) {
     const bool hasStore = key.rfind("db/", 0) == 0 || key.rfind("file/", 0) == 0 || key.rfind("memory/", 0) == 0;
     std::string path = "/vconf/" + key;
     if (!hasStore || dconf_is_key(path.c_str(), nullptr) == FALSE) {
-        throw std::runtime_error(key + " is not a key: a key begins with db/, file/ or memory/ and does not end in /");
+        throw std::runtime_error("\"" + key +
+                                 "\" is not a key: a key begins with db/, file/ or memory/ and does not end in /");
     }
     return path;
 }
@@ -37,6 +38,10 @@ void onChanged(keynode_t* node, void* data) {
 
 } // namespace
 
+void requireKey(const std::string& key) {
+    pathOf(key);
+}
+
 Value readKey(const std::string& key) {
     const std::string path = pathOf(key);
     const c::ObjectOwner<DConfClient> store(dconf_client_new());
@@ -44,7 +49,7 @@ Value readKey(const std::string& key) {
 }
 
 void writeKey(const std::string& key, const Value& value) {
-    pathOf(key); // refuses what is not a key
+    requireKey(key);
     const int* number = std::get_if<int>(&value);
     const auto* text = std::get_if<std::string>(&value);
     const int result = number != nullptr ? vconf_set_int(key.c_str(), *number)

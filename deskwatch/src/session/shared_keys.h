@@ -12,6 +12,9 @@ namespace deskwatch {
 
 // The keys that the applications of a watch share, of the watch that this process is on (see DeviceSession).
 
+/// Throws std::runtime_error when the text is not a key, on any watch.
+void requireKey(const std::string& key);
+
 /// The value of a key; none when it is not set. Throws std::runtime_error when the text is not a key.
 Value readKey(const std::string& key);
 
