@@ -42,7 +42,12 @@ Bus& Bus::get() {
 }
 
 Bus::Bus() : connection_(connect()) {
+    g_dbus_connection_set_exit_on_close(connection_.get(), FALSE);
     g_signal_connect(connection_.get(), "closed", G_CALLBACK(onClosed), nullptr);
+}
+
+Bus::~Bus() {
+    g_signal_handlers_disconnect_by_func(connection_.get(), reinterpret_cast<gpointer>(&onClosed), nullptr);
 }
 
 // A proxy of the daemon would cost three round trips at every start.

@@ -26,6 +26,7 @@ public:
 
     Bus(const Bus&) = delete;
     Bus& operator=(const Bus&) = delete;
+    ~Bus();
 
     /// The connection; it lives as long as the process.
     GDBusConnection* connection() const { return connection_.get(); }

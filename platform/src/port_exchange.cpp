@@ -20,6 +20,10 @@ PortExchange::PortExchange(Bus& bus) : bus_(bus), skeleton_(platform_bus_message
     g_signal_connect(skeleton_.get(), "handle-send-unreadable", G_CALLBACK(onSendUnreadable), this);
 }
 
+PortExchange::~PortExchange() {
+    g_signal_handlers_disconnect_by_data(skeleton_.get(), this);
+}
+
 int PortExchange::open(const std::string& name, message_port_message_cb callback, void* userData) {
     if (ports_.find(name)) {
         return ports_.set(name, callback, userData);

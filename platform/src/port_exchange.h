@@ -25,6 +25,7 @@ public:
 
     PortExchange(const PortExchange&) = delete;
     PortExchange& operator=(const PortExchange&) = delete;
+    ~PortExchange();
 
     /// Opens a port, or gives an open one another callback. Returns its id, or a message_port_error_e.
     int open(const std::string& name, message_port_message_cb callback, void* userData);

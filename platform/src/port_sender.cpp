@@ -40,6 +40,12 @@ c::ObjectOwner<PlatformBusMessagePort> portObjectOf(const Bus& bus, const std::s
 
 } // namespace
 
+PortSender::~PortSender() {
+    for (const auto& [name, remote] : remotes_) {
+        g_dbus_connection_signal_unsubscribe(bus_.connection(), remote.subscription);
+    }
+}
+
 int PortSender::sendToSelf(const std::string& busName, const std::string& port, const bundle& message) {
     if (!bus_.hasOwner(busName)) {
         return MESSAGE_PORT_ERROR_PORT_NOT_FOUND;

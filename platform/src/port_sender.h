@@ -22,6 +22,7 @@ public:
     explicit PortSender(Bus& bus) : bus_(bus) {}
     PortSender(const PortSender&) = delete;
     PortSender& operator=(const PortSender&) = delete;
+    ~PortSender();
 
     /// Sends a message to a port of this process, which has this bus name. Returns 0 or a message_port_error_e.
     int sendToSelf(const std::string& busName, const std::string& port, const bundle& message);

@@ -105,7 +105,7 @@ void leaveBus(Bus& bus) {
 
 int runApplication(const service_app_lifecycle_callback_s& callbacks, void* userData) {
     const std::string& id = host::Environment::get().applicationId();
-    Bus& bus = Bus::get(); // with it, GIO ignores SIGPIPE: a reader that went away is an error of the write alone
+    Bus& bus = Bus::get();
     // From here to the application's end the platform's functions fail where its settings say so.
     host::Faults faults(host::SettingsStore::get(), id);
     const host::FaultInjection injection([&](const char* function) { return faults.answer(function); });
@@ -140,7 +140,11 @@ int service_app_main(int /*argc*/, char** argv, service_app_lifecycle_callback_s
     if (argv == nullptr || callback == nullptr || callback->create == nullptr) {
         return -EINVAL;
     }
-    return guarded(__func__, failed, [&] { return runApplication(*callback, user_data); });
+    return guarded(__func__, failed, [&] {
+        // A reader that went away is an error of the write, not the application's end.
+        std::signal(SIGPIPE, SIG_IGN);
+        return runApplication(*callback, user_data);
+    });
 }
 
 void service_app_exit(void) {

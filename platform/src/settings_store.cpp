@@ -47,9 +47,14 @@ SettingsStore& SettingsStore::get() {
 
 // dconf takes the process's shared bus connection, in a thread of its own. The connection must have been made before,
 // by the main loop's thread, or the news of its loss would come to that other thread.
-SettingsStore::SettingsStore() : bus_(Bus::get()), client_(dconf_client_new()) {
-    g_dbus_connection_signal_subscribe(bus_.connection(), nullptr, writerInterface, newsSignal, writerPath, nullptr,
-                                       G_DBUS_SIGNAL_FLAGS_NO_MATCH_RULE, onNews, this, nullptr);
+SettingsStore::SettingsStore()
+    : bus_(Bus::get()), client_(dconf_client_new()),
+      subscription_(g_dbus_connection_signal_subscribe(bus_.connection(), nullptr, writerInterface, newsSignal,
+                                                       writerPath, nullptr, G_DBUS_SIGNAL_FLAGS_NO_MATCH_RULE, onNews,
+                                                       this, nullptr)) {}
+
+SettingsStore::~SettingsStore() {
+    g_dbus_connection_signal_unsubscribe(bus_.connection(), subscription_);
 }
 
 bool SettingsStore::isKey(const std::string& path) {

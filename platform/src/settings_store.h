@@ -29,6 +29,7 @@ public:
 
     SettingsStore(const SettingsStore&) = delete;
     SettingsStore& operator=(const SettingsStore&) = delete;
+    ~SettingsStore();
 
     /// Whether a text is a path of a key.
     static bool isKey(const std::string& path);
@@ -82,6 +83,7 @@ private:
 
     Bus& bus_;
     c::ObjectOwner<DConfClient> client_;
+    guint subscription_;
     Listeners listeners_;
 };
 
