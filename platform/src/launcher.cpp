@@ -121,7 +121,9 @@ void Launcher::answered(Launch* launch, GVariant* answer, const GError* error) {
         data.reset(g_variant_get_child_value(answer, 1));
     }
     const std::unique_ptr<Launch> done = take(launch);
-    if (error != nullptr) {
+    // who waits for no reply has nothing to do with the end of an application that was launched
+    const bool isEnd = g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_NO_REPLY) != FALSE;
+    if (error != nullptr && (done->callback != nullptr || !isEnd)) {
         report("the launch of " + done->target() + " failed: " + error->message);
     }
     if (done->callback != nullptr) {
