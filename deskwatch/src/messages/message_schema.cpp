@@ -94,9 +94,14 @@ OrderedJson accountSchema(const MessageKind& kind, Strictness strictness) {
 }
 
 OrderedJson accountsSchema(const MessageKind& kind, Strictness strictness) {
-    return {{"type", "array"},
-            {"description", kind.accounts == "accountId" ? "The accounts, despite the member's name" : "The accounts"},
-            {"items", accountSchema(kind, strictness)}};
+    OrderedJson accounts{
+        {"type", "array"},
+        {"description", kind.accounts == "accountId" ? "The accounts, despite the member's name" : "The accounts"},
+        {"items", accountSchema(kind, strictness)}};
+    if (strictness == Strictness::Strict) {
+        accounts["minItems"] = 1;
+    }
+    return accounts;
 }
 
 OrderedJson messageSchema(const MessageKind& kind, Strictness strictness) {
@@ -142,7 +147,7 @@ std::vector<SchemaFile> schemaFiles() {
                                    messageSchema(kind, Strictness::Strict)));
         files.push_back(
             schemaFile(id + ".lax.schema.json",
-                       {{"title", kind.title}, {"description", "What the service takes, however odd the sender is"}},
+                       {{"title", kind.title}, {"description", "What the service reads, however odd the sender is"}},
                        messageSchema(kind, Strictness::Lax)));
     }
     return files;
