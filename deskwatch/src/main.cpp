@@ -37,7 +37,7 @@ int report(const CLI::App& program, const std::exception& error, int status) {
     print(program, error);
     try {
         deskwatch::flushOutput();
-    } catch (const std::runtime_error& lost) {
+    } catch (const deskwatch::OutputLost& lost) {
         print(program, lost);
         return failed;
     }
@@ -93,6 +93,9 @@ int run(CLI::App& program, int argc, char** argv) {
         return 0;
     } catch (const CLI::ParseError& error) {
         return reportUsage(program, error);
+    } catch (const deskwatch::OutputLost& error) {
+        print(program, error); // alone: it would be lost again
+        return failed;
     } catch (const deskwatch::Refusal& error) {
         return report(program, error, refused);
     } catch (const std::exception& error) {

@@ -143,8 +143,9 @@ TEST_F(EveryCommandOnline, FailsWhenItsOutputCannotBeWritten) {
     for (const auto& call : calls()) {
         const auto outcome = deskwatchProgram(call, "/dev/full");
         EXPECT_EQ(outcome.status, 1) << call[0];
-        EXPECT_NE(outcome.errors.find("cannot write the output: No space left on device\n"), std::string::npos)
-            << call[0] << ": " << outcome.errors;
+        const std::string reason = "cannot write the output: No space left on device\n";
+        EXPECT_NE(outcome.errors.find(reason), std::string::npos) << call[0] << ": " << outcome.errors;
+        EXPECT_EQ(outcome.errors.find(reason), outcome.errors.rfind(reason)) << call[0] << ": " << outcome.errors;
     }
     EXPECT_EQ(deskwatchProgram({"status", "--help"}, "/dev/full").status, 1);
 }

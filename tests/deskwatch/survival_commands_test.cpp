@@ -81,9 +81,11 @@ TEST_F(SurvivalCommands, LogThatNeverEndsHoldsNobodyUp) {
     run({"check"});
     const auto sent = deskwatchProgram({"mail", "check-password"});
     EXPECT_NE(sent.errors.find("the log of this watch does not show"), std::string::npos) << sent.errors;
-    const auto outcome = deskwatchProgram({"log"});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_NE(outcome.errors.find("log is not a regular file"), std::string::npos) << outcome.errors;
+    for (const auto& command : {std::vector<std::string>{"log"}, {"log", "--boot"}}) {
+        const auto outcome = deskwatchProgram(command);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_NE(outcome.errors.find("log is not a regular file"), std::string::npos) << outcome.errors;
+    }
 }
 
 /// Whether a process can be in a name space of its own here, in which the limits are its own.

@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <stdexcept>
+#include <system_error>
 
 #include "c_owners.h"
 #include "commands.h"
@@ -24,7 +25,9 @@ struct LogOptions {
 std::streamoff beginOfBoot(const DeviceLayout& layout) {
     std::streamoff begin = 0;
     std::ifstream(layout.logOfBoot()) >> begin;
-    return begin <= static_cast<std::streamoff>(std::filesystem::file_size(layout.log())) ? begin : 0;
+    std::error_code none; // who reads the log tells that it is not a file
+    const auto size = std::filesystem::file_size(layout.log(), none);
+    return !none && begin <= static_cast<std::streamoff>(size) ? begin : 0;
 }
 
 /// Until the watch is switched off; for ever when it is off already.

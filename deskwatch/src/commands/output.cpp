@@ -47,8 +47,8 @@ void flushOutput() {
     if (reason == EPIPE) {
         endByBrokenPipe();
     }
-    throw std::runtime_error(std::string("cannot write the output: ") +
-                             (reason != 0 ? std::strerror(reason) : "a part of it is lost"));
+    throw OutputLost(std::string("cannot write the output: ") +
+                     (reason != 0 ? std::strerror(reason) : "a part of it is lost"));
 }
 
 void endWithReader() {

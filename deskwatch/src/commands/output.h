@@ -1,12 +1,20 @@
 #ifndef DESKWATCH_OUTPUT_H
 #define DESKWATCH_OUTPUT_H
 
+#include <stdexcept>
+
 namespace deskwatch {
 
 /// Keeps the output from ending in a connection that happens to get the number of a closed standard output.
 void reserveOutput();
 
-/// Hands over what was written to standard output. Throws std::runtime_error with the reason when that fails. A reader
+/// What was written to standard output is lost.
+class OutputLost : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Hands over what was written to standard output. Throws OutputLost with the reason when that fails. A reader
 /// that went away ends the process by SIGPIPE, as it ends other programs.
 void flushOutput();
 
