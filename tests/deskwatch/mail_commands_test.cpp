@@ -55,8 +55,10 @@ TEST_F(MailCommands, MessageThatIsTooLongForThePortIsRefusedAndNothingIsSent) {
     const bool wasSent = status()["serviceRunning"];
 
     EXPECT_EQ(refused.status, 1);
-    EXPECT_NE(refused.errors.find(": the message has 12174 bytes; the port takes at most 12173\n"), std::string::npos)
-        << refused.errors;
+    const auto reason = tooLong + ": the message has 12174 bytes; the port takes at most 12173\n";
+    EXPECT_NE(refused.errors.find(reason), std::string::npos) << refused.errors;
+    EXPECT_NE(deskwatchProgram({"whatif", tooLong}).errors.find("whatif: " + reason), std::string::npos);
+    EXPECT_NE(deskwatchProgram({"lint", tooLong}).output.find(":1: the message has 12174 bytes"), std::string::npos);
     EXPECT_FALSE(wasSent);
     EXPECT_NE(deskwatchProgram({"mail", "policy", longest}).errors.find("passed over: it is not a JSON object"),
               std::string::npos);
@@ -158,10 +160,12 @@ TEST_F(MailCommands, UpdateThatCannotBeStoredIsRefused) {
 
 TEST_F(MailCommands, RequestThatAServiceLeftUnhandledIsSentAgainToTheNext) {
     boot();
-    run({"bus", "ping"});
+    run({"mail", "policy", sample("exchange-default.json")});
     RunningProgram log({"log", "--follow"});
     auto lock = std::make_unique<LockedStore>(device());
-    RunningProgram mail({"mail", "policy", sample("hardened.json")});
+    const auto nothingToStore = write("none.json", R"({"msgId": "email-itpolicy-ind", "param": [{"accountId": 7}]})");
+    RunningProgram mail({"mail", "policy", nothingToStore.string(), sample("hardened.json")});
+    EXPECT_NE(mail.nextLine().find("account 7: unchanged"), std::string::npos) << "before the next is handled";
     log.awaitLine([](const std::string& line) { return line.find("busy handler called") != std::string::npos; });
 
     const auto service = ProcessHandle::open(BusClient(device().busAddress()).daemon().processOf(ids::service).value());

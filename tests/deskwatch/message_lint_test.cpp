@@ -33,11 +33,12 @@ TEST(MessageLint, WhatIsOddIsNamedWithItsLineAndWhatWouldBeRight) {
                     "\"email-itpolicy-ind\"?"});
     EXPECT_EQ(lint("{\"msgId\": \"email-init-res\", \"seqId\": \"x\",\n\"param\": {\n\"accountId\": [\n7]}}"),
               (Lines{"m:1: \"seqId\" is \"x\"; it is a number", "m:4: an account is an object, not 7"}));
-    EXPECT_EQ(lint("{\"msgId\": \"email-account-info\",\n\"accountId\": [\n{\"id\": 1, \"accountName\": \"a\", "
-                   "\"displayName\": \"a\"},\n{\"id\": 1, \"accountName\": \"a\", \"displayName\": 4,\n\"id\": 1}]}"),
-              (Lines{"m:4: \"displayName\" is 4; it is a text",
-                     "m:4: account 1 is in the message twice; the later one counts",
-                     "m:5: \"id\" is given in line 4 already; the later one counts"}));
+    EXPECT_EQ(
+        lint("{\"msgId\": \"email-account-info\",\n\"accountId\": [\n{\"id\": 1, \"accountName\": \"a\", "
+             "\"displayName\": \"a\"},\n{\"id\": 1, \"accountName\": \"a\\u001b\", \"displayName\": 4,\n\"id\": 1}]}"),
+        (Lines{"m:4: \"accountName\" has control characters", "m:4: \"displayName\" is 4; it is a text",
+               "m:4: account 1 is in the message twice; the later one counts",
+               "m:5: \"id\" is given in line 4 already; the later one counts"}));
     EXPECT_EQ(lint(R"({"msgId": "email-itpolicy-ind", "param": []})"), Lines{"m:1: the message names no account"});
     EXPECT_EQ(lint(R"({"msgId": "email-account-info", "accountId": [{"accountName": "", "displayName": "",
 "id": )" + std::string(300, '1') +

@@ -41,9 +41,51 @@ TEST(RequestOutcome, WhatNeitherStoreNorLogShowIsNotClaimed) {
 
     EXPECT_EQ(outcome.done().front(), "account 1: updated") << "the store shows it";
     ASSERT_EQ(outcome.notDone().size(), 1U);
-    EXPECT_EQ(outcome.notDone()[0].find("account 3: sent, and what became of it is unknown: "), 0U);
+    EXPECT_EQ(outcome.notDone()[0].find("account 3: refused: it is not stored, and the log of this watch does not"),
+              0U);
+    const RequestTraces unchanged{Accounts{row(3, "c")}, Accounts{row(3, "c")}, {}};
+    EXPECT_EQ(outcomeOf(twoAccounts, unchanged).notDone().at(1).find("account 3: sent, and what became of it is unk"),
+              0U);
     EXPECT_FALSE(outcomeOf(requests::remoteWipe(), silent).isDone());
     EXPECT_FALSE(outcomeOf({requests::checkPassword, ""}, silent).isDone());
+}
+
+/// What the service logs of a request.
+std::vector<ServiceLine> handled(const std::string& function, const ServiceLine& more) {
+    return {line("__teskItpolicyReqCb", "Enter"), line(function, "Enter"), more, line("__teskItpolicyReqCb", "Leave")};
+}
+
+TEST(RequestOutcome, WhatOtherRequestsDidAtTheSameTimeIsNotTakenForItsOwn) {
+    const std::string others = "the service handled other requests at the same time";
+    const auto update = handled("createResponsedMsg", line("addAccount", "Enter"));
+    const auto failure = handled("createResponsedMsg", line("setPolicy", "[EAS] Failed setPasswordHistory"));
+    const auto deletion = handled("delAccount", line("delAccount", "Leave"));
+    const Request sent = requests::policyUpdate(
+        R"({"msgId": "email-itpolicy-ind", "param": [{"accountId": 1, "accountName": "\u001b\n", "policySet": {}}]})");
+    const std::string account = "account 1 (��): ";
+    const Accounts one{row(1, "a")};
+    const auto linesOf = [](const Request& request, const Accounts& before, const Accounts& after,
+                            std::vector<ServiceLine> log, const std::vector<ServiceLine>& more) {
+        log.insert(log.end(), more.begin(), more.end());
+        const auto outcome = outcomeOf(request, {before, after, std::move(log)});
+        auto lines = outcome.done();
+        for (const auto& refused : outcome.notDone()) {
+            lines.push_back("not done: " + refused);
+        }
+        return lines;
+    };
+    const auto unfinished = std::vector<ServiceLine>(update.begin(), update.end() - 1);
+    EXPECT_EQ(linesOf(sent, {}, {}, update, deletion), Lines{account + "stored: gone again, since " + others});
+    EXPECT_EQ(linesOf(sent, one, one, unfinished, update), Lines{account + "unchanged"}) << "it was sent again";
+    EXPECT_EQ(linesOf(sent, one, one, update, update),
+              Lines{"not done: " + account + "sent, and what became of it is unknown: " + others});
+    EXPECT_EQ(linesOf(requests::accountDeletion(1), one, one, deletion, failure),
+              Lines{"account 1: deleted: stored again, since " + others})
+        << "the failure is the other's";
+    EXPECT_EQ(linesOf(requests::accountDeletion(1), {}, {}, update, deletion), Lines{"account 1: deleted"});
+    const Lines unknown{"not done: account 1: sent, and what became of it is unknown: " + others,
+                        "not done: refused by the platform: [EAS] Failed setPasswordHistory"};
+    EXPECT_EQ(linesOf(requests::accountDeletion(1), one, one, {}, failure), unknown);
 }
 
 } // namespace

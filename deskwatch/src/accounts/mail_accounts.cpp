@@ -221,14 +221,14 @@ void MailAccounts::wipe(MailAccount& account, Handshake& handshake, WipeOrder or
 }
 
 void MailAccounts::sendToService(const MailAccount& account, const std::string& request, const std::string& argument) {
-    for (const auto& outcome : sendAsMailApplication(session_, {{request, argument}})) {
+    sendAsMailApplication(session_, {{request, argument}}, [&](const RequestOutcome& outcome) {
         for (const auto& line : outcome.done()) {
             say(account, line);
         }
         for (const auto& line : outcome.notDone()) {
             say(account, line);
         }
-    }
+    });
 }
 
 void MailAccounts::say(const MailAccount& account, const std::string& text) const {

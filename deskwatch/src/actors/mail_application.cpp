@@ -8,6 +8,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "actors/request_log.h"
 #include "c_owners.h"
 #include "device/application_ids.h"
 #include "device/process_handle.h"
@@ -22,16 +23,6 @@ namespace {
 void expectSuccess(int result, const std::string& what) {
     if (result != 0) {
         throw std::runtime_error("cannot " + what + ": the platform answers " + std::to_string(result));
-    }
-}
-
-/// What the port refuses is refused before anything is sent.
-void expectSendable(const Request& request) {
-    const std::size_t most = largestArgument(request.name);
-    if (request.argument.size() > most) {
-        throw std::runtime_error("cannot send " + request.name + ": the message has " +
-                                 std::to_string(request.argument.size()) + " bytes; the port takes at most " +
-                                 std::to_string(most));
     }
 }
 
@@ -65,8 +56,8 @@ public:
 
     RequestOutcome carryOut(const Request& request) {
         const auto& layout = session_.device().layout();
+        log_.skip(); // first, so that the log shows all that the store does
         RequestTraces traces{storedAccounts(layout), {}, {}};
-        log_.skip();
         int repetitions = 0;
         while (!deliver(request, traces)) {
             if (++repetitions > mostRepetitions) {
@@ -76,6 +67,7 @@ public:
             launch();
         }
         traces.after = storedAccounts(layout);
+        takeLog(traces);
         auto outcome = outcomeOf(request, traces);
         outcome.repetitions = repetitions;
         return outcome;
@@ -91,9 +83,23 @@ private:
     static constexpr int mostRepetitions = 3;
     static constexpr std::chrono::seconds endTimeout{20};
 
+    /// The port of the service is open when this returns.
     void launch() {
-        sendLaunchRequest(ids::service, {});
-        settleService(); // its port is open now
+        for (int ends = 0;; ++ends) {
+            sendLaunchRequest(ids::service, {});
+            const auto launched = session_.daemon().processOf(ids::service);
+            try {
+                settleService();
+                return;
+            } catch (const NoAnswer&) {
+                throw;
+            } catch (const std::runtime_error&) {
+                const bool hasEnded = launched && session_.daemon().processOf(ids::service) != launched;
+                if (!hasEnded || ends == mostRepetitions) {
+                    throw;
+                }
+            }
+        }
     }
 
     void settleService() {
@@ -122,9 +128,14 @@ private:
         if (!isSame) {
             service->waitForEnd(endTimeout); // it may be handling the request still
         }
+        takeLog(traces);
+        const auto log = logOf(request, traces.log);
+        return isSame || isWipe(request) || (log.isOwn && isHandled(log.lines));
+    }
+
+    void takeLog(RequestTraces& traces) {
         const auto lines = log_.takeLines();
         traces.log.insert(traces.log.end(), lines.begin(), lines.end());
-        return isSame || isWipe(request) || isHandled(traces.log);
     }
 
     const DeviceSession& session_;
@@ -140,20 +151,25 @@ std::size_t largestArgument(const std::string& request) {
     return others < message_size::limit ? message_size::limit - others : 0;
 }
 
-std::vector<RequestOutcome> sendAsMailApplication(const Device& device, const std::vector<Request>& requests) {
-    return sendAsMailApplication(DeviceSession(device, ids::mail), requests);
+std::string whyTooLong(const Request& request) {
+    const std::size_t most = largestArgument(request.name);
+    return request.argument.size() <= most ? ""
+                                           : "the message has " + std::to_string(request.argument.size()) +
+                                                 " bytes; the port takes at most " + std::to_string(most);
 }
 
-std::vector<RequestOutcome> sendAsMailApplication(const DeviceSession& session, const std::vector<Request>& requests) {
-    std::for_each(requests.begin(), requests.end(), expectSendable);
-    Sender sender(session);
-    std::vector<RequestOutcome> outcomes;
-    outcomes.reserve(requests.size());
+void sendAsMailApplication(const DeviceSession& session, const std::vector<Request>& requests,
+                           const std::function<void(const RequestOutcome& outcome)>& tell) {
     for (const auto& request : requests) {
-        outcomes.push_back(sender.carryOut(request));
+        if (const auto reason = whyTooLong(request); !reason.empty()) {
+            throw std::runtime_error("cannot send " + request.name + ": " + reason);
+        }
+    }
+    Sender sender(session);
+    for (const auto& request : requests) {
+        tell(sender.carryOut(request));
     }
     sender.settleLaunched();
-    return outcomes;
 }
 
 } // namespace deskwatch

@@ -1,6 +1,8 @@
 #ifndef DESKWATCH_MAIL_APPLICATION_H
 #define DESKWATCH_MAIL_APPLICATION_H
 
+#include <functional>
+#include <string>
 #include <vector>
 
 #include "actors/request.h"
@@ -12,14 +14,16 @@ namespace deskwatch {
 /// The most bytes that the argument of a request may have, for the message to fit the port.
 std::size_t largestArgument(const std::string& request);
 
-/// Sends requests to the service as the mail application of the watch, in order, and tells what became of each. Returns
-/// when the service has handled them and the applications that it launched have received their launch requests. A
-/// service that ends before it has handled a request is launched again and gets it once more, except for a wipe. Throws
-/// std::runtime_error when the watch is not booted, or the service does not come up or ends each time.
-std::vector<RequestOutcome> sendAsMailApplication(const Device& device, const std::vector<Request>& requests);
+/// Why the port refuses a request that is too long; empty when it is not.
+std::string whyTooLong(const Request& request);
 
-/// The same for a process that is on the watch as its mail application already.
-std::vector<RequestOutcome> sendAsMailApplication(const DeviceSession& session, const std::vector<Request>& requests);
+/// Sends requests to the service, for a process that is on the watch as its mail application, in order, and tells what
+/// became of each as soon as the service has handled it. Returns when the applications that the service launched have
+/// received their launch requests. A service that ends before it has handled a request is launched again and gets it
+/// once more, except for a wipe. Throws std::runtime_error when one is too long, before anything is sent, and when the
+/// service does not come up or ends each time.
+void sendAsMailApplication(const DeviceSession& session, const std::vector<Request>& requests,
+                           const std::function<void(const RequestOutcome& outcome)>& tell);
 
 } // namespace deskwatch
 

@@ -5,8 +5,10 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "actors/request_log.h"
 #include "messages/message.h"
 #include "text/suggestion.h"
+#include "text/text_table.h"
 
 namespace deskwatch {
 namespace {
@@ -14,37 +16,6 @@ namespace {
 bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
-
-/// What the service logs when it does not take a request or a message, and what that means.
-struct PassedOver {
-    std::string_view logged;
-    const char* words;
-};
-
-constexpr std::array<PassedOver, 7> passedOver{{
-    {"Failed to open file.", "the service cannot open its policy file"},
-    {"Failed to get string from file.", "the service's policy file is empty"},
-    {"Unsupported request : ", "the service does not know this request"},
-    {"json_parser_get_root failed", "it is not valid JSON"},
-    {"json_node_get_object failed", "it is not a JSON object"},
-    {"this is not request msgId: ", "its \"msgId\" is none that the service knows"},
-    {"json_object_get_object_member failed", "its \"param\" is missing or of the wrong type"},
-}};
-
-} // namespace
-
-std::string reasonToPassOver(const std::vector<ServiceLine>& log) {
-    for (const auto& line : log) {
-        for (const auto& entry : passedOver) {
-            if (startsWith(line.text, entry.logged)) {
-                return entry.words;
-            }
-        }
-    }
-    return "";
-}
-
-namespace {
 
 constexpr std::string_view wipeFailed = "Failed to wipe internal storage. : ";
 
@@ -58,7 +29,7 @@ std::vector<std::string> refusalsIn(const std::vector<ServiceLine>& log) {
     for (const auto& line : log) {
         if (std::any_of(refusedByPlatform.begin(), refusedByPlatform.end(),
                         [&](std::string_view start) { return startsWith(line.text, start); })) {
-            refusals.push_back("refused by the platform: " + line.text);
+            refusals.push_back("refused by the platform: " + printable(line.text));
         }
     }
     return refusals;
@@ -82,26 +53,6 @@ std::string storeFailure(const std::vector<ServiceLine>& log) {
     return "";
 }
 
-/// The lines of each account that the service takes, in order. One part with all lines where the log does not show the
-/// functions that the service enters.
-std::vector<std::vector<ServiceLine>> splitByAccount(const std::vector<ServiceLine>& log) {
-    std::vector<std::vector<ServiceLine>> parts;
-    for (const auto& line : log) {
-        if (line.function == "addAccount" && line.text == "Enter") {
-            parts.emplace_back();
-        }
-        if (!parts.empty()) {
-            parts.back().push_back(line);
-        }
-    }
-    return parts;
-}
-
-bool contains(const std::vector<ServiceLine>& log, std::string_view function, std::string_view text) {
-    return std::any_of(log.begin(), log.end(),
-                       [&](const ServiceLine& line) { return line.function == function && line.text == text; });
-}
-
 const StoredAccount* rowOf(const std::optional<std::vector<StoredAccount>>& accounts, int id) {
     if (accounts) {
         for (const auto& account : *accounts) {
@@ -116,7 +67,27 @@ const StoredAccount* rowOf(const std::optional<std::vector<StoredAccount>>& acco
 const char* const tooLittleLogged =
     "the log of this watch does not show what the service does (DLOG_LEVEL, a full disk)";
 
-Effect effectOnStore(const RequestTraces& traces, const MessageAccount& account, const std::vector<ServiceLine>* log) {
+const char* const othersToo = "the service handled other requests at the same time";
+
+/// What there is to conclude from.
+struct Evidence {
+    const RequestTraces& traces;
+    RequestLog log;
+
+    /// A failure of this request to write the store; empty when there was none, or it may be another's.
+    std::string storeFailure(const std::vector<ServiceLine>* part = nullptr) const {
+        return log.isOwn ? deskwatch::storeFailure(part != nullptr ? *part : log.lines) : "";
+    }
+
+    const char* whyUnknown() const {
+        return !traces.before || !traces.after ? "the store cannot be read"
+               : log.hasOthers                 ? othersToo
+                                               : tooLittleLogged;
+    }
+};
+
+Effect effectOnStore(const Evidence& evidence, const MessageAccount& account, const std::vector<ServiceLine>* log) {
+    const auto& traces = evidence.traces;
     Effect effect{Became::Unknown, account.id, account.name, ""};
     const auto* const before = rowOf(traces.before, account.id);
     const auto* const after = rowOf(traces.after, account.id);
@@ -126,26 +97,33 @@ Effect effectOnStore(const RequestTraces& traces, const MessageAccount& account,
     } else if (account.id < 1) {
         effect.became = Became::PassedOver;
         effect.reason = "an account's number is 1 or more";
-    } else if (const auto failure = storeFailure(log != nullptr ? *log : traces.log); !failure.empty()) {
+    } else if (const auto failure = evidence.storeFailure(log); !failure.empty()) {
         effect.became = Became::Refused;
         effect.reason = failure;
     } else if (after != nullptr && (before == nullptr || *before != *after)) {
         effect.became = before == nullptr ? Became::Stored : Became::Updated;
     } else if (after != nullptr && log != nullptr) {
         effect.became = Became::Unchanged;
+    } else if (log != nullptr && traces.after && evidence.log.hasOthers) {
+        effect.became = Became::Stored;
+        effect.reason = std::string("gone again, since ") + othersToo;
+    } else if (traces.after && after == nullptr && !evidence.log.hasOthers) {
+        effect.became = Became::Refused;
+        effect.reason = std::string("it is not stored, and ") + tooLittleLogged;
     } else {
-        effect.reason = traces.after ? tooLittleLogged : "the store cannot be read";
+        effect.reason = evidence.whyUnknown();
     }
     return effect;
 }
 
-std::vector<Effect> effectsOfMessage(const Message& message, const RequestTraces& traces) {
+std::vector<Effect> effectsOfMessage(const Message& message, const Evidence& evidence) {
     std::vector<Effect> effects;
-    const auto parts = splitByAccount(traces.log);
+    const auto parts =
+        evidence.log.isOwn ? splitByAccount(evidence.log.lines) : std::vector<std::vector<ServiceLine>>();
     std::size_t taken = 0;
     for (const auto& account : message.accounts) {
         const bool isLogged = account.hasPolicySet && taken < parts.size();
-        effects.push_back(effectOnStore(traces, account, isLogged ? &parts[taken] : nullptr));
+        effects.push_back(effectOnStore(evidence, account, isLogged ? &parts[taken] : nullptr));
         taken += account.hasPolicySet ? 1 : 0;
     }
     if (effects.empty()) {
@@ -170,7 +148,8 @@ Effect effectOfWipe(const std::vector<ServiceLine>& log) {
     return {Became::Wiped, std::nullopt, "", ""};
 }
 
-Effect effectOfDeletion(const std::string& argument, const RequestTraces& traces) {
+Effect effectOfDeletion(const std::string& argument, const Evidence& evidence) {
+    const auto& traces = evidence.traces;
     constexpr int decimal = 10;
     const int id = static_cast<int>(std::strtol(argument.c_str(), nullptr, decimal)); // as the service reads it
     if (id < 1) {
@@ -178,15 +157,18 @@ Effect effectOfDeletion(const std::string& argument, const RequestTraces& traces
     }
     const auto* const before = rowOf(traces.before, id);
     Effect effect{Became::Deleted, id, "", ""};
-    if (const auto failure = storeFailure(traces.log); !failure.empty()) {
+    if (const auto failure = evidence.storeFailure(); !failure.empty()) {
         effect.became = Became::Refused;
         effect.reason = failure;
     } else if (!traces.before || !traces.after) {
         effect.became = Became::Unknown;
-        effect.reason = "the store cannot be read";
-    } else if (before == nullptr) {
+        effect.reason = evidence.whyUnknown();
+    } else if (before == nullptr && !evidence.log.hasOthers) {
         effect.became = Became::PassedOver;
         effect.reason = "no such account is stored";
+    } else if (rowOf(traces.after, id) != nullptr && evidence.log.hasOthers) {
+        effect.became = evidence.log.isOwn ? Became::Deleted : Became::Unknown;
+        effect.reason = std::string(evidence.log.isOwn ? "stored again, since " : "") + othersToo;
     } else if (rowOf(traces.after, id) != nullptr) {
         effect.became = Became::Refused;
         effect.reason = "it is still stored";
@@ -194,15 +176,15 @@ Effect effectOfDeletion(const std::string& argument, const RequestTraces& traces
     return effect;
 }
 
-std::vector<Effect> effectsOfUpdate(const Request& request, const RequestTraces& traces) {
+std::vector<Effect> effectsOfUpdate(const Request& request, const Evidence& evidence) {
     const Message message = readMessage(request.argument);
     if (message.kind == nullptr) {
         return {{Became::Unknown, std::nullopt, "", "it cannot be told what the service makes of this text"}};
     }
     if (message.kind->id == remoteWipeKind) {
-        return {effectOfWipe(traces.log)};
+        return {effectOfWipe(evidence.log.lines)};
     }
-    return effectsOfMessage(message, traces);
+    return effectsOfMessage(message, evidence);
 }
 
 Effect effectOfCheck(const Request& request, const std::vector<ServiceLine>& log) {
@@ -219,19 +201,20 @@ Effect effectOfCheck(const Request& request, const std::vector<ServiceLine>& log
     return {Became::Handled, std::nullopt, "", ""};
 }
 
-std::vector<Effect> effectsOf(const Request& request, const RequestTraces& traces) {
-    if (const auto reason = reasonToPassOver(traces.log); !reason.empty()) {
+std::vector<Effect> effectsOf(const Request& request, const Evidence& evidence) {
+    const auto reason = evidence.log.isOwn ? reasonToPassOver(evidence.log.lines) : "";
+    if (!reason.empty()) {
         const bool isKnown = std::find(requests::all.begin(), requests::all.end(), request.name) != requests::all.end();
         const auto meant = isKnown ? "" : didYouMean(request.name, {requests::all.begin(), requests::all.end()});
         return {{Became::PassedOver, std::nullopt, "", reason + meant}};
     }
     if (request.name == requests::updatePolicy) {
-        return effectsOfUpdate(request, traces);
+        return effectsOfUpdate(request, evidence);
     }
     if (request.name == requests::deleteAccount) {
-        return {effectOfDeletion(request.argument, traces)};
+        return {effectOfDeletion(request.argument, evidence)};
     }
-    return {effectOfCheck(request, traces.log)};
+    return {effectOfCheck(request, evidence.log.lines)};
 }
 
 bool isDone(const Effect& effect) {
@@ -253,7 +236,7 @@ std::string lineOf(const Effect& effect) {
     } else if (effect.became == Became::Wiped) {
         line = "the internal storage: ";
     }
-    return line + wordsOf(effect.became) + (effect.reason.empty() ? "" : ": " + effect.reason);
+    return printable(line + wordsOf(effect.became) + (effect.reason.empty() ? "" : ": " + effect.reason));
 }
 
 } // namespace
@@ -271,7 +254,8 @@ std::vector<std::string> RequestOutcome::done() const {
         }
     }
     if (repetitions > 0) {
-        lines.emplace_back("the service had ended itself; it was launched again and the request sent again");
+        lines.emplace_back(
+            "the service ended before it had handled this; it was launched again and the request sent again");
     }
     return lines;
 }
@@ -292,14 +276,11 @@ bool isWipe(const Request& request) {
     return request.name == requests::updatePolicy && message.kind != nullptr && message.kind->id == remoteWipeKind;
 }
 
-bool isHandled(const std::vector<ServiceLine>& log) {
-    return contains(log, "__teskItpolicyReqCb", "Leave");
-}
-
 RequestOutcome outcomeOf(const Request& request, const RequestTraces& traces) {
     RequestOutcome outcome;
-    outcome.effects = effectsOf(request, traces);
-    outcome.refusals = refusalsIn(traces.log);
+    const Evidence evidence{traces, logOf(request, traces.log)};
+    outcome.effects = effectsOf(request, evidence);
+    outcome.refusals = refusalsIn(evidence.log.lines);
     return outcome;
 }
 

@@ -28,7 +28,7 @@ struct Effect {
 struct RequestOutcome {
     /// One for each account of a message, in its order; one for any other request.
     std::vector<Effect> effects;
-    /// What the platform refused on the way, such as a setting that a stored policy demands.
+    /// What the platform refused on the way, such as a setting that a stored policy demands. Printable.
     std::vector<std::string> refusals;
     /// How often the service ended before it had handled the request, which was sent again each time.
     int repetitions = 0;
@@ -51,12 +51,6 @@ struct RequestTraces {
 
 /// Whether the request is the order to wipe the watch.
 bool isWipe(const Request& request);
-
-/// Whether the service has handled a request to the end, by what it logged.
-bool isHandled(const std::vector<ServiceLine>& log);
-
-/// Why the service did not take a request as a whole, by what it logged; empty when it did.
-std::string reasonToPassOver(const std::vector<ServiceLine>& log);
 
 /// Concludes from the traces of a request what became of it.
 RequestOutcome outcomeOf(const Request& request, const RequestTraces& traces);

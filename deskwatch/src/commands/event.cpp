@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "actors/refusal.h"
-#include "actors/request_outcome.h"
+#include "actors/request_log.h"
 #include "commands.h"
 #include "records/service_log.h"
 #include "session/platform_events.h"

@@ -2,6 +2,7 @@
 #include <memory>
 #include <vector>
 
+#include "actors/mail_application.h"
 #include "actors/message_file.h"
 #include "actors/refusal.h"
 #include "commands.h"
@@ -16,7 +17,11 @@ namespace {
 std::vector<std::string> remarksOn(const std::string& file) {
     const auto text = readMessageFile(file, Check::None);
     requireJson(inputName(file), text, "");
-    return remarkLines(inputName(file), text);
+    auto lines = remarkLines(inputName(file), text);
+    if (const auto reason = whyTooLong(requests::policyUpdate(text)); !reason.empty()) {
+        lines.insert(lines.begin(), inputName(file) + ":1: " + reason);
+    }
+    return lines;
 }
 
 /// Throws when there are remarks, or a file is not a message, after all files have been checked.

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cctype>
 #include <charconv>
 #include <iostream>
@@ -7,7 +8,9 @@
 #include "actors/message_file.h"
 #include "actors/refusal.h"
 #include "commands.h"
+#include "device/application_ids.h"
 #include "text/input_file.h"
+#include "text/value_text.h"
 
 namespace deskwatch {
 namespace {
@@ -102,22 +105,34 @@ void sendAndTell(const CommonOptions& common, const std::vector<SourcedRequest>&
     std::vector<Request> requests;
     requests.reserve(sourced.size());
     for (const auto& entry : sourced) {
+        if (const auto reason = whyTooLong(entry.request); !entry.source.empty() && !reason.empty()) {
+            throw std::runtime_error(entry.source + ": " + reason);
+        }
         requests.push_back(entry.request);
     }
-    const auto outcomes = sendAsMailApplication(chosenDevice(common), requests);
-    std::string refusals;
-    for (std::size_t index = 0; index < outcomes.size(); ++index) {
-        const auto& source = sourced[index].source;
+    std::vector<std::string> refusals;
+    std::size_t refused = 0;
+    const DeviceSession session(chosenDevice(common), ids::mail);
+    sendAsMailApplication(session, requests, [&, entry = sourced.begin()](const RequestOutcome& outcome) mutable {
+        const auto& source = entry++->source;
         const std::string prefix = source.empty() ? "" : source + ": ";
-        for (const auto& line : outcomes[index].done()) {
+        for (const auto& line : outcome.done()) {
             std::cout << prefix << line << '\n';
         }
-        for (const auto& line : outcomes[index].notDone()) {
-            refusals.append(refusals.empty() ? "" : "\n  ").append(prefix).append(line);
+        std::cout << std::flush; // a failure shows at the end: what is to be sent is sent
+        for (const auto& line : outcome.notDone()) {
+            refusals.push_back(prefix + line);
         }
-    }
-    if (!refusals.empty()) {
-        throw Refusal(refusals);
+        refused += outcome.isDone() ? 0 : 1;
+        if (sourced.size() > 1) {
+            std::for_each(refusals.begin(), refusals.end(), [](const auto& line) { std::cerr << line << '\n'; });
+            refusals.clear();
+        }
+    });
+    if (refused > 0) {
+        throw Refusal(sourced.size() == 1 ? joined(refusals, "\n  ")
+                                          : "not all was done for " + std::to_string(refused) + " of " +
+                                                std::to_string(sourced.size()) + " messages");
     }
 }
 

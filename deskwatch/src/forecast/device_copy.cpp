@@ -63,7 +63,7 @@ DeviceCopy::DeviceCopy(const Device& original)
 void DeviceCopy::startService(const Device& original) const {
     const auto faults = readFaults();
     clearFaults(session_);
-    sendAsMailApplication(session_, {});
+    sendAsMailApplication(session_, {}, [](const auto& /*outcome*/) {});
     copyAccounts(original.layout(), copy_->layout());
     for (const auto& fault : faults) {
         setFault(session_, fault);

@@ -69,7 +69,7 @@ public:
             observe("start of the service", {});
         }
         for (const auto& message : messages) {
-            observe(message.source, {{"req_update_policy", message.text}});
+            observe(message.source, {requests::policyUpdate(message.text)});
         }
         compare(before, readStatus(copy_.session()));
         return std::move(forecast_);
@@ -78,7 +78,7 @@ public:
 private:
     void observe(const std::string& source, const std::vector<Request>& requests) {
         try {
-            sendAsMailApplication(copy_.session(), requests);
+            sendAsMailApplication(copy_.session(), requests, [](const auto& /*outcome*/) {});
         } catch (const std::runtime_error&) {
             const auto warnings = log_.take().others;
             throw std::runtime_error("the service of the copied watch ends (" + source + ")" +
@@ -143,6 +143,11 @@ private:
 } // namespace
 
 Forecast forecast(const Device& device, const std::vector<SourcedMessage>& messages) {
+    for (const auto& message : messages) {
+        if (const auto reason = whyTooLong(requests::policyUpdate(message.text)); !reason.empty()) {
+            throw std::runtime_error(message.source + ": " + reason);
+        }
+    }
     device.requireBooted();
     return Trial(device).run(messages);
 }

@@ -10,6 +10,7 @@
 #include "messages/located_json.h"
 #include "messages/message_table.h"
 #include "text/suggestion.h"
+#include "text/text_table.h"
 
 namespace deskwatch {
 namespace {
@@ -150,6 +151,13 @@ private:
         }
     }
 
+    void checkName(const LocatedJson& account, std::string_view member) {
+        const auto* const name = expect(account, member, Kind::Text, "a text");
+        if (name != nullptr && printable(name->text) != name->text) {
+            remark(name->line, inQuotes(member) + " has control characters");
+        }
+    }
+
     /// Returns the account's number; none when it is wrong.
     std::optional<std::int64_t> checkAccount(const LocatedJson& account, const MessageKind& kind) {
         Names names{kind.accountId, "accountName", "policySet"};
@@ -157,9 +165,9 @@ private:
             names.emplace_back("displayName");
         }
         checkNames(account, names);
-        expect(account, "accountName", Kind::Text, "a text");
+        checkName(account, "accountName");
         if (kind.hasDisplayName) {
-            expect(account, "displayName", Kind::Text, "a text");
+            checkName(account, "displayName");
         }
         if (kind.needsPolicySet || account.find("policySet") != nullptr) {
             if (const auto* const policySet = expect(account, "policySet", Kind::Object, "an object")) {
@@ -211,7 +219,7 @@ std::vector<MessageRemark> remarksOn(const std::string& text) {
 std::vector<std::string> remarkLines(const std::string& file, const std::string& text) {
     std::vector<std::string> lines;
     for (const auto& remark : remarksOn(text)) {
-        lines.push_back(file + ":" + std::to_string(remark.line) + ": " + remark.text);
+        lines.push_back(file + ":" + std::to_string(remark.line) + ": " + printable(remark.text));
     }
     return lines;
 }
