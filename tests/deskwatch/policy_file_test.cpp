@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <fstream>
 #include <functional>
+#include <iomanip>
 #include <iterator>
+#include <sstream>
 #include <stdexcept>
 
 #include "c_owners.h"
@@ -70,6 +72,7 @@ TEST(ReadPolicyFile, SamePolicyIsTheSameMessageInEveryFormat) {
     const auto list = policyText(samples + "/policies/format-list.txt");
     EXPECT_EQ(policySetOf(convertedTo("UTF-16LE", "\xFF\xFE", list), ""), expected);
     EXPECT_EQ(policySetOf(convertedTo("UTF-16BE", "\xFE\xFF", list), ""), expected);
+    EXPECT_EQ(policySetOf(convertedTo("UTF-16BE", "", list), ""), expected);
     EXPECT_EQ(policySetOf("\xEF\xBB\xBF" + list, ""), expected);
 }
 
@@ -109,6 +112,20 @@ TEST(ReadPolicyFile, EveryFormatIsReadWithItsOddities) {
     EXPECT_EQ(readPolicyFile("p", R"({"mindevpwlenngth": 4})").remarks.size(), 1U);
 }
 
+/// Bytes in lines with their offset before them and as a text after them.
+std::string dumped(const std::string& bytes, const char* afterOffset, const char* beforeText, const char* afterText) {
+    constexpr std::size_t perLine = 16;
+    std::ostringstream lines;
+    for (std::size_t at = 0; at < bytes.size(); at += perLine) {
+        lines << std::hex << std::setfill('0') << std::setw(8) << at << afterOffset;
+        for (std::size_t index = at; index < std::min(at + perLine, bytes.size()); ++index) {
+            lines << std::setw(2) << static_cast<int>(static_cast<unsigned char>(bytes[index])) << ' ';
+        }
+        lines << beforeText << "0123  .:abcdef" << afterText << '\n';
+    }
+    return lines.str();
+}
+
 TEST(ReadPolicyFile, CaptureIsReadInEveryForm) {
     const auto hex = policyText(std::string(SAMPLES) + "/policies/reply.hex");
     auto tight = hex;
@@ -122,6 +139,8 @@ TEST(ReadPolicyFile, CaptureIsReadInEveryForm) {
     EXPECT_EQ(elementsRead(tight), expected);
     EXPECT_EQ(elementsRead("0x" + tight), expected);
     EXPECT_EQ(elementsRead(bytes), expected);
+    EXPECT_EQ(elementsRead(dumped(bytes, ": ", "  ", "")), expected) << "xxd";
+    EXPECT_EQ(elementsRead(dumped(bytes, "  ", "  |", "|") + "0000007d\n"), expected) << "hexdump -C";
     EXPECT_EQ(elementsRead(std::string(base64.get()) + "\n"), expected);
     const auto wipe = readPolicyFile("p", "03 01 6A 00 00 0E 45 4B 03 32 00 01 0C 01"); // Status 2, RemoteWipe
     ASSERT_EQ(wipe.notices.size(), 2U);
@@ -161,13 +180,10 @@ TEST(ReadPolicyFile, MistakesAreNamedWithTheirPlace) {
         const char* refusal;
     };
     const Row rows[] = {
-        {"AllowCamera : True\nMaxInactivityTimeLock : 15",
-         "p:2: MaxInactivityTimeLock is \"15\"; it must be a time such"},
-        {"PasswordExpiration : 1.12:00:00", "p:1: PasswordExpiration is \"1.12:00:00\"; it must be whole days such as"},
-        {"MaxInactivityTimeLock : 00:-1:00", "p:1: MaxInactivityTimeLock is"},
         {"{\"devpwenabled\": 1,}", "p:1:20: not valid JSON: "},
         {"{\"a\": 1}", "p: not a policy in a known format. Known are: "},
-        {"[default]\nlifetime = 3", "p: not a policy in a known format. "},
+        {"[other]\nlifetime = 3", "p: not a policy in a known format. "},
+        {"[default]\n", "p: no section has a key of a policy, such as devpwenabled"},
         {"dear sir: or madam", "p: not a policy in a known format. "},
         {" \n", "p: the file is empty"},
         {many.c_str(), "p:1: 1001 settings; a policy has at most 1000"},
@@ -180,6 +196,43 @@ TEST(ReadPolicyFile, MistakesAreNamedWithTheirPlace) {
         const auto what = policyFileRefusal([&, text = text] { readPolicyFile("p", text); });
         EXPECT_EQ(what.find(expected), 0U) << what;
     }
+}
+
+TEST(ReadPolicyFile, MistakesAreToldInTheWordsOfTheFileAndOfTheChosenPolicyAlone) {
+    struct Row {
+        const char* text;
+        const char* refusal;
+    };
+    const Row rows[] = {
+        {"AllowCamera : True\nMaxInactivityTimeLock : 15",
+         "p:2: MaxInactivityTimeLock is \"15\"; it must be a time such as 00:15:00, or Unlimited"},
+        {"PasswordExpiration : 1.12:00:00", "p:1: PasswordExpiration is \"1.12:00:00\"; it must be whole days such as"},
+        {"MaxInactivityTimeLock : 00:-1:00", "p:1: MaxInactivityTimeLock is"},
+        {"PasswordEnabled : Wahr", "p:1: PasswordEnabled is \"Wahr\"; it must be True or False"},
+        {"AllowBluetooth : 3", "p:1: AllowBluetooth is \"3\"; it must be Disable, HandsfreeOnly or Allow"},
+        {"MinPasswordLength,AllowCamera\n40,True",
+         "p:2: MinPasswordLength is \"40\"; it must be a number from 1 to 16"},
+        {"[default]\ndevpwenabled=x", "p:2: devpwenabled is \"x\"; it must be 0 or 1"},
+        {R"({"msgId": "email-itpolicy-ind", "param": [{"policySet": {"PasswordMode": 7, "allowCamera": "no"}}]})",
+         "p:1: PasswordMode is \"7\"; it must be 0, 32, 64 or 96\np:1: allowCamera is \"\"no\"\"; it must be true or "
+         "false"},
+        {"Name : A\nMaxInactivityTimeLock : 15\nName : B\nAllowCamera : True\n",
+         "p has 2 policies; choose one with --policy: \"A\", \"B\""},
+        {"AllowCamera : True\nAllowWifI : True", "not a property of a policy; did you mean \"AllowWiFi\"?"},
+        {"AllowCamera : True\nMinPasswordLenght : 4",
+         "not a property of a policy; did you mean \"MinPasswordLength\"?"},
+        {"allowcam=1\nmindevpwlength=4", "not a key of a policy; did you mean \"mindevpwlenngth\"?"},
+    };
+    for (const auto& [text, expected] : rows) {
+        const auto what = policyFileRefusal([text = text] {
+            const auto content = readPolicyFile("p", text);
+            const auto import = importProvisioning("p", chosenPolicy("p", content, "").elements, {1, "a", false});
+            throw std::runtime_error(import.elements.back().remark);
+        });
+        EXPECT_EQ(what.find(expected), 0U) << what;
+    }
+    const auto content = readPolicyFile("p", rows[8].text);
+    EXPECT_EQ(chosenPolicy("p", content, "B").elements.size(), 1U);
 }
 
 TEST(ReadPolicyFile, LastPolicyOfATraceCountsAsAClientTakesIt) {

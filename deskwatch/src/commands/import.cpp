@@ -117,8 +117,9 @@ void addImportCommand(CLI::App& program, const CommonOptions& common) {
     command->add_flag("--send", options->isSend, "Send it to the watch as a policy update")->excludes(whatif);
     command->add_flag("--json", options->isJson, "The report as one JSON object");
     command->footer(
-        "Formats, known by their content: an EASProvisionDoc in XML or WBXML (bytes, hexadecimal, base64), alone or\n"
-        "in its Provision element; Get-MobileDeviceMailboxPolicy | Format-List, ConvertTo-Json or Export-Csv;\n"
+        "Formats, known by their content: an EASProvisionDoc in XML or WBXML (bytes, hexadecimal, a dump, base64),\n"
+        "alone or in its Provision element; Get-MobileDeviceMailboxPolicy | Format-List, ConvertTo-Json or "
+        "Export-Csv;\n"
         "policies.ini of Z-Push; a policy of grommunio; a message for the watch; a trace of mail connect.\n"
         "The report on what the watch does with each element goes to standard error.\n"
         "Example:\n  deskwatch import samples/policies/format-list.txt --whatif\n"

@@ -72,14 +72,15 @@ void noteNotCarried(const ProvisioningImport& import, std::size_t side, std::vec
         if (entry.fate == Fate::Nothing || !entry.member.empty()) {
             continue;
         }
-        const auto& [name, value, isList, line] = entry.element;
+        const auto& element = entry.element;
         auto found = std::find_if(values.begin(), values.end(),
-                                  [&name = name](const ComparedValue& known) { return known.name == name; });
+                                  [&element](const ComparedValue& known) { return known.name == element.name; });
         if (found == values.end()) {
-            found = values.insert(values.end(), {name, {}, Side::None, ""});
+            found = values.insert(values.end(), {element.name, {}, Side::None, ""});
         }
-        found->values.at(side) =
-            isList ? Json("a list").dump() : Json(value).dump(-1, ' ', false, Json::error_handler_t::replace);
+        found->values.at(side) = element.isList
+                                     ? Json("a list").dump()
+                                     : Json(element.value).dump(-1, ' ', false, Json::error_handler_t::replace);
     }
 }
 

@@ -52,7 +52,7 @@ WbxmlElement documentOfPolicy(const std::string& file, const std::string& text) 
                                  " policies; the server takes a file with one");
     }
     auto document = provisionElement("EASProvisionDoc", std::vector<WbxmlElement>{});
-    for (const auto& element : content.policies.front().elements) {
+    for (const auto& element : chosenPolicy(file, content, "").elements) {
         if (!element.isList) {
             document.children.push_back(provisionElement(element.name, element.value));
         }

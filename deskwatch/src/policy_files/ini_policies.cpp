@@ -63,11 +63,14 @@ std::optional<PolicyFile> readIniPolicies(const std::string& file, const std::st
         return std::any_of(section.settings.begin(), section.settings.end(),
                            [](const PolicySetting& setting) { return isPolicyName(setting.name, Naming::Keys); });
     });
+    const auto found = std::find_if(sections.begin(), sections.end(),
+                                    [](const Section& section) { return section.name == "default"; });
+    if (!isOurs && found != sections.end()) {
+        throw std::runtime_error(file + ": no section has a key of a policy, such as devpwenabled");
+    }
     if (!isOurs) {
         return std::nullopt;
     }
-    const auto found = std::find_if(sections.begin(), sections.end(),
-                                    [](const Section& section) { return section.name == "default"; });
     const auto base = found != sections.end() ? *found : Section{};
     if (sections.size() > mostSections) {
         throw std::runtime_error(file + ": " + std::to_string(sections.size()) + " sections; at most " +

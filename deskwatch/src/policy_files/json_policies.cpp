@@ -67,11 +67,18 @@ void remarkOnPart(PolicyFile& content, const LocatedJson& object) {
     }
 }
 
+std::string legalValues(MemberType type) {
+    return type == MemberType::Flag ? "true or false" : type == MemberType::Mode ? "0, 32, 64 or 96" : "";
+}
+
 /// The value of a member as the element has it that the member stands for.
 ProvisioningElement elementOfMember(const PolicyMember& member, const LocatedJson* value, long line) {
     const auto* const rule = elementRule(member.element);
-    ProvisioningElement element{std::string(member.element), "", false,
-                                value != nullptr ? static_cast<long>(value->line) : line};
+    ProvisioningElement element{std::string(member.element),
+                                "",
+                                false,
+                                value != nullptr ? static_cast<long>(value->line) : line,
+                                {std::string(member.name), legalValues(member.type), ""}};
     const bool isNumber = value != nullptr && value->kind == Kind::Integer;
     if (member.type == MemberType::Flag && (value == nullptr || value->kind == Kind::Flag)) {
         element.value = value != nullptr && value->flag ? std::to_string(rule->most) : "0";

@@ -19,9 +19,9 @@ namespace {
 
 constexpr char unknownFormat[] =
     "not a policy in a known format. Known are: a provisioning document (XML) or its WBXML (bytes, hexadecimal, "
-    "base64); "
-    "Get-MobileDeviceMailboxPolicy | Format-List, ConvertTo-Json or Export-Csv; policies.ini of Z-Push; a policy of "
-    "grommunio (JSON); a message for the watch; a trace of mail connect. samples/README.md names one of each";
+    "a dump of xxd or hexdump -C, base64); Get-MobileDeviceMailboxPolicy | Format-List, ConvertTo-Json or Export-Csv; "
+    "policies.ini of Z-Push; a policy of grommunio (JSON); a message for the watch; a trace of mail connect. "
+    "samples/README.md names one of each";
 
 std::string decoded(const std::string& file, const std::string& bytes) {
     try {
@@ -116,7 +116,11 @@ const FilePolicy& chosenPolicy(const std::string& file, const PolicyFile& conten
         throw std::runtime_error(file + " has " + std::to_string(policies.size()) +
                                  " policies; choose one with --policy: " + namesOf(content));
     }
-    return *std::find_if(policies.begin(), policies.end(), isChosen);
+    const auto& chosen = *std::find_if(policies.begin(), policies.end(), isChosen);
+    if (!chosen.faults.empty()) {
+        throw std::runtime_error(joined(chosen.faults, "\n"));
+    }
+    return chosen;
 }
 
 std::string noticeText(const std::string& file, const ServerNotice& notice) {

@@ -15,6 +15,8 @@ struct FilePolicy {
     std::vector<ProvisioningElement> elements;
     /// Whether it comes from a message for the watch, which nobody reads as a client reads a server's policy.
     bool isMessage = false;
+    /// What is wrong with it, with the places. It is no concern of who chooses another one.
+    std::vector<std::string> faults = {};
 };
 
 /// What a file brings.
@@ -31,7 +33,7 @@ struct PolicyFile {
 PolicyFile readPolicyFile(const std::string& file, const std::string& bytes);
 
 /// The only policy of a file, or the one of that name where a name is given. Throws std::runtime_error with the names
-/// when there is no such policy, or more than one to choose from.
+/// when there is no such policy, or more than one to choose from, and with its faults when it has any.
 const FilePolicy& chosenPolicy(const std::string& file, const PolicyFile& content, const std::string& name);
 
 /// A notice in words, with its place.

@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "policy_files/policy_names.h"
+#include "provisioning/element_rule.h"
 #include "provisioning/provisioning_import.h"
 #include "text/suggestion.h"
 #include "text/text_table.h"
@@ -24,6 +25,18 @@ const PolicyName* policyName(const std::string& name, Naming naming) {
     return row != policyNames.end() ? row : nullptr;
 }
 
+/// The names that a file may have, the present ones first.
+std::vector<std::string_view> namesOf(Naming naming) {
+    std::vector<std::string_view> names;
+    for (const auto former : {false, true}) {
+        for (const auto& row : policyNames) {
+            names.emplace_back(naming == Naming::Properties ? (former ? row.element : row.property)
+                                                            : (former ? row.otherKey : row.key));
+        }
+    }
+    return names;
+}
+
 /// Whether a name that no element has stands for nothing that the reader must hear of. The properties of an object are
 /// more than those of the policy, so there only what looks like a slip of the pen is told.
 bool isLeftOut(const std::string& name, Naming naming) {
@@ -31,11 +44,7 @@ bool isLeftOut(const std::string& name, Naming naming) {
     if (std::any_of(notSent.begin(), notSent.end(), isSame)) {
         return true;
     }
-    std::vector<std::string_view> properties;
-    properties.reserve(policyNames.size());
-    std::transform(policyNames.begin(), policyNames.end(), std::back_inserter(properties),
-                   [](const PolicyName& row) { return row.property; });
-    return naming == Naming::Properties && !nearest(name, properties);
+    return naming == Naming::Properties && !nearest(name, namesOf(naming));
 }
 
 std::optional<long> numberIn(std::string_view text) {
@@ -71,15 +80,26 @@ std::optional<long> secondsIn(std::string_view text) {
     return seconds;
 }
 
-std::string timeIn(const std::string& place, const PolicySetting& setting, TimeUnit unit) {
+/// A time in the unit of its element; none when it is not one.
+std::optional<long> timeIn(const std::string& text, TimeUnit unit) {
     constexpr long perDay = 86400;
-    const auto seconds = secondsIn(setting.value);
+    const auto seconds = secondsIn(text);
     if (!seconds || (unit == TimeUnit::Days && *seconds % perDay != 0)) {
-        throw std::runtime_error(
-            place + ": " + setting.name + " is \"" + printable(setting.value) + "\"; it must be " +
-            (unit == TimeUnit::Days ? "whole days such as 90.00:00:00" : "a time such as 00:15:00") + ", or Unlimited");
+        return std::nullopt;
     }
-    return std::to_string(unit == TimeUnit::Days ? *seconds / perDay : *seconds);
+    return unit == TimeUnit::Days ? *seconds / perDay : *seconds;
+}
+
+/// What an element may be in the words of an object's property; empty where it is as in a provisioning document.
+std::string legalWords(const PolicyName& name) {
+    if (name.unit != TimeUnit::None) {
+        return std::string(name.unit == TimeUnit::Days ? "whole days such as 90.00:00:00" : "a time such as 00:15:00") +
+               ", or Unlimited";
+    }
+    const auto* const rule = elementRule(name.element);
+    return rule == nullptr || rule->conversion == Conversion::Number ? ""
+           : rule->most == 1                                         ? "True or False"
+                                                                     : "Disable, HandsfreeOnly or Allow";
 }
 
 /// A size that is written as `10 MB (10,485,760 bytes)` as a number of bytes.
@@ -94,19 +114,44 @@ std::string plainSize(const std::string& text) {
     return numberIn(digits) ? digits : text;
 }
 
-ProvisioningElement elementOf(const std::string& file, const PolicySetting& setting, const PolicyName& name,
-                              Naming naming) {
+/// What is wrong with the settings of a file.
+struct Faults {
+    const std::string& file;
+    std::vector<std::string>& lines;
+
+    void refuse(const PolicySetting& setting, const std::string& legal) const {
+        lines.push_back(placeIn(file, setting.line) + ": " + setting.name + " is \"" + printable(setting.value) +
+                        "\"; it must be " + legal);
+    }
+};
+
+ProvisioningElement elementOf(const PolicySetting& setting, const PolicyName& name, Naming naming,
+                              const Faults& faults) {
+    const ElementWording wording{setting.name, naming == Naming::Properties ? legalWords(name) : "", ""};
     if (setting.isList) {
-        return {name.element, "", true, setting.line};
+        return {name.element, "", true, setting.line, wording};
     }
     const auto* const word = std::find_if(valueWords.begin(), valueWords.end(), [&](const ValueWord& row) {
         return g_ascii_strcasecmp(row.word, setting.value.c_str()) == 0;
     });
     std::string value = word != valueWords.end() ? word->value : plainSize(setting.value);
     if (naming == Naming::Properties && name.unit != TimeUnit::None && word == valueWords.end() && !value.empty()) {
-        value = timeIn(placeIn(file, setting.line), setting, name.unit);
+        const auto time = timeIn(value, name.unit);
+        if (!time) {
+            faults.refuse(setting, wording.legalValues);
+        }
+        value = time ? std::to_string(*time) : "";
     }
-    return {name.element, value, false, setting.line};
+    return {name.element, value, false, setting.line, wording};
+}
+
+ProvisioningElement unknownElement(const PolicySetting& setting, Naming naming) {
+    const std::string reason = naming == Naming::Properties ? "not a property of a policy" : "not a key of a policy";
+    return {setting.name,
+            setting.value,
+            setting.isList,
+            setting.line,
+            {"", "", reason + didYouMean(setting.name, namesOf(naming))}};
 }
 
 } // namespace
@@ -128,6 +173,7 @@ FilePolicy policyOf(const std::string& file, const std::vector<PolicySetting>& s
     }
     FilePolicy policy;
     auto& elements = policy.elements;
+    const Faults faults{file, policy.faults};
     for (const auto& setting : settings) {
         if (naming == Naming::Properties && (setting.name == "Name" || setting.name == "Identity")) {
             policy.name = setting.name == "Name" || policy.name.empty() ? setting.value : policy.name;
@@ -136,9 +182,8 @@ FilePolicy policyOf(const std::string& file, const std::vector<PolicySetting>& s
         if (setting.name.empty() || (name == nullptr && isLeftOut(setting.name, naming))) {
             continue;
         }
-        const auto element = name != nullptr
-                                 ? elementOf(file, setting, *name, naming)
-                                 : ProvisioningElement{setting.name, setting.value, setting.isList, setting.line};
+        const auto element =
+            name != nullptr ? elementOf(setting, *name, naming, faults) : unknownElement(setting, naming);
         // an object may have a property under its older name, too
         const bool isThere = std::any_of(elements.begin(), elements.end(), [&](const ProvisioningElement& other) {
             return other.name == element.name && other.value == element.value && other.isList == element.isList;

@@ -51,8 +51,8 @@ bool isPolicyName(const std::string& name, Naming naming);
 /// The parameter of `Set-MobileDeviceMailboxPolicy` that sets an element; empty for none.
 std::string parameterOf(std::string_view element);
 
-/// A policy of settings. Names and words are taken in upper and lower case. What a server does not send is left out.
-/// Throws std::runtime_error with the place of a time that is not one, and for more settings than a policy has.
+/// A policy of settings. Words are taken in upper and lower case. What a server does not send is left out. A time that
+/// is not one is a fault of the policy. Throws std::runtime_error for more settings than a policy has.
 FilePolicy policyOf(const std::string& file, const std::vector<PolicySetting>& settings, Naming naming);
 
 /// Adds a policy to a file, if it has any element.

@@ -33,12 +33,16 @@ std::string decodedText(const std::string& bytes) {
     if (bytes.rfind(utf8Mark, 0) == 0) {
         return bytes.substr(utf8Mark.size());
     }
-    const bool isLittle = bytes.rfind("\xFF\xFE", 0) == 0;
-    if (!isLittle && bytes.rfind("\xFE\xFF", 0) != 0) {
+    const auto begin = bytes.substr(0, 2);
+    const bool hasMark = begin == "\xFF\xFE" || begin == "\xFE\xFF";
+    const bool isPair = begin.size() == 2 && (begin[0] == '\0') != (begin[1] == '\0'); // a letter of ASCII
+    if (!hasMark && !isPair) {
         return bytes;
     }
+    const bool isLittle = hasMark ? begin[0] == '\xFF' : begin[1] == '\0';
+    const std::size_t start = hasMark ? 2 : 0;
     gsize written = 0;
-    const c::MemoryOwner<char> text(g_convert(bytes.data() + 2, static_cast<gssize>(bytes.size() - 2), "UTF-8",
+    const c::MemoryOwner<char> text(g_convert(bytes.data() + start, static_cast<gssize>(bytes.size() - start), "UTF-8",
                                               isLittle ? "UTF-16LE" : "UTF-16BE", nullptr, &written, nullptr));
     if (text == nullptr) {
         throw std::runtime_error("not valid UTF-16");

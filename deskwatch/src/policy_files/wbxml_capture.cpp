@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <sstream>
 #include <stdexcept>
 
 #include "c_owners.h"
@@ -40,6 +41,27 @@ std::string bytesOfHexadecimal(const std::string& text) {
         high = high < 0 ? digit : -1;
     }
     return bytes;
+}
+
+/// The digits of a dump, in whose lines `OFFSET: DIGITS  TEXT` stands (xxd) or `OFFSET  DIGITS  |TEXT|` (hexdump -C,
+/// which has two blanks among the digits, too); empty when it is something else.
+std::string digitsOfDump(const std::string& text) {
+    constexpr std::size_t shortestOffset = 7;
+    std::string digits;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) {
+        const auto offset = line.find_first_not_of("0123456789abcdefABCDEF");
+        if (offset == std::string::npos) {
+            continue; // the last line of hexdump is the size
+        }
+        const auto start = line.find_first_not_of(' ', offset + 1);
+        const auto end = line[offset] == ':' ? line.find("  ", start) : line.find('|');
+        if (offset < shortestOffset || start == std::string::npos || end == std::string::npos) {
+            return "";
+        }
+        digits += line.substr(start, end - start) + " ";
+    }
+    return digits;
 }
 
 std::string bytesOfBase64(const std::string& text) {
@@ -82,7 +104,8 @@ PolicyFile contentOf(const WbxmlElement& root) {
 } // namespace
 
 std::optional<PolicyFile> readWbxmlCapture(const std::string& file, const std::string& bytes) {
-    for (const auto& candidate : {bytes, bytesOfHexadecimal(bytes), bytesOfBase64(bytes)}) {
+    for (const auto& candidate :
+         {bytes, bytesOfHexadecimal(bytes), bytesOfHexadecimal(digitsOfDump(bytes)), bytesOfBase64(bytes)}) {
         if (looksLikeWbxml(candidate)) {
             try {
                 return contentOf(decodeWbxml(candidate));

@@ -6,6 +6,14 @@
 
 namespace deskwatch {
 
+/// How a file has an element, for the reader of errors, where it has it otherwise than a provisioning document.
+struct ElementWording {
+    std::string name;
+    std::string legalValues;
+    /// Why it is no element.
+    std::string unknown;
+};
+
 /// An element of a provisioning document.
 struct ProvisioningElement {
     /// One of another namespace is called `{NAMESPACE}NAME`.
@@ -15,6 +23,7 @@ struct ProvisioningElement {
     /// Whether it holds other elements; then it has no value.
     bool isList = false;
     long line = 0;
+    ElementWording wording = {};
 };
 
 /// What a server says beside a policy, or instead of one.

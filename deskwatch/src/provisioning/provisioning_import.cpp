@@ -25,7 +25,10 @@ std::optional<int> numberOf(const std::string& text) {
     return error == std::errc() && stop == end && text.front() != '-' ? std::optional(number) : std::nullopt;
 }
 
-std::string legalValues(const ElementRule& rule) {
+std::string legalValues(const ProvisioningElement& element, const ElementRule& rule) {
+    if (!element.wording.legalValues.empty()) {
+        return element.wording.legalValues;
+    }
     if (rule.most == anyNumber) {
         return "a number of seconds, up to " + std::to_string(anyNumber);
     }
@@ -40,7 +43,15 @@ std::string hintFor(const ProvisioningElement& element, const ElementRule& rule)
     return isZeroOfMessage || (isNoLimit && rule.most > 1) ? "; for no limit leave it empty" : "";
 }
 
-std::string notAnElement(const std::string& name) {
+std::string nameInFile(const ProvisioningElement& element) {
+    return element.wording.name.empty() ? element.name : element.wording.name;
+}
+
+std::string notAnElement(const ProvisioningElement& element) {
+    const auto& name = element.name;
+    if (!element.wording.unknown.empty()) {
+        return element.wording.unknown;
+    }
     if (name.front() == '{') {
         return "an element of another namespace";
     }
@@ -87,7 +98,7 @@ private:
 
     void takeValue(const ProvisioningElement& element, const ElementRule& rule) {
         if (element.isList) {
-            refuse(element, " contains other elements; it must be " + legalValues(rule));
+            refuse(element, " contains other elements; it must be " + legalValues(element, rule));
             return;
         }
         if (element.value.empty()) {
@@ -95,7 +106,7 @@ private:
         }
         const auto value = numberOf(element.value);
         if (!value || *value < rule.least || *value > rule.most) {
-            refuse(element, " is \"" + printable(element.value) + "\"; it must be " + legalValues(rule) +
+            refuse(element, " is \"" + printable(element.value) + "\"; it must be " + legalValues(element, rule) +
                                 hintFor(element, rule));
             return;
         }
@@ -103,7 +114,7 @@ private:
     }
 
     void refuse(const ProvisioningElement& element, const std::string& reason) {
-        errors_ += (errors_.empty() ? "" : "\n") + placeIn(file_, element.line) + ": " + element.name + reason;
+        errors_ += (errors_.empty() ? "" : "\n") + placeIn(file_, element.line) + ": " + nameInFile(element) + reason;
     }
 
     std::string file_;
@@ -191,7 +202,7 @@ ImportedElement notCarried(const ProvisioningElement& element) {
                                            [&](const OtherElement& row) { return element.name == row.name; });
     if (other == otherElements.end()) {
         const bool isForeign = element.name.front() == '{';
-        return {element, Support::Unknown, "", "", notAnElement(element.name), isForeign ? Fate::Nothing : Fate::Lost};
+        return {element, Support::Unknown, "", "", notAnElement(element), isForeign ? Fate::Nothing : Fate::Lost};
     }
     const bool isIdle = !element.isList && (element.value.empty() || element.value == other->idle);
     return {element, other->support, "", "", "", isIdle ? Fate::Nothing : Fate::Lost};

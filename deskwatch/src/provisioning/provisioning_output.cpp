@@ -50,8 +50,8 @@ std::vector<std::string> elementsOf(const ProvisioningImport& import, Fate fate)
     std::vector<std::string> elements;
     for (const auto& entry : import.elements) {
         if (entry.fate == fate) {
-            const auto& [name, value, isList, line] = entry.element;
-            elements.push_back(printable(value.empty() ? name : std::string(name).append(" ").append(value)));
+            const auto& element = entry.element;
+            elements.push_back(printable(element.name + (element.value.empty() ? "" : " ") + element.value));
         }
     }
     return elements;
