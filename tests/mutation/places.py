@@ -21,8 +21,8 @@ FUNCTIONS = {CursorKind.FUNCTION_DECL, CursorKind.CXX_METHOD, CursorKind.CONSTRU
              CursorKind.FUNCTION_TEMPLATE, CursorKind.CONVERSION_FUNCTION}
 VARIABLES = {CursorKind.VAR_DECL, CursorKind.FIELD_DECL}
 WRAPPERS = {CursorKind.UNEXPOSED_EXPR, CursorKind.PAREN_EXPR}
-# Functions whose first argument is a text for whoever reads what went wrong: no test is to repeat it.
-REPORTS = {"report", "reportException", "guarded"}
+# Functions with a text for whoever reads what went wrong or asks for help, and which argument it is: no test is to repeat it.
+REPORTS = {"report": 0, "reportException": 0, "guarded": 0, "add_subcommand": 1, "add_option": 2, "add_flag": 2}
 # What never runs; and what an exception says, which is for a reader to judge.
 NEVER_CHANGED = {CursorKind.STATIC_ASSERT, CursorKind.ENUM_DECL, CursorKind.PARM_DECL, CursorKind.MACRO_DEFINITION,
                  CursorKind.CXX_THROW_EXPR}
@@ -142,8 +142,8 @@ class Finder:
         if cursor.kind in NEVER_CHANGED or self.in_macro(cursor) or spot_of(cursor.location)[0] != self.source.path:
             return  # or a header that is included within a declaration
         if cursor.kind == CursorKind.CALL_EXPR and cursor.spelling in REPORTS:
-            text = next(cursor.get_arguments(), cursor)
-            self.reported.update(inner.extent.start.offset for inner in text.walk_preorder())
+            for text in list(cursor.get_arguments())[REPORTS[cursor.spelling]:][:1]:
+                self.reported.update(inner.extent.start.offset for inner in text.walk_preorder())
         if cursor.kind in FUNCTIONS:
             self.visit_function(cursor)
         elif cursor.kind in VARIABLES:
