@@ -49,6 +49,12 @@ TEST_F(AppControlContract, NamesNoApplicationAtFirst) {
     EXPECT_EQ(appId(), "(null)");
 }
 
+TEST_F(AppControlContract, NewRequestWantsNoReplyFromHere) {
+    bool isWanted = true;
+    EXPECT_EQ(app_control_is_reply_requested(control(), &isWanted), APP_CONTROL_ERROR_NONE);
+    EXPECT_FALSE(isWanted);
+}
+
 TEST_F(AppControlContract, KeepsTheApplicationThatWasNamedLast) {
     app_control_set_app_id(control(), "com.example.first");
     EXPECT_EQ(app_control_set_app_id(control(), "com.example.second"), APP_CONTROL_ERROR_NONE);

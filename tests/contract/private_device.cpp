@@ -68,6 +68,9 @@ PrivateDevice::PrivateDevice(const std::string& applicationId) : folder_(tempora
     setVariable("DBUS_SYSTEM_BUS_ADDRESS", address);
     setVariable("XDG_CONFIG_HOME", (folder_ / "config").string());
     setVariable("XDG_RUNTIME_DIR", (folder_ / "run").string());
+    // a call of GLib with a wrong argument ends the process, here as in those that it starts
+    g_log_set_always_fatal(static_cast<GLogLevelFlags>(G_LOG_FATAL_MASK | G_LOG_LEVEL_CRITICAL));
+    setVariable("G_DEBUG", "fatal-criticals");
 }
 
 PrivateDevice::~PrivateDevice() {

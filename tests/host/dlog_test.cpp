@@ -77,9 +77,11 @@ TEST_F(Dlog, UnknownLevelIsTheDefaultAndIsReported) {
     EXPECT_EQ(written(DLOG_DEBUG, "text"), "");
 }
 
-TEST_F(Dlog, FailedWriteIsItsError) {
+TEST_F(Dlog, FailedWriteIsTheResultAndLeavesTheErrorNumberAlone) {
     close(STDERR_FILENO);
+    errno = ENOENT;
     EXPECT_EQ(__dlog_print(LOG_ID_MAIN, DLOG_ERROR, "TAG", "text"), -EBADF);
+    EXPECT_EQ(errno, ENOENT);
 }
 
 TEST_F(Dlog, LowestLevelShownComesFromTheEnvironment) {
@@ -162,14 +164,6 @@ TEST_F(Dlog, InvalidArgumentsAreErrors) {
     EXPECT_EQ(__dlog_print(LOG_ID_INVALID, DLOG_ERROR, "TAG", "%s", "text"), -EINVAL);
     EXPECT_EQ(__dlog_print(LOG_ID_MAIN, 99, "TAG", "%s", "text"), -EINVAL);
     EXPECT_EQ(__dlog_print(LOG_ID_MAIN, DLOG_SILENT, "TAG", "%s", "text"), -EINVAL);
-}
-
-TEST_F(Dlog, LeavesTheErrorNumberAlone) {
-    errno = ENOENT;
-    written(DLOG_INFO, "text");
-    errno = ENOENT;
-    __dlog_print(LOG_ID_MAIN, DLOG_DEBUG, "TAG", "%s", "text");
-    EXPECT_EQ(errno, ENOENT);
 }
 
 } // namespace
