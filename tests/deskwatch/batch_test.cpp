@@ -85,6 +85,11 @@ TEST_F(Batches, FailuresAreNamedAndTheReportsOfTheShardsAreOne) {
                                    "--times", folder + "/times"};
     for (const std::string shard : {"1/2", "2/2"}) {
         const auto outcome = deskwatchProgram({"replay", folder, "--shard", shard, "--jobs", "2", "--json"});
+        const auto report = Json::parse(outcome.output);
+        for (const auto& result : report.at("recordings")) {
+            const bool isBroken = result.at("file") == folder + "/2.jsonl";
+            EXPECT_EQ(result.at("failure").is_null(), !isBroken) << result;
+        }
         merge.push_back(write("report" + shard.substr(0, 1), outcome.output).string());
         EXPECT_EQ(leftovers(), 0U);
     }

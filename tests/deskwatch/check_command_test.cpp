@@ -16,6 +16,7 @@ protected:
         const auto result = Json::parse(outcome.output);
         for (const auto& finding : result.at("findings")) {
             kinds.push_back(finding.at("kind"));
+            EXPECT_NE(finding.at("text"), "");
         }
         EXPECT_EQ(outcome.status, kinds.empty() ? 0 : 3) << outcome.errors;
         return kinds;

@@ -22,6 +22,7 @@ TEST_F(Commands, ExplainNamesWinnerLosersAndWhatBecameOfIt) {
             {"account": 3, "value": 8, "standing": "wins"}],
         "winner": 3, "losers": [1, 2], "merged": 8,
         "setting": "maximum_failed_attempts_for_wipe", "demanded": 8, "now": 8})json"));
+    EXPECT_EQ(explained["accounts"][1]["account"], 2);
     EXPECT_EQ(explained["password"]["enforcingAccount"], 2);
     EXPECT_EQ(explained["password"]["scores"][1]["score"], 22);
     EXPECT_EQ(explained["notes"][0]["accounts"], Json::parse("[3]"));

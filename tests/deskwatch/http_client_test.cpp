@@ -113,9 +113,9 @@ TEST_F(HttpExchange, TraceIsReadableAndHoldsNoPassword) {
     std::ifstream stream(file);
     const std::string trace(std::istreambuf_iterator<char>(stream), {});
     EXPECT_EQ(trace.find("Ym9iOnNlY3JldA=="), std::string::npos);
-    for (const auto* const line :
-         {"# deskwatch exchange trace\n", "> Authorization: (not shown)\n", "> X-MS-PolicyKey: 0\n",
-          "\n>= 03 01 6A 00 00 0E 45", "\n<|     <Policy>\n", "\n< 200\n"}) {
+    for (const auto* const line : {"# deskwatch exchange trace\n", "> Authorization: (not shown)\n",
+                                   "> X-MS-PolicyKey: 0\n", "\n>= 03 01 6A 00 00 0E 45", "\n<|     <Policy>\n",
+                                   "\n< 200\n", "\n< content-type: application/vnd.ms-sync.wbxml\n"}) {
         EXPECT_NE(trace.find(line), std::string::npos) << line << "\nis not in\n" << trace;
     }
 }

@@ -45,6 +45,13 @@ TEST(LockScreen, WrongPasswordsAreCountedUntilTheWipe) {
     }
 }
 
+TEST(LockScreen, DiffersInEachField) {
+    const LockScreen one{1, 7, true};
+    for (const LockScreen& other : {LockScreen{2, 7, true}, LockScreen{1, 8, true}, LockScreen{1, 7, false}}) {
+        EXPECT_FALSE(one == other);
+    }
+}
+
 TEST(LockScreen, PasswordExpiresAtTheAgeThatIsSet) {
     const LockLimits thirtyDays{0, 0, 30};
     EXPECT_EQ(passwordAgeText({0, 29, false}, thirtyDays), "the password is 29 days old; it expires after 30 days");

@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+#include <vector>
+
+#include "text/value_words.h"
+
 namespace deskwatch {
 namespace {
 
@@ -19,6 +24,24 @@ TEST(TextTable, ControlCharactersAndBrokenTextBecomeVisible) {
 
 TEST(TextTable, NoRowsAreNoText) {
     EXPECT_EQ(textTable({}), "");
+}
+
+TEST(ValueWords, NumberOfASettingOrKeyHasItsWord) {
+    const std::vector<std::pair<std::string, std::vector<std::string>>> words{
+        {"quality",
+         {"0 none", "32 numeric", "33 numeric, simple allowed", "34", "128 alphanumeric",
+          "129 alphanumeric, simple allowed"}},
+        {"wifi_state", {"0 forbidden", "1 allowed", "2"}},
+        {"messaging_state", {"0 forbidden", "1 allowed"}},
+        {"popimap_email_state", {"0 forbidden", "1 allowed"}},
+        {"db/setting/lock_type", {"0 none", "1 PIN", "2 password", "3"}},
+        {"minimum_length", {"0", "1"}},
+    };
+    for (const auto& [name, texts] : words) {
+        for (const auto& text : texts) {
+            EXPECT_EQ(wordedNumber(name, std::stoi(text)), text) << name;
+        }
+    }
 }
 
 } // namespace
