@@ -2,6 +2,7 @@
 #define TESK_MESSAGE_SIZE_H
 
 #include <cstddef>
+#include <numeric>
 #include <string>
 
 /// How large a message for a port may be, and how large one is: in bytes, as it travels on devices. Shared by the host
@@ -18,6 +19,13 @@ inline constexpr std::size_t empty = 32;
 inline std::size_t ofEntry(const std::string& key, const std::string& value) {
     constexpr std::size_t frame = 30;
     return frame + key.size() + value.size();
+}
+
+/// A message with these entries.
+template <class Pairs>
+std::size_t of(const Pairs& entries) {
+    return std::accumulate(entries.begin(), entries.end(), empty,
+                           [](std::size_t sum, const auto& entry) { return sum + ofEntry(entry.first, entry.second); });
 }
 
 } // namespace message_size

@@ -3,7 +3,9 @@
 #include "environment.h"
 #include "guard.h"
 #include "host_bus.h"
+#include "message_size.h"
 #include "text.h"
+#include "text_pairs.h"
 
 namespace host {
 PortExchange& PortExchange::get() {
@@ -94,6 +96,13 @@ gboolean PortExchange::onSendUnreadable(PlatformBusMessagePort* /*object*/, GDBu
 
 void PortExchange::deliver(GDBusMethodInvocation* invocation, const char* port, const char* sender,
                            GVariant* message) const {
+    // the sender's library has seen to that, where it has one
+    if (message != nullptr && message_size::of(text_pairs::read(message)) > message_size::limit) {
+        g_dbus_method_invocation_return_dbus_error(
+            invocation, "tesk.host.Error.MessageTooLong",
+            ("the message is longer than " + std::to_string(message_size::limit) + " bytes").c_str());
+        return;
+    }
     try {
         if (ports_.deliver(port, sender, message)) {
             g_dbus_method_invocation_return_value(invocation, nullptr);

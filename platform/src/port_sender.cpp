@@ -1,7 +1,5 @@
 #include "port_sender.h"
 
-#include <numeric>
-
 #include "bundle_handle.h"
 #include "environment.h"
 #include "guard.h"
@@ -13,12 +11,7 @@ namespace host {
 namespace {
 
 bool isTooLong(const bundle& message) {
-    const auto& pairs = message.pairs.pairs();
-    const auto size =
-        std::accumulate(pairs.begin(), pairs.end(), message_size::empty, [](std::size_t sum, const auto& pair) {
-            return sum + message_size::ofEntry(pair.first, pair.second);
-        });
-    return size > message_size::limit;
+    return message_size::of(message.pairs.pairs()) > message_size::limit;
 }
 
 void onSent(GObject* proxy, GAsyncResult* outcome, gpointer /*data*/) {

@@ -106,7 +106,8 @@ class MailClient:
             outcome = "sent"
         except GLib.Error as error:
             self.tries += 1
-            if self.tries < MOST_TRIES:  # the service ended before it read the request: launch it and send again
+            is_final = Gio.DBusError.get_remote_error(error) == "tesk.host.Error.MessageTooLong"
+            if self.tries < MOST_TRIES and not is_final:  # the service ended before it read the request: launch it and send again
                 GLib.timeout_add(PAUSE_MS, self.launch_service)
                 return
             outcome = f"not sent: {error.message}"

@@ -59,6 +59,12 @@ TEST_P(ClientSamples, HearsThatTheWearerStopsSynchronising) {
     EXPECT_TRUE(says("com.velmor.tesk-agent asks: req_disable_password_eas_accounts"));
 }
 
+TEST_P(ClientSamples, IsToldOfAMessageThatIsTooLong) {
+    launch("req_update_policy", std::string(12174, 'x'));
+    EXPECT_TRUE(says("req_update_policy: not sent"));
+    EXPECT_EQ(run({"log"}).find("json_parser_get_root failed"), std::string::npos) << "the service has not seen it";
+}
+
 INSTANTIATE_TEST_SUITE_P(, ClientSamples, testing::Values(MAIL_CLIENT, SAMPLES "/client/mail_client.py"),
                          [](const auto& client) { return client.index == 0 ? "InC" : "InPython"; });
 

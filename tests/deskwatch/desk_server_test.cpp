@@ -143,6 +143,7 @@ TEST_F(TheDeskServer, OrderSpoilsTheNextAnswerAlone) {
     EXPECT_THROW(provision(policyRequest(141, true)), std::runtime_error);
     EXPECT_EQ(provision(policyRequest(141, true)).status, 1);
     EXPECT_THROW(server().order({"bob", "smile", ""}), std::runtime_error);
+    EXPECT_THROW(server().order({"bobby", "wipe", ""}), std::runtime_error) << "has no device";
     EXPECT_THROW(server().order({"bob", "http", "many"}), std::runtime_error);
 }
 

@@ -21,6 +21,15 @@ TEST_F(KeyCommands, NumberCanBeSetAsAText) {
     EXPECT_EQ(run({"key", "get", "--json", "db/test/number"}), "{\"key\":\"db/test/number\",\"value\":\"42\"}\n");
 }
 
+TEST_F(KeyCommands, ChangeOfAKeysTypeIsRemarkedOn) {
+    boot();
+    EXPECT_EQ(deskwatchProgram({"key", "set", "db/setting/lock_type", "pin"}).errors,
+              "warning: db/setting/lock_type was a number and is a text now\n");
+    EXPECT_EQ(deskwatchProgram({"key", "set", "db/setting/lock_type", "1"}).errors,
+              "warning: db/setting/lock_type was a text and is a number now (--text keeps it a text)\n");
+    EXPECT_EQ(deskwatchProgram({"key", "set", "db/setting/lock_type", "--text", "1"}).errors, "");
+}
+
 TEST_F(KeyCommands, KeyThatIsNotSetFails) {
     boot();
     const auto outcome = deskwatchProgram({"key", "get", "db/nothing/here"});

@@ -49,9 +49,24 @@ void get(const CommonOptions& common, const KeyOptions& options) {
     std::cout << (options.isJson ? asLine(options.key, value) : valueText(value)) << '\n';
 }
 
+/// A program that reads the key as what it was gets nothing then.
+void warnOfOtherType(const std::string& key, const Value& value) {
+    const auto before = readKey(key);
+    if (before.index() == value.index() || std::holds_alternative<std::monostate>(before)) {
+        return;
+    }
+    const bool isNumber = std::holds_alternative<int>(value);
+    std::cerr << "warning: " << key << " was a " << (isNumber ? "text" : "number") << " and is a "
+              << (isNumber ? "number now (--text keeps it a text)" : "text now") << '\n';
+}
+
 void set(const CommonOptions& common, const KeyOptions& options) {
     const DeviceSession session(chosenDevice(common), observerId);
-    writeKey(options.key, options.isText ? Value(options.value) : typedValue(options.value));
+    const Value value = options.isText ? Value(options.value) : typedValue(options.value);
+    if (!options.isText) {
+        warnOfOtherType(options.key, value);
+    }
+    writeKey(options.key, value);
     session.settleService();
 }
 

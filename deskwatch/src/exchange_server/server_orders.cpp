@@ -102,8 +102,12 @@ void DeskServer::order(const ServerOrder& order) {
         disturbances_[order.user] = order;
         return;
     }
+    const auto ofUser = [&order](const auto& entry) { return entry.first.first == order.user; };
+    if (std::none_of(devices_.begin(), devices_.end(), ofUser)) {
+        throw std::runtime_error("no device of \"" + order.user + "\" has been here (deskwatch exchange show)");
+    }
     for (auto device = devices_.begin(); device != devices_.end();) {
-        if (device->first.first != order.user) {
+        if (!ofUser(*device)) {
             ++device;
         } else if (order.name == "forget") {
             device = devices_.erase(device);
