@@ -231,7 +231,7 @@ void measure(const fs::path& binaries, const fs::path& folder, int idleSeconds) 
     };
     const deskwatch::BootedDevice watch(folder / "watch",
                                         {{serviceId, programs[0].command}, {platformId, programs[1].command}});
-    const auto bus = deskwatch::connectToBus(watch->busAddress());
+    const auto bus = deskwatch::connectToBus(watch->busAddress(), deskwatch::busPatience);
     measureStartUp(*watch, bus.get(), programs);
 
     RunningPrograms running;

@@ -11,6 +11,10 @@ inline constexpr char appIdVariable[] = "TESK_APP_ID";
 /// Environment: the device's folder, an absolute path.
 inline constexpr char deviceVariable[] = "TESK_DEVICE";
 
+/// Environment: set where a process that ends need not wait for the applications that it has asked to start, and which
+/// may miss its requests then.
+inline constexpr char startsForgottenVariable[] = "TESK_FORGET_STARTS";
+
 /// The object of every application: tesk.host.Application, and tesk.host.MessagePort.
 inline constexpr char applicationPath[] = "/tesk/host/application";
 

@@ -23,7 +23,7 @@ class UsersBus {
 public:
     /// Starts it with that bus policy on top, or with none when the path is empty.
     explicit UsersBus(const std::filesystem::path& policy);
-    ~UsersBus() { daemon_.stop(); }
+    ~UsersBus() { daemon_.stop(std::chrono::seconds(20)); }
     UsersBus(const UsersBus&) = delete;
     UsersBus& operator=(const UsersBus&) = delete;
 

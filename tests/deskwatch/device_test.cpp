@@ -299,8 +299,11 @@ TEST(Device, EnvironmentOfTheCallerStaysOutsideExceptForItsSanitizers) {
 TEST(Device, MissingProgramOfAnApplicationIsNamed) {
     const TemporaryFolder folder;
     const Device watch(folder.path());
-    EXPECT_EQ(failureOf([&] { watch.boot(standardApplications("/nowhere/agent", {"/bin/true"})); }),
-              "cannot run the program of com.velmor.tesk-agent: /nowhere/agent");
+    for (const std::string program : {"/nowhere/agent", "/tmp"}) {
+        EXPECT_EQ(failureOf([&] { watch.boot(standardApplications(program, {"/bin/true"})); }),
+                  "cannot run the program of com.velmor.tesk-agent: " + program +
+                      (program == "/tmp" ? " is a folder" : ""));
+    }
     EXPECT_FALSE(watch.isBooted());
 }
 

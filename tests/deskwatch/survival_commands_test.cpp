@@ -73,6 +73,44 @@ TEST_F(SurvivalCommands, WaitForAHungServiceIsToldAndEndsInTime) {
     run({"mail", "check-password"});
 }
 
+TEST_F(SurvivalCommands, ServiceThatDoesNotComeUpIsToldInTime) {
+    const auto sleeper = write("sleeper", "#!/bin/sh\nexec sleep 1000\n");
+    std::filesystem::permissions(sleeper, std::filesystem::perms::owner_all);
+    const std::vector<std::pair<std::string, std::string>> services{
+        {"/bin/true",
+         "does not answer, see " + device().layout().log().string() + ": its program has ended without a word"},
+        {sleeper, "has not answered for 2 seconds (--timeout); end what hangs with: deskwatch off --force"}};
+    for (const auto& [service, told] : services) {
+        boot({"--service", service});
+        const auto outcome = deskwatchProgram({"--timeout", "2", "mail", "check-password"});
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_NE(outcome.errors.find(": com.velmor.tesk-agent " + told + "\n"), std::string::npos) << outcome.errors;
+        run({"off"});
+    }
+}
+
+TEST_F(SurvivalCommands, HungBusKeepsNobodyWaiting) {
+    boot();
+    const Device hung = bootAnother();
+    BusProcess(hung.layout().busRecord()).running()->signal(SIGSTOP);
+    const auto recording = device().layout().folder().parent_path() / "recording";
+    for (const auto& [command, told] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{"status"}, "the bus at " + hung.busAddress() + " has not answered for 1 seconds (--timeout); "},
+             {{"record", recording},
+              "the bus at " + hung.busAddress() + " has not answered for 1 seconds (--timeout); "},
+             {{"off"}, " (dbus-daemon) still runs although it was asked to end; "}}) {
+        std::vector<std::string> arguments{"--timeout", "1"};
+        arguments.insert(arguments.end(), command.begin(), command.end());
+        const auto outcome = deskwatchProgram(arguments);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_NE(outcome.errors.find(told), std::string::npos) << outcome.errors;
+    }
+    const auto list = Json::parse(deskwatchProgram({"ls", "--json"}).output);
+    EXPECT_EQ(list[0]["state"], "booted");
+    EXPECT_EQ(list[1]["state"], "does not respond");
+    run({"off", "--force"});
+}
+
 TEST_F(SurvivalCommands, LogThatNeverEndsHoldsNobodyUp) {
     boot();
     std::filesystem::remove(device().layout().log());
@@ -126,10 +164,11 @@ TEST_F(SurvivalCommands, OffDoesNotClaimSuccessWhileAnOldProcessLives) {
     const auto service = hungService();
     BusProcess(device().layout().busRecord()).running()->signal(SIGKILL);
 
-    const auto outcome = deskwatchProgram({"off"});
+    const auto outcome = deskwatchProgram({"--timeout", "1", "off"});
 
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_NE(outcome.errors.find("process " + std::to_string(service.pid()) + " still runs"), std::string::npos)
+    EXPECT_NE(outcome.errors.find("process " + std::to_string(service.pid()) + " (tesk-agent) still runs"),
+              std::string::npos)
         << outcome.errors;
     EXPECT_NE(outcome.errors.find("deskwatch off --force"), std::string::npos) << outcome.errors;
     run({"off", "--force"});

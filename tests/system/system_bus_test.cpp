@@ -18,7 +18,7 @@ TEST(SystemBus, ServiceOutlivesItAndGoesOnEnforcing) {
     const ServiceProcess service(device, environment);
     device.waitForLog("TestDbus.cpp: __onNameAcquired");
 
-    deskwatch::BusProcess(other.layout().busRecord()).stop();
+    deskwatch::BusProcess(other.layout().busRecord()).stop(std::chrono::seconds(20));
     device.waitForLog("TestDbus.cpp: __onNameLost");
     device.send("req_update_policy", policyUpdate({alice(hardenedPolicy)}));
 

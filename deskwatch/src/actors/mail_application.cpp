@@ -11,6 +11,7 @@
 #include "actors/request_log.h"
 #include "c_owners.h"
 #include "device/application_ids.h"
+#include "device/patience.h"
 #include "device/process_handle.h"
 #include "message_size.h"
 #include "records/policy_database.h"

@@ -20,7 +20,7 @@ namespace deskwatch {
 struct CommonOptions {
     /// The folder of the watch; empty when the newest one is meant.
     std::string device;
-    /// How long to wait for an answer of an application, in seconds.
+    /// How long to wait for an answer of an application or a bus, in seconds.
     int timeout = static_cast<int>(Device::defaultPatience.count());
 };
 

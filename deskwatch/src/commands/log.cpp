@@ -36,7 +36,7 @@ void follow(const Device& device, FollowedFile& log) {
     const c::MainLoopOwner loop(g_main_loop_new(nullptr, FALSE));
     std::optional<BusClient> bus;
     if (device.isBooted()) {
-        bus.emplace(device.busAddress());
+        bus.emplace(device.busAddress(), device.patience());
         bus->whenClosed([&] { g_main_loop_quit(loop.get()); });
     }
     g_main_loop_run(loop.get());

@@ -1,3 +1,4 @@
+#include <future>
 #include <iostream>
 #include <memory>
 
@@ -18,16 +19,20 @@ struct ListedDevice {
     bool isNewest = false;
 };
 
+/// A bus that works answers at once. One that hangs must not keep the list.
+constexpr std::chrono::seconds longestAnswer{5};
+
 /// A watch that cannot be asked any more is listed, too: `off` and `boot` clean it up.
 ListedDevice look(const std::filesystem::path& folder) {
-    ListedDevice listed{folder.string(), "ended suddenly"};
+    ListedDevice listed{folder.string(), ""};
     try {
         const Device device(folder);
-        if (!std::filesystem::exists(device.layout().busConfiguration())) {
-            listed.state = "gone";
-        } else if (device.isBooted()) {
-            listed.isServiceRunning = BusClient(device.busAddress()).daemon().isOwned(ids::service);
+        if (device.exists() && device.isBooted()) {
+            listed.isServiceRunning = BusClient(device.busAddress(), longestAnswer).daemon().isOwned(ids::service);
             listed.state = "booted";
+        } else {
+            listed.isServiceRunning = device.hasProgramOf(ids::service);
+            listed.state = device.exists() ? "ended suddenly" : "gone";
         }
     } catch (const std::runtime_error&) {
         listed.state = "does not respond";
@@ -36,9 +41,14 @@ ListedDevice look(const std::filesystem::path& folder) {
 }
 
 std::vector<ListedDevice> listedDevices() {
-    std::vector<ListedDevice> devices;
+    std::vector<std::future<ListedDevice>> looks; // at the same time, so that those that hang do not add up
     for (const auto& folder : Registry::ofUser().folders()) {
-        devices.push_back(look(folder));
+        looks.push_back(std::async(std::launch::async, look, folder));
+    }
+    std::vector<ListedDevice> devices;
+    devices.reserve(looks.size());
+    for (auto& one : looks) {
+        devices.push_back(one.get());
     }
     const auto newest = newestWatch();
     for (auto& device : devices) {

@@ -10,7 +10,7 @@ void addCommonOptions(CLI::App& program, CommonOptions& common) {
         ->type_name("DIR");
     program
         .add_option("--timeout", common.timeout,
-                    "How long to wait for an application that does not answer (default: " +
+                    "How long to wait for an application, or a bus, that does not answer (default: " +
                         std::to_string(common.timeout) + ")")
         ->check(checkPositive, "")
         ->type_name("SECONDS");

@@ -3,11 +3,11 @@
 #include <stdexcept>
 #include <utility>
 
-#include "device/bus_connection.h"
-
+#include "device/patience.h"
 namespace deskwatch {
 
-BusClient::BusClient(const std::string& address) : connection_(connectToBus(address)) {}
+BusClient::BusClient(const std::string& address, std::chrono::milliseconds patience)
+    : connection_(connectToBus(address, patience)), patience_(patience) {}
 
 void BusClient::whenClosed(std::function<void()> callback) {
     closed_ = std::move(callback);
@@ -22,7 +22,7 @@ c::VariantOwner BusClient::call(const Method& method, GVariant* arguments, std::
     GError* error = nullptr;
     c::VariantOwner answer(g_dbus_connection_call_sync(
         connection_.get(), method.owner.c_str(), method.path.c_str(), method.interface.c_str(), method.name.c_str(),
-        arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, static_cast<int>(atMost.count()), nullptr, &error));
+        arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, inMilliseconds(atMost), nullptr, &error));
     if (answer == nullptr) {
         throw std::runtime_error("no answer to " + method.name + " from " + method.owner + ": " +
                                  c::takeMessage(error));

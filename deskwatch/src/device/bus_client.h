@@ -6,6 +6,7 @@
 #include <string>
 
 #include "c_owners.h"
+#include "device/bus_connection.h"
 #include "device/bus_daemon.h"
 
 namespace deskwatch {
@@ -13,8 +14,8 @@ namespace deskwatch {
 /// A connection of our own to the bus of a device, apart from any connection that the process has as an application.
 class BusClient {
 public:
-    /// Throws std::runtime_error when nobody answers at that address.
-    explicit BusClient(const std::string& address);
+    /// Throws std::runtime_error when nobody answers at that address, and NoAnswer when somebody does, and not in time.
+    explicit BusClient(const std::string& address, std::chrono::milliseconds patience = busPatience);
 
     /// What is called, and where.
     struct Method {
@@ -35,12 +36,13 @@ public:
     void announce(const Method& signal, GVariant* arguments) const;
 
     /// Answers who is on the bus. It must not outlive this object.
-    BusDaemon daemon() const { return BusDaemon(connection_.get()); }
+    BusDaemon daemon() const { return BusDaemon(connection_.get(), patience_); }
 
 private:
     static void onClosed(BusClient* self);
 
     c::ObjectOwner<GDBusConnection> connection_;
+    std::chrono::milliseconds patience_;
     std::function<void()> closed_;
 };
 

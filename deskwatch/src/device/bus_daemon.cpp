@@ -4,18 +4,10 @@
 
 #include <stdexcept>
 
+#include "device/patience.h"
+
 namespace deskwatch {
 namespace {
-
-/// Milliseconds. The daemon answers at once, unless the machine is very busy.
-constexpr int daemonTimeout = 30'000;
-
-c::VariantOwner call(GDBusConnection* connection, const char* method, GVariant* arguments, const char* answerType,
-                     GError** error) {
-    return c::VariantOwner(g_dbus_connection_call_sync(
-        connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method, arguments,
-        G_VARIANT_TYPE(answerType), G_DBUS_CALL_FLAGS_NONE, daemonTimeout, nullptr, error));
-}
 
 [[noreturn]] void fail(const std::string& method, GError* error) {
     throw std::runtime_error("the bus daemon does not answer " + method + ": " + c::takeMessage(error));
@@ -42,7 +34,7 @@ struct NameWatch {
 
 std::vector<std::string> BusDaemon::ownedNames() const {
     GError* error = nullptr;
-    const auto answer = call(connection_, "ListNames", nullptr, "(as)", &error);
+    const auto answer = call("ListNames", nullptr, "(as)", &error);
     if (answer == nullptr) {
         fail("ListNames", error);
     }
@@ -109,10 +101,16 @@ bool BusDaemon::awaitOwner(const std::string& name, std::chrono::milliseconds at
     return watch.isOwned;
 }
 
+c::VariantOwner BusDaemon::call(const char* method, GVariant* arguments, const char* answerType, GError** error) const {
+    return c::VariantOwner(g_dbus_connection_call_sync(
+        connection_, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method, arguments,
+        G_VARIANT_TYPE(answerType), G_DBUS_CALL_FLAGS_NONE, inMilliseconds(patience_), nullptr, error));
+}
+
 /// The answer to a question about a name; none when nobody owns it.
 c::VariantOwner BusDaemon::ask(const char* method, const std::string& name, const char* answerType) const {
     GError* error = nullptr;
-    auto answer = call(connection_, method, g_variant_new("(s)", name.c_str()), answerType, &error);
+    auto answer = call(method, g_variant_new("(s)", name.c_str()), answerType, &error);
     if (g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_NAME_HAS_NO_OWNER) != FALSE) {
         g_clear_error(&error);
     } else if (answer == nullptr) {

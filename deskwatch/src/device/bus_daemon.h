@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "c_owners.h"
+#include "device/bus_connection.h"
 #include "device/process_handle.h"
 
 namespace deskwatch {
@@ -15,8 +16,9 @@ namespace deskwatch {
 /// connection. Every question throws std::runtime_error when the daemon does not answer.
 class BusDaemon {
 public:
-    /// Asks over that connection, which must outlive this object.
-    explicit BusDaemon(GDBusConnection* connection) : connection_(connection) {}
+    /// Asks over that connection, which must outlive this object, and waits that long for each answer.
+    explicit BusDaemon(GDBusConnection* connection, std::chrono::milliseconds patience = busPatience)
+        : connection_(connection), patience_(patience) {}
 
     /// The well-known names that some process owns now, the daemon's own name left out.
     std::vector<std::string> ownedNames() const;
@@ -39,7 +41,10 @@ public:
 private:
     c::VariantOwner ask(const char* method, const std::string& name, const char* answerType) const;
 
+    c::VariantOwner call(const char* method, GVariant* arguments, const char* answerType, GError** error) const;
+
     GDBusConnection* connection_;
+    std::chrono::milliseconds patience_;
 };
 
 } // namespace deskwatch

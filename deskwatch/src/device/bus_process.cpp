@@ -14,6 +14,7 @@
 #include <system_error>
 
 #include "c_owners.h"
+#include "device/patience.h"
 
 namespace deskwatch {
 namespace {
@@ -132,7 +133,7 @@ void BusProcess::start(const Start& start) const {
         throw std::runtime_error("cannot start " + daemon + ": " + c::takeMessage(error));
     }
     if (!waitUntilReady(readEnd)) {
-        stop();
+        stop(busTimeout);
         throw std::runtime_error("dbus-daemon did not start: " + lastLine(start.log));
     }
 }
@@ -143,12 +144,10 @@ std::optional<ProcessHandle> BusProcess::running() const {
     return identity ? ProcessHandle::open(*identity) : std::nullopt;
 }
 
-void BusProcess::stop() const {
+void BusProcess::stop(std::chrono::seconds atMost) const {
     if (const auto daemon = running()) {
         daemon->signal(SIGTERM);
-        if (!daemon->waitForEnd(busTimeout)) {
-            throw std::runtime_error("dbus-daemon (process " + std::to_string(daemon->pid()) + ") does not end");
-        }
+        awaitEnd(*daemon, atMost);
     }
     std::filesystem::remove(record_);
 }

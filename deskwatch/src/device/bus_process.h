@@ -1,6 +1,7 @@
 #ifndef DESKWATCH_BUS_PROCESS_H
 #define DESKWATCH_BUS_PROCESS_H
 
+#include <chrono>
 #include <filesystem>
 #include <optional>
 
@@ -31,8 +32,8 @@ public:
     /// A handle of the daemon; none when it does not run.
     std::optional<ProcessHandle> running() const;
 
-    /// Ends the daemon and waits for it; removes the record. Throws std::runtime_error when it does not end.
-    void stop() const;
+    /// Ends the daemon and waits for it; removes the record. Throws std::runtime_error when it does not end in time.
+    void stop(std::chrono::seconds atMost) const;
 
 private:
     std::filesystem::path record_;

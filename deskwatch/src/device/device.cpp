@@ -35,9 +35,9 @@ FileDescriptor lockBoot(const DeviceLayout& layout) {
 }
 
 /// The applications of a device whose bus runs. A bus that does not answer any more has none that could be known.
-std::vector<ProcessHandle> applicationsOf(const DeviceLayout& layout) {
+std::vector<ProcessHandle> applicationsOf(const DeviceLayout& layout, std::chrono::seconds atMost) {
     try {
-        return BusClient(layout.busAddress()).daemon().applicationProcesses();
+        return BusClient(layout.busAddress(), atMost).daemon().applicationProcesses();
     } catch (const std::runtime_error&) {
         return {};
     }
@@ -49,12 +49,15 @@ std::vector<ProcessHandle> processesOf(const DeviceLayout& layout) {
     return ProcessHandle::withVariable(host_bus::deviceVariable, layout.folder().string());
 }
 
+/// Whether a process of the bus may become any application: nothing tells yet which.
+bool isOnTheWay(const ProcessHandle& process, const ProcessHandle& bus) {
+    const auto program = process.program();
+    return process.pid() != bus.pid() && (program == bus.program() || program == "env") && !process.hasChildren();
+}
+
 void waitFor(const std::vector<ProcessHandle>& processes, std::chrono::seconds atMost) {
     for (const auto& process : processes) {
-        if (!process.waitForEnd(atMost)) {
-            throw std::runtime_error("process " + std::to_string(process.pid()) +
-                                     " still runs although its bus has ended; end it with: deskwatch off --force");
-        }
+        awaitEnd(process, atMost);
     }
 }
 
@@ -95,9 +98,9 @@ void noteLogOfBoot(const DeviceLayout& layout) {
 
 bool endBus(const DeviceLayout& layout, const BusProcess& bus, std::chrono::seconds atMost) {
     const auto daemon = bus.running();
-    const auto applications = daemon ? applicationsOf(layout) : std::vector<ProcessHandle>{};
-    std::filesystem::remove(layout.bootedMark());
-    bus.stop();
+    const auto applications = daemon ? applicationsOf(layout, atMost) : std::vector<ProcessHandle>{};
+    bus.stop(atMost);
+    std::filesystem::remove(layout.bootedMark()); // which means nothing without a bus
     std::filesystem::remove(layout.socket());
     waitFor(applications, atMost); // they end when their bus does
     if (daemon) {
@@ -173,6 +176,14 @@ bool Device::kill() const {
         std::filesystem::remove(file);
     }
     return wasRunning;
+}
+
+bool Device::hasProgramOf(const std::string& id) const {
+    const auto bus = BusProcess(layout_.busRecord()).running();
+    const auto processes = processesOf(layout_);
+    return std::any_of(processes.begin(), processes.end(), [&](const ProcessHandle& process) {
+        return process.hasVariable(host_bus::appIdVariable, id) || (bus && isOnTheWay(process, *bus));
+    });
 }
 
 Environment Device::appEnvironment(const std::string& id) const {

@@ -30,7 +30,7 @@ public:
 
     const DeviceLayout& layout() const { return layout_; }
 
-    /// How long to wait for an answer of an application of the watch.
+    /// How long to wait for an answer of an application of the watch, or of its bus.
     std::chrono::seconds patience() const { return patience_; }
 
     /// Longer than the bus waits for a program to come up, and than the service waits for a locked database.
@@ -62,6 +62,9 @@ public:
 
     /// Whether the folder is one of a watch that was booted once.
     bool exists() const { return std::filesystem::exists(layout_.busConfiguration()); }
+
+    /// Whether a program of this application runs, known to the bus or not, or the bus is about to start one.
+    bool hasProgramOf(const std::string& id) const;
 
     /// The address of the watch's bus, session and system bus in one.
     std::string busAddress() const { return layout_.busAddress(); }

@@ -82,11 +82,18 @@ void writeActivation(const DeviceLayout& layout, const std::string& id, const st
     write(layout.services() / (id + ".service"), "[D-BUS Service]\nName=" + id + "\nExec=" + exec + "\n");
 }
 
-std::string execLine(const DeviceLayout& layout, const Application& application, const std::string& env) {
-    if (application.command.empty() || access(application.command.front().c_str(), X_OK) != 0) {
+void requireProgram(const Application& application) {
+    const std::string program = application.command.empty() ? "" : application.command.front();
+    std::error_code missing;
+    if (access(program.c_str(), X_OK) != 0 || fs::is_directory(program, missing)) {
         throw std::runtime_error("cannot run the program of " + application.id + ": " +
-                                 (application.command.empty() ? "none given" : application.command.front()));
+                                 (program.empty() ? "none given" : program) +
+                                 (fs::is_directory(program, missing) ? " is a folder" : ""));
     }
+}
+
+std::string execLine(const DeviceLayout& layout, const Application& application, const std::string& env) {
+    requireProgram(application);
     std::string line = execWord(env);
     for (const auto& assignment : assignments(layout.applicationEnvironment(application.id))) {
         line += " " + execWord(assignment);

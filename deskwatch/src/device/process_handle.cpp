@@ -16,7 +16,10 @@ extern "C" {
 #include <functional>
 #include <iterator>
 #include <sstream>
+#include <stdexcept>
 #include <system_error>
+
+#include "device/patience.h"
 
 namespace deskwatch {
 namespace {
@@ -108,9 +111,31 @@ void ProcessHandle::signal(int number) const {
     }
 }
 
+bool ProcessHandle::hasVariable(const std::string& name, const std::string& value) const {
+    return hasAssignment(pid_, name + "=" + value);
+}
+
+std::string ProcessHandle::program() const {
+    std::error_code hidden;
+    return std::filesystem::read_symlink("/proc/" + std::to_string(pid_) + "/exe", hidden).filename();
+}
+
+bool ProcessHandle::hasChildren() const {
+    const std::string number = std::to_string(pid_);
+    std::ifstream list("/proc/" + number + "/task/" + number + "/children");
+    return std::istream_iterator<pid_t>(list) != std::istream_iterator<pid_t>();
+}
+
 bool ProcessHandle::waitForEnd(std::chrono::milliseconds atMost) const {
     pollfd entry{descriptor_.get(), POLLIN, 0};
-    return poll(&entry, 1, static_cast<int>(atMost.count())) == 1;
+    return poll(&entry, 1, inMilliseconds(atMost)) == 1;
+}
+
+void awaitEnd(const ProcessHandle& process, std::chrono::milliseconds atMost) {
+    const std::string who = "process " + std::to_string(process.pid()) + " (" + process.program() + ")";
+    if (!tryPatiently(atMost, who + ", which has not ended", [&](auto time) { return process.waitForEnd(time); })) {
+        throw std::runtime_error(who + " still runs although it was asked to end; end it with: deskwatch off --force");
+    }
 }
 
 } // namespace deskwatch

@@ -41,6 +41,15 @@ public:
     /// Waits for the end of the process. False when it still runs after that time.
     bool waitForEnd(std::chrono::milliseconds atMost) const;
 
+    /// Whether it was started with this variable in its environment.
+    bool hasVariable(const std::string& name, const std::string& value) const;
+
+    /// The file name of its program; empty when that is not known.
+    std::string program() const;
+
+    /// Whether a process that it started runs, or has ended and was not asked for.
+    bool hasChildren() const;
+
     /// The processes of a session, those that have ended left out.
     static std::vector<ProcessHandle> ofSession(pid_t session);
 
@@ -54,6 +63,10 @@ private:
     pid_t pid_;
     FileDescriptor descriptor_;
 };
+
+/// Waits for the end of a process, and tells on standard error when that takes a second. Throws std::runtime_error with
+/// what would end it when it still runs after that time.
+void awaitEnd(const ProcessHandle& process, std::chrono::milliseconds atMost);
 
 } // namespace deskwatch
 

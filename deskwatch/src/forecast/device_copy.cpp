@@ -39,7 +39,7 @@ void copyAccounts(const DeviceLayout& original, const DeviceLayout& copy) {
 /// Boots the copy. Returns whether the service of the original runs.
 bool boot(const Device& original, const Device& copy) {
     const bool isServiceRunning =
-        original.isBooted() && BusClient(original.busAddress()).daemon().isOwned(ids::service);
+        original.isBooted() && BusClient(original.busAddress(), original.patience()).daemon().isOwned(ids::service);
     setenv("DLOG_LEVEL", "I", 1); // also when the caller wants less: what the service logs is looked at
     copySettings(original.layout(), copy.layout());
     if (!isServiceRunning) {

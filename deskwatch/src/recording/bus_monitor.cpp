@@ -60,15 +60,9 @@ GVariant* listOf(std::vector<std::string> rules) {
 
 } // namespace
 
-BusMonitor::BusMonitor(const std::string& address, std::vector<std::string> rules)
-    : messages_(g_async_queue_new_full(g_object_unref)) {
+BusMonitor::BusMonitor(const std::string& address, std::vector<std::string> rules, std::chrono::milliseconds patience)
+    : messages_(g_async_queue_new_full(g_object_unref)), connection_(connectToBus(address, patience)) {
     GError* error = nullptr;
-    const auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                                         G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    connection_.reset(g_dbus_connection_new_for_address_sync(address.c_str(), flags, nullptr, nullptr, &error));
-    if (connection_ == nullptr) {
-        throw std::runtime_error("cannot reach the bus at " + address + ": " + c::takeMessage(error));
-    }
     filter_ = g_dbus_connection_add_filter(connection_.get(), keep, g_async_queue_ref(messages_.get()), releaseQueue);
     const c::VariantOwner answer(g_dbus_connection_call_sync(
         connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus.Monitoring",

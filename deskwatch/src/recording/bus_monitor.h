@@ -16,8 +16,9 @@ namespace deskwatch {
 class BusMonitor {
 public:
     /// Sees what one of the bus's match rules describes; every message when there is none. Throws std::runtime_error
-    /// when nobody answers at that address or the bus lets nobody watch.
-    explicit BusMonitor(const std::string& address, std::vector<std::string> rules = {});
+    /// when nobody answers at that address in time or the bus lets nobody watch.
+    explicit BusMonitor(const std::string& address, std::vector<std::string> rules = {},
+                        std::chrono::milliseconds patience = busPatience);
     ~BusMonitor();
     BusMonitor(const BusMonitor&) = delete;
     BusMonitor& operator=(const BusMonitor&) = delete;

@@ -83,7 +83,8 @@ std::string endOf(const std::filesystem::path& log) {
 class Recorder {
 public:
     Recorder(const Device& device, const RecordOptions& options)
-        : device_(device), lines_(options), bus_(device.busAddress()), monitor_(device.busAddress()),
+        : device_(device), lines_(options), bus_(device.busAddress(), device.patience()),
+          monitor_(device.busAddress(), {}, device.patience()),
           trace_(bus_.daemon(), [this](const TraceEvent& event) { take(event); }),
           service_(bus_.daemon().processOf(ids::service)) {}
 

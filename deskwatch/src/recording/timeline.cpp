@@ -51,7 +51,7 @@ public:
         isTold_ = isTold;
         log_.read();
         if (isTold && device_.isBooted()) {
-            for (const auto& event : inboxOf(BusClient(device_.busAddress()))) {
+            for (const auto& event : inboxOf(BusClient(device_.busAddress(), device_.patience()))) {
                 tell_(timelineEntry(event));
             }
         }
@@ -60,7 +60,7 @@ public:
 
     void follow(const BusMonitor& monitor) {
         isPast_ = false;
-        BusTrace trace(BusClient(device_.busAddress()).daemon(),
+        BusTrace trace(BusClient(device_.busAddress(), device_.patience()).daemon(),
                        [this](const TraceEvent& event) { tellNow(timelineEntry(event)); });
         while (!monitor.isClosed()) {
             g_main_context_iteration(nullptr, TRUE);
@@ -110,7 +110,8 @@ void tellTimeline(const Device& device, const TimelineRange& range, const Tell& 
     }
     if (range.isFollowed) {
         device.requireBooted();
-        monitor.emplace(device.busAddress()); // first, so that nothing falls between past and present
+        monitor.emplace(device.busAddress(), std::vector<std::string>{},
+                        device.patience()); // first, so that nothing falls between past and present
     }
     Timeline timeline(device, tell);
     timeline.readPast(range.hasPast);

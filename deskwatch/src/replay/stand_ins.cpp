@@ -64,8 +64,8 @@ private:
 class StandIns::Application {
 public:
     Application(const std::string& address, std::string id)
-        : id_(std::move(id)), connection_(connectToBus(address)), launches_(tesk_host_application_skeleton_new()),
-          messages_(tesk_host_message_port_skeleton_new()) {
+        : id_(std::move(id)), connection_(connectToBus(address, busPatience)),
+          launches_(tesk_host_application_skeleton_new()), messages_(tesk_host_message_port_skeleton_new()) {
         g_signal_connect(launches_.get(), "handle-launch", G_CALLBACK(onLaunch), this);
         g_signal_connect(launches_.get(), "handle-settle", G_CALLBACK(onSettle), this);
         g_signal_connect(messages_.get(), "handle-send", G_CALLBACK(onSend), this);

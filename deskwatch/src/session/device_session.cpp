@@ -2,21 +2,18 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
 #include <optional>
 
 #include "device/application_ids.h"
+#include "device/bus_connection.h"
+#include "device/patience.h"
 #include "host_bus.h"
-#include "tesk-host-bus.h"
 
 namespace deskwatch {
 namespace {
-
-/// Nothing that works takes so long. Whoever waits longer is told what for.
-constexpr std::chrono::milliseconds untilNotice{1'000};
 
 void becomeApplication(const Device& device, const std::string& id) {
     device.requireBooted();
@@ -36,47 +33,37 @@ void release(gpointer folder, GClosure* /*closure*/) {
     g_free(folder);
 }
 
-c::ObjectOwner<TeskHostApplication> applicationOf(GDBusConnection* connection, const std::string& id) {
-    const auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
-                                                    G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS);
+/// Asks an application, which is started when it does not run. None when there is no answer in time.
+std::optional<std::vector<std::string>> settled(GDBusConnection* connection, const std::string& id,
+                                                std::chrono::milliseconds atMost) {
     GError* error = nullptr;
-    c::ObjectOwner<TeskHostApplication> application(tesk_host_application_proxy_new_sync(
-        connection, flags, id.c_str(), host_bus::applicationPath, nullptr, &error));
-    if (application == nullptr) {
-        throw std::runtime_error("cannot speak to " + id + ": " + c::takeMessage(error));
-    }
-    return application;
-}
-
-/// Asks once. None when there is no answer in time.
-std::optional<std::vector<std::string>> settled(TeskHostApplication* application, std::chrono::milliseconds atMost) {
-    char** launched = nullptr;
-    GError* error = nullptr;
-    if (tesk_host_application_call_settle_sync(application, G_DBUS_CALL_FLAGS_NONE, static_cast<int>(atMost.count()),
-                                               &launched, nullptr, &error) == FALSE) {
+    const c::VariantOwner answer(g_dbus_connection_call_sync(
+        connection, id.c_str(), host_bus::applicationPath, "tesk.host.Application", "Settle", nullptr,
+        G_VARIANT_TYPE("(as)"), G_DBUS_CALL_FLAGS_NONE, inMilliseconds(atMost), nullptr, &error));
+    if (answer == nullptr) {
         const bool isLate = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT) != FALSE;
         const auto reason = c::takeMessage(error);
         return isLate ? std::nullopt : throw std::runtime_error(reason);
     }
-    std::vector<std::string> ids;
-    for (char** entry = launched; *entry != nullptr; ++entry) {
-        ids.emplace_back(*entry);
-    }
-    g_strfreev(launched);
-    return ids;
+    char** launched = nullptr;
+    g_variant_get(answer.get(), "(^as)", &launched);
+    const c::TextListOwner owner(launched);
+    return std::vector<std::string>(launched, launched + g_strv_length(launched));
+}
+
+/// What is not there now is not waited for at the end of this process either.
+void forgetStarts() {
+    setenv(host_bus::startsForgottenVariable, "1", 1);
 }
 
 } // namespace
 
 DeviceSession::DeviceSession(const Device& device, const std::string& applicationId) : device_(device) {
     becomeApplication(device, applicationId);
-    GError* error = nullptr;
     // The connection that the platform uses, too: the bus keeps the order of what comes from one connection.
-    connection_.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error));
-    if (connection_ == nullptr) {
-        throw std::runtime_error("cannot reach the bus of " + device.layout().folder().string() + ": " +
-                                 c::takeMessage(error));
-    }
+    connection_ = connectInTime(device.busAddress(), device.patience(), [](GCancellable* cancellable, GError** error) {
+        return g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable, error);
+    });
     g_dbus_connection_set_exit_on_close(connection_.get(), FALSE);
     g_signal_connect_data(connection_.get(), "closed", G_CALLBACK(onClosed), g_strdup(device.layout().folder().c_str()),
                           release, GConnectFlags{});
@@ -91,23 +78,26 @@ std::vector<std::string> DeviceSession::settle(const std::string& id) const {
 }
 
 std::vector<std::string> DeviceSession::awaitSettled(const std::string& id) const {
-    const std::chrono::milliseconds patience = device_.patience();
-    const auto first = std::min(patience, untilNotice);
-    try {
-        const auto application = applicationOf(connection_.get(), id);
-        auto ids = settled(application.get(), first);
-        if (!ids && patience > first) {
-            std::cerr << "deskwatch: waiting for " << id << ", which has not answered for a second\n" << std::flush;
-            ids = settled(application.get(), patience - first); // the first question still stands, and comes before
+    std::vector<std::string> ids;
+    const auto ask = [&](std::chrono::milliseconds atMost) {
+        const auto answer =
+            settled(connection_.get(), id, atMost); // an earlier question still stands, and comes before
+        if (!answer && !daemon().isOwned(id) && !device_.hasProgramOf(id)) {
+            throw std::runtime_error("its program has ended without a word"); // the bus waits for what a daemon leaves
         }
-        if (ids) {
-            return *ids;
+        ids = answer.value_or(ids);
+        return answer.has_value();
+    };
+    try {
+        if (tryPatiently(device_.patience(), id + ", which has not answered", ask)) {
+            return ids;
         }
     } catch (const std::runtime_error& error) {
+        forgetStarts();
         throw std::runtime_error(id + " does not answer, see " + device_.layout().log().string() + ": " + error.what());
     }
-    throw NoAnswer(id + " has not answered for " + std::to_string(device_.patience().count()) +
-                   " seconds (--timeout); end what hangs with: deskwatch off --force");
+    forgetStarts();
+    throw NoAnswer(id, device_.patience());
 }
 
 void DeviceSession::settleService() const {

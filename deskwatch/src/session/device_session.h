@@ -1,7 +1,6 @@
 #ifndef DESKWATCH_DEVICE_SESSION_H
 #define DESKWATCH_DEVICE_SESSION_H
 
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -10,12 +9,6 @@
 #include "device/device.h"
 
 namespace deskwatch {
-
-/// An application runs and has not answered in time.
-class NoAnswer : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
 
 /// Makes this process an application of a booted watch, and speaks to the others there. The platform's functions then
 /// act as that application; since they remember where they are, a process can be on one watch only.
@@ -27,7 +20,7 @@ public:
     const Device& device() const { return device_; }
 
     /// Answers which applications run. It must not outlive this object.
-    BusDaemon daemon() const { return BusDaemon(connection_.get()); }
+    BusDaemon daemon() const { return BusDaemon(connection_.get(), device_.patience()); }
 
     /// Waits until an application, started when it does not run, has handled everything that this process and the bus
     /// sent to it before. Returns the applications that have not answered its launch requests yet.
