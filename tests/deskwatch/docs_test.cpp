@@ -63,6 +63,9 @@ TEST_F(Docs, ManualPageTellsWhatHoldsForEveryCommand) {
     for (const auto* heading : {"ENVIRONMENT", "FILES", "EXIT STATUS", "EXAMPLES"}) {
         EXPECT_NE(page.find(std::string("\n.SH ") + heading + "\n"), std::string::npos) << heading;
     }
+    for (const auto* variable : {"TMPDIR", "DESKWATCH_PASSWORD", "SLURM_ARRAY_TASK_ID", "CI_NODE_INDEX"}) {
+        EXPECT_NE(page.find(variable), std::string::npos) << variable;
+    }
 }
 
 TEST_F(Docs, CompletionKnowsEveryCommand) {
@@ -74,11 +77,33 @@ TEST_F(Docs, CompletionKnowsEveryCommand) {
 }
 
 TEST_F(Docs, CompletionProposesCommandsOptionsAndValues) {
-    EXPECT_EQ(proposed("deskwatch wha"), "whatif\n");
-    EXPECT_EQ(proposed("deskwatch mail check-"), "check-password check-encryption\n");
-    EXPECT_EQ(proposed("deskwatch --device /tmp/watch status --f"), "--follow\n");
-    EXPECT_EQ(proposed("deskwatch lock p"), "pin password\n");
-    EXPECT_EQ(proposed("deskwatch boot --lock n"), "none\n");
+    struct Row {
+        const char* words;
+        const char* proposed;
+    };
+    for (const auto& [words, expected] : {
+             Row{"wha", "whatif"},
+             {"mail check-", "check-password check-encryption"},
+             {"--device /tmp/watch status --f", "--follow"},
+             {"--device status loc", "lock"},
+             {"--device ''", ""},
+             {"status ''", "--help --json --follow"},
+             {"mail policy ''", ""},
+             {"mail policy one.json --", "--help --raw"},
+             {"lock ''", "none password pin"},
+             {"boot --lock ''", "none password pin"},
+             {"boot --lock = pi", "pin"},
+             {"boot --lock =", "none password pin"},
+             {"boot --country KR --", "--help --country --lock --encrypted --tutorial --service --mail"},
+             {"boot --country K", "KE KG KH KI KM KN KP KR KW KY KZ"},
+             {"log --level ''", "V D I W E F"},
+             {"fault vconf_set_s", "vconf_set_str"},
+             {"exchange order ''", ""},
+             {"exchange order --cacert file http://a.example bob s", "status slow"},
+             {"key get db/r", "db/rgn/country_iso"},
+         }) {
+        EXPECT_EQ(proposed(std::string("deskwatch ") + words), std::string(expected) + "\n") << words;
+    }
 }
 
 TEST_F(Docs, KindHasToBeNamed) {

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "commands.h"
+#include "commands/completion.h"
 #include "device/application_ids.h"
 #include "device/registry.h"
 #include "text/country.h"
@@ -96,7 +97,7 @@ void addBootCommand(CLI::App& program, const CommonOptions& common) {
         ->add_option("--country", options->country,
                      "Country of the watch, an ISO 3166 code (default for a fresh watch: US)")
         ->type_name("CODE")
-        ->transform(CLI::Validator(takeCountry, ""));
+        ->transform(proposing(countryCodes(), {takeCountry, ""}));
     chooseLock(command->add_option("--lock", options->lock, "Lock of the screen (default for a fresh watch: none)"));
     command->add_flag("--encrypted", options->isEncrypted, "The internal storage is encrypted");
     command->add_flag("--tutorial", options->isTutorialShown, "The tutorial of the first use is being shown");

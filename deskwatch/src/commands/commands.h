@@ -30,7 +30,7 @@ struct CommonOptions {
 
 /// Refuses a text that is none of these names: with the list, or with other words for a long one, and with the name
 /// that was probably meant.
-CLI::Validator oneOf(std::vector<std::string> names, const std::string& refusal = "");
+CLI::Validator oneOf(const std::vector<std::string>& names, const std::string& refusal = "");
 
 /// Refuses a text for which a function throws std::runtime_error, in its words.
 CLI::Validator acceptedBy(std::function<void(const std::string&)> take);

@@ -6,6 +6,7 @@
 
 #include "actors/refusal.h"
 #include "commands.h"
+#include "commands/completion.h"
 #include "device/registry.h"
 #include "messages/message_lint.h"
 #include "text/input_file.h"
@@ -42,15 +43,15 @@ std::string checkNotEmpty(const std::string& text) {
     return text.empty() ? "an empty name names nothing" : "";
 }
 
-CLI::Validator oneOf(std::vector<std::string> names, const std::string& refusal) {
-    const auto refuse = [names = std::move(names), refusal](const std::string& text) -> std::string {
+CLI::Validator oneOf(const std::vector<std::string>& names, const std::string& refusal) {
+    const auto refuse = [names, refusal](const std::string& text) -> std::string {
         if (std::find(names.begin(), names.end(), text) != names.end()) {
             return "";
         }
         const auto reason = refusal.empty() ? " not in {" + joined(names, ",") + "}" : " " + refusal;
         return text + reason + didYouMean(text, {names.begin(), names.end()});
     };
-    return {refuse, ""};
+    return proposing(names, {refuse, ""});
 }
 
 CLI::Validator acceptedBy(std::function<void(const std::string&)> take) {

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "commands.h"
+#include "commands/completion.h"
 #include "messages/message_schema.h"
 #include "policy_files/policy_setting.h"
 #include "text/output_file.h"
@@ -70,6 +71,16 @@ Folder of the watch that a command is about, as the option \-\-device.
 .B XDG_STATE_HOME
 Folder with the list of the user's watches and the default watch. Without it: ~/.local/state.
 .TP
+.B TMPDIR
+Folder for the watches that whatif and replay boot for themselves. Without it: memory when there is room, else /tmp.
+.TP
+.B DESKWATCH_PASSWORD
+Password for the servers of mail connect and mail refresh.
+.TP
+.B SLURM_ARRAY_TASK_ID\fR, \fBJOB_COMPLETION_INDEX\fR, \fBCI_NODE_INDEX
+Which part of the recordings replay plays, as \-\-shard; with the variables SLURM_ARRAY_TASK_COUNT, _MIN and _STEP of Slurm,
+JOB_COMPLETIONS of Kubernetes and CI_NODE_TOTAL of GitLab.
+.TP
 .B DLOG_LEVEL
 Lowest level that the applications of a watch log from its boot on: V, D, I, W, E, F, or S for silence.
 .SH FILES
@@ -91,13 +102,13 @@ Samples of messages, their schemas, and what they mean.
 The command did what it says.
 .TP
 .B 1
-It could not; standard error has the reason.
+It could not, and standard error has the reason; or lint has remarks, or a recording differs in replay.
 .TP
 .B 2
 The arguments are wrong.
 .TP
 .B 3
-The watch refused what was asked of it, or what was compared differs.
+The watch refused what was asked of it, check has found something, or the policies of compare differ.
 .SH EXAMPLES
 .nf
 deskwatch boot /tmp/watch
@@ -111,57 +122,10 @@ deskwatch off
 
 void writeMan(const CLI::App& program) {
     std::cout << ".TH DESKWATCH 1\n.ad l\n.SH NAME\ndeskwatch \\- " << roff(program.get_description())
-              << "\n.SH SYNOPSIS\n.B deskwatch\n[\\-\\-device DIR] COMMAND [ARGUMENT...]\n.SH COMMANDS\n";
+              << "\n.SH SYNOPSIS\n.B deskwatch\n[\\-\\-device DIR] COMMAND [ARGUMENT...]\n.SH COMMANDS\n"
+              << "In the examples samples/ stands for the folder /usr/share/doc/tesk\\-agent\\-desk/samples.\n";
     visit(program, "", writeManCommand);
     std::cout << commonSections;
-}
-
-/// The values between which an option chooses, named `one|another`.
-std::string choices(const CLI::Option& option) {
-    std::string values = option.get_type_name();
-    if (values.find('|') == std::string::npos) {
-        return "";
-    }
-    std::replace(values.begin(), values.end(), '|', ' ');
-    return " " + values;
-}
-
-/// What may follow the words of a command: the commands in it, its options and their values.
-std::string wordsAfter(const CLI::App& command) {
-    std::string words;
-    for (const auto* inner : command.get_subcommands([](const CLI::App*) { return true; })) {
-        words += inner->get_group().empty() ? "" : " " + inner->get_name();
-    }
-    for (const auto* option : command.get_options()) {
-        for (const auto& name : option->get_lnames()) {
-            words += " --" + name;
-        }
-        words += choices(*option);
-    }
-    return words.empty() ? words : words.substr(1);
-}
-
-void writeCompletion(const CLI::App& program) {
-    std::cout << R"(# bash completion for deskwatch
-_deskwatch() {
-    local current=${COMP_WORDS[COMP_CWORD]} command= words= word
-    for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-        case "$command/$word" in
-)";
-    visit(program, "", [](const CLI::App& command, const std::string& path) {
-        const auto outer = path.rfind(' ') == std::string::npos ? "" : path.substr(0, path.rfind(' '));
-        std::cout << (path.empty() ? ""
-                                   : "        '" + outer + "/" + command.get_name() + "') command='" + path + "' ;;\n");
-    });
-    std::cout << "        esac\n    done\n    case \"$command\" in\n";
-    visit(program, "", [](const CLI::App& command, const std::string& path) {
-        std::cout << "    '" << path << "') words='" << wordsAfter(command) << "' ;;\n";
-    });
-    std::cout << R"(    esac
-    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
-}
-complete -o bashdefault -o default -F _deskwatch deskwatch
-)";
 }
 
 void writeSchemas(const std::filesystem::path& folder) {
@@ -191,7 +155,7 @@ void addDocsCommand(CLI::App& program) {
             writeMan(program);
         }
         if (*isCompletion) {
-            writeCompletion(program);
+            std::cout << completionScript(program);
         }
         if (!schemas->empty()) {
             writeSchemas(*schemas);

@@ -7,6 +7,7 @@
 #include "accounts/password_source.h"
 #include "c_owners.h"
 #include "commands.h"
+#include "commands/completion.h"
 #include "commands/output.h"
 #include "exchange/http_client.h"
 #include "exchange/server_address.h"
@@ -106,7 +107,9 @@ void addOrderCommand(CLI::App& exchange) {
     auto options = std::make_shared<OrderOptions>();
     addUrl(*command, *options);
     command->add_option("USER", options->order.user, "The user")->required();
-    command->add_option("ORDER", options->order.name, "What to do, see below")->required();
+    command->add_option("ORDER", options->order.name, "What to do, see below")
+        ->required()
+        ->check(proposing(DeskServer::orderNames()));
     command->add_option("VALUE", options->order.value, "What the order needs");
     command->footer("Orders:\n" + DeskServer::orderHelp() +
                     "Example:\n  deskwatch exchange order http://127.0.0.1:8025 bob wipe");

@@ -3,6 +3,7 @@
 
 #include "TeskConsumerKeys.h"
 #include "commands.h"
+#include "commands/completion.h"
 #include "commands/output.h"
 #include "session/observer.h"
 #include "session/shared_keys.h"
@@ -29,8 +30,8 @@ std::vector<std::string> namedKeys() {
 }
 
 CLI::Option* takeKeys(CLI::Option* option) {
-    return option->required()->check(
-        acceptedBy([](const std::string& key) { suggestWhenUnknown(key, namedKeys(), [&key] { requireKey(key); }); }));
+    const auto take = [](const std::string& key) { suggestWhenUnknown(key, namedKeys(), [&key] { requireKey(key); }); };
+    return option->required()->check(proposing(namedKeys(), acceptedBy(take)));
 }
 
 std::string asLine(const std::string& key, const Value& value) {

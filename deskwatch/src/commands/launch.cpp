@@ -2,6 +2,7 @@
 
 #include "actors/message_file.h"
 #include "commands.h"
+#include "commands/completion.h"
 #include "device/application_ids.h"
 #include "session/launch_request.h"
 
@@ -23,6 +24,12 @@ std::pair<std::string, std::string> parseEntry(const std::string& text) {
     return {text.substr(0, equals), value.rfind('@', 0) == 0 ? readMessageFile(value.substr(1), Check::None) : value};
 }
 
+std::vector<std::string> knownApplications() {
+    std::vector<std::string> known(ids::companions.begin(), ids::companions.end());
+    known.emplace_back(ids::service);
+    return known;
+}
+
 } // namespace
 
 void addLaunchCommand(CLI::App& program, const CommonOptions& common) {
@@ -30,7 +37,7 @@ void addLaunchCommand(CLI::App& program, const CommonOptions& common) {
     auto options = std::make_shared<LaunchOptions>();
     command->add_option("APPLICATION", options->application, "The application's id")
         ->required()
-        ->check(checkNotEmpty, "");
+        ->check(proposing(knownApplications(), {checkNotEmpty, ""}));
     command->add_option("KEY=VALUE", options->entries,
                         "Extra data of the request; KEY=@FILE takes the value from a file");
     command->footer(std::string("Example:\n  deskwatch launch ") + ids::service);
@@ -39,9 +46,7 @@ void addLaunchCommand(CLI::App& program, const CommonOptions& common) {
         for (const auto& entry : options->entries) {
             extraData.push_back(parseEntry(entry));
         }
-        std::vector<std::string> known(ids::companions.begin(), ids::companions.end());
-        known.emplace_back(ids::service);
-        suggestWhenUnknown(options->application, known,
+        suggestWhenUnknown(options->application, knownApplications(),
                            [&] { launchFromHome(chosenDevice(common), options->application, extraData); });
     });
 }
