@@ -33,7 +33,10 @@ install(FILES desk/copyright DESTINATION ${document_folder} COMPONENT desk)
 install(FILES ${deskwatch_documents}/deskwatch.bash RENAME deskwatch
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT desk)
 # As in the sources, so that the pages' links lead somewhere.
-install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${document_folder} COMPONENT desk)
+install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CONTRIBUTING.md
+    DESTINATION ${document_folder} COMPONENT desk)
+install(FILES ${PROJECT_SOURCE_DIR}/packaging/README.md DESTINATION ${document_folder}/packaging COMPONENT desk)
+install(FILES ${PROJECT_SOURCE_DIR}/bench/ledger.md DESTINATION ${document_folder}/bench COMPONENT desk)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/samples DESTINATION ${document_folder} COMPONENT desk)
 
 # For those who write applications of a watch: the platform's C API, and what its processes say to each other on a desk.
