@@ -32,6 +32,11 @@ TEST(DeviceLayout, NameThatIsNotUtf8IsRefused) {
     EXPECT_NE(refusal("/tmp/\xff").find("the folder's name is not UTF-8"), std::string::npos);
 }
 
+TEST(DeviceLayout, PathInWhichNoDatabaseCanBeOpenedIsRefused) {
+    EXPECT_NE(refusal("/tmp/" + std::string(446, 'x')).find("path has 451 bytes; with more than 450"),
+              std::string::npos);
+}
+
 TEST(DeviceLayout, FolderInsideAWatchIsRefused) {
     const TemporaryFolder folder;
     const DeviceLayout outer(folder.path() / "outer");

@@ -47,6 +47,18 @@ void refuseForeignFolder(const fs::path& folder) {
     }
 }
 
+/// SQLite takes no longer path for the service's database, which is some folders below.
+constexpr std::size_t longestFolder = 450;
+
+void refuseLongFolder(const fs::path& folder) {
+    const auto size = folder.native().size();
+    if (size > longestFolder) {
+        throw std::runtime_error("the folder's path has " + std::to_string(size) + " bytes; with more than " +
+                                 std::to_string(longestFolder) +
+                                 " the service cannot open its database: " + folder.string());
+    }
+}
+
 /// Whoever boots a watch is the only one who may reach its bus.
 void makePrivateFolder(const fs::path& folder) {
     mkdir(folder.c_str(), S_IRWXU);
@@ -115,6 +127,7 @@ Environment DeviceLayout::applicationEnvironment(const std::string& id) const {
 }
 
 void DeviceLayout::makeFolders() const {
+    refuseLongFolder(folder_);
     refuseInnerFolder(folder_);
     fs::create_directories(folder_);
     refuseForeignFolder(folder_);
