@@ -51,9 +51,12 @@ TEST_F(StatusFollow, MarksWhatHasChangedSinceItBegan) {
 TEST_F(StatusFollow, EndsWithTheWatch) {
     boot();
     RunningProgram follower({"status", "--follow", "--json"});
+    RunningProgram keys({"key", "watch", "db/setting/lock_type"});
     follower.nextLine();
+    keys.nextLine();
     run({"off"});
-    EXPECT_EQ(follower.waitForEnd(), 1);
+    EXPECT_EQ(follower.waitForEnd(), 0);
+    EXPECT_EQ(keys.waitForEnd(), 0);
 }
 
 TEST_F(StatusFollow, TellsThatTheServiceIsAboutToEnd) {

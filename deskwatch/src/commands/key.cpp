@@ -74,6 +74,7 @@ void set(const CommonOptions& common, const KeyOptions& options) {
 void followAll(const CommonOptions& common, const KeyOptions& options) {
     const DeviceSession session(chosenDevice(common), observerId);
     endWithReader();
+    session.endWithWatch();
     followKeys(options.keys, [&, left = options.count](const std::string& key, const Value& value) mutable {
         std::cout << (options.isJson ? asLine(key, value) : key + " " + valueText(value)) << '\n';
         flushFollowed();
@@ -105,7 +106,9 @@ void addWatch(CLI::App& key, const CommonOptions& common) {
     auto* command = key.add_subcommand("watch", "Print the values of keys now, and again each time they are set");
     auto options = std::make_shared<KeyOptions>();
     takeKeys(command->add_option("KEY", options->keys, "The keys"));
-    command->add_option("--count", options->count, "End after this many lines (default: run until interrupted)")
+    command
+        ->add_option("--count", options->count,
+                     "End after this many lines (default: run until interrupted, or the watch is switched off)")
         ->check(checkPositive, "")
         ->type_name("N");
     command->add_flag("--json", options->isJson, "Each line is a JSON object");

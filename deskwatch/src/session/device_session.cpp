@@ -22,17 +22,6 @@ void becomeApplication(const Device& device, const std::string& id) {
     }
 }
 
-// Connected before the platform's handler, which would end the process with a message meant for an application.
-[[noreturn]] void onClosed(GDBusConnection* /*connection*/, gboolean /*remotePeerVanished*/, GError* /*error*/,
-                           gpointer folder) {
-    std::cerr << "deskwatch: " << static_cast<const char*>(folder) << " has been switched off\n" << std::flush;
-    _exit(EXIT_FAILURE); // exit handlers are useless without the bus
-}
-
-void release(gpointer folder, GClosure* /*closure*/) {
-    g_free(folder);
-}
-
 /// Asks an application, which is started when it does not run. None when there is no answer in time.
 std::optional<std::vector<std::string>> settled(GDBusConnection* connection, const std::string& id,
                                                 std::chrono::milliseconds atMost) {
@@ -58,14 +47,24 @@ void forgetStarts() {
 
 } // namespace
 
-DeviceSession::DeviceSession(const Device& device, const std::string& applicationId) : device_(device) {
+// Connected before the platform's handler, which would end the process with a message meant for an application.
+void DeviceSession::onClosed(GDBusConnection* /*connection*/, gboolean /*isVanished*/, GError* /*error*/,
+                             gpointer onEnd) {
+    const auto& [folder, status] = **static_cast<const std::shared_ptr<OnEnd>*>(onEnd);
+    std::cerr << "deskwatch: " << folder << " has been switched off\n" << std::flush;
+    _exit(status); // exit handlers are useless without the bus
+}
+
+DeviceSession::DeviceSession(const Device& device, const std::string& applicationId)
+    : device_(device), onEnd_(std::make_shared<OnEnd>(OnEnd{device.layout().folder().string()})) {
     becomeApplication(device, applicationId);
     // The connection that the platform uses, too: the bus keeps the order of what comes from one connection.
     connection_ = connectInTime(device.busAddress(), device.patience(), [](GCancellable* cancellable, GError** error) {
         return g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable, error);
     });
     g_dbus_connection_set_exit_on_close(connection_.get(), FALSE);
-    g_signal_connect_data(connection_.get(), "closed", G_CALLBACK(onClosed), g_strdup(device.layout().folder().c_str()),
+    const auto release = [](gpointer onEnd, GClosure*) { delete static_cast<std::shared_ptr<OnEnd>*>(onEnd); };
+    g_signal_connect_data(connection_.get(), "closed", G_CALLBACK(onClosed), new std::shared_ptr<OnEnd>(onEnd_),
                           release, GConnectFlags{});
 }
 

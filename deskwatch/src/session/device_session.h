@@ -1,6 +1,8 @@
 #ifndef DESKWATCH_DEVICE_SESSION_H
 #define DESKWATCH_DEVICE_SESSION_H
 
+#include <cstdlib>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -35,10 +37,22 @@ public:
     /// The connection of this process as an application.
     GDBusConnection* connection() const { return connection_.get(); }
 
+    /// Makes the end of the watch a success of this process: for what goes on until then.
+    void endWithWatch() const { onEnd_->status = EXIT_SUCCESS; }
+
 private:
+    /// What this process says and answers when the watch ends.
+    struct OnEnd {
+        std::string folder;
+        int status = EXIT_FAILURE;
+    };
+
+    static void onClosed(GDBusConnection* connection, gboolean isVanished, GError* error, gpointer onEnd);
+
     std::vector<std::string> awaitSettled(const std::string& id) const;
 
     Device device_;
+    std::shared_ptr<OnEnd> onEnd_; // shared with the connection, which may live longer
     c::ObjectOwner<GDBusConnection> connection_;
 };
 
