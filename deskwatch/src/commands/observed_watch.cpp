@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "device/application_ids.h"
 #include "session/observer.h"
 
 namespace deskwatch {
@@ -22,6 +23,7 @@ DeviceStatus ObservedWatch::status() const {
     if (copy_) {
         status.folder = files().folder().string();
         status.isBooted = false;
+        status.isServiceRunning = device_.hasProgramOf(ids::service); // one that has not ended with its watch
         status.wipes = countWipes(files());
     }
     return status;

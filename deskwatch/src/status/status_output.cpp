@@ -51,7 +51,8 @@ std::vector<NamedValue> keysOf(const DeviceStatus& status) {
 
 std::string serviceText(const DeviceStatus& status) {
     if (!status.isBooted) {
-        return "switched off; this is what it keeps";
+        return std::string("switched off") + (status.isServiceRunning ? ", but the service still runs" : "") +
+               "; this is what it keeps";
     }
     if (!status.isServiceRunning) {
         return "the service does not run";
