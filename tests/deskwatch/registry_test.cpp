@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <fstream>
 #include <future>
+#include <iterator>
 
 #include "temporary_folder.h"
 
@@ -42,6 +44,37 @@ TEST(Registry, WatchBeforeARemovedOneIsTheNewest) {
     EXPECT_EQ(registry.newest(), "/tmp/first");
     registry.remove("/tmp/first");
     EXPECT_FALSE(registry.newest());
+}
+
+TEST(Registry, AnnouncedWatchIsListedAndIsNotTheNewest) {
+    const TemporaryFolder folder;
+    const Registry registry(folder.path());
+    registry.add("/tmp/first");
+    EXPECT_TRUE(registry.announce("/tmp/second"));
+    EXPECT_FALSE(registry.announce("/tmp/second"));
+    EXPECT_EQ(registry.folders(), (std::vector<std::filesystem::path>{"/tmp/second", "/tmp/first"}));
+}
+
+TEST(Registry, DamagedLinesGoWithTheNextChange) {
+    const TemporaryFolder folder;
+    std::ofstream(folder.path() / "watches") << "\n/tmp/first\nirst\n/tmp/\x01\n/tmp/\xff\n/tmp/./x\n";
+    const Registry registry(folder.path());
+    EXPECT_EQ(registry.folders(), std::vector<std::filesystem::path>{"/tmp/first"});
+    registry.add("/tmp/second");
+    std::ifstream list(folder.path() / "watches");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(list), {}), "/tmp/first\n/tmp/second\n");
+}
+
+TEST(Registry, ListThatCannotBeKeptIsToldWithItsPlace) {
+    const Registry registry("/proc/nowhere");
+    registry.remove("/tmp/unknown");
+    try {
+        registry.add("/tmp/first");
+        FAIL();
+    } catch (const std::runtime_error& error) {
+        EXPECT_NE(std::string(error.what()).find("/proc/nowhere: "), std::string::npos) << error.what();
+        EXPECT_NE(std::string(error.what()).find("XDG_STATE_HOME"), std::string::npos) << error.what();
+    }
 }
 
 TEST(Registry, WatchesThatAreAddedAtTheSameTimeAllStay) {

@@ -89,6 +89,30 @@ TEST_F(SurvivalCommands, ServiceThatDoesNotComeUpIsToldInTime) {
     }
 }
 
+TEST_F(SurvivalCommands, BootThatIsCutShortLeavesNothing) {
+    const auto bin = device().layout().folder().parent_path() / "bin";
+    std::filesystem::create_directories(bin);
+    const auto daemon = write("bin/dbus-daemon", "#!/bin/sh\nkill -TERM $PPID\nexec /usr/bin/dbus-daemon \"$@\"\n");
+    std::filesystem::permissions(daemon, std::filesystem::perms::owner_all);
+    setenv("PATH", (bin.string() + ":" + std::getenv("PATH")).c_str(), 1);
+    for (const auto& command : {std::vector<std::string>{"boot"}, {"panel", "--no-browser"}}) {
+        std::vector<std::string> arguments{"--device", device().layout().folder().string()};
+        arguments.insert(arguments.end(), command.begin(), command.end());
+        EXPECT_EQ(deskwatchProgram(arguments).status, -1); // by the signal
+        EXPECT_TRUE(ProcessHandle::withVariable("TESK_DEVICE", arguments[1]).empty()) << command[0];
+        EXPECT_EQ(run({"ls"}), "");
+    }
+}
+
+TEST_F(SurvivalCommands, WatchThatCannotBeListedIsNotBooted) {
+    setenv("XDG_STATE_HOME", "/proc/nowhere", 1);
+    const auto folder = device().layout().folder().string();
+    const auto outcome = deskwatchProgram({"boot", folder});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.errors.find("XDG_STATE_HOME"), std::string::npos) << outcome.errors;
+    EXPECT_TRUE(ProcessHandle::withVariable("TESK_DEVICE", folder).empty());
+}
+
 TEST_F(SurvivalCommands, HungBusKeepsNobodyWaiting) {
     boot();
     const Device hung = bootAnother();
@@ -171,8 +195,11 @@ TEST_F(SurvivalCommands, OffDoesNotClaimSuccessWhileAnOldProcessLives) {
               std::string::npos)
         << outcome.errors;
     EXPECT_NE(outcome.errors.find("deskwatch off --force"), std::string::npos) << outcome.errors;
+    EXPECT_EQ(Json::parse(run({"ls", "--json"}))[0]["serviceRunning"], true);
+    EXPECT_NE(run({"status"}).find("switched off, but the service still runs"), std::string::npos);
     run({"off", "--force"});
     EXPECT_TRUE(hasEnded(service));
+    EXPECT_EQ(status()["serviceRunning"], false);
 }
 
 } // namespace

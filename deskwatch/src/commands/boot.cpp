@@ -7,6 +7,7 @@
 #include "commands.h"
 #include "commands/completion.h"
 #include "device/application_ids.h"
+#include "device/end_request.h"
 #include "device/registry.h"
 #include "text/country.h"
 
@@ -42,10 +43,12 @@ std::vector<Application> applications(const BootOptions& options) {
 }
 
 Device bootedDevice(const CommonOptions& common, const BootOptions& options) {
+    const std::chrono::seconds patience(common.timeout);
     if (!options.folder.empty()) {
-        return Device(options.folder);
+        return Device(options.folder, patience);
     }
-    return Device(common.device.empty() ? Registry::ofUser().defaultDevice() : std::filesystem::path(common.device));
+    return Device(common.device.empty() ? Registry::ofUser().defaultDevice() : std::filesystem::path(common.device),
+                  patience);
 }
 
 DeviceState deviceState(const BootOptions& options) {
@@ -69,9 +72,35 @@ std::string takeCountry(std::string& text) {
     return "";
 }
 
+/// The watch runs and is listed, or it does not run: also when this process is told to end meanwhile, and when it is
+/// killed, which leaves a watch that is listed and can be switched off.
 void bootAs(const Device& device, const BootOptions& options) {
-    device.boot(applications(options), deviceState(options));
-    Registry::ofUser().add(device.layout().folder());
+    const auto folder = device.layout().folder();
+    const auto registry = Registry::ofUser();
+    const EndRequest endRequest;
+    const bool isNew = registry.announce(folder);
+    bool isBooted = false;
+    const auto undo = [&] {
+        if (isBooted) {
+            device.off();
+        }
+        if (isNew || isBooted) {
+            registry.remove(folder);
+        }
+    };
+    try {
+        device.boot(applications(options), deviceState(options));
+        isBooted = true;
+        registry.add(folder);
+    } catch (const std::exception&) {
+        undo();
+        endRequest.obey();
+        throw;
+    }
+    if (endRequest.isNoted()) {
+        undo();
+        endRequest.obey();
+    }
 }
 
 void boot(const CommonOptions& common, const BootOptions& options) {

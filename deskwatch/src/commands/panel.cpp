@@ -7,6 +7,7 @@
 #include "c_owners.h"
 #include "commands.h"
 #include "commands/output.h"
+#include "device/end_request.h"
 #include "device/registry.h"
 
 namespace deskwatch {
@@ -46,12 +47,17 @@ void switchOff(const Device& device) {
 
 void showPanel(const CommonOptions& common, const PanelCommandOptions& options) {
     const Device device = panelDevice(common, options);
+    const EndRequest endRequest; // what is booted here is switched off, however early the end comes
     bool isOwn = !device.isBooted();
     if (isOwn) {
         bootWithDefaults(device);
     }
     try {
         const auto onReady = [&](const std::string& address, const std::string& file) {
+            if (endRequest.isNoted()) {
+                endRequest.passOn(); // the panel has its own handlers by now
+                return;
+            }
             std::cout << address << '\n';
             flushOutput();
             if (!options.isBrowserLeftOut) {

@@ -125,7 +125,7 @@ void Device::boot(const std::vector<Application>& applications, const DeviceStat
     endBus(layout_, BusProcess(layout_.busRecord()), endTimeout()); // what a sudden end left behind
     std::filesystem::remove(layout_.internalWipes());
     const bool isFresh = !std::filesystem::exists(layout_.settingsDatabase());
-    start(applications, false, [&] { writeFirstSettings(BusClient(busAddress()), state, isFresh); });
+    start(applications, false, [&] { writeFirstSettings(BusClient(busAddress(), patience_), state, isFresh); });
 }
 
 void Device::resume(const std::vector<Application>& applications) const {

@@ -128,7 +128,11 @@ bool ProcessHandle::hasChildren() const {
 
 bool ProcessHandle::waitForEnd(std::chrono::milliseconds atMost) const {
     pollfd entry{descriptor_.get(), POLLIN, 0};
-    return poll(&entry, 1, inMilliseconds(atMost)) == 1;
+    int ready = -1;
+    do {
+        ready = poll(&entry, 1, inMilliseconds(atMost));
+    } while (ready < 0 && errno == EINTR);
+    return ready == 1;
 }
 
 void awaitEnd(const ProcessHandle& process, std::chrono::milliseconds atMost) {

@@ -12,6 +12,7 @@
 #include <system_error>
 
 #include "c_owners.h"
+#include "device/device_layout.h"
 #include "device/file_descriptor.h"
 
 namespace deskwatch {
@@ -40,6 +41,19 @@ void write(const fs::path& file, const std::vector<fs::path>& folders) {
     }
 }
 
+bool contains(const std::vector<fs::path>& folders, const fs::path& folder) {
+    return std::find(folders.begin(), folders.end(), folder) != folders.end();
+}
+
+/// Whether a boot can have written this line.
+bool isWatchFolder(const std::string& line) {
+    try {
+        return DeviceLayout(line).folder() == line;
+    } catch (const std::runtime_error&) {
+        return false;
+    }
+}
+
 } // namespace
 
 Registry Registry::ofUser() {
@@ -50,11 +64,27 @@ Registry Registry::ofUser() {
 }
 
 void Registry::add(const fs::path& folder) const {
-    change(folder, true);
+    change([&](Folders& all) {
+        all.erase(std::remove(all.begin(), all.end(), folder), all.end());
+        all.push_back(folder);
+    });
+}
+
+bool Registry::announce(const fs::path& folder) const {
+    bool isNew = false;
+    change([&](Folders& all) {
+        isNew = !contains(all, folder);
+        if (isNew) {
+            all.insert(all.begin(), folder);
+        }
+    });
+    return isNew;
 }
 
 void Registry::remove(const fs::path& folder) const {
-    change(folder, false);
+    if (contains(folders(), folder)) {
+        change([&](Folders& all) { all.erase(std::remove(all.begin(), all.end(), folder), all.end()); });
+    }
 }
 
 std::optional<fs::path> Registry::newest() const {
@@ -66,20 +96,27 @@ std::vector<fs::path> Registry::folders() const {
     std::vector<fs::path> all;
     std::ifstream file(folder_ / "watches");
     for (std::string line; std::getline(file, line);) {
-        all.emplace_back(line);
+        if (isWatchFolder(line)) {
+            all.emplace_back(line);
+        }
     }
     return all;
 }
 
-void Registry::change(const fs::path& folder, bool isKept) const {
-    fs::create_directories(folder_);
-    const auto lock = lockList(folder_);
-    auto all = folders();
-    all.erase(std::remove(all.begin(), all.end(), folder), all.end());
-    if (isKept) {
-        all.push_back(folder);
+void Registry::change(const std::function<void(Folders&)>& action) const {
+    try {
+        std::error_code refused;
+        if (fs::create_directories(folder_, refused); refused) {
+            throw std::system_error(refused, "cannot make the folder " + folder_.string());
+        }
+        const auto lock = lockList(folder_);
+        auto all = folders();
+        action(all);
+        write(folder_ / "watches", all);
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error(std::string(error.what()) +
+                                 "; set XDG_STATE_HOME to a folder that can keep the list of watches");
     }
-    write(folder_ / "watches", all);
 }
 
 } // namespace deskwatch
