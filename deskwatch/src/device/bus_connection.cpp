@@ -27,7 +27,7 @@ c::ObjectOwner<GDBusConnection> connectInTime(const std::string& address, std::c
                                               const Connect& connect) {
     const std::string bus = "the bus at " + address;
     c::ObjectOwner<GDBusConnection> connection;
-    const bool isConnected = tryPatiently(patience, bus + ", which has not answered", [&](auto atMost) {
+    const bool isConnected = tryPatiently(patience, noticeOfStart, bus + ", which has not answered", [&](auto atMost) {
         connection = tryToConnect(address, atMost, connect);
         return connection != nullptr;
     });

@@ -137,7 +137,8 @@ bool ProcessHandle::waitForEnd(std::chrono::milliseconds atMost) const {
 
 void awaitEnd(const ProcessHandle& process, std::chrono::milliseconds atMost) {
     const std::string who = "process " + std::to_string(process.pid()) + " (" + process.program() + ")";
-    if (!tryPatiently(atMost, who + ", which has not ended", [&](auto time) { return process.waitForEnd(time); })) {
+    if (!tryPatiently(atMost, noticeOfWork, who + ", which has not ended",
+                      [&](auto time) { return process.waitForEnd(time); })) {
         throw std::runtime_error(who + " still runs although it was asked to end; end it with: deskwatch off --force");
     }
 }

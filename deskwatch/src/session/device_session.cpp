@@ -88,7 +88,8 @@ std::vector<std::string> DeviceSession::awaitSettled(const std::string& id) cons
         return answer.has_value();
     };
     try {
-        if (tryPatiently(device_.patience(), id + ", which has not answered", ask)) {
+        const auto untilNotice = daemon().isOwned(id) ? noticeOfWork : noticeOfStart;
+        if (tryPatiently(device_.patience(), untilNotice, id + ", which has not answered", ask)) {
             return ids;
         }
     } catch (const std::runtime_error& error) {

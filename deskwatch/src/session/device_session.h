@@ -26,8 +26,9 @@ public:
 
     /// Waits until an application, started when it does not run, has handled everything that this process and the bus
     /// sent to it before. Returns the applications that have not answered its launch requests yet.
-    /// After a second it tells on standard error what it waits for. Throws std::runtime_error when the application does
-    /// not come up, or ends meanwhile, and NoAnswer when the patience of the device is at an end.
+    /// After a second, five while it starts, it tells on standard error what it waits for. Throws std::runtime_error
+    /// when the application does not come up, or ends meanwhile, and NoAnswer when the patience of the device is at an
+    /// end.
     std::vector<std::string> settle(const std::string& id) const;
 
     /// Waits until the service, when it runs, has handled everything sent to it before, and until the applications that
