@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
 namespace deskwatch {
 namespace {
@@ -78,7 +77,7 @@ RequestLog logOf(const Request& request, const std::vector<ServiceLine>& log) {
     const auto first = std::find_if(parts.begin(), parts.end(), isThis);
     const bool isOwn = std::count_if(parts.begin(), parts.end(), isThis) == 1;
     const bool hasOthers = parts.size() > 1 || !isOwn;
-    return {isOwn && hasOthers ? std::move(*first) : log, isOwn, hasOthers};
+    return {isOwn && hasOthers ? *first : log, isOwn, hasOthers};
 }
 
 std::vector<std::vector<ServiceLine>> splitByAccount(const std::vector<ServiceLine>& log) {
