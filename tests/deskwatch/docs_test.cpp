@@ -77,12 +77,12 @@ TEST_F(Docs, CompletionKnowsEveryCommand) {
 }
 
 TEST_F(Docs, CompletionProposesCommandsOptionsAndValues) {
-    struct Row {
+    struct Proposal {
         const char* words;
         const char* proposed;
     };
     for (const auto& [words, expected] : {
-             Row{"wha", "whatif"},
+             Proposal{"wha", "whatif"},
              {"mail check-", "check-password check-encryption"},
              {"--device /tmp/watch status --f", "--follow"},
              {"--device status loc", "lock"},
