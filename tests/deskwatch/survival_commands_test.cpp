@@ -199,7 +199,6 @@ TEST_F(SurvivalCommands, OffDoesNotClaimSuccessWhileAnOldProcessLives) {
     EXPECT_NE(run({"status"}).find("switched off, but the service still runs"), std::string::npos);
     run({"off", "--force"});
     EXPECT_TRUE(hasEnded(service));
-    EXPECT_EQ(status()["serviceRunning"], false);
 }
 
 } // namespace
