@@ -59,7 +59,8 @@ std::string takersOf(const NamedCommand& named) {
     const auto place = named.path.empty() ? "*/" : "'" + named.path + "'/";
     for (auto* option : named.command->get_options()) {
         for (const auto& name : option->get_items_expected_max() > 0 ? namesOf(*option) : std::vector<std::string>{}) {
-            lines += "        " + place + name + ") option=" + name + " values='" + valuesOf(*option) + "' ;;\n";
+            lines.append("        ").append(place).append(name).append(") option=").append(name);
+            lines.append(" values='").append(valuesOf(*option)).append("' ;;\n");
         }
     }
     return lines;
