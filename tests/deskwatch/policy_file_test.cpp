@@ -217,7 +217,7 @@ TEST(ReadPolicyFile, MistakesAreToldInTheWordsOfTheFileAndOfTheChosenPolicyAlone
          "p:1: PasswordMode is \"7\"; it must be 0, 32, 64 or 96\np:1: allowCamera is \"\"no\"\"; it must be true or "
          "false"},
         {"Name : A\nMaxInactivityTimeLock : 15\nName : B\nAllowCamera : True\n",
-         "p has 2 policies; choose one with --policy: \"A\", \"B\""},
+         R"(p has 2 policies; choose one with --policy: "A", "B")"},
         {"AllowCamera : True\nAllowWifI : True", "not a property of a policy; did you mean \"AllowWiFi\"?"},
         {"AllowCamera : True\nMinPasswordLenght : 4",
          "not a property of a policy; did you mean \"MinPasswordLength\"?"},

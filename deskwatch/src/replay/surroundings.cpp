@@ -219,6 +219,9 @@ void Surroundings::setFault(const TraceEvent& event) const {
     const std::string path = faultsFolder + (function == everyFunction ? "" : function);
     dconf_changeset_set(changes.get(), path.c_str(), value.get());
     writeChanges(bus_, changes);
+    if (bus_.daemon().isOwned(ids::service)) {
+        settle(ids::service); // or what comes next may reach it before the news of the fault
+    }
 }
 
 void Surroundings::callDiagnosis(const TraceEvent& event) const {
