@@ -223,6 +223,7 @@ class Happened(PanelTest):
         page.await_text("#trouble", "vconf_notify_key_changed returns -1")
         page.press("Let everything work")
         page.press("Set the country")
+        page.await_text("#command", "key set db/rgn/country_iso --text -- US")
         page.press("Set the key")
         page.await_text("#command", "key set db/eas/password_policy_applied -- 1")
         page.press("Low memory")
