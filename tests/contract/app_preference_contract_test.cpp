@@ -35,6 +35,14 @@ TEST(PreferenceContract, KeepsAText) {
     EXPECT_EQ(taken(value), "Grüße");
 }
 
+TEST(PreferenceContract, LaterValueReplacesTheEarlier) {
+    preference_set_int(key, 1);
+    preference_set_int(key, 2);
+    int value = 0;
+    preference_get_int(key, &value);
+    EXPECT_EQ(value, 2);
+}
+
 TEST(PreferenceContract, MissingKeyIsNoKeyAndLeavesTheValueAlone) {
     int number = 5;
     bool flag = true;

@@ -51,6 +51,15 @@ bool received(const Inbox& inbox, std::size_t count) {
     return contract::runUntil([&] { return inbox.texts.size() >= count; });
 }
 
+TEST(MessagePortContract, OpenPortHasAPositiveId) {
+    EXPECT_GT(message_port_register_local_port(port, receive, nullptr), 0);
+}
+
+TEST(MessagePortContract, DifferentPortsHaveDifferentIds) {
+    EXPECT_NE(message_port_register_local_port("a", receive, nullptr),
+              message_port_register_local_port("b", receive, nullptr));
+}
+
 TEST(MessagePortContract, DeliversAMessageToTheOwnPortOnTheMainLoop) {
     Inbox inbox;
     const int id = message_port_register_local_port(port, receive, &inbox);
@@ -170,12 +179,28 @@ TEST(MessagePortContract, PortThatNobodyOpenedIsNotFound) {
     EXPECT_FALSE(exists);
 }
 
+TEST(MessagePortContract, ClosedPortIsNotFound) {
+    const int id = message_port_register_local_port(port, receive, nullptr);
+    EXPECT_EQ(message_port_unregister_local_port(id), MESSAGE_PORT_ERROR_NONE);
+    EXPECT_EQ(send("hello"), MESSAGE_PORT_ERROR_PORT_NOT_FOUND);
+}
+
 TEST(MessagePortContract, PortCanCloseInItsCallback) {
     Inbox inbox;
     message_port_register_local_port(port, receiveAndClose, &inbox);
     send("hello");
     ASSERT_TRUE(received(inbox, 1));
     EXPECT_EQ(send("again"), MESSAGE_PORT_ERROR_PORT_NOT_FOUND);
+}
+
+TEST(MessagePortContract, CheckTellsWhetherAPortIsOpen) {
+    bool before = true;
+    EXPECT_EQ(message_port_check_remote_port(self, port, &before), MESSAGE_PORT_ERROR_NONE);
+    message_port_register_local_port(port, receive, nullptr);
+    bool after = false;
+    EXPECT_EQ(message_port_check_remote_port(self, port, &after), MESSAGE_PORT_ERROR_NONE);
+    EXPECT_FALSE(before);
+    EXPECT_TRUE(after);
 }
 
 TEST(MessagePortContract, SecondRegistrationKeepsTheIdAndTakesTheNewCallback) {

@@ -26,6 +26,10 @@ void record(keynode_t* node, void* data) {
     news->texts.emplace_back(text != nullptr ? text : "(null)");
 }
 
+void recordToo(keynode_t* node, void* data) {
+    record(node, data);
+}
+
 void recordOnce(keynode_t* node, void* data) {
     record(node, data);
     vconf_ignore_key_changed(exampleKey, recordOnce);
@@ -83,6 +87,14 @@ TEST(VconfContract, KeepsAnInteger) {
 TEST(VconfContract, KeepsAText) {
     EXPECT_EQ(vconf_set_str(exampleKey, "encrypted"), 0);
     EXPECT_EQ(taken(vconf_get_str(exampleKey)), "encrypted");
+}
+
+TEST(VconfContract, LaterValueReplacesTheEarlier) {
+    vconf_set_int(exampleKey, 1);
+    vconf_set_int(exampleKey, 2);
+    int value = 0;
+    vconf_get_int(exampleKey, &value);
+    EXPECT_EQ(value, 2);
 }
 
 TEST(VconfContract, KeysOfAllThreeStoresCanBeSet) {
@@ -234,6 +246,18 @@ TEST_F(VconfWatchContract, SameCallbackWatchesAKeyOnce) {
     settle();
     EXPECT_EQ(first.numbers, std::vector<int>{1});
     EXPECT_TRUE(second.names.empty());
+}
+
+TEST_F(VconfWatchContract, SeveralCallbacksWatchOneKey) {
+    News first;
+    News second;
+    watch(exampleKey, first);
+    vconf_notify_key_changed(exampleKey, recordToo, &second);
+
+    vconf_set_int(exampleKey, 1);
+
+    EXPECT_TRUE(heard(first, 1));
+    EXPECT_TRUE(heard(second, 1));
 }
 
 TEST_F(VconfWatchContract, WatchThatEndsAfterTheWriteHearsNothing) {
