@@ -15,7 +15,7 @@ struct FilePolicy {
     std::vector<ProvisioningElement> elements;
     /// Whether it comes from a message for the watch, which nobody reads as a client reads a server's policy.
     bool isMessage = false;
-    /// What is wrong with it, with the places. It is no concern of who chooses another one.
+    /// What is wrong with it, with the places. Whoever chooses another one need not care.
     std::vector<std::string> faults = {};
 };
 

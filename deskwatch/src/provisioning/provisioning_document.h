@@ -10,7 +10,7 @@ namespace deskwatch {
 struct ElementWording {
     std::string name;
     std::string legalValues;
-    /// Why it is no element.
+    /// Why it cannot be an element.
     std::string unknown;
 };
 
