@@ -8,7 +8,7 @@
 namespace deskwatch {
 namespace {
 
-/// Null when there is no answer in time.
+/// Null on a time-out.
 c::ObjectOwner<GDBusConnection> tryToConnect(const std::string& address, std::chrono::milliseconds atMost,
                                              const Connect& connect) {
     const Deadline deadline(atMost);

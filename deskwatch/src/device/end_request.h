@@ -20,7 +20,7 @@ public:
     /// Ends this process as the noted signal would have; returns when there was none.
     void obey() const;
 
-    /// Sends the noted signal again, to who handles it by now; does nothing when there was none.
+    /// Raises the noted signal again for the handler that is set now; does nothing if none was noted.
     void passOn() const;
 
 private:

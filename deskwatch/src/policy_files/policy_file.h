@@ -32,8 +32,8 @@ struct PolicyFile {
 /// std::runtime_error with the place when it is not valid or brings nothing.
 PolicyFile readPolicyFile(const std::string& file, const std::string& bytes);
 
-/// The only policy of a file, or the one of that name where a name is given. Throws std::runtime_error with the names
-/// when there is no such policy, or more than one to choose from, and with its faults when it has any.
+/// The only policy of a file, or the one of that name where a name is given. Throws std::runtime_error:
+/// with the names if that policy does not exist or several are there to choose from, with the faults if it has any.
 const FilePolicy& chosenPolicy(const std::string& file, const PolicyFile& content, const std::string& name);
 
 /// A notice in words, with its place.

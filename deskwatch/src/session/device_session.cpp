@@ -22,7 +22,7 @@ void becomeApplication(const Device& device, const std::string& id) {
     }
 }
 
-/// Asks an application, which is started when it does not run. None when there is no answer in time.
+/// Asks an application, which is started if it is not running. Returns nothing on a time-out.
 std::optional<std::vector<std::string>> settled(GDBusConnection* connection, const std::string& id,
                                                 std::chrono::milliseconds atMost) {
     GError* error = nullptr;
