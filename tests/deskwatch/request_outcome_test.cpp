@@ -17,7 +17,7 @@ ServiceLine line(const std::string& function, const std::string& text) {
 }
 
 const Request twoAccounts = requests::policyUpdate(
-    R"({"msgId": "email-itpolicy-ind", "param": [{"accountId": 1, "policySet": {}}, {"accountId": 2},
+    R"({"msgId": "email-itpolicy-ind", "param": [{"accountId": 1, "accountName": "a", "policySet": {}}, {"accountId": 2},
         {"accountId": 3, "policySet": {}}]})");
 
 TEST(RequestOutcome, FailureCountsForTheAccountThatItHappenedTo) {
@@ -30,7 +30,7 @@ TEST(RequestOutcome, FailureCountsForTheAccountThatItHappenedTo) {
     const auto outcome = outcomeOf(twoAccounts, traces);
 
     EXPECT_EQ(outcome.done(),
-              (Lines{"account 1: unchanged", "account 2: unchanged: it comes without a \"policySet\""}));
+              (Lines{"account 1 (a): unchanged", "account 2: unchanged: it comes without a \"policySet\""}));
     EXPECT_EQ(outcome.notDone(), Lines{"account 3: refused: the store cannot be written: disk I/O error"});
 }
 
@@ -39,13 +39,16 @@ TEST(RequestOutcome, WhatNeitherStoreNorLogShowIsNotClaimed) {
 
     const auto outcome = outcomeOf(twoAccounts, silent);
 
-    EXPECT_EQ(outcome.done().front(), "account 1: updated") << "the store shows it";
+    EXPECT_EQ(outcome.done().front(), "account 1 (a): updated") << "the store shows it";
     ASSERT_EQ(outcome.notDone().size(), 1U);
     EXPECT_EQ(outcome.notDone()[0].find("account 3: refused: it is not stored, and the log of this watch does not"),
               0U);
-    const RequestTraces unchanged{Accounts{row(3, "c")}, Accounts{row(3, "c")}, {}};
-    EXPECT_EQ(outcomeOf(twoAccounts, unchanged).notDone().at(1).find("account 3: sent, and what became of it is unk"),
-              0U);
+    auto longer = row(3, "");
+    longer.push_back({"min_device_password_length", 9});
+    const RequestTraces unchanged{Accounts{row(1, "a"), longer}, Accounts{row(1, "a"), longer}, {}};
+    const auto full = outcomeOf(twoAccounts, unchanged);
+    EXPECT_EQ(full.done().front(), "account 1 (a): unchanged") << "it is stored as it was sent";
+    EXPECT_EQ(full.notDone().at(0).find("account 3: refused: it is not stored, and the log of this watch"), 0U);
     EXPECT_FALSE(outcomeOf(requests::remoteWipe(), silent).isDone());
     EXPECT_FALSE(outcomeOf({requests::checkPassword, ""}, silent).isDone());
 }

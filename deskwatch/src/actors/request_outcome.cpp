@@ -64,6 +64,18 @@ const StoredAccount* rowOf(const std::optional<std::vector<StoredAccount>>& acco
     return nullptr;
 }
 
+/// Whether the store holds what a message says of an account.
+bool holds(const StoredAccount& stored, const MessageAccount& account) {
+    return std::all_of(stored.begin(), stored.end(), [&account](const NamedValue& column) {
+        if (column.name == "account_name") {
+            return column.value == Value(std::string(account.name.c_str())); // a text ends for the service at a NUL
+        }
+        return std::all_of(account.columns.begin(), account.columns.end(), [&column](const DemandedColumn& demanded) {
+            return column.name != demanded.name || column.value == Value(demanded.value);
+        });
+    });
+}
+
 const char* const tooLittleLogged =
     "the log of this watch does not show what the service does (DLOG_LEVEL, a full disk)";
 
@@ -102,12 +114,12 @@ Effect effectOnStore(const Evidence& evidence, const MessageAccount& account, co
         effect.reason = failure;
     } else if (after != nullptr && (before == nullptr || *before != *after)) {
         effect.became = before == nullptr ? Became::Stored : Became::Updated;
-    } else if (after != nullptr && log != nullptr) {
+    } else if (after != nullptr && ((log != nullptr && isHandled(evidence.log.lines)) || holds(*after, account))) {
         effect.became = Became::Unchanged;
-    } else if (log != nullptr && traces.after && evidence.log.hasOthers) {
+    } else if (log != nullptr && traces.after && after == nullptr && evidence.log.hasOthers) {
         effect.became = Became::Stored;
         effect.reason = std::string("gone again, since ") + othersToo;
-    } else if (traces.after && after == nullptr && !evidence.log.hasOthers) {
+    } else if (traces.after && !evidence.log.hasOthers) {
         effect.became = Became::Refused;
         effect.reason = std::string("it is not stored, and ") + tooLittleLogged;
     } else {

@@ -43,6 +43,24 @@ std::int32_t numberOf(const Json& value) {
     return value.is_number() ? static_cast<std::int32_t>(value.get<std::int64_t>()) : 0;
 }
 
+/// As the service stores it: what is missing counts as false or 0.
+std::vector<DemandedColumn> columnsOf(const Json& policySet) {
+    constexpr std::uint32_t alphanumeric = 64;
+    constexpr std::uint32_t ignored = 32;
+    std::vector<DemandedColumn> columns;
+    for (const auto& row : policyMembers) {
+        const auto value = member(policySet, row.name);
+        const bool isFlag = row.type == MemberType::Flag;
+        if (!value.is_null() && !(isFlag ? value.is_boolean() : value.is_number_integer())) {
+            continue;
+        }
+        const auto number = numberOf(value);
+        const bool isAlphanumeric = (static_cast<std::uint32_t>(number) & ~ignored) == alphanumeric;
+        columns.push_back({row.column, row.type != MemberType::Mode ? number : isAlphanumeric ? 1 : 0});
+    }
+    return columns;
+}
+
 } // namespace
 
 Message readMessage(const std::string& text) {
@@ -59,9 +77,10 @@ Message readMessage(const std::string& text) {
     message.hasAccounts = accounts.is_array();
     for (const auto& account : message.hasAccounts ? accounts : Json::array()) {
         if (account.is_object()) {
+            const auto policySet = member(account, "policySet");
             message.accounts.push_back({numberOf(member(account, kind->accountId)),
-                                        textOf(member(account, "accountName")),
-                                        member(account, "policySet").is_object()});
+                                        textOf(member(account, "accountName")), policySet.is_object(),
+                                        columnsOf(policySet)});
         }
     }
     return message;

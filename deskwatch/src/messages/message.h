@@ -3,17 +3,26 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "messages/message_table.h"
 
 namespace deskwatch {
 
+/// A column of the stored account and the number that a message puts there.
+struct DemandedColumn {
+    std::string_view name;
+    std::int32_t value = 0;
+};
+
 /// An account that a message names.
 struct MessageAccount {
     std::int32_t id = 0;
     std::string name;
     bool hasPolicySet = false;
+    /// What its policy set says, members of the wrong type left out.
+    std::vector<DemandedColumn> columns;
 };
 
 /// What a message's text says about itself, as far as it can be read.
