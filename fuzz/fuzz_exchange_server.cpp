@@ -59,7 +59,7 @@ void order(DeskServer& server, ByteReader& bytes) {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     ByteReader bytes(data, size);
-    DeskServer server(ServedPolicies({policyFile()}), "14.1", std::nullopt);
+    DeskServer server(ServedPolicies({"bob=" + policyFile(), policyFile()}), "14.1", std::nullopt);
     while (!bytes.isEmpty()) {
         if (bytes.below(4) == 0) {
             order(server, bytes);

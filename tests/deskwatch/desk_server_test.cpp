@@ -14,7 +14,7 @@
 namespace deskwatch {
 namespace {
 
-/// A server with a policy for bob and none for anybody else, and bob's device.
+/// A server with a policy for ann and bob and none for anybody else, and bob's device.
 class TheDeskServer : public testing::Test {
 protected:
     TheDeskServer() { write("<MinDevicePasswordLength>6</MinDevicePasswordLength>"); }
@@ -57,7 +57,7 @@ private:
     TemporaryFolder folder_;
     std::string file_ = (folder_.path() / "bob.xml").string();
     bool isWritten_ = (write(""), true);
-    DeskServer server_{ServedPolicies({"bob=" + file_}), "12.1,14.1", std::nullopt};
+    DeskServer server_{ServedPolicies({"ann=" + file_, "bob=" + file_}), "12.1,14.1", std::nullopt};
     std::string version_ = "14.1";
 };
 
@@ -143,7 +143,13 @@ TEST_F(TheDeskServer, OrderSpoilsTheNextAnswerAlone) {
     EXPECT_THROW(provision(policyRequest(141, true)), std::runtime_error);
     EXPECT_EQ(provision(policyRequest(141, true)).status, 1);
     EXPECT_THROW(server().order({"bob", "smile", ""}), std::runtime_error);
-    EXPECT_THROW(server().order({"bobby", "wipe", ""}), std::runtime_error) << "has no device";
+    EXPECT_THROW(server().order({"ann", "wipe", ""}), std::runtime_error) << "has no device";
+    try {
+        server().order({"bobb", "slow", "1"});
+        ADD_FAILURE() << "the user is not known";
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), R"("bobb" is not a user of this server; it knows ann, bob; did you mean "bob"?)");
+    }
     EXPECT_THROW(server().order({"bob", "http", "many"}), std::runtime_error);
 }
 

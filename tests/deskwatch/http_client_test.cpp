@@ -61,7 +61,7 @@ protected:
 
 private:
     TemporaryFolder folder_;
-    DeskServer server_{ServedPolicies({SAMPLES "/provision-hardened.xml"}), "12.1,14.1", "secret"};
+    DeskServer server_{ServedPolicies({"bob=" SAMPLES "/provision-hardened.xml"}), "12.1,14.1", "secret"};
 };
 
 TEST_F(HttpExchange, WholeHandshakeInBothFormsOfTheQuery) {

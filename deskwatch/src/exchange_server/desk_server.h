@@ -33,7 +33,8 @@ public:
     /// Throws std::runtime_error when there is no such order, with the list of them, or its value is wrong.
     static void requireOrder(const ServerOrder& order);
 
-    /// Does as ordered. Throws as requireOrder does.
+    /// Does as ordered. Throws as requireOrder does, and for a user whom the server does not know: one without a policy
+    /// of his own, of whom no device has been here.
     void order(const ServerOrder& order);
 
     /// What the server knows, a line for each device.
@@ -51,6 +52,7 @@ private:
     ServerAnswer otherCommand(const Command& command);
     /// The Status that keeps a device from its commands; none when it may go on.
     std::optional<int> refusalOf(const Command& command) const;
+    void requireUser(const std::string& user) const;
     ServerAnswer disturbed(const std::string& user, ServerAnswer answer);
 
     ServedPolicies policies_;

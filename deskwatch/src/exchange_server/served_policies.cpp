@@ -100,4 +100,13 @@ std::optional<WbxmlElement> ServedPolicies::documentOf(const std::string& user) 
     return file != files_.end() ? std::optional(readDocument(file->second)) : std::nullopt;
 }
 
+std::set<std::string> ServedPolicies::users() const {
+    std::set<std::string> users;
+    for (const auto& [user, file] : files_) {
+        users.insert(user);
+    }
+    users.erase(""); // everybody else
+    return users;
+}
+
 } // namespace deskwatch

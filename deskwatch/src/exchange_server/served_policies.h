@@ -3,6 +3,7 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,9 @@ public:
     /// The EASProvisionDoc of a user as it is now; none when the user has no policy. Throws std::runtime_error when the
     /// file cannot be read any more.
     std::optional<WbxmlElement> documentOf(const std::string& user) const;
+
+    /// The users who have a file of their own.
+    std::set<std::string> users() const;
 
 private:
     std::map<std::string, std::string> files_;

@@ -96,8 +96,25 @@ void DeskServer::requireOrder(const ServerOrder& order) {
     }
 }
 
+void DeskServer::requireUser(const std::string& user) const {
+    auto known = policies_.users();
+    for (const auto& [id, device] : devices_) {
+        known.insert(id.first);
+    }
+    if (known.empty()) {
+        throw std::runtime_error("no device has been here, and no policy is served as USER=FILE: \"" + user +
+                                 "\" is not a user of this server yet");
+    }
+    if (known.count(user) == 0) {
+        throw std::runtime_error("\"" + user + "\" is not a user of this server; it knows " +
+                                 printable(joined({known.begin(), known.end()}, ", ")) +
+                                 didYouMean(user, {known.begin(), known.end()}));
+    }
+}
+
 void DeskServer::order(const ServerOrder& order) {
     requireOrder(order);
+    requireUser(order.user);
     if (rowOf(order.name)->isDisturbance) {
         disturbances_[order.user] = order;
         return;
