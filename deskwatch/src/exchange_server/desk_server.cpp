@@ -125,6 +125,7 @@ ServerAnswer DeskServer::answerCommand(const ServerRequest& request) {
                           *version,       isPlain ? request.header("x-ms-policykey") : query->policyKey,
                           devices_[id],   request.body};
     auto answer = command.name == "Provision" ? provision(command) : otherCommand(command);
+    answer.isAboutPolicy = command.name == "Provision";
     answer.remark = query->user + " " + query->deviceId + " " + answer.remark;
     return answer;
 }

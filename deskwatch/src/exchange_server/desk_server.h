@@ -33,8 +33,8 @@ public:
     /// Throws std::runtime_error when there is no such order, with the list of them, or its value is wrong.
     static void requireOrder(const ServerOrder& order);
 
-    /// Does as ordered. Throws as requireOrder does, and for a user whom the server does not know: one without a policy
-    /// of his own, of whom no device has been here.
+    /// Does as ordered. Throws as requireOrder does, and for a user whom the server does not know: one without a
+    /// policy, of whom no device has been here.
     void order(const ServerOrder& order);
 
     /// What the server knows, a line for each device.

@@ -105,8 +105,11 @@ std::set<std::string> ServedPolicies::users() const {
     for (const auto& [user, file] : files_) {
         users.insert(user);
     }
-    users.erase(""); // everybody else
     return users;
+}
+
+bool ServedPolicies::servesEverybody() const {
+    return files_.count("") != 0;
 }
 
 } // namespace deskwatch

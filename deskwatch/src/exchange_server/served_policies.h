@@ -25,6 +25,9 @@ public:
     /// The users who have a file of their own.
     std::set<std::string> users() const;
 
+    /// Whether there is a file for all other users.
+    bool servesEverybody() const;
+
 private:
     std::map<std::string, std::string> files_;
 };

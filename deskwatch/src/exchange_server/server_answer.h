@@ -32,6 +32,8 @@ struct ServerAnswer {
     int delay = 0;
     /// Whether the connection ends in the middle of the body.
     bool isCut = false;
+    /// Whether it answers a Provision command.
+    bool isAboutPolicy = false;
     /// A line for whoever runs the server.
     std::string remark;
 };
