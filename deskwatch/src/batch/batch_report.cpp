@@ -10,6 +10,7 @@
 
 #include "c_owners.h"
 #include "text/value_output.h"
+#include "text/value_text.h"
 
 namespace deskwatch {
 namespace {
@@ -64,9 +65,9 @@ std::string batchText(const BatchReport& report) {
     }
     if (report.shard.count > 1) {
         text += "shard " + std::to_string(report.shard.index) + "/" + std::to_string(report.shard.count) + " of " +
-                std::to_string(report.total) + " recordings: ";
+                counted(report.total, "recording") + ": ";
     }
-    return text + std::to_string(report.results.size()) + " recordings in " + decimal(report.seconds) + " s, " +
+    return text + counted(report.results.size(), "recording") + " in " + decimal(report.seconds) + " s, " +
            std::to_string(report.failed()) + " failed\n";
 }
 

@@ -7,6 +7,7 @@
 #include "comparison/policy_comparison.h"
 #include "policy_files/policy_file.h"
 #include "text/input_file.h"
+#include "text/value_text.h"
 
 namespace deskwatch {
 namespace {
@@ -43,7 +44,7 @@ void compare(const CompareOptions& options) {
     std::cout << (options.isJson ? comparisonJson(first, second, comparison)
                                  : comparisonText(first, second, comparison));
     if (const auto count = comparison.differences(); count > 0) {
-        throw Refusal("the policies differ in " + std::to_string(count) + (count == 1 ? " value" : " values"));
+        throw Refusal("the policies differ in " + counted(count, "value"));
     }
 }
 

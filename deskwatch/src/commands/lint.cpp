@@ -39,7 +39,7 @@ void lint(const std::vector<std::string>& files) {
         }
     }
     if (count > 0) {
-        failures.push_back(std::to_string(count) + (count == 1 ? " remark" : " remarks"));
+        failures.push_back(counted(count, "remark"));
     }
     if (!failures.empty()) {
         throw std::runtime_error(joined(failures, "\n"));

@@ -13,6 +13,7 @@
 #include "device/temporary_device.h"
 #include "text/input_file.h"
 #include "text/output_file.h"
+#include "text/value_text.h"
 
 namespace deskwatch {
 namespace {
@@ -63,7 +64,7 @@ void replayOne(const ReplayOptions& options) {
                                  " equal\n" + text);
     }
     writeOutput(file, updatedRecording(recording, outcome.happened));
-    std::cout << where << ": updated\n" << text;
+    std::cout << where << ": updated\n" << text << '\n';
 }
 
 /// A line on a terminal that tells how far it is; a failure is a line of its own anywhere.
@@ -148,8 +149,8 @@ void replayMany(const ReplayOptions& options) {
         writeTimes(options.times, times);
     }
     if (report.failed() > 0) {
-        throw std::runtime_error(std::to_string(report.failed()) + " of " + std::to_string(report.results.size()) +
-                                 " recordings failed");
+        throw std::runtime_error(std::to_string(report.failed()) + " of " +
+                                 counted(report.results.size(), "recording") + " failed");
     }
 }
 

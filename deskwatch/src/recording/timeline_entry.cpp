@@ -5,6 +5,7 @@
 #include "records/log_line.h"
 #include "text/text_table.h"
 #include "text/value_output.h"
+#include "text/value_text.h"
 
 namespace deskwatch {
 namespace {
@@ -30,8 +31,7 @@ std::string assignment(const TraceEvent& event) {
 
 std::string messageText(const TraceEvent& event) {
     const auto size = entry(event, "entries", "msg").size();
-    return entry(event, "entries", "req") +
-           (size > 0 ? " with " + std::to_string(size) + (size == 1 ? " byte" : " bytes") : "");
+    return entry(event, "entries", "req") + (size > 0 ? " with " + counted(size, "byte") : "");
 }
 
 std::string faultText(const TraceEvent& event) {

@@ -23,7 +23,7 @@ bool isCause(const TraceEvent& event) {
 }
 
 std::string side(const char* name, const std::optional<TraceEvent>& event) {
-    return std::string("  ") + name + (event ? printable(jsonText(*event)) : "nothing") + "\n";
+    return std::string("  ") + name + (event ? printable(jsonText(*event)) : "nothing");
 }
 
 } // namespace
@@ -46,7 +46,7 @@ std::string differenceText(const Recording& recording, const Difference& differe
                                     [](const RecordedEvent& event) { return isCause(event.event); });
     return (cause != events.rend() ? "  after\n" + numbered(*cause) : "") +
            (effects.empty() ? "" : "  the service did as recorded\n" + effects) + "  and then\n" +
-           side("recorded  ", difference.recorded) + side("now       ", difference.now);
+           side("recorded  ", difference.recorded) + "\n" + side("now       ", difference.now);
 }
 
 } // namespace deskwatch

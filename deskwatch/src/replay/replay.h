@@ -38,7 +38,8 @@ struct ReplayOutcome {
 /// std::runtime_error when the watch does not answer.
 ReplayOutcome replay(const Device& device, const std::vector<Application>& applications, const Recording& recording);
 
-/// The difference for a reader: both sides, what the service did before, and the input that led to it.
+/// The difference for a reader: both sides, what the service did before, and the input that led to it; without the last
+/// line break.
 std::string differenceText(const Recording& recording, const Difference& difference);
 
 /// The recording with the effects that happened in place of the recorded ones. Lines that are still true stay where and
