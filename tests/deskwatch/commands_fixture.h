@@ -64,6 +64,7 @@ protected:
         return file;
     }
 
+    const std::filesystem::path& folder() const { return folder_.path(); }
     const Device& device() const { return device_; }
 
     /// Asks a stand-in for an application.
