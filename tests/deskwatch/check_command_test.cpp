@@ -1,5 +1,4 @@
 #include "commands_fixture.h"
-#include "device/application_ids.h"
 #include "records/policy_database.h"
 
 namespace deskwatch {
@@ -59,13 +58,6 @@ TEST_F(CheckCommand, WatchThatIsOffIsLookedAtByWhatItKeeps) {
     EXPECT_EQ(status()["wipes"], 1);
     EXPECT_NE(run({"timeline"}).find("[EAS] Failed setPasswordMinLength"), std::string::npos);
     EXPECT_NE(deskwatchProgram({"timeline", "--follow"}).errors.find("is not booted; boot it with"), std::string::npos);
-}
-
-TEST_F(CheckCommand, MissingLockAndEncryptionAreFound) {
-    boot();
-    run({"mail", "policy", sample("hardened.json")});
-
-    EXPECT_EQ(kinds(), (Kinds{"lock", "encryption"}));
 }
 
 TEST_F(CheckCommand, StoreWithoutItsTableIsFound) {

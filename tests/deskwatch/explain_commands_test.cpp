@@ -45,46 +45,6 @@ TEST_F(Commands, ExplanationIsWhatTheServiceDid) {
     EXPECT_EQ(explained["password"]["enforcingAccount"], happened["enforcingAccount"]);
 }
 
-TEST_F(Commands, ExplainTellsWhatBesidesTheAccountsDecides) {
-    boot({"--country", "kr"});
-    run({"mail", "policy", sample("hardened.json")});
-    const auto korean = Json::parse(run({"explain", "--json"}))["settings"];
-    run({"fault", "dpm_password_set_minimum_length", "-13"});
-    run({"key", "set", "db/rgn/country_iso", "FR"});
-    EXPECT_EQ(deskwatchProgram({"mail", "policy", sample("three-accounts.json")}).status, 3);
-    const auto refused = Json::parse(run({"explain", "--json"}))["settings"]["minimum_length"];
-
-    EXPECT_EQ(korean["minimum_length"],
-              Json::parse(R"({"demanded": 6, "now": 6, "remark": "the least length of a password in KR"})"));
-    EXPECT_EQ(korean["history"]["remark"], "");
-    EXPECT_EQ(refused, Json::parse(R"({"demanded": 4, "now": 6, "remark":
-        "dpm_password_set_minimum_length returns -13 (fault); not written yet, or refused by the platform"})"));
-}
-
-TEST_F(Commands, ExplainCallsAnAccountWithTheMergedValueNoLoser) {
-    boot();
-    run({"mail", "policy", sample("hardened.json")});
-    std::string text;
-    std::getline(std::ifstream(sample("hardened.json")), text, '\0');
-    text.replace(text.find("\"accountId\": 2"), 14, "\"accountId\": 9");
-    run({"mail", "policy", write("twin.json", text).string()});
-
-    const auto explanation = Json::parse(run({"explain", "--json"}));
-    ASSERT_FALSE(explanation.at("fields").empty());
-    for (const auto& field : explanation.at("fields")) {
-        EXPECT_TRUE(field["losers"].empty()) << field;
-    }
-}
-
-TEST_F(Commands, ExplainOfAFreshWatchSaysThatNothingIsWritten) {
-    boot();
-    const auto explained = Json::parse(run({"explain", "--json"}));
-    EXPECT_TRUE(explained["accounts"].empty());
-    EXPECT_TRUE(explained["settings"]["quality"]["demanded"].is_null());
-    EXPECT_NE(run({"explain"}).find("no account requires one"), std::string::npos);
-    EXPECT_FALSE(status()["serviceRunning"]);
-}
-
 TEST_F(Commands, FollowedExplanationTellsEachThatDiffers) {
     boot();
     RunningProgram follower({"explain", "--follow", "--json"});

@@ -47,17 +47,5 @@ TEST_F(FaultCommands, FaultsAreListedAndEndWithTheBoot) {
     EXPECT_EQ(run({"fault"}), "  none\n");
 }
 
-TEST_F(FaultCommands, FunctionNeedsACode) {
-    EXPECT_EQ(deskwatchProgram({"fault", "vconf_set_int"}).status, 2);
-}
-
-TEST_F(FaultCommands, EveryFunctionOfThePlatformIsListed) {
-    const auto functions = Json::parse(run({"fault", "--list", "--json"}));
-    for (const char* function : {"app_get_data_path", "bundle_create", "dpm_restriction_set_wifi_state",
-                                 "message_port_send_message", "preference_set_int", "vconf_get_str"}) {
-        EXPECT_EQ(std::count(functions.begin(), functions.end(), function), 1) << function;
-    }
-}
-
 } // namespace
 } // namespace deskwatch

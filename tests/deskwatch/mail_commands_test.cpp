@@ -14,38 +14,6 @@ namespace {
 
 class MailCommands : public Commands {};
 
-TEST_F(MailCommands, AccountListIsStored) {
-    boot();
-    run({"mail", "accounts", sample("account-info.json")});
-    EXPECT_FALSE(status()["accounts"].empty());
-}
-
-TEST_F(MailCommands, AnswerToTheStartIsStored) {
-    boot();
-    run({"mail", "init", sample("init-response.json")});
-    EXPECT_EQ(status()["accounts"][0]["account_name"], "bob@fabrikam.example");
-}
-
-TEST_F(MailCommands, MessageOfAnotherKindIsRefusedAndNothingIsSent) {
-    boot();
-
-    const auto outcome = deskwatchProgram({"mail", "accounts", sample("init-response.json")});
-
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.errors, "deskwatch: mail accounts: " + sample("init-response.json") +
-                                  ": a message of the kind email-init-res; this command takes email-account-info\n");
-    EXPECT_FALSE(status()["serviceRunning"]);
-}
-
-TEST_F(MailCommands, RawFilesAreOfferedWhereTheyCanBeSent) {
-    const auto file = write("broken.json", "{").string();
-    const auto policy = deskwatchProgram({"mail", "policy", file});
-    const auto accounts = deskwatchProgram({"mail", "accounts", file});
-    EXPECT_NE(policy.errors.find("--raw"), std::string::npos) << policy.errors;
-    EXPECT_NE(accounts.errors.find("not valid JSON"), std::string::npos) << accounts.errors;
-    EXPECT_EQ(accounts.errors.find("--raw"), std::string::npos) << accounts.errors;
-}
-
 TEST_F(MailCommands, MessageThatIsTooLongForThePortIsRefusedAndNothingIsSent) {
     boot();
     const auto longest = write("longest.json", "\"" + std::string(12171, 'x') + "\"").string();
@@ -64,15 +32,6 @@ TEST_F(MailCommands, MessageThatIsTooLongForThePortIsRefusedAndNothingIsSent) {
               std::string::npos);
 }
 
-TEST_F(MailCommands, FileWithoutAKindIsRefused) {
-    boot();
-    for (const char* text : {"[]", "{}", R"({"msgId": 4})"}) {
-        const auto outcome = deskwatchProgram({"mail", "init", write("message.json", text).string()});
-        EXPECT_EQ(outcome.status, 1) << text;
-        EXPECT_NE(outcome.errors.find("it has no \"msgId\""), std::string::npos) << outcome.errors;
-    }
-}
-
 TEST_F(MailCommands, WipeEmptiesTheInternalStorage) {
     boot();
     run({"mail", "policy", sample("exchange-default.json")});
@@ -82,50 +41,6 @@ TEST_F(MailCommands, WipeEmptiesTheInternalStorage) {
     run({"mail", "wipe"});
 
     EXPECT_FALSE(std::filesystem::exists(note));
-}
-
-TEST_F(MailCommands, WhatBecameOfEachRequestIsTold) {
-    boot();
-    EXPECT_EQ(run({"mail", "policy", sample("hardened.json"), sample("three-accounts.json")}),
-              sample("hardened.json") + ": account 2 (bob@bank.example): stored\n" + sample("three-accounts.json") +
-                  ": account 1 (alice@contoso.example): stored\n" + sample("three-accounts.json") +
-                  ": account 2 (bob@bank.example): unchanged\n" + sample("three-accounts.json") +
-                  ": account 3 (carol@university.example): stored\n");
-    EXPECT_EQ(run({"mail", "delete", "2"}), "account 2: deleted\n");
-    EXPECT_EQ(run({"mail", "wipe"}), "the internal storage: wiped\n");
-}
-
-TEST_F(MailCommands, WhatTheWatchDidNotDoEndsWithThreeAndTheReason) {
-    boot();
-    run({"mail", "policy", sample("hardened.json")});
-    run({"fault", "dpm_security_wipe_data", "-13"});
-    run({"fault", "dpm_password_set_history", "-1"});
-    const auto folder = write("broken.json", "{}").string();
-    const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
-        {{"mail", "wipe"}, "refused: the platform does not wipe the internal storage: [-13]"},
-        {{"mail", "policy", sample("exchange-default.json")},
-         "refused by the platform: [EAS] Failed setPasswordHistory"},
-        {{"mail", "delete", "7"}, "account 7: passed over: no such account is stored"},
-        {{"mail", "delete", "abc"}, "\"abc\" is not an account's number"},
-        {{"mail", "send", "req_unknown"}, "the service does not know this request"},
-        {{"mail", "check-encryption"}, "a lock comes first"},
-        {{"mail", "policy", folder}, "its \"msgId\" is none that the service knows"},
-        {{"bus", "usingFile"}, "usingFile: the service cannot open its policy file"},
-    };
-    for (const auto& [arguments, reason] : cases) {
-        const auto outcome = deskwatchProgram(arguments);
-        EXPECT_EQ(outcome.status, 3) << reason;
-        EXPECT_NE(outcome.errors.find(reason), std::string::npos) << outcome.errors;
-    }
-}
-
-TEST_F(MailCommands, NumberThatTheServiceWouldTakeForAnotherIsNotSent) {
-    boot();
-    run({"mail", "policy", sample("hardened.json")});
-    for (const char* number : {"2x", "4294967298", "2 "}) {
-        EXPECT_EQ(deskwatchProgram({"mail", "delete", number}).status, 2) << number;
-    }
-    EXPECT_EQ(status()["accounts"].size(), 1U);
 }
 
 /// Keeps the service from writing its store while it lives; reading goes on.

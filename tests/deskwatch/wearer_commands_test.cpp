@@ -122,23 +122,6 @@ TEST_F(WearerCommands, DemandedLockIsSetAndTheServiceHearsOfIt) {
     EXPECT_EQ(launchesOf(watch, ids::encryptionPopup), 1) << "encryption is what the policy demands next";
 }
 
-TEST_F(WearerCommands, WeakerLockIsRefusedWithWhatIsDemanded) {
-    boot({"--lock", "password"});
-    run({"mail", "policy", sample("strictest.json")});
-
-    const auto pin = deskwatchProgram({"lock", "pin", "--length", "16"});
-    const auto shortOne = deskwatchProgram({"lock", "password", "--length", "15"});
-    const auto none = deskwatchProgram({"lock", "none"});
-
-    EXPECT_EQ(pin.status, refused);
-    EXPECT_EQ(pin.errors, "deskwatch: lock: a PIN is not enough: an alphanumeric password of at least 16 characters is "
-                          "demanded\n");
-    EXPECT_EQ(shortOne.status, refused);
-    EXPECT_EQ(shortOne.errors, "deskwatch: lock: 15 characters are not enough: at least 16 are demanded\n");
-    EXPECT_EQ(none.status, refused);
-    EXPECT_EQ(status()["keys"]["db/setting/lock_type"], 2);
-}
-
 TEST_F(WearerCommands, LockOfAFreshWatchIsTheWearersOwn) {
     boot();
     EXPECT_EQ(run({"lock", "pin", "--length", "8"}), "the screen is locked with a PIN of 8 characters\n");
@@ -216,15 +199,6 @@ TEST_F(WearerCommands, ExpiredPasswordOpensNothingUntilThereIsAnother) {
 
     EXPECT_EQ(run({"lock", "--right"}), "the watch is unlocked\n");
     EXPECT_EQ(status()["lockScreen"], Json::parse(R"({"wrongAttempts": 0, "passwordAge": 0, "locked": false})"));
-}
-
-TEST_F(WearerCommands, LengthOfALockIsANumber) {
-    boot();
-    EXPECT_EQ(deskwatchProgram({"lock", "pin", "--length", "0"}).status, 2);
-    EXPECT_EQ(deskwatchProgram({"lock", "gesture"}).status, 2);
-    EXPECT_EQ(deskwatchProgram({"lock"}).status, 2);
-    EXPECT_EQ(deskwatchProgram({"lock", "--wrong", "1", "--length", "4"}).status, 2);
-    EXPECT_EQ(deskwatchProgram({"lock", "--wrong", "1", "--right"}).status, 2);
 }
 
 TEST_F(WearerCommands, EncryptionIsCompleteAtOnce) {

@@ -201,31 +201,12 @@ TEST_F(Whatif, EveryKindOfMessageIsTaken) {
               std::string::npos);
 }
 
-TEST_F(Whatif, TablesShowWhatChanges) {
-    boot();
-    const auto text = run({"whatif", sample("hardened.json")});
-    for (const char* line :
-         {"  2  bob@bank.example  new\n", "  quality                           0 none  128 alphanumeric\n",
-          "  pref/tesk-agent/pwd_enforce_account_id  -       2\n", "    password_min_length  4\n",
-          "  com.velmor.dialset.service  the menu for encryption is enabled  ("}) {
-        EXPECT_NE(text.find(line), std::string::npos) << line << text;
-    }
-    EXPECT_EQ(text.find("wifi_state"), std::string::npos) << "it does not change";
-}
-
 TEST_F(Whatif, TutorialKeepsThePopupClosed) {
     boot({"--tutorial"});
     const auto foreseen = whatif({sample("hardened.json")});
     ASSERT_EQ(foreseen["screens"].size(), 1U);
     EXPECT_EQ(foreseen["screens"].at(0)["application"], ids::encryptionSettings);
     EXPECT_NE(foreseen["remarks"].at(0).get<std::string>().find("tutorial"), std::string::npos);
-}
-
-TEST_F(Whatif, FileThatIsNotJsonIsRefused) {
-    boot();
-    const auto outcome = deskwatchProgram({"whatif", write("broken.json", "{").string()});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.errors.find("deskwatch: whatif: "), 0U) << outcome.errors;
 }
 
 TEST_F(Whatif, ServiceThatDoesNotComeUpIsReported) {
