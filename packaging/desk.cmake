@@ -37,7 +37,9 @@ install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CONTRIBUTING
     DESTINATION ${document_folder} COMPONENT desk)
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/README.md DESTINATION ${document_folder}/packaging COMPONENT desk)
 install(FILES ${PROJECT_SOURCE_DIR}/bench/ledger.md DESTINATION ${document_folder}/bench COMPONENT desk)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/samples DESTINATION ${document_folder} COMPONENT desk)
+# The sample of a mail application is a program that boot --mail runs.
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/samples DESTINATION ${document_folder} COMPONENT desk
+    PATTERN "*.py" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
 # For those who write applications of a watch: the platform's C API, and what its processes say to each other on a desk.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/platform/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tesk-agent-desk COMPONENT desk)

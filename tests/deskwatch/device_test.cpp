@@ -297,13 +297,17 @@ TEST(Device, EnvironmentOfTheCallerStaysOutsideExceptForItsSanitizers) {
     EXPECT_EQ(environment.at("XDG_CONFIG_HOME"), (folder.path() / "config").string());
 }
 
-TEST(Device, MissingProgramOfAnApplicationIsNamed) {
+TEST(Device, ProgramThatCannotBeRunIsNamedWithTheReason) {
     const TemporaryFolder folder;
-    const Device watch(folder.path());
-    for (const std::string program : {"/nowhere/agent", "/tmp"}) {
-        EXPECT_EQ(failureOf([&] { watch.boot(standardApplications(program, {"/bin/true"})); }),
-                  "cannot run the program of com.velmor.tesk-agent: " + program +
-                      (program == "/tmp" ? " is a folder" : ""));
+    const Device watch(folder.path() / "watch");
+    const auto script = (folder.path() / "mail.py").string();
+    std::ofstream(script) << "#!/usr/bin/python3\n";
+    for (const auto& [program, reason] :
+         {std::pair<std::string, std::string>("/nowhere/agent", ": No such file or directory"),
+          {"/tmp", " is a folder"},
+          {script, ": Permission denied; make it executable with: chmod +x " + script}}) {
+        EXPECT_EQ(failureOf([&, name = program] { watch.boot(standardApplications(name, {"/bin/true"})); }),
+                  "cannot run the program of com.velmor.tesk-agent: " + program + reason);
     }
     EXPECT_FALSE(watch.isBooted());
 }

@@ -3,7 +3,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <stdexcept>
+#include <system_error>
 
 #include "c_owners.h"
 
@@ -82,13 +84,28 @@ void writeActivation(const DeviceLayout& layout, const std::string& id, const st
     write(layout.services() / (id + ".service"), "[D-BUS Service]\nName=" + id + "\nExec=" + exec + "\n");
 }
 
+/// Why a program cannot be run, with what would help; empty when it can.
+std::string whyNotRun(const std::string& program) {
+    std::error_code error;
+    if (program.empty()) {
+        return "none given";
+    }
+    if (fs::is_directory(program, error)) {
+        return program + " is a folder";
+    }
+    if (access(program.c_str(), X_OK) == 0) {
+        return "";
+    }
+    error = {errno, std::generic_category()};
+    const bool isThere = access(program.c_str(), F_OK) == 0;
+    return program + ": " + error.message() +
+           (isThere && error == std::errc::permission_denied ? "; make it executable with: chmod +x " + program : "");
+}
+
 void requireProgram(const Application& application) {
-    const std::string program = application.command.empty() ? "" : application.command.front();
-    std::error_code missing;
-    if (access(program.c_str(), X_OK) != 0 || fs::is_directory(program, missing)) {
-        throw std::runtime_error("cannot run the program of " + application.id + ": " +
-                                 (program.empty() ? "none given" : program) +
-                                 (fs::is_directory(program, missing) ? " is a folder" : ""));
+    const auto reason = whyNotRun(application.command.empty() ? "" : application.command.front());
+    if (!reason.empty()) {
+        throw std::runtime_error("cannot run the program of " + application.id + ": " + reason);
     }
 }
 
