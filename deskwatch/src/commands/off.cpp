@@ -1,3 +1,4 @@
+#include <chrono>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -22,11 +23,11 @@ void switchOff(const Device& device, bool isForced) {
 }
 
 /// A watch that cannot be switched off does not keep the others from it.
-void switchAllOff(bool isForced) {
+void switchAllOff(const CommonOptions& common, bool isForced) {
     std::size_t failures = 0;
     for (const auto& folder : Registry::ofUser().folders()) {
         try {
-            switchOff(Device(folder), isForced);
+            switchOff(Device(folder, std::chrono::seconds(common.timeout)), isForced);
         } catch (const std::runtime_error& error) {
             std::cerr << "deskwatch: off: " << error.what() << '\n';
             ++failures;
@@ -47,7 +48,7 @@ void addOffCommand(CLI::App& program, const CommonOptions& common) {
     command->footer("Example:\n  deskwatch --device /tmp/watch off");
     command->callback([&common, options] {
         if (options->isForAll) {
-            switchAllOff(options->isForced);
+            switchAllOff(common, options->isForced);
         } else {
             switchOff(chosenDevice(common), options->isForced);
         }

@@ -144,7 +144,7 @@ std::optional<ProcessHandle> BusProcess::running() const {
     return identity ? ProcessHandle::open(*identity) : std::nullopt;
 }
 
-void BusProcess::stop(std::chrono::seconds atMost) const {
+void BusProcess::stop(std::chrono::milliseconds atMost) const {
     if (const auto daemon = running()) {
         daemon->signal(SIGTERM);
         awaitEnd(*daemon, atMost);

@@ -33,7 +33,7 @@ public:
     std::optional<ProcessHandle> running() const;
 
     /// Ends the daemon and waits for it; removes the record. Throws std::runtime_error when it does not end in time.
-    void stop(std::chrono::seconds atMost) const;
+    void stop(std::chrono::milliseconds atMost) const;
 
 private:
     std::filesystem::path record_;

@@ -25,6 +25,20 @@ namespace {
 /// An application that works ends much sooner.
 constexpr std::chrono::seconds longestEnd{20};
 
+/// One deadline for waits that follow each other.
+class TimeLeft {
+public:
+    explicit TimeLeft(std::chrono::milliseconds atMost) : end_(std::chrono::steady_clock::now() + atMost) {}
+
+    std::chrono::milliseconds get() const {
+        const auto left = end_ - std::chrono::steady_clock::now();
+        return std::max(std::chrono::duration_cast<std::chrono::milliseconds>(left), std::chrono::milliseconds::zero());
+    }
+
+private:
+    std::chrono::steady_clock::time_point end_;
+};
+
 /// Keeps two processes from booting or ending one device at the same time. The lock goes with the descriptor.
 FileDescriptor lockBoot(const DeviceLayout& layout) {
     FileDescriptor lock(open(layout.bootLock().c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
@@ -35,7 +49,7 @@ FileDescriptor lockBoot(const DeviceLayout& layout) {
 }
 
 /// The applications of a device whose bus runs. A bus that does not answer any more has none that could be known.
-std::vector<ProcessHandle> applicationsOf(const DeviceLayout& layout, std::chrono::seconds atMost) {
+std::vector<ProcessHandle> applicationsOf(const DeviceLayout& layout, std::chrono::milliseconds atMost) {
     try {
         return BusClient(layout.busAddress(), atMost).daemon().applicationProcesses();
     } catch (const std::runtime_error&) {
@@ -55,30 +69,30 @@ bool isOnTheWay(const ProcessHandle& process, const ProcessHandle& bus) {
     return process.pid() != bus.pid() && (program == bus.program() || program == "env") && !process.hasChildren();
 }
 
-void waitFor(const std::vector<ProcessHandle>& processes, std::chrono::seconds atMost) {
+void waitFor(const std::vector<ProcessHandle>& processes, const TimeLeft& time) {
     for (const auto& process : processes) {
-        awaitEnd(process, atMost);
+        awaitEnd(process, time.get());
     }
 }
 
 /// Ends what an earlier run of the device left. False when there was nothing.
-bool endLeftovers(const DeviceLayout& layout, int signal, std::chrono::seconds atMost) {
+bool endLeftovers(const DeviceLayout& layout, int signal, const TimeLeft& time) {
     const auto left = processesOf(layout);
     for (const auto& process : left) {
         process.signal(signal);
     }
-    waitFor(left, atMost);
+    waitFor(left, time);
     return !left.empty();
 }
 
 /// A program that was still coming up may wait for its bus for ever. Everything that the daemon started is in its
 /// session.
-void endLatecomers(pid_t session, std::chrono::seconds atMost) {
+void endLatecomers(pid_t session, const TimeLeft& time) {
     for (auto left = ProcessHandle::ofSession(session); !left.empty(); left = ProcessHandle::ofSession(session)) {
         for (const auto& process : left) {
             process.signal(SIGTERM);
         }
-        waitFor(left, atMost);
+        waitFor(left, time);
     }
 }
 
@@ -96,17 +110,19 @@ void noteLogOfBoot(const DeviceLayout& layout) {
     std::ofstream(layout.logOfBoot()) << (missing ? 0 : size) << '\n'; // without it the log is one of many boots
 }
 
-bool endBus(const DeviceLayout& layout, const BusProcess& bus, std::chrono::seconds atMost) {
+bool endBus(const DeviceLayout& layout, const BusProcess& bus, std::chrono::milliseconds atMost) {
+    const TimeLeft time(atMost);
     const auto daemon = bus.running();
-    const auto applications = daemon ? applicationsOf(layout, atMost) : std::vector<ProcessHandle>{};
-    bus.stop(atMost);
+    // one that does not answer still gets time to end
+    const auto applications = daemon ? applicationsOf(layout, atMost / 2) : std::vector<ProcessHandle>{};
+    bus.stop(time.get());
     std::filesystem::remove(layout.bootedMark()); // which means nothing without a bus
     std::filesystem::remove(layout.socket());
-    waitFor(applications, atMost); // they end when their bus does
+    waitFor(applications, time); // they end when their bus does
     if (daemon) {
-        endLatecomers(daemon->pid(), atMost);
+        endLatecomers(daemon->pid(), time);
     }
-    const bool hadLeftovers = endLeftovers(layout, SIGTERM, atMost);
+    const bool hadLeftovers = endLeftovers(layout, SIGTERM, time);
     return daemon || hadLeftovers;
 }
 
@@ -161,7 +177,7 @@ void Device::requireBooted() const {
 
 bool Device::off() const {
     if (!exists()) {
-        if (endLeftovers(layout_, SIGTERM, endTimeout())) {
+        if (endLeftovers(layout_, SIGTERM, TimeLeft(endTimeout()))) {
             return true;
         }
         throw std::runtime_error(layout_.folder().string() + " is not a watch folder");
@@ -171,7 +187,7 @@ bool Device::off() const {
 }
 
 bool Device::kill() const {
-    const bool wasRunning = endLeftovers(layout_, SIGKILL, endTimeout());
+    const bool wasRunning = endLeftovers(layout_, SIGKILL, TimeLeft(endTimeout()));
     for (const auto& file : {layout_.bootedMark(), layout_.busRecord(), layout_.socket()}) {
         std::filesystem::remove(file);
     }
