@@ -1,5 +1,6 @@
 #include "panel/panel.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
@@ -22,11 +23,12 @@ struct PanelCommandOptions {
 };
 
 Device panelDevice(const CommonOptions& common, const PanelCommandOptions& options) {
-    if (!options.folder.empty()) {
-        return Device(options.folder);
+    const std::chrono::seconds patience(common.timeout);
+    const auto named = !options.folder.empty() ? options.folder : common.device;
+    if (!named.empty()) {
+        return Device(named, patience);
     }
-    const auto newest = Registry::ofUser().newest();
-    return !common.device.empty() ? Device(common.device) : Device(newest.value_or(Registry::ofUser().defaultDevice()));
+    return Device(Registry::ofUser().newest().value_or(Registry::ofUser().defaultDevice()), patience);
 }
 
 void openBrowser(const std::string& file) {
