@@ -129,6 +129,7 @@ TEST_F(SurvivalCommands, HungBusKeepsNobodyWaiting) {
         EXPECT_EQ(outcome.status, 1);
         EXPECT_NE(outcome.errors.find(told), std::string::npos) << outcome.errors;
     }
+    EXPECT_FALSE(std::filesystem::exists(recording));
     const auto list = Json::parse(deskwatchProgram({"ls", "--json"}).output);
     EXPECT_EQ(list[0]["state"], "booted");
     EXPECT_EQ(list[1]["state"], "does not respond");

@@ -44,20 +44,19 @@ private:
     FileDescriptor descriptor_;
 };
 
-/// The same file, with which nothing would be lost.
-const std::string& unwritten(const std::string& file) {
+void requireNothingLost(const RecordOptions& options) {
+    const auto& file = options.file;
     std::error_code none;
-    if (std::filesystem::is_regular_file(file, none) && std::filesystem::file_size(file, none) > 0) {
+    if (!options.isForced && std::filesystem::is_regular_file(file, none) &&
+        std::filesystem::file_size(file, none) > 0) {
         throw std::runtime_error(file + " exists already; --force replaces it");
     }
-    return file;
 }
 
 /// The file of a recording, line by line.
 class Lines {
 public:
-    explicit Lines(const RecordOptions& options)
-        : isAnonymous_(options.isAnonymous), file_(options.isForced ? options.file : unwritten(options.file)) {}
+    explicit Lines(const RecordOptions& options) : isAnonymous_(options.isAnonymous), file_(options.file) {}
 
     void write(const TraceEvent& line) {
         const auto told = isAnonymous_ ? anonymiser_.anonymised(line) : line;
@@ -83,7 +82,7 @@ std::string endOf(const std::filesystem::path& log) {
 class Recorder {
 public:
     Recorder(const Device& device, const RecordOptions& options)
-        : device_(device), lines_(options), bus_(device.busAddress(), device.patience()),
+        : device_(device), options_(options), bus_(device.busAddress(), device.patience()),
           monitor_(device.busAddress(), {}, device.patience()),
           trace_(bus_.daemon(), [this](const TraceEvent& event) { take(event); }),
           service_(bus_.daemon().processOf(ids::service)) {}
@@ -97,8 +96,7 @@ public:
             const auto head = headOf(readState(DeviceSession(device_, observerId)));
             takeUpToNow();
             if (events_ == 0) {
-                lines_.write(head);
-                isBegun_ = true;
+                lines_.emplace(options_).write(head); // a watch that does not answer leaves no file
                 return;
             }
         }
@@ -108,7 +106,7 @@ public:
     void run(const EndSignals& signals) {
         bool isOver = false;
         while (!isOver) {
-            lines_.requireReader();
+            lines_->requireReader();
             isOver = signals.arrived() || monitor_.isClosed();
             while (const auto message = monitor_.next(isOver ? std::chrono::milliseconds::zero() : lookUp)) {
                 trace_.take(message.get());
@@ -131,8 +129,8 @@ private:
             idleExitOf(endOf(device_.layout().log()), *service_, {})) {
             event["how"] = "idle"; // it was about to
         }
-        if (isBegun_) {
-            lines_.write(event);
+        if (lines_) {
+            lines_->write(event);
         }
     }
 
@@ -146,13 +144,13 @@ private:
     }
 
     const Device& device_;
-    Lines lines_;
+    const RecordOptions& options_;
+    std::optional<Lines> lines_;
     BusClient bus_;
     BusMonitor monitor_;
     BusTrace trace_;
     std::optional<pid_t> service_;
     std::size_t events_ = 0;
-    bool isBegun_ = false;
 };
 
 } // namespace
@@ -160,6 +158,7 @@ private:
 void record(const Device& device, const RecordOptions& options, const std::function<void()>& whenReady) {
     const EndSignals signals;
     device.requireBooted();
+    requireNothingLost(options);
     Recorder recorder(device, options);
     recorder.writeHead();
     whenReady();
