@@ -8,6 +8,7 @@
 #include "policy_files/policy_setting.h"
 #include "policy_files/setting_text.h"
 #include "provisioning/element_rule.h"
+#include "provisioning/provisioning_import.h"
 #include "text/json_input.h"
 
 namespace deskwatch {
@@ -67,45 +68,52 @@ void remarkOnPart(PolicyFile& content, const LocatedJson& object) {
     }
 }
 
-std::string legalValues(MemberType type) {
-    return type == MemberType::Flag ? "true or false" : type == MemberType::Mode ? "0, 32, 64 or 96" : "";
-}
-
-/// The value of a member as the element has it that the member stands for.
-ProvisioningElement elementOfMember(const PolicyMember& member, const LocatedJson* value, long line) {
-    const auto* const rule = elementRule(member.element);
-    ProvisioningElement element{std::string(member.element),
-                                "",
-                                false,
-                                value != nullptr ? static_cast<long>(value->line) : line,
-                                {std::string(member.name), legalValues(member.type), ""}};
-    const bool isNumber = value != nullptr && value->kind == Kind::Integer;
-    if (member.type == MemberType::Flag && (value == nullptr || value->kind == Kind::Flag)) {
-        element.value = value != nullptr && value->flag ? std::to_string(rule->most) : "0";
-    } else if (member.type == MemberType::Mode && isNumber &&
-               std::find(passwordModes.begin(), passwordModes.end(), value->integer) != passwordModes.end()) {
-        element.value = (value->integer & alphanumericMode) != 0 ? "1" : "0";
-    } else if (member.type == MemberType::Number && isNumber) {
-        element.value = value->integer == 0 && rule->least > 0 ? "" : value->text;
-    } else {
-        element.value = value != nullptr ? value->shown() : "";
+/// What a flag or a mode of a message is as the number of its element; none when it is neither.
+std::optional<int> plainValue(const PolicyMember& member, const LocatedJson& value) {
+    if (member.type == MemberType::Flag && value.kind == Kind::Flag) {
+        return value.flag ? elementRule(member.element)->most : 0;
     }
-    return element;
+    const bool isMode = member.type == MemberType::Mode && value.kind == Kind::Integer &&
+                        std::find(passwordModes.begin(), passwordModes.end(), value.integer) != passwordModes.end();
+    return isMode ? std::optional((value.integer & alphanumericMode) != 0 ? 1 : 0) : std::nullopt;
 }
 
-FilePolicy policyOfAccount(const LocatedJson& account, const LocatedJson& policySet) {
+/// The value of a member as the element has it that the member stands for. A flag that is left out forbids.
+std::string elementValue(const PolicyMember& member, const LocatedJson* value) {
+    if (value == nullptr) {
+        return member.type == MemberType::Flag ? "0" : "";
+    }
+    if (member.type != MemberType::Number) {
+        const auto plain = plainValue(member, *value);
+        return plain ? std::to_string(*plain) : "";
+    }
+    const bool isNoLimit = value->kind == Kind::Integer && value->integer == 0;
+    return isNoLimit && elementRule(member.element)->least > 0 ? ""
+           : value->kind == Kind::Integer                      ? value->text
+                                                               : value->shown();
+}
+
+FilePolicy policyOfAccount(const std::string& file, const LocatedJson& account, const LocatedJson& policySet) {
     FilePolicy policy;
     policy.isMessage = true;
     const auto* const name = account.find("accountName");
     policy.name = name != nullptr ? name->text : "";
     for (const auto& member : policyMembers) {
+        const std::string memberName(member.name);
+        const auto* const value = policySet.find(memberName);
+        const auto line = static_cast<long>(value != nullptr ? value->line : policySet.line);
         policy.elements.push_back(
-            elementOfMember(member, policySet.find(std::string(member.name)), static_cast<long>(policySet.line)));
+            {std::string(member.element), elementValue(member, value), false, line, {memberName, "", ""}});
+        if (value != nullptr && member.type != MemberType::Number && !plainValue(member, *value)) {
+            policy.faults.push_back(placeIn(file, line) + ": " + memberName + " is " + value->shown() +
+                                    "; it must be " +
+                                    (member.type == MemberType::Flag ? "true or false" : "0, 32, 64 or 96"));
+        }
     }
     return policy;
 }
 
-PolicyFile readMessagePolicies(const LocatedJson& root, const std::string& id) {
+PolicyFile readMessagePolicies(const std::string& file, const LocatedJson& root, const std::string& id) {
     PolicyFile content;
     const auto* const kind = std::find_if(messageKinds.begin(), messageKinds.end(),
                                           [&id](const MessageKind& candidate) { return candidate.id == id; });
@@ -119,7 +127,7 @@ PolicyFile readMessagePolicies(const LocatedJson& root, const std::string& id) {
     for (const auto& account : accounts != nullptr ? accounts->elements : std::vector<LocatedJson>{}) {
         const auto* const policySet = account.find("policySet");
         if (policySet != nullptr && policySet->kind == Kind::Object) {
-            content.policies.push_back(policyOfAccount(account, *policySet));
+            content.policies.push_back(policyOfAccount(file, account, *policySet));
         }
     }
     return content;
@@ -142,7 +150,7 @@ std::optional<PolicyFile> readJsonPolicies(const std::string& file, const std::s
     requireJson(file, text, "");
     const auto root = locatedJson(text);
     if (const auto* const id = root.find("msgId")) {
-        return readMessagePolicies(root, id->text);
+        return readMessagePolicies(file, root, id->text);
     }
     PolicyFile content;
     const auto* const data = root.find("data");
