@@ -218,8 +218,7 @@ TEST(ReadPolicyFile, MistakesAreToldInTheWordsOfTheFileAndOfTheChosenPolicyAlone
         {"Name : A\nMaxInactivityTimeLock : 15\nName : B\nAllowCamera : True\n",
          R"(p has 2 policies; choose one with --policy: "A", "B")"},
         {"AllowCamera : True\nAllowWifI : True", "not a property of a policy; did you mean \"AllowWiFi\"?"},
-        {"AllowCamera : True\nMinPasswordLenght : 4",
-         "not a property of a policy; did you mean \"MinPasswordLength\"?"},
+        {"MinPasswordLenght : 4", "not a property of a policy; did you mean \"MinPasswordLength\"?"},
         {"allowcam=1\nmindevpwlength=4", "not a key of a policy; did you mean \"mindevpwlenngth\"?"},
     };
     for (const auto& [text, expected] : rows) {

@@ -89,6 +89,19 @@ private:
     long number_ = 0;
 };
 
+/// The lists that are policies, which one name in them tells.
+PolicyFile policiesAmong(const std::string& file, const std::vector<std::vector<PolicySetting>>& lists,
+                         bool (*isName)(const std::string&, Naming)) {
+    PolicyFile content;
+    for (const auto& settings : lists) {
+        if (std::any_of(settings.begin(), settings.end(),
+                        [isName](const PolicySetting& setting) { return isName(setting.name, Naming::Properties); })) {
+            addPolicy(content, policyOf(file, settings, Naming::Properties));
+        }
+    }
+    return content;
+}
+
 } // namespace
 
 std::optional<PolicyFile> readListedPolicies(const std::string& file, const std::string& text) {
@@ -98,16 +111,12 @@ std::optional<PolicyFile> readListedPolicies(const std::string& file, const std:
     for (std::string line; std::getline(stream, line);) {
         reader.take(line, ++number);
     }
-    PolicyFile content;
-    for (const auto& settings : reader.end()) {
-        const bool isPolicy = std::any_of(settings.begin(), settings.end(), [](const PolicySetting& setting) {
-            return isPolicyName(setting.name, Naming::Properties);
-        });
-        if (isPolicy) {
-            addPolicy(content, policyOf(file, settings, Naming::Properties));
-        }
+    const auto lists = reader.end();
+    auto content = policiesAmong(file, lists, isPolicyName);
+    if (content.policies.empty()) { // a file may have nothing but a misspelt name
+        content = policiesAmong(file, lists, isNearPolicyName);
     }
-    return content.policies.empty() ? std::nullopt : std::optional(content);
+    return content.policies.empty() ? std::nullopt : std::optional(std::move(content));
 }
 
 } // namespace deskwatch

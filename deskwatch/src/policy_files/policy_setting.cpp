@@ -44,7 +44,7 @@ bool isLeftOut(const std::string& name, Naming naming) {
     if (std::any_of(notSent.begin(), notSent.end(), isSame)) {
         return true;
     }
-    return naming == Naming::Properties && !nearest(name, namesOf(naming));
+    return naming == Naming::Properties && !isNearPolicyName(name, naming);
 }
 
 std::optional<long> numberIn(std::string_view text) {
@@ -158,6 +158,10 @@ ProvisioningElement unknownElement(const PolicySetting& setting, Naming naming) 
 
 bool isPolicyName(const std::string& name, Naming naming) {
     return policyName(name, naming) != nullptr;
+}
+
+bool isNearPolicyName(const std::string& name, Naming naming) {
+    return nearest(name, namesOf(naming)).has_value();
 }
 
 std::string parameterOf(std::string_view element) {

@@ -48,6 +48,9 @@ inline constexpr std::size_t mostSections = 100;
 /// Whether a name is that of an element, as that kind of file writes it.
 bool isPolicyName(const std::string& name, Naming naming);
 
+/// Whether a name is probably meant to be that of an element.
+bool isNearPolicyName(const std::string& name, Naming naming);
+
 /// The parameter of `Set-MobileDeviceMailboxPolicy` that sets an element; empty for none.
 std::string parameterOf(std::string_view element);
 
