@@ -100,6 +100,8 @@ TEST_F(Docs, CompletionProposesCommandsOptionsAndValues) {
              {"fault vconf_set_s", "vconf_set_str"},
              {"exchange order ''", ""},
              {"exchange order --cacert file http://a.example bob s", "status slow"},
+             {"mail send chk_p", "chk_password_policy"},
+             {"mail connect --protocol 16", "16.0 16.1"},
              {"key get db/r", "db/rgn/country_iso"},
          }) {
         EXPECT_EQ(proposed(std::string("deskwatch ") + words), std::string(expected) + "\n") << words;

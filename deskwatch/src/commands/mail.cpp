@@ -8,6 +8,7 @@
 #include "actors/message_file.h"
 #include "actors/refusal.h"
 #include "commands.h"
+#include "commands/completion.h"
 #include "device/application_ids.h"
 #include "text/input_file.h"
 #include "text/value_text.h"
@@ -55,7 +56,9 @@ void addDeleteCommand(CLI::App& mail, const CommonOptions& common) {
 void addSendCommand(CLI::App& mail, const CommonOptions& common) {
     auto* command = mail.add_subcommand("send", "Send any request");
     auto request = std::make_shared<Request>();
-    command->add_option("REQ", request->name, "The request's name")->required();
+    command->add_option("REQ", request->name, "The request's name")
+        ->required()
+        ->check(proposing({requests::all.begin(), requests::all.end()}));
     command->add_option("TEXT", request->argument, "Its argument (default: empty)");
     command->footer("Example:\n  deskwatch mail send chk_password_policy");
     command->callback([&common, request] { sendAndTell(common, {{"", *request}}); });

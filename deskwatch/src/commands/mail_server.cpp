@@ -14,6 +14,7 @@
 #include "exchange/protocol_version.h"
 #include "exchange/server_address.h"
 #include "text/value_output.h"
+#include "text/value_text.h"
 
 namespace deskwatch {
 namespace {
@@ -98,22 +99,13 @@ struct ConnectOptions {
     NewAccount account;
 };
 
-CLI::Option* addVersionOption(CLI::App& command, std::optional<int>& version) {
-    const auto take = [&version](const std::string& text) {
-        version = versionOf(text);
-        return version.has_value();
-    };
-    return command
+void addVersionOption(CLI::App& command, std::optional<int>& version) {
+    const auto list = joined(versionTexts(), ", ");
+    command
         .add_option_function<std::string>(
-            "--protocol",
-            [take](const std::string& text) {
-                if (!take(text)) {
-                    throw CLI::ValidationError(
-                        "--protocol",
-                        text + " is not a version of ActiveSync: 2.5, 12.0, 12.1, 14.0, 14.1, 16.0 or 16.1");
-                }
-            },
-            "Version of ActiveSync: 2.5, 12.0, 12.1, 14.0, 14.1, 16.0 or 16.1 (default: the highest that both speak)")
+            "--protocol", [&version](const std::string& text) { version = versionOf(text); },
+            "Version of ActiveSync: " + list + " (default: the highest that both speak)")
+        ->check(oneOf(versionTexts(), "is not a version of ActiveSync: " + list))
         ->type_name("VERSION");
 }
 

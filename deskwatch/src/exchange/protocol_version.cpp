@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <sstream>
 
 namespace deskwatch {
@@ -14,6 +15,12 @@ constexpr std::array<int, 7> spoken{protocol::v2_5,  protocol::v12_0, protocol::
 
 std::string versionText(int version) {
     return std::to_string(version / 10) + "." + std::to_string(version % 10);
+}
+
+std::vector<std::string> versionTexts() {
+    std::vector<std::string> texts;
+    std::transform(spoken.begin(), spoken.end(), std::back_inserter(texts), versionText);
+    return texts;
 }
 
 std::optional<int> versionOf(const std::string& text) {

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace deskwatch {
 
@@ -19,6 +20,9 @@ inline constexpr int v16_1 = 161;
 
 /// As servers write it: "14.1".
 std::string versionText(int version);
+
+/// The texts of all versions that are spoken here, the lowest first.
+std::vector<std::string> versionTexts();
 
 /// A version by its text; none for one that nobody here speaks.
 std::optional<int> versionOf(const std::string& text);
