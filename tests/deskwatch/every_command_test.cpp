@@ -224,5 +224,19 @@ TEST_F(EveryCommand, FollowerEndsWithItsReader) {
     }
 }
 
+TEST_F(EveryCommand, FollowerThatIsReadSlowlyEndsWithTheWatch) {
+    for (const auto* const follower : {"log", "timeline"}) {
+        boot();
+        std::ofstream log(device().layout().log(), std::ios::app);
+        for (int line = 0; line < 5000; ++line) {
+            log << "more than what a pipe holds before it is read, line " << line << std::endl;
+        }
+        RunningProgram program({follower, "--follow"});
+        program.nextLine();
+        run({"off"});
+        EXPECT_EQ(program.waitForEnd(), 0) << follower;
+    }
+}
+
 } // namespace
 } // namespace deskwatch

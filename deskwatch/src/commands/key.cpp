@@ -5,6 +5,7 @@
 #include "commands.h"
 #include "commands/completion.h"
 #include "commands/output.h"
+#include "device/watch_end.h"
 #include "session/observer.h"
 #include "session/shared_keys.h"
 #include "text/value_output.h"
@@ -72,13 +73,16 @@ void set(const CommonOptions& common, const KeyOptions& options) {
 }
 
 void followAll(const CommonOptions& common, const KeyOptions& options) {
-    const DeviceSession session(chosenDevice(common), observerId);
-    endWithReader();
-    session.endWithWatch();
-    followKeys(options.keys, [&, left = options.count](const std::string& key, const Value& value) mutable {
-        std::cout << (options.isJson ? asLine(key, value) : key + " " + valueText(value)) << '\n';
-        flushFollowed();
-        return left == 0 || --left > 0;
+    const auto device = chosenDevice(common);
+    untilWatchEnds(device, [&] {
+        const DeviceSession session(device, observerId);
+        endWithReader();
+        session.endWithWatch();
+        followKeys(options.keys, [&, left = options.count](const std::string& key, const Value& value) mutable {
+            std::cout << (options.isJson ? asLine(key, value) : key + " " + valueText(value)) << '\n';
+            flushFollowed();
+            return left == 0 || --left > 0;
+        });
     });
 }
 

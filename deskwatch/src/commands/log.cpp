@@ -9,6 +9,7 @@
 #include "commands.h"
 #include "commands/output.h"
 #include "device/bus_client.h"
+#include "device/watch_end.h"
 #include "records/log_lines.h"
 #include "status/followed_file.h"
 
@@ -33,14 +34,15 @@ std::streamoff beginOfBoot(const DeviceLayout& layout) {
 /// Until the watch is switched off; for ever when it is off already.
 void follow(const Device& device, FollowedFile& log) {
     endWithReader();
+    const bool isBooted = device.isBooted(); // the reader may take his time
+    log.read();
     const c::MainLoopOwner loop(g_main_loop_new(nullptr, FALSE));
     std::optional<BusClient> bus;
-    if (device.isBooted()) {
+    if (isBooted) {
         bus.emplace(device.busAddress(), device.patience());
         bus->whenClosed([&] { g_main_loop_quit(loop.get()); });
     }
     g_main_loop_run(loop.get());
-    log.read();
 }
 
 void showLog(const CommonOptions& common, const LogOptions& options) {
@@ -57,10 +59,10 @@ void showLog(const CommonOptions& common, const LogOptions& options) {
             flushFollowed();
         },
         options.isOfBoot ? beginOfBoot(device.layout()) : 0);
-    log.read();
     if (options.isFollowed) {
-        follow(device, log);
+        untilWatchEnds(device, [&] { follow(device, log); });
     }
+    log.read(); // or what was written last
 }
 
 } // namespace

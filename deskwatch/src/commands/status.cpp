@@ -7,6 +7,7 @@
 #include "commands.h"
 #include "commands/observed_watch.h"
 #include "commands/output.h"
+#include "device/watch_end.h"
 #include "session/observer.h"
 #include "status/device_status.h"
 #include "status/status_follower.h"
@@ -46,10 +47,13 @@ private:
 void showStatus(const CommonOptions& common, const StatusOptions& options) {
     const auto device = chosenDevice(common);
     if (options.isFollowed) {
-        const DeviceSession session(device, observerId);
-        endWithReader();
-        StatusDisplay display(options.isJson);
-        followStatus(session, [&](const DeviceStatus& status) { display.show(status); });
+        untilWatchEnds(device, [&] {
+            const DeviceSession session(device, observerId);
+            endWithReader();
+            StatusDisplay display(options.isJson);
+            followStatus(session, [&](const DeviceStatus& status) { display.show(status); });
+        });
+        return;
     }
     const auto status = ObservedWatch(device).status();
     std::cout << (options.isJson ? statusJson(status) : statusTables(status));

@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "commands/output.h"
+#include "device/watch_end.h"
 
 namespace deskwatch {
 namespace {
@@ -19,12 +20,16 @@ void showTimeline(const CommonOptions& common, const TimelineOptions& options) {
     if (options.isFollowed) {
         endWithReader();
     }
-    tellTimeline(chosenDevice(common), {!options.isNew, options.isFollowed}, [&](const TimelineEntry& entry) {
-        std::cout << (options.isJson ? timelineJson(entry) : timelineText(entry));
-        if (options.isFollowed) {
-            flushFollowed();
-        }
-    });
+    const auto device = chosenDevice(common);
+    const auto tell = [&] {
+        tellTimeline(device, {!options.isNew, options.isFollowed}, [&](const TimelineEntry& entry) {
+            std::cout << (options.isJson ? timelineJson(entry) : timelineText(entry));
+            if (options.isFollowed) {
+                flushFollowed();
+            }
+        });
+    };
+    options.isFollowed ? untilWatchEnds(device, tell) : tell();
 }
 
 } // namespace

@@ -3,8 +3,6 @@
 #include <dconf.h>
 
 #include <memory>
-#include <optional>
-#include <stdexcept>
 #include <vector>
 
 #include "c_owners.h"
@@ -65,26 +63,10 @@ private:
         }
     }
 
-    /// None when the watch has just ended, which the main loop is about to hear.
-    std::optional<DeviceStatus> readUnlessClosed() const {
-        try {
-            return readStatus(session_);
-        } catch (const std::runtime_error&) {
-            if (g_dbus_connection_is_closed(session_.connection()) == FALSE) {
-                throw;
-            }
-            return std::nullopt;
-        }
-    }
-
     void refresh() {
         isDue_ = false;
         listenToDatabase();
-        const auto read = readUnlessClosed();
-        if (!read) {
-            return;
-        }
-        const auto& status = *read;
+        const auto status = readStatus(session_);
         show_(status);
         const bool isCounting = status.idleExit && status.idleExit->isExact && status.idleExit->in.count() > 0;
         if (isCounting && timer_ == 0) {
