@@ -54,6 +54,7 @@ TEST_F(CheckCommand, WatchThatIsOffIsLookedAtByWhatItKeeps) {
     setenv("DESKWATCH_DEVICE", device().layout().folder().c_str(), 1);
 
     EXPECT_EQ(kinds(), Kinds{"refused"}) << "its log tells";
+    EXPECT_EQ(deskwatchProgram({"check"}).output.find("the internal storage was wiped since the boot: "), 0U);
     EXPECT_EQ(run({"explain", "--json"}), explanation);
     EXPECT_EQ(status()["wipes"], 1);
     EXPECT_NE(run({"timeline"}).find("[EAS] Failed setPasswordMinLength"), std::string::npos);

@@ -16,6 +16,7 @@
 #include "session/device_policy.h"
 #include "session/lock_screen.h"
 #include "session/setting_value.h"
+#include "status/device_status.h"
 
 namespace deskwatch {
 namespace {
@@ -112,6 +113,7 @@ void readSettings(const fs::path& file, Evidence& evidence) {
         if (dump.contains("lockScreen")) {
             evidence.lockScreen.passwordAge = dump.at("lockScreen").at("passwordAge").get<int>();
         }
+        evidence.wipes = dump.value("wipes", 0);
         if (dump.contains("administrator")) {
             evidence.isAdministered = dump.at("administrator").get<bool>();
         }
@@ -152,6 +154,7 @@ Evidence readEvidence(const DeviceSession& /*speaks as an application of the wat
     evidence.lockScreen = readLockScreen(store.get());
     evidence.isAdministered = isSet(store.get(), std::string("/dpm/clients/") + ids::service);
     evidence.refused = refusedIn(files.log());
+    evidence.wipes = countWipes(files);
     evidence.connected = connectedAccounts(files);
     return evidence;
 }

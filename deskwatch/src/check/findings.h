@@ -28,6 +28,8 @@ struct Evidence {
     std::optional<bool> isAdministered;
     /// The settings, as indices of deviceSettings, that the device refused when the service last wrote them.
     std::set<std::size_t> refused;
+    /// How often the internal storage was wiped since the boot.
+    int wipes = 0;
     /// Accounts whose server's policy the mail application has.
     std::vector<int> connected;
 };
@@ -45,11 +47,12 @@ struct Finding {
 /// Compares what each account demands with what the device holds. Nothing is found on a watch that keeps its word.
 std::vector<Finding> findingsOf(const Evidence& evidence);
 
-/// The findings as text for a reader; one line says when there are none.
-std::string findingsText(const std::vector<Finding>& findings);
+/// The findings as text for a reader; one line says when there are none. A line before them says that the watch was
+/// wiped, which is no finding: the watch is as strict as before.
+std::string findingsText(const std::vector<Finding>& findings, int wipes = 0);
 
-/// The findings as one JSON object.
-std::string findingsJson(const std::vector<Finding>& findings);
+/// The same as one JSON object.
+std::string findingsJson(const std::vector<Finding>& findings, int wipes = 0);
 
 } // namespace deskwatch
 

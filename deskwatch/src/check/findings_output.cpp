@@ -34,11 +34,13 @@ const char* nameOf(Finding::Kind kind) {
 
 } // namespace
 
-std::string findingsText(const std::vector<Finding>& findings) {
+std::string findingsText(const std::vector<Finding>& findings, int wipes) {
+    std::string text = wipes == 0 ? ""
+                                  : "the internal storage was wiped since the boot: a device loses its accounts with "
+                                    "it; the desk keeps them, and checks them\n";
     if (findings.empty()) {
-        return "the watch is as strict as its accounts want\n";
+        return text + "the watch is as strict as its accounts want\n";
     }
-    std::string text;
     for (const auto& finding : findings) {
         text += finding.text + "\n";
         for (const auto& detail : finding.details) {
@@ -48,8 +50,8 @@ std::string findingsText(const std::vector<Finding>& findings) {
     return text;
 }
 
-std::string findingsJson(const std::vector<Finding>& findings) {
-    OrderedJson object{{"findings", OrderedJson::array()}};
+std::string findingsJson(const std::vector<Finding>& findings, int wipes) {
+    OrderedJson object{{"wipes", wipes}, {"findings", OrderedJson::array()}};
     for (const auto& finding : findings) {
         object["findings"].push_back(
             {{"kind", nameOf(finding.kind)}, {"text", finding.text}, {"details", finding.details}});

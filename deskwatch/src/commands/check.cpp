@@ -38,8 +38,10 @@ void addCheckCommand(CLI::App& program, const CommonOptions& common) {
                     "\"settings\" and \"keys\" suffice. Exit status 3 when something is found.\n"
                     "Example:\n  deskwatch check");
     command->callback([&common, options] {
-        const auto findings = findingsOf(evidenceOf(common, *options));
-        std::cout << (options->isJson ? findingsJson(findings) : findingsText(findings));
+        const auto evidence = evidenceOf(common, *options);
+        const auto findings = findingsOf(evidence);
+        std::cout << (options->isJson ? findingsJson(findings, evidence.wipes)
+                                      : findingsText(findings, evidence.wipes));
         if (!findings.empty()) {
             throw Refusal("the watch is weaker than its accounts want");
         }
