@@ -5,7 +5,7 @@ const mostKept = 5000;
 const mostShown = 500;
 const drawEvery = 100;
 const levels = 'VDIWEFS';
-const kinds = ['request', 'answer', 'effect', 'launch', 'message', 'key', 'process', 'event', 'fault', 'call', 'action', 'log'];
+const kinds = ['request', 'answer', 'effect', 'launch', 'message', 'key', 'process', 'wipe', 'lock', 'event', 'fault', 'call', 'action', 'log'];
 
 const timeText = (entry) => (entry.time ? new Date(entry.time).toTimeString().slice(0, 8) + entry.time.slice(19, 23) : 'before');
 
@@ -13,7 +13,7 @@ const timeText = (entry) => (entry.time ? new Date(entry.time).toTimeString().sl
 const shortText = (entry) => (entry.kind === 'log' ? entry.text.replace(/^([VDIWEFS])\/TESK_CONSUMER\(\d+\): /, '$1 ') : entry.text);
 
 function content(entry) {
-  return entry.kind === 'log' ? entry.text : JSON.stringify(entry.detail, null, 2);
+  return entry.detail === null ? entry.text : JSON.stringify(entry.detail, null, 2);
 }
 
 function row(entry) {

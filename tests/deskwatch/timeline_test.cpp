@@ -95,7 +95,10 @@ TEST_F(TimelineCommand, PastIsTheLogAndTheInbox) {
     boot();
     run({"mail", "policy", sample("hardened.json")});
     run({"popup", "sync-off"});
+    run({"lock", "password"});
+    run({"lock", "--wrong", "2"});
     const auto text = run({"timeline"});
+    EXPECT_THAT(text, testing::ContainsRegex("[0-9:]{8}[.][0-9]{3}  lock    wrong password, attempt 2 of 10\n"));
     EXPECT_THAT(text, testing::ContainsRegex("[0-9:]{8}[.][0-9]{3}  log     W/TESK_CONSUMER[(]"));
     EXPECT_NE(text.find("message the service sends req_disable_password_eas_accounts"), std::string::npos) << text;
 }

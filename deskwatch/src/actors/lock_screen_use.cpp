@@ -6,6 +6,7 @@
 #include "actors/refusal.h"
 #include "c_owners.h"
 #include "device/application_ids.h"
+#include "records/log_line.h"
 #include "session/device_policy.h"
 #include "session/device_session.h"
 #include "session/lock_rules.h"
@@ -42,6 +43,12 @@ public:
         }
     }
 
+    /// Leaves a line in the log for what was done, and returns the same text.
+    std::string told(std::string text) const {
+        addLogLine(session_.device().layout().log(), lockScreenTag, text);
+        return text;
+    }
+
     void change(const LockScreen& screen) {
         writeLockScreen(screen);
         screen_ = screen;
@@ -60,7 +67,7 @@ std::string enterWrongPassword(const Device& device, int times) {
     LockScreenInUse::requireLock();
     const auto screen = afterWrongPasswords(use.screen(), times, use.limits());
     use.change(screen);
-    auto text = wrongAttemptText(screen, use.limits());
+    auto text = use.told(wrongAttemptText(screen, use.limits()));
     if (hasToWipe(screen, use.limits())) {
         if (const int result = wipeInternalStorage(); result != 0) {
             throw Refusal(text + ", but the platform refuses it with " + std::to_string(result));
@@ -77,26 +84,26 @@ std::string unlock(const Device& device) {
         throw Refusal(passwordAgeText(use.screen(), use.limits()) + ": deskwatch lock pin or deskwatch lock password");
     }
     use.change({0, use.screen().passwordAge, false});
-    return "the watch is unlocked";
+    return use.told("the watch is unlocked");
 }
 
 std::string leaveAlone(const Device& device, int seconds) {
     LockScreenInUse use(device);
     if (!LockScreenInUse::hasLock()) {
-        return "the watch stays unlocked: it has no lock";
+        return use.told("the watch stays unlocked: it has no lock");
     }
     const int limit = use.limits().inactivity;
     if (limit > 0 && seconds >= limit) {
         use.change({use.screen().wrongAttempts, use.screen().passwordAge, true});
     }
-    return inactivityText(use.screen(), use.limits());
+    return use.told(inactivityText(use.screen(), use.limits()));
 }
 
 std::string agePassword(const Device& device, int days) {
     LockScreenInUse use(device);
     LockScreenInUse::requireLock();
     use.change({use.screen().wrongAttempts, days, use.screen().isLocked});
-    return passwordAgeText(use.screen(), use.limits());
+    return use.told(passwordAgeText(use.screen(), use.limits()));
 }
 
 } // namespace deskwatch

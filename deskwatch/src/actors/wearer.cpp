@@ -11,6 +11,7 @@
 #include "actors/refusal.h"
 #include "device/application_ids.h"
 #include "device/bus_client.h"
+#include "records/log_line.h"
 #include "session/companion_bus.h"
 #include "session/device_policy.h"
 #include "session/device_session.h"
@@ -99,6 +100,10 @@ int setLock(const Device& device, Lock lock, std::optional<int> length) {
     }
     expectSet(vconf_set_int(TeskConsumerKeys::lockType, static_cast<int>(lock)), TeskConsumerKeys::lockType);
     writeLockScreen({}); // a new password, and the wearer is past the lock screen
+    addLogLine(device.layout().log(), lockScreenTag,
+               lock == Lock::None ? "the lock is removed"
+                                  : std::string("a ") + (lock == Lock::Pin ? "PIN" : "password") + " of " +
+                                        std::to_string(choice.length) + " characters is set");
     session.settleService();
     return choice.length;
 }

@@ -35,16 +35,17 @@ void showTimeline(const CommonOptions& common, const TimelineOptions& options) {
 } // namespace
 
 void addTimelineCommand(CLI::App& program, const CommonOptions& common) {
-    auto* command = program.add_subcommand("timeline", "Show what happened: requests, effects, keys, launches, log");
+    auto* command =
+        program.add_subcommand("timeline", "Show what happened: requests, effects, keys, launches, lock, log");
     auto options = std::make_shared<TimelineOptions>();
     auto* follow = command->add_flag("--follow", options->isFollowed,
                                      "Continue with what happens, until interrupted or the watch is switched off");
     command->add_flag("--new", options->isNew, "Leave out what happened before")->needs(follow);
     command->add_flag("--json", options->isJson, "One JSON object for each entry");
     command->footer(
-        "Of what happened before, only the log is known and what the mail application received. Start it with\n"
-        "--follow beforehand to see requests, effects, keys and launches. Of a watch that is switched off it is the "
-        "log.\n"
+        "Of what happened before, only the log is known, which has the wearer's use of the lock, and what the mail\n"
+        "application received. Start it with --follow beforehand to see requests, effects, keys and launches. Of a\n"
+        "watch that is switched off it is the log.\n"
         "Example:\n  deskwatch timeline --follow");
     command->callback([&common, options] { showTimeline(common, *options); });
 }

@@ -17,8 +17,9 @@ struct TimelineEntry {
     /// When it was logged or seen; none for what bears no time and happened before somebody looked.
     std::optional<std::chrono::system_clock::time_point> time;
     /// "request" and "answer": what the service was asked and answered; "key": a key that someone else set; "effect":
-    /// what the service wrote; "launch" and "message": what it sent; "process": a start or an end; "event", "fault" and
-    /// "call": what was done to the watch from outside; "log": a line of the log.
+    /// what the service wrote; "launch", "message" and "wipe": what it sent and did; "process": a start or an end;
+    /// "lock": what the wearer did with the lock; "event", "fault" and "call": what was done to the watch from outside;
+    /// "log": a line of the log.
     std::string kind;
     /// The level of a log line; empty for others.
     std::string level;

@@ -84,15 +84,21 @@ std::pair<const char*, std::string> around(const std::string& what, const TraceE
     return {"event", member(event, "type")};
 }
 
-std::string timeText(system_clock::time_point time, bool isLocal) {
-    const auto sinceEpoch = duration_cast<milliseconds>(time.time_since_epoch()).count();
-    const auto seconds = static_cast<std::time_t>(sinceEpoch / 1000);
+std::string localTime(system_clock::time_point time) {
+    const auto seconds = system_clock::to_time_t(time);
     std::tm parts{};
-    isLocal ? localtime_r(&seconds, &parts) : gmtime_r(&seconds, &parts);
-    std::array<char, 40> text{};
-    const auto length = isLocal ? std::strftime(text.data(), text.size(), "%H:%M:%S", &parts)
-                                : std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &parts);
-    return std::string(text.data(), length) + "." + std::to_string(1000 + sinceEpoch % 1000).substr(1);
+    localtime_r(&seconds, &parts);
+    std::array<char, 20> text{};
+    const auto length = std::strftime(text.data(), text.size(), "%H:%M:%S", &parts);
+    const auto utc = timeInUtc(time);
+    return std::string(text.data(), length) + utc.substr(utc.rfind('.'));
+}
+
+/// What the wearer did with the lock, of a line `I/LOCK_SCREEN(123): text`; empty for another line.
+std::string_view lockText(std::string_view line) {
+    const auto start = std::string("I/") + lockScreenTag + "(";
+    const auto end = line.find("): ");
+    return line.substr(0, start.size()) == start && end != std::string_view::npos ? line.substr(end + 3) : "";
 }
 
 } // namespace
@@ -112,6 +118,11 @@ TimelineEntry timelineEntry(std::string_view logged) {
     const auto line = logLine(logged);
     TimelineEntry result;
     result.time = line.time;
+    if (const auto use = lockText(line.text); !use.empty()) {
+        result.kind = "lock";
+        result.text = use;
+        return result;
+    }
     result.kind = "log";
     result.level = line.level ? std::string(1, *line.level) : "";
     result.text = line.text;
@@ -120,14 +131,14 @@ TimelineEntry timelineEntry(std::string_view logged) {
 
 std::string timelineText(const TimelineEntry& entry) {
     constexpr std::size_t kindWidth = 8;
-    const auto time = entry.time ? timeText(*entry.time, true) : "-           ";
+    const auto time = entry.time ? localTime(*entry.time) : "-           ";
     const auto gap = std::string(kindWidth > entry.kind.size() ? kindWidth - entry.kind.size() : 1, ' ');
     return time + "  " + entry.kind + gap + printable(entry.text) + "\n";
 }
 
 std::string timelineJson(const TimelineEntry& entry) {
     TraceEvent object;
-    object["time"] = entry.time ? TraceEvent(timeText(*entry.time, false) + "Z") : TraceEvent(nullptr);
+    object["time"] = entry.time ? TraceEvent(timeInUtc(*entry.time) + "Z") : TraceEvent(nullptr);
     object["kind"] = entry.kind;
     object["level"] = entry.level.empty() ? TraceEvent(nullptr) : TraceEvent(entry.level);
     object["text"] = entry.text;

@@ -1,11 +1,16 @@
 #include "records/log_line.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <ctime>
 #include <fstream>
 #include <iterator>
+
+#include "device/file_descriptor.h"
 
 namespace deskwatch {
 namespace {
@@ -54,6 +59,23 @@ LogLine logLine(std::string_view line) {
         result.text.remove_prefix(timeShape.size());
     }
     return result;
+}
+
+std::string timeInUtc(system_clock::time_point time) {
+    const auto sinceEpoch = duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count();
+    const auto seconds = static_cast<std::time_t>(sinceEpoch / 1000);
+    std::tm parts{};
+    gmtime_r(&seconds, &parts);
+    std::array<char, 40> text{};
+    const auto length = std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &parts);
+    return std::string(text.data(), length) + "." + std::to_string(1000 + sinceEpoch % 1000).substr(1);
+}
+
+void addLogLine(const std::filesystem::path& log, const std::string& tag, const std::string& text) {
+    const auto line =
+        timeInUtc(system_clock::now()) + "Z I/" + tag + "(" + std::to_string(getpid()) + "): " + text + "\n";
+    const FileDescriptor file(open(log.c_str(), O_WRONLY | O_APPEND | O_NONBLOCK | O_CLOEXEC)); // it may be a pipe
+    static_cast<void>(!file.isOpen() || write(file.get(), line.data(), line.size()) < 0);
 }
 
 bool isAtLeast(char level, char lowest) {

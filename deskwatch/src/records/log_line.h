@@ -25,6 +25,16 @@ std::optional<char> levelOf(std::string_view line);
 /// The parts of a line, which has to last as long as they do.
 LogLine logLine(std::string_view line);
 
+/// The tag of what the wearer does with the lock of the screen.
+inline constexpr char lockScreenTag[] = "LOCK_SCREEN";
+
+/// Adds a line with the time and the level of information. A log that cannot be written stays as it is, as when an
+/// application writes to it.
+void addLogLine(const std::filesystem::path& log, const std::string& tag, const std::string& text);
+
+/// A time as the log has it, in UTC and without the Z.
+std::string timeInUtc(std::chrono::system_clock::time_point time);
+
 /// Whether a level is that high. Both are letters of LogLine.
 bool isAtLeast(char level, char lowest);
 
