@@ -49,8 +49,13 @@ function screenOf(status, isBooted) {
   if (local.opened === 'encryption' || (encryptions > local.closed.encryption && status.keys[keys.crypto] !== 'encrypted')) {
     return { name: 'encryption', isEncrypted: status.keys[keys.crypto] === 'encrypted' };
   }
-  if (status.keys[keys.lock] && !local.isUnlocked) {
-    return { name: 'locked', lock: status.keys[keys.lock], isEncrypted: status.keys[keys.crypto] === 'encrypted' };
+  if (status.keys[keys.lock] && (!local.isUnlocked || status.lockScreen?.locked)) {
+    const { wrongAttempts = 0, passwordAge = 0 } = status.lockScreen ?? {};
+    const { maximum_failed_attempts_for_wipe: most, expires } = status.settings;
+    return {
+      name: 'locked', lock: status.keys[keys.lock], isEncrypted: status.keys[keys.crypto] === 'encrypted',
+      wrong: wrongAttempts, most, isExpired: expires > 0 && passwordAge >= expires,
+    };
   }
   if (local.opened === 'mail') {
     return { name: 'mail', inbox: local.inbox, accounts: status.accounts.map((account) => account.account_name) };
@@ -71,7 +76,7 @@ const names = {
 const hand = {
   do: async (action) => {
     const result = await act(action);
-    local.isUnlocked = action.action !== 'boot'; // the wearer is at the watch
+    local.isUnlocked = !['boot', 'wrong-password', 'unlock'].includes(action.action); // the wearer is at the watch
     return result.status === 0 ? '' : reasonOf(result);
   },
   open: (what) => {

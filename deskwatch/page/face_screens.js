@@ -172,11 +172,14 @@ const timeText = () => new Date().toTimeString().slice(0, 5);
 
 const lockText = (kind, isEncrypted) => `${lockNames[kind] ?? 'No lock'}${isEncrypted ? ', encrypted' : ''}`;
 
-/// Nobody but the wearer knows the PIN, so that a press stands for it.
-function locked({ lock: kind, isEncrypted }, hand) {
-  return screen('locked', icon('lock'), el('p', { className: 'clock' }, timeText()),
-    el('p', { className: 'dim' }, lockText(kind, isEncrypted)),
-    el('div', { className: 'keys' }, button('Unlock', hand.unlock, { className: 'do' })));
+/// Nobody but the wearer knows the PIN, so that a press stands for a right or a wrong one.
+function locked({ lock: kind, isEncrypted, wrong, most, isExpired }, hand) {
+  const secret = kind === 1 ? 'PIN' : 'password';
+  const state = isExpired ? `The ${secret} has expired` : wrong ? `${wrong}${most ? ` of ${most}` : ''} wrong` : lockText(kind, isEncrypted);
+  return plain('locked', hand, [icon('lock'), el('p', { className: 'clock' }, timeText())], [el('p', { className: 'dim' }, state)],
+    (found) => [button(`Wrong ${secret}`, doing(hand, found, () => ({ action: 'wrong-password' })), { className: 'no' }),
+      isExpired ? button('Set another', () => hand.open('lock'), { className: 'do' })
+        : button('Unlock', doing(hand, found, () => ({ action: 'unlock' }), hand.unlock), { className: 'do' })]);
 }
 
 function clock({ lock: kind, isEncrypted, mayEncrypt, inbox }, hand) {

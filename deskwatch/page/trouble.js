@@ -16,7 +16,7 @@ export function startTrouble(panel) {
     outcome.textContent = result.status === 0 ? result.output.trim() || 'Done.' : reasonOf(result);
   };
   const doing = (text, action, properties) => button(text, () => run(typeof action === 'function' ? action() : action), properties);
-  panel.append(outcome, el('div', { className: 'tools' }, faults(doing), events(doing), store(doing), key(doing), outside(doing), mail(doing)));
+  panel.append(outcome, el('div', { className: 'tools' }, faults(doing), events(doing), store(doing), key(doing), outside(doing), time(doing), mail(doing)));
 }
 
 function faults(doing) {
@@ -81,6 +81,16 @@ function outside(doing) {
     el('div', { className: 'row' }, labelled('Country', country), doing('Set the country', () => ({ action: 'key', key: 'db/rgn/country_iso', value: country.value }))),
     el('div', { className: 'row' }, labelled('Lock of the screen', lock), doing('Set the lock', () => ({ action: 'key', key: keys.lock, value: Number(lock.value) }))),
     el('div', { className: 'row' }, doing('Start the tutorial', { action: 'tutorial', state: 'start' })));
+}
+
+function time(doing) {
+  const days = el('input', { type: 'number', min: 1, value: '365' });
+  const seconds = el('input', { type: 'number', min: 1, value: '900' });
+  return tool('Time passes', 'The lock screen follows the settings: a password expires, and a watch that nobody uses locks itself.',
+    el('div', { className: 'row' }, labelled('Age of the password in days', days),
+      doing('Make it that old', () => ({ action: 'age', days: Math.trunc(Number(days.value)) }))),
+    el('div', { className: 'row' }, labelled('Seconds without use', seconds),
+      doing('Leave the watch alone', () => ({ action: 'idle', seconds: Math.trunc(Number(seconds.value)) }))));
 }
 
 function mail(doing) {

@@ -26,6 +26,10 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         ActionRow{R"({"action":"popup","answer":"sync-off"})", "popup sync-off"},
         ActionRow{R"({"action":"lock","lock":"pin","length":6})", "lock pin --length 6"},
+        ActionRow{R"({"action":"unlock"})", "lock --right"},
+        ActionRow{R"({"action":"wrong-password"})", "lock --wrong 1"},
+        ActionRow{R"({"action":"idle","seconds":900})", "lock --idle 900"},
+        ActionRow{R"({"action":"age","days":90})", "lock --age 90"},
         ActionRow{R"({"action":"lock","lock":"none"})", "lock none"}, ActionRow{R"({"action":"encrypt"})", "encrypt"},
         ActionRow{R"({"action":"tutorial","state":"done"})", "tutorial done"},
         ActionRow{R"({"action":"send","message":"{\"a\":\"it's\"}"})",

@@ -51,9 +51,15 @@ class Tour(PanelTest):
         page.await_text(".screen", "Switched off")
         page.press("Switch on", ".screen")
         page.await_text(".screen", "Locked with a password, encrypted")
+        page.press("Wrong password", ".screen")
+        page.await_text(".screen", "1 of 10 wrong")
         page.press("Unlock", ".screen")
         page.press("Lock now", ".screen")
         page.await_text("#announce", "The watch is locked")
+        page.view("Trouble")
+        page.press("Make it that old")
+        page.press("Set another", ".screen")
+        page.await_text(".screen", "Screen lock")
         self.assertEqual(page.console(), [])
 
     def test_the_popups_other_answers_and_the_tutorial(self):

@@ -143,6 +143,22 @@ const std::map<std::string, Action>& actions() {
              return command({"popup", choiceOf(request, "answer", {"ok", "sync-off", "dismiss"})});
          }},
         {"lock", lockAction},
+        {"unlock",
+         [](const auto&) {
+             return command({"lock", "--right"});
+         }},
+        {"wrong-password",
+         [](const auto&) {
+             return command({"lock", "--wrong", "1"});
+         }},
+        {"idle",
+         [](const auto& request) {
+             return command({"lock", "--idle", numberOf(request, "seconds")});
+         }},
+        {"age",
+         [](const auto& request) {
+             return command({"lock", "--age", numberOf(request, "days")});
+         }},
         {"encrypt", [](const auto&) { return command({"encrypt"}); }},
         {"tutorial",
          [](const auto& request) {
