@@ -307,7 +307,7 @@ TEST(Device, ProgramThatCannotBeRunIsNamedWithTheReason) {
           {"/tmp", " is a folder"},
           {script, ": Permission denied; make it executable with: chmod +x " + script}}) {
         EXPECT_EQ(failureOf([&, name = program] { watch.boot(standardApplications(name, {"/bin/true"})); }),
-                  "cannot run the program of com.velmor.tesk-agent: " + program + reason);
+                  std::string("cannot run the program of com.velmor.tesk-agent: ").append(program).append(reason));
     }
     EXPECT_FALSE(watch.isBooted());
 }

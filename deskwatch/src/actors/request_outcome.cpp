@@ -68,7 +68,8 @@ const StoredAccount* rowOf(const std::optional<std::vector<StoredAccount>>& acco
 bool holds(const StoredAccount& stored, const MessageAccount& account) {
     return std::all_of(stored.begin(), stored.end(), [&account](const NamedValue& column) {
         if (column.name == "account_name") {
-            return column.value == Value(std::string(account.name.c_str())); // a text ends for the service at a NUL
+            // a text ends for the service at a null character
+            return column.value == Value(account.name.substr(0, account.name.find('\0')));
         }
         return std::all_of(account.columns.begin(), account.columns.end(), [&column](const DemandedColumn& demanded) {
             return column.name != demanded.name || column.value == Value(demanded.value);
