@@ -1,7 +1,9 @@
 #include "device/device.h"
 
 #include <dconf.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 
 #include <algorithm>
 #include <csignal>
@@ -13,6 +15,7 @@
 #include "device/application_ids.h"
 #include "device/bus_client.h"
 #include "device/bus_process.h"
+#include "device/file_descriptor.h"
 #include "temporary_folder.h"
 
 namespace deskwatch {
@@ -295,6 +298,20 @@ TEST(Device, EnvironmentOfTheCallerStaysOutsideExceptForItsSanitizers) {
     EXPECT_EQ(environment.at("XSAN_OPTIONS"), "verify=0");
     EXPECT_EQ(environment.at("TESK_APP_ID"), "com.example.app");
     EXPECT_EQ(environment.at("XDG_CONFIG_HOME"), (folder.path() / "config").string());
+}
+
+TEST(Device, BootThatHangsKeepsNobodyWaiting) {
+    const TemporaryFolder folder;
+    const Device watch(folder.path(), std::chrono::seconds(1));
+    watch.layout().makeFolders();
+    std::ofstream(watch.layout().busConfiguration()) << "<busconfig/>"; // which makes it a watch
+    const FileDescriptor other(open(watch.layout().bootLock().c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    ASSERT_EQ(flock(other.get(), LOCK_EX), 0);
+    EXPECT_EQ(
+        failureOf([&] {
+            watch.off();
+        }).find("another command that boots or ends " + folder.path().string() + " has not answered for 1 seconds"),
+        0U);
 }
 
 TEST(Device, ProgramThatCannotBeRunIsNamedWithTheReason) {

@@ -12,11 +12,13 @@
 #include <fstream>
 #include <stdexcept>
 #include <system_error>
+#include <thread>
 
 #include "device/application_ids.h"
 #include "device/bus_client.h"
 #include "device/bus_process.h"
 #include "device/file_descriptor.h"
+#include "device/patience.h"
 #include "host_bus.h"
 
 namespace deskwatch {
@@ -39,11 +41,28 @@ private:
     std::chrono::steady_clock::time_point end_;
 };
 
+/// Whether the file was locked in time; flock() itself would wait for ever.
+bool lockWithin(std::chrono::milliseconds atMost, const FileDescriptor& file, const std::filesystem::path& name) {
+    const TimeLeft time(atMost);
+    while (!file.isOpen() || flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
+        if (errno != EWOULDBLOCK) {
+            throw std::system_error(errno, std::generic_category(), "cannot lock " + name.string());
+        }
+        if (time.get() == std::chrono::milliseconds::zero()) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return true;
+}
+
 /// Keeps two processes from booting or ending one device at the same time. The lock goes with the descriptor.
-FileDescriptor lockBoot(const DeviceLayout& layout) {
+FileDescriptor lockBoot(const DeviceLayout& layout, std::chrono::milliseconds patience) {
     FileDescriptor lock(open(layout.bootLock().c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
-    if (!lock.isOpen() || flock(lock.get(), LOCK_EX) != 0) {
-        throw std::system_error(errno, std::generic_category(), "cannot lock " + layout.bootLock().string());
+    const auto other = "another command that boots or ends " + layout.folder().string();
+    if (!tryPatiently(patience, noticeOfStart, other,
+                      [&](auto atMost) { return lockWithin(atMost, lock, layout.bootLock()); })) {
+        throw NoAnswer(other, patience);
     }
     return lock;
 }
@@ -134,7 +153,7 @@ std::chrono::seconds Device::endTimeout() const {
 
 void Device::boot(const std::vector<Application>& applications, const DeviceState& state) const {
     layout_.makeFolders();
-    const auto lock = lockBoot(layout_);
+    const auto lock = lockBoot(layout_, patience_);
     if (isBooted()) {
         throw std::runtime_error(layout_.folder().string() + " is already booted");
     }
@@ -182,7 +201,7 @@ bool Device::off() const {
         }
         throw std::runtime_error(layout_.folder().string() + " is not a watch folder");
     }
-    const auto lock = lockBoot(layout_);
+    const auto lock = lockBoot(layout_, patience_);
     return endBus(layout_, BusProcess(layout_.busRecord()), endTimeout());
 }
 
