@@ -68,6 +68,9 @@ constexpr char commonSections[] = R"(.SH ENVIRONMENT
 .B DESKWATCH_DEVICE
 Folder of the watch that a command is about, as the option \-\-device.
 .TP
+.B DESKWATCH_TIMEOUT
+Seconds that a command waits for an answer, as the option \-\-timeout.
+.TP
 .B XDG_STATE_HOME
 Folder with the list of the user's watches and the default watch. Without it: ~/.local/state.
 .TP

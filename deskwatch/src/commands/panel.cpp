@@ -48,6 +48,7 @@ void switchOff(const Device& device) {
 }
 
 void showPanel(const CommonOptions& common, const PanelCommandOptions& options) {
+    setenv("DESKWATCH_TIMEOUT", std::to_string(common.timeout).c_str(), 1); // for the commands of the page
     const Device device = panelDevice(common, options);
     const EndRequest endRequest; // what is booted here is switched off, however early the end comes
     bool isOwn = !device.isBooted();

@@ -12,6 +12,7 @@ void addCommonOptions(CLI::App& program, CommonOptions& common) {
         .add_option("--timeout", common.timeout,
                     "How long to wait for an application, or a bus, that does not answer (default: " +
                         std::to_string(common.timeout) + ")")
+        ->envname("DESKWATCH_TIMEOUT")
         ->check(checkPositive, "")
         ->type_name("SECONDS");
 }
