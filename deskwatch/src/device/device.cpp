@@ -1,6 +1,7 @@
 #include "device/device.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 
 #include <algorithm>
@@ -12,7 +13,6 @@
 #include <fstream>
 #include <stdexcept>
 #include <system_error>
-#include <thread>
 
 #include "device/application_ids.h"
 #include "device/bus_client.h"
@@ -44,14 +44,15 @@ private:
 /// Whether the file was locked in time; flock() itself would wait for ever.
 bool lockWithin(std::chrono::milliseconds atMost, const FileDescriptor& file, const std::filesystem::path& name) {
     const TimeLeft time(atMost);
-    while (!file.isOpen() || flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
-        if (errno != EWOULDBLOCK) {
-            throw std::system_error(errno, std::generic_category(), "cannot lock " + name.string());
-        }
-        if (time.get() == std::chrono::milliseconds::zero()) {
+    const auto isTaken = [&file] { return file.isOpen() && flock(file.get(), LOCK_EX | LOCK_NB) == 0; };
+    constexpr int pause = 10; // milliseconds, which a signal cuts short
+    while (!isTaken()) {
+        if (errno == EWOULDBLOCK && time.get() == std::chrono::milliseconds::zero()) {
             return false;
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        if (errno != EWOULDBLOCK || poll(nullptr, 0, pause) != 0) {
+            throw std::system_error(errno, std::generic_category(), "cannot lock " + name.string());
+        }
     }
     return true;
 }
