@@ -38,6 +38,7 @@ AREAS = (
     Area("deskwatch/src", ["deskwatch-device-test", "deskwatch-test"], 150, 90),
 )
 GIGABYTE = 1 << 30
+SURVIVES = (Answer.UNNOTICED, Answer.UNREACHED)
 
 
 def say(text: str) -> None:
@@ -112,8 +113,8 @@ def table(title: str, answers: dict[Mutant, Answer], group: Callable[[Mutant], s
 def row(name: str, answers: Iterable[Answer]) -> float:
     """A change that keeps a test from ending counts as noticed, and is counted apart too."""
     counts = Counter(answers)
-    share = 100 - 100 * counts[Answer.UNNOTICED] / counts.total()
-    noticed = counts.total() - counts[Answer.UNNOTICED]
+    noticed = counts.total() - sum(counts[answer] for answer in SURVIVES)
+    share = 100 * noticed / counts.total()
     print(f"{name:<44}{counts.total():>8}{noticed:>8}{counts[Answer.ENDLESS]:>8}{share:>7.1f} %")
     return share
 
@@ -121,10 +122,10 @@ def row(name: str, answers: Iterable[Answer]) -> float:
 def name_survivors(answers: dict[Mutant, Answer], mutants: list[Mutant]) -> None:
     """Names the changes that nobody has explained, and the explanations that are out of date."""
     known = reasons()
-    unnoticed = [mutant for mutant, answer in answers.items() if answer == Answer.UNNOTICED]
+    unnoticed = [mutant for mutant, answer in answers.items() if answer in SURVIVES]
     unexplained = [mutant for mutant in unnoticed if mutant.key not in known]
     for mutant in unexplained:
-        print(f"{mutant.path}:{mutant.line}: not noticed\n    {mutant.key}", file=sys.stderr)
+        print(f"{mutant.path}:{mutant.line}: {answers[mutant].value}\n    {mutant.key}", file=sys.stderr)
     keys, names = {mutant.key for mutant in mutants}, {os.path.basename(mutant.path) for mutant in mutants}
     stale = {key for key in known if key.split(" ")[0] in names and key not in keys}
     for key in sorted(stale | known.keys() & {mutant.key for mutant in answers.keys() - set(unnoticed)}):

@@ -27,7 +27,8 @@ class Answer(Enum):
     """What the tests say about a change."""
     NOTICED = "noticed"
     ENDLESS = "endless"  # a test ran out of time
-    UNNOTICED = "unnoticed"
+    UNNOTICED = "not noticed"
+    UNREACHED = "reached by no test"
 
 
 def words_in(name: str) -> set[str]:
@@ -99,7 +100,8 @@ class Trials:
         return sorted((test for test in self.tests if mutant.number in self.reached[test]), key=order)[:self.most]
 
     def answer(self, mutant: Mutant) -> Answer:
-        for test in self.likeliest(mutant):
+        asked = self.likeliest(mutant)
+        for test in asked:
             try:
                 if self.passes(test, LC_TESK_MUTANT=str(mutant.number)):
                     continue
@@ -108,7 +110,7 @@ class Trials:
             self.noticed_by[mutant.source][test] += 1
             self.noticed[test] += 1
             return Answer.NOTICED
-        return Answer.UNNOTICED
+        return Answer.UNNOTICED if asked else Answer.UNREACHED
 
     def answers(self, mutants: list[Mutant]) -> dict[Mutant, Answer]:
         """Asks again, one at a time and with more patience, where time ran out: the machine may have been busy."""
