@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <optional>
 
 #include "c_owners.h"
 #include "commands.h"
@@ -42,18 +43,22 @@ void openBrowser(const std::string& file) {
     const c::ObjectOwner<GSubprocess> browser(g_subprocess_newv(words, flags, nullptr));
 }
 
-void switchOff(const Device& device) {
-    device.off();
-    Registry::ofUser().remove(device.layout().folder());
+/// Switches the watch off unless it was booted again since then.
+void endBoot(const Device& device, const std::optional<pid_t>& boot) {
+    if (boot && device.currentBoot() == boot) {
+        device.off();
+        Registry::ofUser().remove(device.layout().folder());
+    }
 }
 
 void showPanel(const CommonOptions& common, const PanelCommandOptions& options) {
     setenv("DESKWATCH_TIMEOUT", std::to_string(common.timeout).c_str(), 1); // for the commands of the page
     const Device device = panelDevice(common, options);
     const EndRequest endRequest; // what is booted here is switched off, however early the end comes
-    bool isOwn = !device.isBooted();
-    if (isOwn) {
+    std::optional<pid_t> own;
+    if (!device.isBooted()) {
         bootWithDefaults(device);
+        own = device.currentBoot();
     }
     try {
         const auto onReady = [&](const std::string& address, const std::string& file) {
@@ -67,16 +72,13 @@ void showPanel(const CommonOptions& common, const PanelCommandOptions& options) 
                 openBrowser(file);
             }
         };
-        isOwn = runPanel(device, {options.port, onReady}) || isOwn;
+        const auto ofPage = runPanel(device, {options.port, onReady});
+        own = ofPage ? ofPage : own;
     } catch (...) {
-        if (isOwn) {
-            switchOff(device);
-        }
+        endBoot(device, own);
         throw;
     }
-    if (isOwn && device.isBooted()) {
-        switchOff(device);
-    }
+    endBoot(device, own);
 }
 
 } // namespace

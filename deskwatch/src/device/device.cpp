@@ -184,8 +184,9 @@ void Device::start(const std::vector<Application>& applications, bool endsWithTh
     }
 }
 
-bool Device::isBooted() const {
-    return std::filesystem::exists(layout_.bootedMark()) && BusProcess(layout_.busRecord()).running().has_value();
+std::optional<pid_t> Device::currentBoot() const {
+    const auto bus = BusProcess(layout_.busRecord()).running();
+    return bus && std::filesystem::exists(layout_.bootedMark()) ? std::optional(bus->pid()) : std::nullopt;
 }
 
 void Device::requireBooted() const {

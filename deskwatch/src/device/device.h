@@ -4,6 +4,7 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -47,7 +48,10 @@ public:
     void resume(const std::vector<Application>& applications) const;
 
     /// Whether the watch has been booted to the end and its bus runs.
-    bool isBooted() const;
+    bool isBooted() const { return currentBoot().has_value(); }
+
+    /// The process of its bus, which tells one boot from the next; none when the watch is not booted.
+    std::optional<pid_t> currentBoot() const;
 
     /// Throws std::runtime_error with what would boot it when the watch is not booted.
     void requireBooted() const;

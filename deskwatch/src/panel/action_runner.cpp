@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "device/device.h"
 #include "panel/actions.h"
 #include "panel/child_process.h"
 #include "recording/timeline.h"
@@ -74,8 +75,9 @@ void ActionRunner::continueWith(const std::shared_ptr<Action>& action) {
 
 void ActionRunner::finish(const Action& action) {
     --running_;
-    const bool isDone = action.outcome.status == 0;
-    hasBooted_ = isDone && action.name == "boot" ? true : isDone && action.name == "off" ? false : hasBooted_;
+    if (action.outcome.status == 0 && action.name == "boot") {
+        lastBoot_ = Device(folder_).currentBoot();
+    }
     if (std::find(looks.begin(), looks.end(), action.name) == looks.end()) {
         tellAction(action);
     }

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "panel/event_ring.h"
@@ -21,8 +22,8 @@ public:
     /// Answers when the action has ended. Throws BadAction.
     void run(const nlohmann::json& request, const PanelServer::Answer& answer);
 
-    /// Whether the watch is on because a page booted it.
-    bool hasBooted() const { return hasBooted_; }
+    /// The last boot that a page asked for.
+    const std::optional<pid_t>& lastBoot() const { return lastBoot_; }
 
 private:
     struct Action;
@@ -35,7 +36,7 @@ private:
     EventRing& ring_;
     std::function<void()> tell_;
     int running_ = 0;
-    bool hasBooted_ = false;
+    std::optional<pid_t> lastBoot_;
 };
 
 } // namespace deskwatch

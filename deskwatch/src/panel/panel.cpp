@@ -59,7 +59,7 @@ public:
         server_.close();
     }
 
-    bool hasBooted() const { return actions_.hasBooted(); }
+    std::optional<pid_t> lastBoot() const { return actions_.lastBoot(); }
 
 private:
     std::string folder() const { return device_.layout().folder().string(); }
@@ -125,10 +125,10 @@ private:
 
 } // namespace
 
-bool runPanel(const Device& device, const PanelOptions& options) {
+std::optional<pid_t> runPanel(const Device& device, const PanelOptions& options) {
     Panel panel(device, options.port);
     panel.run(options);
-    return panel.hasBooted();
+    return panel.lastBoot();
 }
 
 } // namespace deskwatch

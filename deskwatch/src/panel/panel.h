@@ -2,6 +2,7 @@
 #define DESKWATCH_PANEL_H
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "device/device.h"
@@ -18,8 +19,8 @@ struct PanelOptions {
 };
 
 /// Serves the watch to browsers until SIGINT or SIGTERM arrives; the watch may be switched off and booted meanwhile.
-/// Returns whether the watch is on because a page booted it. Throws std::runtime_error when it cannot listen.
-bool runPanel(const Device& device, const PanelOptions& options);
+/// Returns the last boot that a page asked for. Throws std::runtime_error when it cannot listen.
+std::optional<pid_t> runPanel(const Device& device, const PanelOptions& options);
 
 } // namespace deskwatch
 
