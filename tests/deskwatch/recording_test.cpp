@@ -117,34 +117,6 @@ TEST_F(Recordings, WipeThatIsNotDoneIsADifference) {
     EXPECT_NE(outcome.errors.find("refused.jsonl:" + std::to_string(line) + ": "), std::string::npos) << outcome.errors;
 }
 
-TEST_F(Recordings, ReplayShowsTheFirstDifferenceAndUpdateAcceptsIt) {
-    const auto file = recordStory();
-    auto text = textOf(file);
-    const std::string effect = R"("/dpm/password/minimum-length","value":6)";
-    const auto place = text.find(effect);
-    ASSERT_NE(place, std::string::npos);
-    const auto line = 1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(place), '\n');
-    text.replace(place, effect.size(), R"("/dpm/password/minimum-length","value":5)");
-    const auto changed = write("changed.jsonl", text);
-
-    const auto outcome = deskwatchProgram({"replay", changed.string()});
-
-    EXPECT_EQ(outcome.status, 1);
-    const auto number = [](auto value) {
-        const auto digits = std::to_string(value);
-        return std::string(5 - digits.size(), ' ') + digits + "  ";
-    };
-    EXPECT_EQ(outcome.errors.find("deskwatch: replay: " + changed.string() + ":" + std::to_string(line) + ": "), 0U)
-        << outcome.errors;
-    EXPECT_NE(outcome.errors.find("  after\n"), std::string::npos);
-    EXPECT_NE(outcome.errors.find("com.velmor.quillon.consumer sends req_update_policy with "), std::string::npos);
-    EXPECT_NE(outcome.errors.find(number(line - 1) + "/dpm/password/quality = 128\n  and then\n"), std::string::npos);
-    EXPECT_NE(outcome.errors.find(R"("value":6)"), std::string::npos) << outcome.errors;
-
-    run({"replay", "--update", changed.string()});
-    EXPECT_EQ(textOf(changed), textOf(file));
-}
-
 TEST_F(Recordings, ReplayFindsEachKindOfDifferenceWhereItIsFirst) {
     const std::string recorded = textOf(std::string(SOURCE_FOLDER) + "/tests/recordings/wearer-story.jsonl");
     const auto lineOf = [](const std::string& text, std::size_t place) {
@@ -170,37 +142,6 @@ TEST_F(Recordings, ReplayFindsEachKindOfDifferenceWhereItIsFirst) {
     EXPECT_NE(replayed(both).find(line), std::string::npos) << replayed(both);
     EXPECT_NE(replayed(shorter).find("recorded  nothing\n"), std::string::npos) << replayed(shorter);
     EXPECT_NE(replayed(elsewhere).find("recorded  nothing\n"), std::string::npos) << replayed(elsewhere);
-}
-
-TEST_F(Recordings, WrongLineIsRefusedWithItsPlace) {
-    const std::string head = "{\"recording\":1,\"serviceRunning\":false}\n";
-    const std::string second =
-        R"({"recording":2,"serviceRunning":false,"running":["none"],"waiting":[],"settings":{},"store":null})";
-    const std::vector<std::pair<std::string, std::string>> cases{
-        {head, " has no event to replay"},
-        {"", " has no event to replay"},
-        {head + R"({"in":"lunch"})",
-         R"(:2:2: not a line of a recording: "in" is "lunch", which is not known; did you mean "launch"?)"},
-        {head + R"({"out":"write","key":"/a","value":1})" + "\n" + R"({"out":"read"})",
-         ":3:2: not a line of a recording"},
-        {head + R"({"over":"fault"})",
-         R"(:2:1: not a line of a recording: it has neither "in" nor "out" nor "around" nor "expect")"},
-        {head + "{\"in\":\n", ":2:7: not a line of a recording: "},
-        {head + R"({"in":"key","kye":"/a","value":1})", R"(:2:1: not a line of a recording: "key" is missing)"},
-        {head + R"({"in":"key","key":"/a","value":1,"valu":1})",
-         R"(:2:34: not a line of a recording: "valu" is not a member of this line; did you mean "value"?)"},
-        {head + R"({"in":"key","key":"a/","value":1})", R"(:2:13: not a line of a recording: "key" is not the path)"},
-        {head + R"({"in":"key","key":"/a","value":{"value":"<"}})", R"("value" is not the text form of a value)"},
-        {head + R"({"around":"event","type":"low"})", "the number of a system event"},
-        {"{\"recording\":9}\n", "reads format 1 and 2"},
-        {second, R"("running" names what is not an application)"},
-    };
-    for (const auto& [text, reason] : cases) {
-        const auto outcome = deskwatchProgram({"replay", write("odd.jsonl", text).string()});
-        EXPECT_EQ(outcome.status, 1);
-        EXPECT_NE(outcome.errors.find(reason), std::string::npos) << outcome.errors;
-    }
-    EXPECT_EQ(deskwatchProgram({"replay", "/nowhere/story.jsonl"}).status, 1);
 }
 
 TEST_F(Recordings, EndOfTheServiceIsReplayed) {
