@@ -13,7 +13,7 @@ namespace deskwatch {
 namespace {
 
 /// What an order needs after its name.
-enum class Needs { Nothing, Number, Text };
+enum class Needs { Nothing, Number, HttpStatus, Text };
 
 struct OrderRow {
     const char* name;
@@ -27,7 +27,7 @@ constexpr OrderRow orderRows[] = {
     {"wipe", "have the user's devices wiped", Needs::Nothing, false},
     {"account-wipe", "have the account wiped from the user's devices", Needs::Nothing, false},
     {"forget", "forget the user's devices, their wipe included", Needs::Nothing, false},
-    {"http", "answer the next request with this HTTP status", Needs::Number, true},
+    {"http", "answer the next request with this HTTP status", Needs::HttpStatus, true},
     {"status", "answer the next request with this Status", Needs::Number, true},
     {"policy-status", "answer the next request for a policy with this Status of it", Needs::Number, true},
     {"busy", "answer the next request with 503 and this number of seconds to wait", Needs::Number, true},
@@ -50,6 +50,39 @@ std::optional<int> numberOf(const std::string& text) {
     return error == std::errc() && stop == end && number >= 0 && number < 1000 ? std::optional(number) : std::nullopt;
 }
 
+bool isHttpStatus(const std::string& text) {
+    constexpr int least = 100;
+    return numberOf(text).value_or(0) >= least;
+}
+
+bool isLegal(const std::string& value, Needs needs) {
+    switch (needs) {
+    case Needs::Number:
+        return numberOf(value).has_value();
+    case Needs::HttpStatus:
+        return isHttpStatus(value);
+    case Needs::Text:
+        return !value.empty() && printable(value) == value;
+    case Needs::Nothing:
+        break;
+    }
+    return value.empty();
+}
+
+const char* wordsFor(Needs needs) {
+    switch (needs) {
+    case Needs::Number:
+        return "a number below 1000";
+    case Needs::HttpStatus:
+        return "a status from 100 to 999";
+    case Needs::Text:
+        return "a URL";
+    case Needs::Nothing:
+        break;
+    }
+    return "no value";
+}
+
 std::string provisionWith(const std::string& status, const std::string& policyStatus) {
     std::vector<WbxmlElement> content{provisionElement("Status", status)};
     if (!policyStatus.empty()) {
@@ -65,7 +98,7 @@ std::string provisionWith(const std::string& status, const std::string& policySt
 std::string DeskServer::orderHelp() {
     std::vector<std::vector<std::string>> rows;
     for (const auto& row : orderRows) {
-        const std::string value = row.needs == Needs::Number ? " N" : row.needs == Needs::Text ? " URL" : "";
+        const std::string value = row.needs == Needs::Nothing ? "" : row.needs == Needs::Text ? " URL" : " N";
         rows.push_back({"  " + (row.name + value), row.effect});
     }
     return textTable(rows);
@@ -85,14 +118,8 @@ void DeskServer::requireOrder(const ServerOrder& order) {
         throw std::runtime_error("\"" + order.name + "\" is not an order; the orders are " + joined(names, ", ") +
                                  didYouMean(order.name, {names.begin(), names.end()}));
     }
-    const bool isValid = row->needs == Needs::Number ? numberOf(order.value).has_value()
-                         : row->needs == Needs::Text ? !order.value.empty() && printable(order.value) == order.value
-                                                     : order.value.empty();
-    if (!isValid) {
-        throw std::runtime_error("the order " + order.name + " takes " +
-                                 (row->needs == Needs::Number ? "a number below 1000"
-                                  : row->needs == Needs::Text ? "a URL"
-                                                              : "no value"));
+    if (!isLegal(order.value, row->needs)) {
+        throw std::runtime_error("the order " + order.name + " takes " + wordsFor(row->needs));
     }
 }
 
