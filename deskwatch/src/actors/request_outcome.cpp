@@ -19,14 +19,26 @@ bool startsWith(std::string_view text, std::string_view start) {
 
 constexpr std::string_view wipeFailed = "Failed to wipe internal storage. : ";
 
+constexpr std::string_view refusedSetting = "[EAS] Failed ";
+
 /// What the platform refused, as the service logs it; the rest of the line has the code. A registration that fails is
 /// left out: either the service is registered already, or the platform refuses every setting after it.
-constexpr std::array<std::string_view, 3> refusedByPlatform{"[EAS] Failed ", "vconf_set_int(",
+constexpr std::array<std::string_view, 3> refusedByPlatform{refusedSetting, "vconf_set_int(",
                                                             "app_control_send_launch_request() failed: "};
 
-std::vector<std::string> refusalsIn(const std::vector<ServiceLine>& log) {
+const char* const takesNoSetting =
+    "no account is stored: nobody administers the watch, and the platform takes no setting";
+
+/// Without an account the service does not administer the watch, and each of its settings is refused for that reason.
+std::vector<std::string> refusalsIn(const std::vector<ServiceLine>& log, bool isAdministered) {
     std::vector<std::string> refusals;
     for (const auto& line : log) {
+        if (!isAdministered && startsWith(line.text, refusedSetting)) {
+            if (refusals.empty() || refusals.front() != takesNoSetting) {
+                refusals.insert(refusals.begin(), takesNoSetting);
+            }
+            continue;
+        }
         if (std::any_of(refusedByPlatform.begin(), refusedByPlatform.end(),
                         [&](std::string_view start) { return startsWith(line.text, start); })) {
             refusals.push_back("refused by the platform: " + printable(line.text));
@@ -293,7 +305,8 @@ RequestOutcome outcomeOf(const Request& request, const RequestTraces& traces) {
     RequestOutcome outcome;
     const Evidence evidence{traces, logOf(request, traces.log)};
     outcome.effects = effectsOf(request, evidence);
-    outcome.refusals = refusalsIn(evidence.log.lines);
+    const bool isAdministered = !traces.before || !traces.after || !traces.before->empty() || !traces.after->empty();
+    outcome.refusals = refusalsIn(evidence.log.lines, isAdministered);
     return outcome;
 }
 
