@@ -56,6 +56,18 @@ bool hasAccount(const std::vector<StoredAccount>& accounts, int id) {
     });
 }
 
+/// A user who repeats a connection means the account that there is.
+void refuseRepeated(const AccountStore& store, const ServerAccount& wanted) {
+    for (const int id : store.ids()) {
+        const auto known = store.read(id).server;
+        if (known.url == wanted.url && known.user == wanted.user) {
+            throw std::runtime_error(printable(known.user) + " is connected to " + known.url + " as account " +
+                                     std::to_string(id) + ": mail refresh " + std::to_string(id) +
+                                     " goes on; --account N adds another");
+        }
+    }
+}
+
 } // namespace
 
 MailAccounts::MailAccounts(const DeviceSession& session, Surroundings surroundings)
@@ -63,6 +75,9 @@ MailAccounts::MailAccounts(const DeviceSession& session, Surroundings surroundin
 
 void MailAccounts::connect(const NewAccount& wanted) {
     auto account = newAccount(wanted);
+    if (!wanted.id) {
+        refuseRepeated(store_, account.server);
+    }
     const auto lock = store_.lock(account.id);
     const auto ids = store_.ids();
     if (std::find(ids.begin(), ids.end(), account.id) != ids.end()) {
