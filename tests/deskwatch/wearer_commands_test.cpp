@@ -193,7 +193,7 @@ TEST_F(WearerCommands, ExpiredPasswordOpensNothingUntilThereIsAnother) {
     EXPECT_EQ(found.find(expired + "\n"), 0U) << found;
     const auto outcome = deskwatchProgram({"lock", "--right"});
     EXPECT_EQ(outcome.status, refused);
-    EXPECT_EQ(outcome.errors, "deskwatch: lock: " + expired + ": deskwatch lock pin or deskwatch lock password\n");
+    EXPECT_EQ(outcome.errors, "deskwatch: lock: " + expired + ": deskwatch lock password\n");
 
     run({"lock", "password"});
 

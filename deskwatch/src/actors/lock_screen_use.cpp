@@ -37,10 +37,14 @@ public:
 
     static void requireLock() {
         if (!hasLock()) {
-            const bool isPinEnough = !refusalOf({Lock::Pin, anyLength}, readLockDemand());
-            throw Refusal(std::string("the watch has no lock; set one with: deskwatch lock ") +
-                          (isPinEnough ? "pin" : "password"));
+            throw Refusal("the watch has no lock; set one with: " + commandForLock());
         }
+    }
+
+    /// The command that sets a lock which the policy allows.
+    static std::string commandForLock() {
+        const bool isPinEnough = !refusalOf({Lock::Pin, anyLength}, readLockDemand());
+        return std::string("deskwatch lock ") + (isPinEnough ? "pin" : "password");
     }
 
     /// Leaves a line in the log for what was done, and returns the same text.
@@ -81,7 +85,7 @@ std::string unlock(const Device& device) {
     LockScreenInUse use(device);
     LockScreenInUse::requireLock();
     if (isExpired(use.screen(), use.limits())) {
-        throw Refusal(passwordAgeText(use.screen(), use.limits()) + ": deskwatch lock pin or deskwatch lock password");
+        throw Refusal(passwordAgeText(use.screen(), use.limits()) + ": " + LockScreenInUse::commandForLock());
     }
     use.change({0, use.screen().passwordAge, false});
     return use.told("the watch is unlocked");
