@@ -68,14 +68,26 @@ std::string certificateFault(GTlsCertificateFlags errors) {
     return "it is not valid";
 }
 
+/// What is known of a connection beside the library's words for its failure.
+struct TlsNotes {
+    /// Why the server's certificate is refused; empty when it is not.
+    std::string certificateFault;
+    /// Whether the server has not answered the start of TLS yet.
+    bool isStarting = false;
+};
+
 /// The handler of a certificate that is not valid notes why and refuses it.
 gboolean onCertificate(SoupMessage* /*message*/, GTlsCertificate* /*certificate*/, GTlsCertificateFlags errors,
-                       gpointer fault) {
-    *static_cast<std::string*>(fault) = certificateFault(errors);
+                       gpointer notes) {
+    static_cast<TlsNotes*>(notes)->certificateFault = certificateFault(errors);
     return FALSE;
 }
 
-Message makeMessage(const HttpRequest& request, std::string& certificateFault) {
+void onNetworkEvent(SoupMessage* /*message*/, GSocketClientEvent event, GIOStream* /*connection*/, gpointer notes) {
+    static_cast<TlsNotes*>(notes)->isStarting = event == G_SOCKET_CLIENT_TLS_HANDSHAKING;
+}
+
+Message makeMessage(const HttpRequest& request, TlsNotes& notes) {
     Message message(soup_message_new(request.method.c_str(), request.url.c_str()));
     if (message == nullptr) {
         throw std::runtime_error("not a URL: " + request.url);
@@ -93,7 +105,8 @@ Message makeMessage(const HttpRequest& request, std::string& certificateFault) {
         const std::string type = given != nullptr ? given : "application/octet-stream";
         soup_message_set_request_body_from_bytes(message.get(), type.c_str(), body.get());
     }
-    g_signal_connect(message.get(), "accept-certificate", G_CALLBACK(onCertificate), &certificateFault);
+    g_signal_connect(message.get(), "accept-certificate", G_CALLBACK(onCertificate), &notes);
+    g_signal_connect(message.get(), "network-event", G_CALLBACK(onNetworkEvent), &notes);
     return message;
 }
 
@@ -116,14 +129,15 @@ void addHeader(const char* name, const char* value, gpointer reply) {
 }
 
 /// What went wrong, with the reason that is known better than the library's own words.
-std::string reasonOf(GError* error, const std::string& certificateFault, int seconds) {
+std::string reasonOf(GError* error, const TlsNotes& notes, int seconds) {
     const bool isTooLate = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) != FALSE ||
                            g_error_matches(error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT) != FALSE;
     const std::string message = c::takeMessage(error);
-    if (!certificateFault.empty()) {
-        return "its certificate is refused: " + certificateFault;
+    if (!notes.certificateFault.empty()) {
+        return "its certificate is refused: " + notes.certificateFault;
     }
-    return isTooLate ? "the answer is not complete after " + std::to_string(seconds) + " seconds" : message;
+    return (isTooLate ? "the answer is not complete after " + std::to_string(seconds) + " seconds" : message) +
+           (notes.isStarting ? "; does the server speak TLS at this port?" : "");
 }
 
 } // namespace
@@ -151,13 +165,13 @@ HttpClient::HttpClient(const std::string& authorities, HttpLimits limits)
 HttpClient::~HttpClient() = default;
 
 HttpReply HttpClient::send(const HttpRequest& request) {
-    std::string certificateFault;
-    const Message message = makeMessage(request, certificateFault);
+    TlsNotes tls;
+    const Message message = makeMessage(request, tls);
     const Deadline deadline(limits_.seconds);
     GError* error = nullptr;
     const Stream stream(soup_session_send(session_->session.get(), message.get(), deadline.get(), &error));
     if (stream == nullptr) {
-        fail(request, reasonOf(error, certificateFault, limits_.seconds));
+        fail(request, reasonOf(error, tls, limits_.seconds));
     }
     HttpReply reply;
     reply.status = static_cast<int>(soup_message_get_status(message.get()));
@@ -166,7 +180,7 @@ HttpReply HttpClient::send(const HttpRequest& request) {
     for (;;) {
         const gssize count = g_input_stream_read(stream.get(), buffer.data(), buffer.size(), deadline.get(), &error);
         if (count < 0) {
-            fail(request, reasonOf(error, "", limits_.seconds));
+            fail(request, reasonOf(error, tls, limits_.seconds));
         }
         if (count == 0) {
             return reply;
