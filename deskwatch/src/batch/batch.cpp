@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "batch/shard.h"
 #include "c_owners.h"
 #include "device/device.h"
 #include "device/temporary_files.h"
@@ -83,6 +84,9 @@ public:
         const c::ObjectOwner<GSubprocessLauncher> launcher(g_subprocess_launcher_new(
             static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDOUT_PIPE | G_SUBPROCESS_FLAGS_STDERR_PIPE)));
         g_subprocess_launcher_setenv(launcher.get(), "TMPDIR", folder_.c_str(), TRUE);
+        for (const auto* variable : taskVariables) { // what it replays is of this machine's part already
+            g_subprocess_launcher_unsetenv(launcher.get(), variable);
+        }
         g_subprocess_launcher_set_child_setup(launcher.get(), endWithParent, nullptr, nullptr);
         GError* error = nullptr;
         process_.reset(g_subprocess_launcher_spawnv(launcher.get(), arguments.data(), &error));

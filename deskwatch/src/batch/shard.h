@@ -1,6 +1,7 @@
 #ifndef DESKWATCH_SHARD_H
 #define DESKWATCH_SHARD_H
 
+#include <array>
 #include <functional>
 #include <map>
 #include <optional>
@@ -20,6 +21,10 @@ using ReplayTimes = std::map<std::string, double>;
 
 /// "2/8". Throws std::runtime_error when the text is not a shard.
 Shard shardOf(const std::string& text);
+
+/// The variables that say which task of many this is.
+inline constexpr std::array<const char*, 3> taskVariables{"SLURM_ARRAY_TASK_ID", "JOB_COMPLETION_INDEX",
+                                                          "CI_NODE_INDEX"};
 
 /// The shard that the variables of an array task of Slurm, an indexed job of Kubernetes or a job of GitLab name; none
 /// without such variables. `variable` yields the value of one, null when it is not set. Throws std::runtime_error with

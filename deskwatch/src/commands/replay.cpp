@@ -154,10 +154,15 @@ void replayMany(const ReplayOptions& options) {
     }
 }
 
+/// Standard input is whole on every machine.
+bool hasPart(const ReplayOptions& options) {
+    return options.files.front() != standardInput && shardOfEnvironment(std::getenv).has_value();
+}
+
 /// A file alone is replayed in this process, unless something is asked for that only many have.
 bool isOne(const CLI::App& command, const ReplayOptions& options) {
     const std::vector<std::string> ofMany{"--jobs", "--shard", "--limit", "--junit", "--times", "--json", "--merge"};
-    return options.files.size() == 1 && !std::filesystem::is_directory(options.files.front()) &&
+    return options.files.size() == 1 && !std::filesystem::is_directory(options.files.front()) && !hasPart(options) &&
            std::all_of(ofMany.begin(), ofMany.end(), [&](const auto& name) { return command.count(name) == 0; });
 }
 
