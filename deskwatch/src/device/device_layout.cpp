@@ -8,6 +8,7 @@
 #include <array>
 #include <stdexcept>
 #include <string_view>
+#include <system_error>
 
 #include "c_owners.h"
 #include "device/application_ids.h"
@@ -43,6 +44,16 @@ void refuseForeignFolder(const fs::path& folder) {
         if (!belongsToDevice(entry.path().filename())) {
             throw std::runtime_error(folder.string() + " is not a watch folder: it contains " +
                                      entry.path().filename().string());
+        }
+    }
+}
+
+/// A folder cannot be made where a file is, or below it.
+void refuseFile(const fs::path& folder) {
+    std::error_code none;
+    for (auto place = folder; place != place.root_path(); place = place.parent_path()) {
+        if (fs::exists(place, none) && !fs::is_directory(place, none)) {
+            throw std::runtime_error(place.string() + " is a file; a watch needs a folder");
         }
     }
 }
@@ -129,6 +140,7 @@ Environment DeviceLayout::applicationEnvironment(const std::string& id) const {
 void DeviceLayout::makeFolders() const {
     refuseLongFolder(folder_);
     refuseInnerFolder(folder_);
+    refuseFile(folder_);
     fs::create_directories(folder_);
     refuseForeignFolder(folder_);
     if (socket().parent_path() != folder_) {
