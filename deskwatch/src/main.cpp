@@ -7,6 +7,7 @@
 #include "commands/commands.h"
 #include "commands/output.h"
 #include "text/suggestion.h"
+#include "text/value_text.h"
 
 namespace {
 
@@ -44,8 +45,20 @@ int report(const CLI::App& program, const std::exception& error, int status) {
     return status;
 }
 
-/// What the user probably meant by a word that is neither a command nor an option of the command.
+std::vector<std::string> commandNamesOf(const CLI::App& command) {
+    std::vector<std::string> names;
+    for (const auto* inner : command.get_subcommands([](const CLI::App*) { return true; })) {
+        if (!inner->get_group().empty()) {
+            names.push_back(inner->get_name());
+        }
+    }
+    return names;
+}
+
+/// What the user probably meant by a word that is neither a command nor an option of the command, or else the commands
+/// when they are few.
 std::string meant(const CLI::App& program, const std::string& word) {
+    constexpr std::size_t few = 8;
     const CLI::App* command = &program;
     std::vector<std::string> names;
     for (auto inner = program.get_subcommands(); !inner.empty(); inner = command->get_subcommands()) {
@@ -58,10 +71,11 @@ std::string meant(const CLI::App& program, const std::string& word) {
             }
         }
     }
-    for (const auto* inner : command->get_subcommands([](const CLI::App*) { return true; })) {
-        names.push_back(inner->get_group().empty() ? "" : inner->get_name());
-    }
-    return deskwatch::didYouMean(word, {names.begin(), names.end()});
+    const auto commands = commandNamesOf(*command);
+    names.insert(names.end(), commands.begin(), commands.end());
+    const auto near = deskwatch::didYouMean(word, {names.begin(), names.end()});
+    const bool areNamed = near.empty() && !isOption(word) && !commands.empty() && commands.size() <= few;
+    return areNamed ? "; the commands are " + deskwatch::joined(commands, ", ") : near;
 }
 
 /// Tells what was given in the place of a command or an option and is none. The parser only misses the command, or
