@@ -20,8 +20,13 @@ std::pair<std::string, std::string> parseEntry(const std::string& text) {
     if (equals == 0 || equals == std::string::npos) {
         throw CLI::ValidationError(text + " is not KEY=VALUE");
     }
-    const auto value = text.substr(equals + 1);
-    return {text.substr(0, equals), value.rfind('@', 0) == 0 ? readMessageFile(value.substr(1), Check::None) : value};
+    const auto given = text.substr(equals + 1);
+    auto value = given.rfind('@', 0) == 0 ? readMessageFile(given.substr(1), Check::None) : given;
+    if (value.empty()) {
+        throw CLI::ValidationError(text + ": the platform refuses an empty value; leave " + text.substr(0, equals) +
+                                   " out");
+    }
+    return {text.substr(0, equals), std::move(value)};
 }
 
 std::vector<std::string> knownApplications() {
