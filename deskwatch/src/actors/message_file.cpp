@@ -8,11 +8,22 @@
 #include "text/json_input.h"
 
 namespace deskwatch {
+namespace {
+
+/// What helps with a file that is not valid JSON; one that does not look like JSON is probably in another format.
+std::string helpWith(const std::string& text) {
+    const auto start = text.find_first_not_of(" \t\r\n");
+    const bool isMeantAsJson = start == std::string::npos || text[start] == '{';
+    return std::string(" (--raw sends it as it is") + (isMeantAsJson ? "" : "; deskwatch import reads other formats") +
+           ")";
+}
+
+} // namespace
 
 std::string readMessageFile(const std::filesystem::path& file, Check check) {
     std::string text = readInput(file);
     if (check == Check::ValidJson) {
-        requireJson(inputName(file), text, " (--raw sends it as it is)");
+        requireJson(inputName(file), text, helpWith(text));
     }
     if (const auto null = text.find('\0'); null != std::string::npos) {
         throw std::runtime_error(inputName(file) + ":" + positionIn(text, null) +
