@@ -100,8 +100,8 @@ BatchReport parseBatchJson(const std::string& text, const std::string& file) {
                                       result.value("updated", false)});
         }
         return report;
-    } catch (const Json::exception& error) {
-        throw std::runtime_error(file + " is not a report of replay --json: " + error.what());
+    } catch (const Json::exception&) {
+        throw std::runtime_error(file + " is not a report of replay --json");
     }
 }
 
