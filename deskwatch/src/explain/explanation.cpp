@@ -76,6 +76,10 @@ std::string remarkOn(std::size_t setting, const Explanation& explanation, const 
     if (name == "minimum_length" && demanded && *demanded > merged.minDevicePasswordLength) {
         remark = "the least length of a password in " + device.country.value_or("an unknown country");
     }
+    if (name == "internal_storage_encryption" && !demanded && merged.requireDeviceEncryption != 0 &&
+        device.isEncrypted()) {
+        remark = "encrypted already, so nothing is written";
+    }
     if (const auto* const fault = faultOf(device, name)) {
         remark +=
             (remark.empty() ? "" : "; ") + fault->first + " returns " + std::to_string(fault->second) + " (fault)";
