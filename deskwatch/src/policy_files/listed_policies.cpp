@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 #include <vector>
 
 #include "policy_files/policy_readers.h"
@@ -102,6 +103,22 @@ PolicyFile policiesAmong(const std::string& file, const std::vector<std::vector<
     return content;
 }
 
+/// The second of two lists without a name is rather the same policy, in which somebody wrote a property twice.
+void refuseRepeatedProperty(const std::string& file, const std::vector<FilePolicy>& policies) {
+    for (std::size_t next = 1; next < policies.size(); ++next) {
+        const auto& before = policies[next - 1].elements;
+        for (const auto& element : policies[next].elements) {
+            const auto first = std::find_if(before.begin(), before.end(), [&element](const ProvisioningElement& other) {
+                return other.name == element.name;
+            });
+            if (policies[next].name.empty() && first != before.end()) {
+                throw std::runtime_error(file + ": " + element.wording.name + " is given twice (lines " +
+                                         std::to_string(first->line) + " and " + std::to_string(element.line) + ")");
+            }
+        }
+    }
+}
+
 } // namespace
 
 std::optional<PolicyFile> readListedPolicies(const std::string& file, const std::string& text) {
@@ -116,6 +133,7 @@ std::optional<PolicyFile> readListedPolicies(const std::string& file, const std:
     if (content.policies.empty()) { // a file may have nothing but a misspelt name
         content = policiesAmong(file, lists, isNearPolicyName);
     }
+    refuseRepeatedProperty(file, content.policies);
     return content.policies.empty() ? std::nullopt : std::optional(std::move(content));
 }
 
