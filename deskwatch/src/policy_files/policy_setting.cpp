@@ -90,6 +90,8 @@ std::optional<long> timeIn(const std::string& text, TimeUnit unit) {
     return unit == TimeUnit::Days ? *seconds / perDay : *seconds;
 }
 
+constexpr char flagWords[] = "True or False";
+
 /// What an element may be in the words of an object's property; empty where it is as in a provisioning document.
 std::string legalWords(const PolicyName& name) {
     if (name.unit != TimeUnit::None) {
@@ -98,7 +100,7 @@ std::string legalWords(const PolicyName& name) {
     }
     const auto* const rule = elementRule(name.element);
     return rule == nullptr || rule->conversion == Conversion::Number ? ""
-           : rule->most == 1                                         ? "True or False"
+           : rule->most == 1                                         ? flagWords
                                                                      : "Disable, HandsfreeOnly or Allow";
 }
 
@@ -125,6 +127,10 @@ struct Faults {
     }
 };
 
+bool isEither(const std::string& text, const char* one, const char* other) {
+    return g_ascii_strcasecmp(text.c_str(), one) == 0 || g_ascii_strcasecmp(text.c_str(), other) == 0;
+}
+
 ProvisioningElement elementOf(const PolicySetting& setting, const PolicyName& name, Naming naming,
                               const Faults& faults) {
     const ElementWording wording{setting.name, naming == Naming::Properties ? legalWords(name) : "", ""};
@@ -135,6 +141,9 @@ ProvisioningElement elementOf(const PolicySetting& setting, const PolicyName& na
         return g_ascii_strcasecmp(row.word, setting.value.c_str()) == 0;
     });
     std::string value = word != valueWords.end() ? word->value : plainSize(setting.value);
+    if (wording.legalValues == flagWords && !value.empty() && !isEither(setting.value, "True", "False")) {
+        faults.refuse(setting, wording.legalValues);
+    }
     if (naming == Naming::Properties && name.unit != TimeUnit::None && word == valueWords.end() && !value.empty()) {
         const auto time = timeIn(value, name.unit);
         if (!time) {
