@@ -100,7 +100,7 @@ TEST_F(HttpExchange, AnswerThatIsCutLateOrTooLargeIsGivenUp) {
     EXPECT_NE(refusal(http.url()).find("cannot get an answer from http://127.0.0.1"), std::string::npos);
     server().order({"bob", "slow", "900"});
     EXPECT_NE(refusal(http.url(), "", {1, 1000}).find("not complete after 1 seconds"), std::string::npos);
-    const auto plain = http.url();
+    const auto& plain = http.url();
     EXPECT_NE(refusal("https" + plain.substr(plain.find(':')), "", {1, 1000}).find("speak TLS at this port?"),
               std::string::npos);
     EXPECT_NE(refusal(http.url(), "", {60, 100}).find("more than 100 bytes"), std::string::npos);
