@@ -132,7 +132,8 @@ void addHeader(const char* name, const char* value, gpointer reply) {
 std::string reasonOf(GError* error, const TlsNotes& notes, int seconds) {
     const bool isTooLate = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) != FALSE ||
                            g_error_matches(error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT) != FALSE;
-    const std::string message = c::takeMessage(error);
+    std::string message = c::takeMessage(error);
+    message.erase(message.find_last_not_of('.') + 1);
     if (!notes.certificateFault.empty()) {
         return "its certificate is refused: " + notes.certificateFault;
     }
