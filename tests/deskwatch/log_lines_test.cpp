@@ -25,6 +25,17 @@ TEST(LogLines, TimeBeforeTheLevelIsKept) {
     EXPECT_EQ(LogLines('E').add(timed), "");
 }
 
+TEST(LogLines, RecordAfterThePrefixOfTheBusIsARecord) {
+    const std::string record = "2026-11-22T20:34:25.811Z W/X(24770): read at 09:00Z I/O failed\n";
+    const auto line = "dbus-daemon[24741]: " + record;
+    EXPECT_EQ(LogLines('W').add(line), record);
+    EXPECT_EQ(LogLines('E').add(line), "");
+    EXPECT_EQ(LogLines(std::nullopt).add(line), line);
+    EXPECT_NE(logLine(line).time, std::nullopt);
+    EXPECT_EQ(logLine(line).text, record.substr(record.find("W/")));
+    EXPECT_EQ(levelOf("dbus-daemon[24741]: it is 09:00Z W/o a time"), std::nullopt);
+}
+
 TEST(LogLines, LogWithoutALineBreakDoesNotStayInMemory) {
     LogLines lines(std::nullopt);
     std::size_t shown = 0;

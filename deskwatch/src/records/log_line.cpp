@@ -29,6 +29,11 @@ bool isShapedLikeATime(std::string_view text) {
            });
 }
 
+std::optional<char> levelAt(std::string_view text) {
+    const bool hasLevel = text.size() > 1 && text[1] == '/' && levels.find(text[0]) != std::string_view::npos;
+    return hasLevel ? std::optional(text[0]) : std::nullopt;
+}
+
 system_clock::time_point timeOf(const std::string& text) {
     std::tm parts{};
     int milliseconds = 0;
@@ -42,19 +47,34 @@ system_clock::time_point timeOf(const std::string& text) {
 
 } // namespace
 
-std::optional<char> levelOf(std::string_view line) {
-    if (isShapedLikeATime(line.substr(0, timeShape.size()))) {
-        line.remove_prefix(timeShape.size());
+std::string_view recordOf(std::string_view line) {
+    if (isShapedLikeATime(line.substr(0, timeShape.size())) || levelAt(line)) {
+        return line;
     }
-    const bool hasLevel = line.size() > 1 && line[1] == '/' && levels.find(line[0]) != std::string_view::npos;
-    return hasLevel ? std::optional(line[0]) : std::nullopt;
+    constexpr std::string_view timeEnd = "Z ";
+    for (auto end = line.find(timeEnd, timeShape.size()); end != std::string_view::npos;
+         end = line.find(timeEnd, end + 1)) {
+        const auto record = line.substr(end + timeEnd.size() - timeShape.size());
+        if (isShapedLikeATime(record.substr(0, timeShape.size())) && levelAt(record.substr(timeShape.size()))) {
+            return record;
+        }
+    }
+    return line;
+}
+
+std::optional<char> levelOf(std::string_view line) {
+    auto record = recordOf(line);
+    if (isShapedLikeATime(record.substr(0, timeShape.size()))) {
+        record.remove_prefix(timeShape.size());
+    }
+    return levelAt(record);
 }
 
 LogLine logLine(std::string_view line) {
     LogLine result;
     result.level = levelOf(line);
-    result.text = line;
-    if (const auto start = line.substr(0, timeShape.size()); isShapedLikeATime(start)) {
+    result.text = recordOf(line);
+    if (const auto start = result.text.substr(0, timeShape.size()); isShapedLikeATime(start)) {
         result.time = timeOf(std::string(start));
         result.text.remove_prefix(timeShape.size());
     }

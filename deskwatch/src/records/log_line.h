@@ -15,9 +15,13 @@ struct LogLine {
     std::optional<std::chrono::system_clock::time_point> time;
     /// One of V, D, I, W, E and F; none for lines without.
     std::optional<char> level;
-    /// The line without its time.
+    /// The record without its time.
     std::string_view text;
 };
+
+/// The record in a line, which is all of it in most. The bus writes its prefix and its text apart, so that the record
+/// of an application can come to stand between them. A line without a record is returned as it is.
+std::string_view recordOf(std::string_view line);
 
 /// The level of a line alone, which is quick: a log has many lines.
 std::optional<char> levelOf(std::string_view line);

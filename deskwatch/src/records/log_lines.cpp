@@ -22,7 +22,7 @@ std::string LogLines::add(std::string_view text) {
     std::string wanted;
     std::size_t begin = 0;
     for (auto end = unfinished_.find('\n'); end != std::string::npos; end = unfinished_.find('\n', begin)) {
-        const auto line = std::string_view(unfinished_).substr(begin, end + 1 - begin);
+        const auto line = recordOf(std::string_view(unfinished_).substr(begin, end + 1 - begin));
         wanted += isWanted(line) ? line : std::string_view();
         begin = end + 1;
     }
