@@ -5,6 +5,7 @@
 
 #include "c_owners.h"
 #include "commands_fixture.h"
+#include "device/application_ids.h"
 #include "recording/recorded_text.h"
 
 namespace deskwatch {
@@ -93,6 +94,26 @@ TEST_F(Recordings, WearersStoryReplaysWithEveryEffectEqual) {
 
     EXPECT_EQ(replayed.find("all "), 0U) << replayed;
     EXPECT_GT(std::stoi(replayed.substr(4)), 40) << replayed;
+}
+
+TEST_F(Recordings, MessageThatThePortRefusesAsTooLongIsNoInput) {
+    const auto file = write("long.jsonl", "");
+    boot();
+    run({"bus", "ping"});
+    const RunningRecord recording(file);
+    const auto send = [this](std::size_t size) {
+        const c::MemoryOwner<char> message(g_strnfill(size, 'x'));
+        const BusClient bus(device().busAddress());
+        bus.call({ids::service, "/tesk/host/application", "tesk.host.MessagePort", "Send"},
+                 g_variant_new_parsed("(%s, 'mail', [(b'msg', %^ay)])", ids::policyPort, message.get()), timeout);
+    };
+    EXPECT_THROW(send(12224), std::runtime_error);
+    send(12223);
+    run({"off"});
+    EXPECT_EQ(recording.status(), 0);
+    const auto text = textOf(file);
+    EXPECT_NE(text.find(R"({"in":"message")"), std::string::npos) << text;
+    EXPECT_EQ(text.find(R"("message")"), text.rfind(R"("message")")) << text;
 }
 
 TEST_F(Recordings, WipeThatIsNotDoneIsADifference) {

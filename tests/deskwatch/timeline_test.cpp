@@ -35,6 +35,8 @@ INSTANTIATE_TEST_SUITE_P(
         TimelineRow{R"({"in":"launch","from":"mail","extraData":{}})", "request", "mail launches the service"},
         TimelineRow{R"({"in":"message","from":"mail","entries":{"req":"go","msg":"abc"}})", "request",
                     "mail sends go with 3 bytes"},
+        TimelineRow{R"({"refused":"message","from":"mail","entries":{"req":"go","msg":"abc"}})", "request",
+                    "go with 3 bytes from mail is refused: too long"},
         TimelineRow{R"({"in":"reply","from":"popup","extraData":{"result":"ok"}})", "answer", "popup answers ok"},
         TimelineRow{R"({"in":"reply","from":"popup","extraData":{}})", "answer", "popup is closed without an answer"},
         TimelineRow{R"({"in":"key","key":"/vconf/db/a","value":1})", "key", "/vconf/db/a = 1"},

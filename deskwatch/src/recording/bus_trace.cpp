@@ -9,6 +9,7 @@
 #include "c_owners.h"
 #include "device/application_ids.h"
 #include "host_bus.h"
+#include "message_size.h"
 #include "recording/recorded_text.h"
 #include "recording/recorded_value.h"
 #include "text_pairs.h"
@@ -153,7 +154,8 @@ void BusTrace::takePortMessage(GDBusMessage* message) {
     const TraceEvent entries = recordedEntries(child(body, 2).get());
     if (target == ids::service) {
         const TraceEvent sender = g_variant_get_string(child(body, 1).get(), nullptr);
-        sink_({{"in", "message"}, {"from", sender}, {"port", port}, {"entries", entries}});
+        const bool isRefused = message_size::of(text_pairs::read(child(body, 2).get())) > message_size::limit;
+        sink_({{isRefused ? "refused" : "in", "message"}, {"from", sender}, {"port", port}, {"entries", entries}});
     } else if (isService(g_dbus_message_get_sender(message))) {
         sink_({{"out", "message"}, {"to", target}, {"port", port}, {"entries", entries}});
     }

@@ -31,6 +31,10 @@ namespace deskwatch {
 ///     {"out": "message", "to": ID, "port": PORT, "entries": {...}}
 ///     {"out": "wipe", "storage": NAME}                       "internal" or "external"
 ///
+/// What came to the service's port, which took it for too long; a recording leaves it out:
+///
+///     {"refused": "message", "from": ID, "port": PORT, "entries": {...}}
+///
 /// What was done to the watch from outside:
 ///
 ///     {"around": "event", "type": NAME}                      a system event, of which an unknown one is a number

@@ -129,7 +129,7 @@ private:
             idleExitOf(endOf(device_.layout().log()), *service_, {})) {
             event["how"] = "idle"; // it was about to
         }
-        if (lines_) {
+        if (lines_ && !event.contains("refused")) { // the service never gets it
             lines_->write(event);
         }
     }

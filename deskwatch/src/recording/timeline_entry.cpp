@@ -61,6 +61,10 @@ std::pair<const char*, std::string> incoming(const std::string& what, const Trac
     return {"process", member(event, "application") + (what == "start" ? " starts" : " ends")};
 }
 
+std::pair<const char*, std::string> refused(const TraceEvent& event) {
+    return {"request", messageText(event) + " from " + member(event, "from") + " is refused: too long"};
+}
+
 std::pair<const char*, std::string> outgoing(const std::string& what, const TraceEvent& event) {
     if (what == "write") {
         return {"effect", assignment(event)};
@@ -105,9 +109,10 @@ std::string_view lockText(std::string_view line) {
 
 TimelineEntry timelineEntry(const TraceEvent& event) {
     TimelineEntry result;
-    const auto [kind, text] = event.contains("in")    ? incoming(member(event, "in"), event)
-                              : event.contains("out") ? outgoing(member(event, "out"), event)
-                                                      : around(member(event, "around"), event);
+    const auto [kind, text] = event.contains("in")        ? incoming(member(event, "in"), event)
+                              : event.contains("out")     ? outgoing(member(event, "out"), event)
+                              : event.contains("refused") ? refused(event)
+                                                          : around(member(event, "around"), event);
     result.kind = kind;
     result.text = text;
     result.detail = jsonText(event);
