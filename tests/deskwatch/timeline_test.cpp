@@ -5,6 +5,8 @@
 #include <csignal>
 
 #include "commands_fixture.h"
+#include "recording/time_order.h"
+#include "records/log_line.h"
 #include "running_program.h"
 
 namespace deskwatch {
@@ -60,6 +62,30 @@ TEST(TimelineOutput, TimeIsToldInUtcAndLeftOutWhereItIsNotKnown) {
     EXPECT_EQ(timelineJson(entry).find(R"({"time":"2023-11-14T22:13:20.007Z")"), 0U) << timelineJson(entry);
 }
 
+TEST(TimeOrder, EarlierEntryThatComesATurnLateTakesItsPlace) {
+    std::string told;
+    TimeOrder order([&](const TimelineEntry& entry) { told += entry.text; });
+    const auto add = [&](int seconds, const char* text) {
+        TimelineEntry entry;
+        entry.time = std::chrono::system_clock::time_point(std::chrono::seconds(seconds));
+        entry.text = text;
+        order.add(entry);
+    };
+    add(9, "future ");
+    add(2, "b ");
+    order.turn();
+    add(1, "a ");
+    add(2, "c ");
+    EXPECT_EQ(told, "");
+    order.turn();
+    EXPECT_EQ(told, "a b c future ");
+    add(3, "d ");
+    order.turn();
+    EXPECT_EQ(told, "a b c future ");
+    order.end();
+    EXPECT_EQ(told, "a b c future d ");
+}
+
 class TimelineCommand : public Commands {};
 
 /// Waits for an entry of that kind whose text has that part.
@@ -91,6 +117,28 @@ TEST_F(TimelineCommand, FollowsAllThatHappensUntilTheWatchIsOff) {
     await(fresh, "log", "Low memory!"); // the log and the bus are read side by side
     run({"off"});
     EXPECT_EQ(timeline.waitForEnd(), 0);
+}
+
+TEST_F(TimelineCommand, FollowedEntriesAreInTheOrderOfTimeUpToTheEnd) {
+    boot();
+    RunningProgram timeline({"timeline", "--follow", "--json"});
+    timeline.nextLine(); // it listens before it tells the past
+    run({"mail", "policy", sample("hardened.json")});
+    run({"lock", "password"});
+    addLogLine(device().layout().log(), "TEST", "the last words");
+    timeline.signal(SIGINT);
+
+    std::vector<std::string> times;
+    timeline.awaitLine([&](const std::string& line) {
+        const auto entry = Json::parse(line);
+        times.push_back(entry["time"].is_string() ? entry["time"].get<std::string>()
+                        : times.empty()           ? ""
+                                                  : times.back());
+        return line.find("the last words") != std::string::npos;
+    });
+    EXPECT_GT(times.size(), 100U);
+    EXPECT_THAT(times, testing::WhenSorted(testing::ContainerEq(times)));
+    EXPECT_EQ(timeline.waitForEnd(), -1) << "the signal has ended it";
 }
 
 TEST_F(TimelineCommand, PastIsTheLogAndTheInbox) {

@@ -1,18 +1,23 @@
 #include "recording/timeline.h"
 
+#include <algorithm>
 #include <stdexcept>
+#include <utility>
+#include <vector>
 
 #include "device/application_ids.h"
 #include "device/bus_client.h"
 #include "recording/bus_monitor.h"
+#include "recording/time_order.h"
 #include "records/log_lines.h"
 #include "session/companion_bus.h"
+#include "status/end_signal.h"
 #include "status/followed_file.h"
 
 namespace deskwatch {
 namespace {
 
-using Tell = std::function<void(const TimelineEntry& entry)>;
+using Tell = TimeOrder::Tell;
 
 constexpr std::chrono::seconds inboxTimeout{20};
 
@@ -40,11 +45,48 @@ std::vector<TraceEvent> inboxOf(const BusClient& bus) {
     return events;
 }
 
-/// Tells the bus's messages and the log's lines as they come. What has come before the first step is the past.
+/// Wakes the main loop once a while after it was set.
+class Alarm {
+public:
+    explicit Alarm(std::chrono::milliseconds delay) : delay_(delay) {}
+    ~Alarm() {
+        if (source_ != 0) {
+            g_source_remove(source_);
+        }
+    }
+    Alarm(const Alarm&) = delete;
+    Alarm& operator=(const Alarm&) = delete;
+
+    /// Does nothing while it is set already.
+    void set() {
+        if (source_ == 0) {
+            source_ = g_timeout_add(static_cast<guint>(delay_.count()), onTime, this);
+        }
+    }
+
+    /// Whether the time has come since this was asked last.
+    bool takeRing() { return std::exchange(hasRung_, false); }
+
+private:
+    static gboolean onTime(gpointer self) {
+        static_cast<Alarm*>(self)->source_ = 0;
+        static_cast<Alarm*>(self)->hasRung_ = true;
+        return G_SOURCE_REMOVE;
+    }
+
+    std::chrono::milliseconds delay_;
+    guint source_ = 0;
+    bool hasRung_ = false;
+};
+
+/// A program writes a line of the log at once after it took the time, and the log is read before each turn.
+constexpr std::chrono::milliseconds turnPeriod{50};
+
+/// Tells the bus's messages and the log's lines in the order of time. What has come before the first step is the past.
 class Timeline {
 public:
-    Timeline(const Device& device, Tell tell)
-        : device_(device), tell_(std::move(tell)),
+    Timeline(const Device& device, const Tell& tell)
+        : device_(device), tell_(tell), order_(tell),
           log_(device.layout().log(), [this](const std::string& text) { takeLog(text); }) {}
 
     void readPast(bool isTold) {
@@ -61,40 +103,66 @@ public:
     void follow(const BusMonitor& monitor) {
         isPast_ = false;
         BusTrace trace(BusClient(device_.busAddress(), device_.patience()).daemon(),
-                       [this](const TraceEvent& event) { tellNow(timelineEntry(event)); });
-        while (!monitor.isClosed()) {
+                       [this](const TraceEvent& event) { takeEvent(event); });
+        EndSignal signal;
+        Alarm turn(turnPeriod);
+        for (bool isOver = false; !isOver;) {
             g_main_context_iteration(nullptr, TRUE);
+            isOver = signal.hasCome() || monitor.isClosed();
             while (const auto message = monitor.next(std::chrono::milliseconds::zero())) {
                 trace.take(message.get());
             }
+            if (turn.takeRing()) {
+                log_.read(); // the notifier of the file is late
+                order_.turn();
+            }
+            if (!order_.isEmpty()) {
+                turn.set();
+            }
         }
         log_.read(); // what was written last
+        order_.end();
+        signal.obey();
     }
 
 private:
+    void takeEvent(const TraceEvent& event) {
+        auto entry = timelineEntry(event);
+        entry.time = std::chrono::system_clock::now();
+        order_.add(std::move(entry));
+    }
+
     void takeLog(const std::string& text) {
         const auto complete = lines_.add(text);
+        std::vector<TimelineEntry> entries;
         std::size_t begin = 0;
         for (auto end = complete.find('\n'); end != std::string::npos; end = complete.find('\n', begin)) {
-            const auto entry = timelineEntry(std::string_view(complete).substr(begin, end - begin));
-            isPast_ ? tellPast(entry) : tellNow(entry);
+            entries.push_back(timelineEntry(std::string_view(complete).substr(begin, end - begin)));
             begin = end + 1;
         }
+        isPast_ ? tellPast(entries) : takeNew(std::move(entries));
     }
 
-    void tellPast(const TimelineEntry& entry) const {
+    void tellPast(const std::vector<TimelineEntry>& entries) const {
         if (isTold_) {
-            tell_(entry);
+            std::for_each(entries.begin(), entries.end(), tell_);
         }
     }
 
-    void tellNow(TimelineEntry entry) const {
-        entry.time = entry.time.value_or(std::chrono::system_clock::now());
-        tell_(entry);
+    /// Lines that were read together. One without a time follows the line before it, or comes before the first of them.
+    void takeNew(std::vector<TimelineEntry> entries) {
+        const auto timed = std::find_if(entries.begin(), entries.end(), [](const auto& entry) { return entry.time; });
+        auto time = timed != entries.end() ? *timed->time : std::chrono::system_clock::now();
+        for (auto& entry : entries) {
+            time = entry.time.value_or(time);
+            entry.time = time;
+            order_.add(std::move(entry));
+        }
     }
 
     const Device& device_;
-    Tell tell_;
+    const Tell& tell_;
+    TimeOrder order_;
     LogLines lines_{std::nullopt};
     bool isTold_ = true;
     bool isPast_ = true;

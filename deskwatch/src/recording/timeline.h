@@ -14,7 +14,8 @@ namespace deskwatch {
 
 /// Something that happened on a watch, for a reader.
 struct TimelineEntry {
-    /// When it was logged or seen; none for what bears no time and happened before somebody looked.
+    /// When it was logged or seen, of a line without a time the line before it; none for what bears no time and
+    /// happened before somebody looked.
     std::optional<std::chrono::system_clock::time_point> time;
     /// "request" and "answer": what the service was asked and answered; "key": a key that someone else set; "effect":
     /// what the service wrote; "launch", "message" and "wipe": what it sent and did; "process": a start or an end;
@@ -49,8 +50,9 @@ struct TimelineRange {
     bool isFollowed = false;
 };
 
-/// Tells what happened on a watch; of one that is switched off, what its log says. Starts nothing and changes nothing
-/// there. Throws std::runtime_error.
+/// Tells what happened on a watch; of one that is switched off, what its log says. What is followed comes in the order
+/// of time, a tenth of a second late; SIGINT and SIGTERM end the process when it is told. Starts nothing and changes
+/// nothing there. Throws std::runtime_error.
 void tellTimeline(const Device& device, const TimelineRange& range,
                   const std::function<void(const TimelineEntry& entry)>& tell);
 
