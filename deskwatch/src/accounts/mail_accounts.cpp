@@ -57,11 +57,12 @@ bool hasAccount(const std::vector<StoredAccount>& accounts, int id) {
 }
 
 /// A user who repeats a connection means the account that there is.
-void refuseRepeated(const AccountStore& store, const ServerAccount& wanted) {
+void refuseRepeated(const AccountStore& store, const MailAccount& wanted) {
     for (const int id : store.ids()) {
-        const auto known = store.read(id).server;
-        if (known.url == wanted.url && known.user == wanted.user) {
-            throw std::runtime_error(printable(known.user) + " is connected to " + known.url + " as account " +
+        const auto known = store.read(id);
+        const auto& server = known.server;
+        if (server.url == wanted.server.url && server.user == wanted.server.user && known.name == wanted.name) {
+            throw std::runtime_error(printable(server.user) + " is connected to " + server.url + " as account " +
                                      std::to_string(id) + ": mail refresh " + std::to_string(id) +
                                      " goes on; --account N adds another");
         }
@@ -76,7 +77,7 @@ MailAccounts::MailAccounts(const DeviceSession& session, Surroundings surroundin
 void MailAccounts::connect(const NewAccount& wanted) {
     auto account = newAccount(wanted);
     if (!wanted.id) {
-        refuseRepeated(store_, account.server);
+        refuseRepeated(store_, account);
     }
     const auto lock = store_.lock(account.id);
     const auto ids = store_.ids();

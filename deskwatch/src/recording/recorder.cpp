@@ -1,8 +1,5 @@
 #include "recording/recorder.h"
 
-#include <sys/signalfd.h>
-
-#include <csignal>
 #include <fstream>
 #include <iterator>
 #include <optional>
@@ -10,7 +7,7 @@
 
 #include "device/application_ids.h"
 #include "device/bus_client.h"
-#include "device/file_descriptor.h"
+#include "device/end_request.h"
 #include "recording/anonymiser.h"
 #include "recording/bus_monitor.h"
 #include "recording/recorded_state.h"
@@ -22,27 +19,6 @@ namespace deskwatch {
 namespace {
 
 constexpr std::chrono::milliseconds lookUp{100};
-
-/// Holds SIGINT and SIGTERM back, so that the end of a recording is a place in the code.
-class EndSignals {
-public:
-    EndSignals() {
-        sigset_t signals;
-        sigemptyset(&signals);
-        sigaddset(&signals, SIGINT);
-        sigaddset(&signals, SIGTERM);
-        pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-        descriptor_ = FileDescriptor(signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC));
-    }
-
-    bool arrived() const {
-        signalfd_siginfo signal{};
-        return read(descriptor_.get(), &signal, sizeof signal) == static_cast<ssize_t>(sizeof signal);
-    }
-
-private:
-    FileDescriptor descriptor_;
-};
 
 void requireNothingLost(const RecordOptions& options) {
     const auto& file = options.file;
@@ -103,11 +79,11 @@ public:
         throw std::runtime_error("the watch keeps changing; record it when it is quiet");
     }
 
-    void run(const EndSignals& signals) {
+    void run(const EndRequest& endRequest) {
         bool isOver = false;
         while (!isOver) {
             lines_->requireReader();
-            isOver = signals.arrived() || monitor_.isClosed();
+            isOver = endRequest.isNoted() || monitor_.isClosed();
             while (const auto message = monitor_.next(isOver ? std::chrono::milliseconds::zero() : lookUp)) {
                 trace_.take(message.get());
             }
@@ -156,13 +132,13 @@ private:
 } // namespace
 
 void record(const Device& device, const RecordOptions& options, const std::function<void()>& whenReady) {
-    const EndSignals signals;
+    const EndRequest endRequest; // the end of a recording is a place in the code
     device.requireBooted();
     requireNothingLost(options);
     Recorder recorder(device, options);
     recorder.writeHead();
     whenReady();
-    recorder.run(signals);
+    recorder.run(endRequest);
 }
 
 } // namespace deskwatch
