@@ -129,6 +129,7 @@ bool Surroundings::act(const TraceEvent& event) {
         return standIns_.answer(event["from"], event["extraData"]);
     } else if (kind == "key") {
         writeSettings({{event["key"], event["value"]}});
+        letNewsArrive();
     } else if (kind == "start") {
         event["application"] == ids::service ? settle(ids::service) : standIns_.start(event["application"]);
     } else if (kind == "end") {
@@ -219,8 +220,16 @@ void Surroundings::setFault(const TraceEvent& event) const {
     const std::string path = faultsFolder + (function == everyFunction ? "" : function);
     dconf_changeset_set(changes.get(), path.c_str(), value.get());
     writeChanges(bus_, changes);
-    if (bus_.daemon().isOwned(ids::service)) {
-        settle(ids::service); // or what comes next may reach it before the news of the fault
+    letNewsArrive();
+}
+
+void Surroundings::letNewsArrive() const {
+    try {
+        if (bus_.daemon().isOwned(ids::service)) {
+            settle(ids::service);
+        }
+    } catch (const std::runtime_error&) {
+        // it may have ended suddenly, which its effects tell
     }
 }
 

@@ -34,6 +34,8 @@ private:
     void setFault(const TraceEvent& event) const;
     void callDiagnosis(const TraceEvent& event) const;
     void writeSettings(const std::vector<std::pair<std::string, TraceEvent>>& settings) const;
+    /// What comes next must not reach the service before the news of what was written.
+    void letNewsArrive() const;
     void settle(const std::string& application) const;
 
     const Device& device_;
