@@ -48,7 +48,7 @@ struct Finding {
 std::vector<Finding> findingsOf(const Evidence& evidence);
 
 /// The findings as text for a reader; one line says when there are none. A line before them says that the watch was
-/// wiped, which is no finding: the watch is as strict as before.
+/// wiped, which does not count as one: the watch is as strict as before.
 std::string findingsText(const std::vector<Finding>& findings, int wipes = 0);
 
 /// The same as one JSON object.
