@@ -105,6 +105,7 @@ std::set<std::string> ServedPolicies::users() const {
     for (const auto& [user, file] : files_) {
         users.insert(user);
     }
+    users.erase(""); // all other users
     return users;
 }
 
