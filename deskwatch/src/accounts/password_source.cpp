@@ -1,19 +1,18 @@
 #include "accounts/password_source.h"
 
 #include <fcntl.h>
-#include <glib-unix.h>
+#include <poll.h>
 #include <sys/resource.h>
 #include <termios.h>
 #include <unistd.h>
 
-#include <csignal>
+#include <array>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <stdexcept>
-#include <vector>
 
-#include "c_owners.h"
+#include "device/end_request.h"
 #include "device/file_descriptor.h"
 
 namespace deskwatch {
@@ -23,17 +22,13 @@ constexpr char variable[] = "DESKWATCH_PASSWORD";
 constexpr std::size_t longest = 1024;
 
 /// Keeps the terminal from showing what is typed. A signal that ends the process first ends the input, so that the
-/// terminal shows again what is typed. Blocking it would not do: other threads would take it.
+/// terminal shows again what is typed.
 class HiddenInput {
 public:
     explicit HiddenInput(int terminal) : terminal_(terminal) {
         if (tcgetattr(terminal_, &old_) != 0) {
             throw std::runtime_error("cannot ask for the password: the terminal cannot hide it");
         }
-        add(g_unix_signal_source_new(SIGINT), G_SOURCE_FUNC(onSignal<SIGINT>));
-        add(g_unix_signal_source_new(SIGTERM), G_SOURCE_FUNC(onSignal<SIGTERM>));
-        add(g_unix_signal_source_new(SIGHUP), G_SOURCE_FUNC(onSignal<SIGHUP>));
-        add(g_unix_fd_source_new(terminal_, static_cast<GIOCondition>(G_IO_IN | G_IO_HUP)), G_SOURCE_FUNC(onInput));
         auto hidden = old_;
         hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
         hidden.c_lflag |= ECHONL;
@@ -44,18 +39,12 @@ public:
 
     ~HiddenInput() {
         tcsetattr(terminal_, TCSAFLUSH, &old_);
-        for (const auto& source : sources_) {
-            g_source_destroy(source.get());
-        }
-        sources_.clear();
-        if (signal_ != 0) {
-            std::raise(signal_); // with its default action again
-        }
+        endRequest_.obey();
     }
     HiddenInput(const HiddenInput&) = delete;
     HiddenInput& operator=(const HiddenInput&) = delete;
 
-    std::string line() {
+    std::string line() const {
         std::string line;
         char character = 0;
         while (line.size() <= longest && isTyped() && read(terminal_, &character, 1) == 1 && character != '\n') {
@@ -65,41 +54,18 @@ public:
     }
 
 private:
-    using Context = c::Owner<GMainContext, g_main_context_unref>;
-    using Source = c::Owner<GSource, g_source_unref>;
-
-    void add(GSource* source, GSourceFunc callback) {
-        g_source_set_callback(source, callback, this, nullptr);
-        g_source_attach(source, context_.get());
-        sources_.emplace_back(source);
-    }
-
-    template <int number>
-    static gboolean onSignal(gpointer self) {
-        static_cast<HiddenInput*>(self)->signal_ = number;
-        return G_SOURCE_CONTINUE;
-    }
-
-    static gboolean onInput(int /*terminal*/, GIOCondition /*condition*/, gpointer self) {
-        static_cast<HiddenInput*>(self)->isReady_ = true;
-        return G_SOURCE_CONTINUE;
-    }
-
     /// Waits for a key; false when a signal came instead.
-    bool isTyped() {
-        isReady_ = false;
-        while (!isReady_ && signal_ == 0) {
-            g_main_context_iteration(context_.get(), TRUE);
+    bool isTyped() const {
+        std::array<pollfd, 2> ready{{{terminal_, POLLIN, 0}, {endRequest_.descriptor(), POLLIN, 0}}};
+        while (!endRequest_.isNoted() && ready[0].revents == 0) {
+            poll(ready.data(), ready.size(), -1);
         }
-        return signal_ == 0;
+        return !endRequest_.isNoted();
     }
 
     int terminal_;
     termios old_{};
-    Context context_{g_main_context_new()};
-    std::vector<Source> sources_;
-    int signal_ = 0;
-    bool isReady_ = false;
+    EndRequest endRequest_;
 };
 
 void say(int terminal, const std::string& text) {

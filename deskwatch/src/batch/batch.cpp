@@ -1,6 +1,5 @@
 #include "batch/batch.h"
 
-#include <glib-unix.h>
 #include <sys/prctl.h>
 
 #include <algorithm>
@@ -14,6 +13,7 @@
 #include "batch/shard.h"
 #include "c_owners.h"
 #include "device/device.h"
+#include "device/end_request.h"
 #include "device/temporary_files.h"
 
 namespace deskwatch {
@@ -166,18 +166,12 @@ public:
     Batch(const std::vector<std::string>& files, const BatchOptions& options,
           std::function<void(const BatchResult& result)> tell)
         : files_(files), options_(options), tell_(std::move(tell)) {
-        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-            sources_.push_back(g_unix_signal_add(signal,
-                                                 signal == SIGINT    ? onSignal<SIGINT>
-                                                 : signal == SIGTERM ? onSignal<SIGTERM>
-                                                                     : onSignal<SIGHUP>,
-                                                 this));
-        }
+        endRequest_.whenNoted([this] {
+            for (const auto& worker : workers_) {
+                worker->end();
+            }
+        });
     }
-
-    ~Batch() { std::for_each(sources_.begin(), sources_.end(), g_source_remove); }
-    Batch(const Batch&) = delete;
-    Batch& operator=(const Batch&) = delete;
 
     std::vector<BatchResult> run() {
         {
@@ -190,26 +184,14 @@ public:
                 refill();
             }
         }
-        if (signal_ != 0) {
-            std::signal(signal_, SIG_DFL);
-            std::raise(signal_);
-        }
+        endRequest_.obey();
         return std::move(results_);
     }
 
 private:
-    template <int signal>
-    static gboolean onSignal(gpointer self) {
-        auto& batch = *static_cast<Batch*>(self);
-        batch.signal_ = signal;
-        for (const auto& worker : batch.workers_) {
-            worker->end();
-        }
-        return G_SOURCE_CONTINUE;
-    }
-
     void refill() {
-        while (signal_ == 0 && next_ < files_.size() && workers_.size() < static_cast<std::size_t>(options_.jobs)) {
+        while (!endRequest_.isNoted() && next_ < files_.size() &&
+               workers_.size() < static_cast<std::size_t>(options_.jobs)) {
             const auto& file = files_[next_++];
             workers_.push_back(std::make_unique<Worker>(
                 file, options_, folder_ / std::to_string(next_),
@@ -218,7 +200,7 @@ private:
     }
 
     void take(Worker& worker, BatchResult result) {
-        if (signal_ == 0) {
+        if (!endRequest_.isNoted()) {
             tell_(result);
             results_.push_back(std::move(result));
         }
@@ -231,13 +213,12 @@ private:
     const std::vector<std::string>& files_;
     const BatchOptions& options_;
     std::function<void(const BatchResult& result)> tell_;
-    std::vector<guint> sources_;
+    EndRequest endRequest_;
     fs::path folder_;
     std::vector<std::unique_ptr<Worker>> workers_;
     std::vector<std::unique_ptr<Worker>> ended_;
     std::vector<BatchResult> results_;
     std::size_t next_ = 0;
-    int signal_ = 0;
 };
 
 } // namespace

@@ -1,6 +1,3 @@
-#include <glib-unix.h>
-
-#include <csignal>
 #include <iostream>
 #include <memory>
 
@@ -9,6 +6,7 @@
 #include "commands.h"
 #include "commands/completion.h"
 #include "commands/output.h"
+#include "device/end_request.h"
 #include "exchange/http_client.h"
 #include "exchange/server_address.h"
 #include "exchange_server/http_server.h"
@@ -24,11 +22,6 @@ struct ServeOptions {
     std::string certificate;
 };
 
-gboolean onEnd(gpointer loop) {
-    g_main_loop_quit(static_cast<GMainLoop*>(loop));
-    return G_SOURCE_CONTINUE;
-}
-
 void serve(const ServeOptions& options) {
     std::optional<std::string> password;
     if (!options.passwordFile.empty()) {
@@ -40,8 +33,8 @@ void serve(const ServeOptions& options) {
         std::cout << line << '\n';
         flushFollowed();
     });
-    g_unix_signal_add(SIGINT, onEnd, loop.get());
-    g_unix_signal_add(SIGTERM, onEnd, loop.get());
+    EndRequest endRequest;
+    endRequest.whenNoted([&loop] { g_main_loop_quit(loop.get()); });
     std::cout << "listening at " << http.url() << '\n';
     flushOutput();
     endWithReader();

@@ -54,7 +54,7 @@ void endBoot(const Device& device, const std::optional<pid_t>& boot) {
 void showPanel(const CommonOptions& common, const PanelCommandOptions& options) {
     setenv("DESKWATCH_TIMEOUT", std::to_string(common.timeout).c_str(), 1); // for the commands of the page
     const Device device = panelDevice(common, options);
-    const EndRequest endRequest; // what is booted here is switched off, however early the end comes
+    EndRequest endRequest; // what is booted here is switched off, however early the end comes
     std::optional<pid_t> own;
     if (!device.isBooted()) {
         bootWithDefaults(device);
@@ -62,17 +62,13 @@ void showPanel(const CommonOptions& common, const PanelCommandOptions& options) 
     }
     try {
         const auto onReady = [&](const std::string& address, const std::string& file) {
-            if (endRequest.isNoted()) {
-                endRequest.passOn(); // the panel has its own handlers by now
-                return;
-            }
             std::cout << address << '\n';
             flushOutput();
             if (!options.isBrowserLeftOut) {
                 openBrowser(file);
             }
         };
-        const auto ofPage = runPanel(device, {options.port, onReady});
+        const auto ofPage = runPanel(device, {options.port, onReady}, endRequest);
         own = ofPage ? ofPage : own;
     } catch (...) {
         endBoot(device, own);

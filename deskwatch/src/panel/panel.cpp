@@ -1,8 +1,5 @@
 #include "panel/panel.h"
 
-#include <glib-unix.h>
-
-#include <csignal>
 #include <fstream>
 
 #include "actors/mail_application.h"
@@ -41,19 +38,11 @@ public:
                                           {"functions", platformFunctions()}}));
     }
 
-    void run(const PanelOptions& options) {
+    void run(const PanelOptions& options, EndRequest& endRequest) {
         const auto file = privateFolder_.path() / "panel.html";
         writeRedirect(file);
         const c::MainLoopOwner loop(g_main_loop_new(nullptr, FALSE));
-        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-            g_unix_signal_add(
-                signal,
-                [](gpointer data) -> gboolean {
-                    g_main_loop_quit(static_cast<GMainLoop*>(data));
-                    return G_SOURCE_CONTINUE;
-                },
-                loop.get());
-        }
+        endRequest.whenNoted([&loop] { g_main_loop_quit(loop.get()); });
         options.onReady(server_.address(), file.string());
         g_main_loop_run(loop.get());
         server_.close();
@@ -125,9 +114,9 @@ private:
 
 } // namespace
 
-std::optional<pid_t> runPanel(const Device& device, const PanelOptions& options) {
+std::optional<pid_t> runPanel(const Device& device, const PanelOptions& options, EndRequest& endRequest) {
     Panel panel(device, options.port);
-    panel.run(options);
+    panel.run(options, endRequest);
     return panel.lastBoot();
 }
 

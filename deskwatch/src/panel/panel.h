@@ -6,6 +6,7 @@
 #include <string>
 
 #include "device/device.h"
+#include "device/end_request.h"
 
 namespace deskwatch {
 
@@ -18,9 +19,9 @@ struct PanelOptions {
     std::function<void(const std::string& address, const std::string& file)> onReady;
 };
 
-/// Serves the watch to browsers until SIGINT or SIGTERM arrives; the watch may be switched off and booted meanwhile.
+/// Serves the watch to browsers until an end is requested; the watch may be switched off and booted meanwhile.
 /// Returns the last boot that a page asked for. Throws std::runtime_error when it cannot listen.
-std::optional<pid_t> runPanel(const Device& device, const PanelOptions& options);
+std::optional<pid_t> runPanel(const Device& device, const PanelOptions& options, EndRequest& endRequest);
 
 } // namespace deskwatch
 

@@ -7,11 +7,11 @@
 
 #include "device/application_ids.h"
 #include "device/bus_client.h"
+#include "device/end_request.h"
 #include "recording/bus_monitor.h"
 #include "recording/time_order.h"
 #include "records/log_lines.h"
 #include "session/companion_bus.h"
-#include "status/end_signal.h"
 #include "status/followed_file.h"
 
 namespace deskwatch {
@@ -104,11 +104,13 @@ public:
         isPast_ = false;
         BusTrace trace(BusClient(device_.busAddress(), device_.patience()).daemon(),
                        [this](const TraceEvent& event) { takeEvent(event); });
-        EndSignal signal;
         Alarm turn(turnPeriod);
-        for (bool isOver = false; !isOver;) {
+        EndRequest endRequest;
+        bool isOver = false;
+        endRequest.whenNoted([&isOver] { isOver = true; });
+        while (!isOver) {
             g_main_context_iteration(nullptr, TRUE);
-            isOver = signal.hasCome() || monitor.isClosed();
+            isOver = isOver || monitor.isClosed();
             while (const auto message = monitor.next(std::chrono::milliseconds::zero())) {
                 trace.take(message.get());
             }
@@ -122,7 +124,7 @@ public:
         }
         log_.read(); // what was written last
         order_.end();
-        signal.obey();
+        endRequest.obey();
     }
 
 private:
