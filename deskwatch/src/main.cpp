@@ -6,6 +6,7 @@
 #include "actors/refusal.h"
 #include "commands/commands.h"
 #include "commands/output.h"
+#include "device/starts_with.h"
 #include "text/suggestion.h"
 #include "text/value_text.h"
 
@@ -30,7 +31,7 @@ void print(const CLI::App& program, const std::exception& error) {
 }
 
 bool isOption(const std::string& word) {
-    return word.rfind('-', 0) == 0;
+    return deskwatch::startsWith(word, "-");
 }
 
 /// What a command wrote before it failed must not be lost either.

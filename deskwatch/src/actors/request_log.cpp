@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "device/starts_with.h"
+
 namespace deskwatch {
 namespace {
 
@@ -58,7 +60,7 @@ bool isHandled(const std::vector<ServiceLine>& log) {
 std::string reasonToPassOver(const std::vector<ServiceLine>& log) {
     for (const auto& line : log) {
         for (const auto& entry : passedOver) {
-            if (line.text.rfind(entry.logged, 0) == 0) {
+            if (startsWith(line.text, entry.logged)) {
                 return entry.words;
             }
         }

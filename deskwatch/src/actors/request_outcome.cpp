@@ -6,16 +6,13 @@
 #include <string_view>
 
 #include "actors/request_log.h"
+#include "device/starts_with.h"
 #include "messages/message.h"
 #include "text/suggestion.h"
 #include "text/text_table.h"
 
 namespace deskwatch {
 namespace {
-
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}
 
 constexpr std::string_view wipeFailed = "Failed to wipe internal storage. : ";
 

@@ -14,6 +14,7 @@
 #include "c_owners.h"
 #include "device/device.h"
 #include "device/end_request.h"
+#include "device/starts_with.h"
 #include "device/temporary_files.h"
 
 namespace deskwatch {
@@ -63,7 +64,7 @@ void removeLeftovers(const fs::path& folder) {
 /// Without what every message of the program begins with.
 std::string reasonIn(const std::string& errors) {
     const std::string begin = "deskwatch: replay: ";
-    const auto text = errors.compare(0, begin.size(), begin) == 0 ? errors.substr(begin.size()) : errors;
+    const auto text = startsWith(errors, begin) ? errors.substr(begin.size()) : errors;
     return text.substr(0, text.find_last_not_of('\n') + 1);
 }
 

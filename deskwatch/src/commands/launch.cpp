@@ -4,6 +4,7 @@
 #include "commands.h"
 #include "commands/completion.h"
 #include "device/application_ids.h"
+#include "device/starts_with.h"
 #include "session/launch_request.h"
 
 namespace deskwatch {
@@ -21,7 +22,7 @@ std::pair<std::string, std::string> parseEntry(const std::string& text) {
         throw CLI::ValidationError(text + " is not KEY=VALUE");
     }
     const auto given = text.substr(equals + 1);
-    auto value = given.rfind('@', 0) == 0 ? readMessageFile(given.substr(1), Check::None) : given;
+    auto value = startsWith(given, "@") ? readMessageFile(given.substr(1), Check::None) : given;
     if (value.empty()) {
         throw CLI::ValidationError(text + ": the platform refuses an empty value; leave " + text.substr(0, equals) +
                                    " out");

@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "c_owners.h"
+#include "device/starts_with.h"
 #include "exchange/protocol_version.h"
 #include "exchange/status_words.h"
 #include "wbxml/wbxml_codec.h"
@@ -118,9 +119,9 @@ HttpRequest Conversation::request(const std::string& method, const std::string& 
 }
 
 void Conversation::moveTo(const HttpReply& reply) {
-    const bool wasEncrypted = account_.url.rfind("https:", 0) == 0;
+    const bool wasEncrypted = startsWith(account_.url, "https:");
     const auto url = serverAddress(reply.header("x-ms-location"), account_.allowsPlain && !wasEncrypted);
-    if (wasEncrypted && url.rfind("https:", 0) != 0) {
+    if (wasEncrypted && !startsWith(url, "https:")) {
         throw std::runtime_error("the server sends the watch to " + url + ", where the password would travel readable");
     }
     account_.url = url;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "c_owners.h"
+#include "device/starts_with.h"
 #include "exchange/protocol_version.h"
 
 namespace deskwatch {
@@ -28,7 +29,7 @@ constexpr unsigned char userTag = 8;
 
 bool isLoopback(const std::string& host) {
     return host == "localhost" || host == "::1" ||
-           (host.rfind("127.", 0) == 0 && g_hostname_is_ip_address(host.c_str()) != FALSE);
+           (startsWith(host, "127.") && g_hostname_is_ip_address(host.c_str()) != FALSE);
 }
 
 void addText(std::string& bytes, const std::string& text) {

@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "c_owners.h"
+#include "device/starts_with.h"
 #include "exchange/protocol_version.h"
 #include "exchange/server_address.h"
 #include "text/text_table.h"
@@ -46,7 +47,7 @@ ServerAnswer withDocument(const WbxmlElement& document, std::string remark) {
 /// The user and the password of a request; none when it has no such header.
 std::optional<std::pair<std::string, std::string>> credentialsOf(const ServerRequest& request) {
     const auto header = request.header("authorization");
-    if (header.rfind("Basic ", 0) != 0) {
+    if (!startsWith(header, "Basic ")) {
         return std::nullopt;
     }
     gsize size = 0;
@@ -112,7 +113,7 @@ ServerAnswer DeskServer::answerCommand(const ServerRequest& request) {
     if (!query || !isDeviceId(query->deviceId) || query->user.empty()) {
         return plain(400, "a request whose query cannot be read");
     }
-    if (!request.body.empty() && request.header("content-type").rfind("application/vnd.ms-sync", 0) != 0) {
+    if (!request.body.empty() && !startsWith(request.header("content-type"), "application/vnd.ms-sync")) {
         return plain(400, query->user + ": a body of the kind " + printable(request.header("content-type")));
     }
     const bool isPlain = query->version == 0;

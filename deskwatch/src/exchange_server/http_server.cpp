@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "c_owners.h"
+#include "device/starts_with.h"
 
 namespace deskwatch {
 namespace {
@@ -89,7 +90,7 @@ void send(SoupServerMessage* message, const ServerAnswer& answer) {
 bool mayOrder(const ServerRequest& request) {
     const auto host = request.header("host");
     return request.headers.count("x-deskwatch-order") > 0 &&
-           (host.rfind("127.0.0.1:", 0) == 0 || host.rfind("localhost:", 0) == 0);
+           (startsWith(host, "127.0.0.1:") || startsWith(host, "localhost:"));
 }
 
 std::string parameter(GHashTable* query, const char* name) {

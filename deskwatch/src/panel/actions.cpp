@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 
+#include "device/starts_with.h"
 #include "session/platform_faults.h"
 
 namespace deskwatch {
@@ -93,7 +94,7 @@ CommandLines faultAction(const ActionRequest& request) {
 CommandLines storeAwayAction(const ActionRequest& /*request*/) {
     CommandLines commands;
     for (const auto& function : platformFunctions()) {
-        if (function.rfind("vconf_", 0) == 0 && function.rfind("vconf_keynode_", 0) != 0) {
+        if (startsWith(function, "vconf_") && !startsWith(function, "vconf_keynode_")) {
             commands.push_back({{"fault", function, storeCode}, "", ""});
         }
     }

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <optional>
 
+#include "device/starts_with.h"
+
 namespace deskwatch {
 namespace {
 
@@ -12,7 +14,7 @@ constexpr std::size_t mostAtOnce = 65'536;
 std::optional<std::uint64_t> entryNumber(const std::string& id, const std::string& epoch) {
     const auto start = epoch + "-";
     std::uint64_t number = 0;
-    if (id.compare(0, start.size(), start) != 0) {
+    if (!startsWith(id, start)) {
         return std::nullopt;
     }
     const auto* end = id.data() + id.size();

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "device/starts_with.h"
+
 namespace deskwatch {
 namespace {
 
@@ -78,8 +80,7 @@ GateVerdict Gate::judgeOrigin(const RequestHead& head) const {
 /// Who knows no secret learns nothing, not even which paths there are.
 GateVerdict Gate::judgeSecret(const RequestHead& head) const {
     const bool isEntering = head.path == entrance && head.token && isSameSecret(*head.token, secrets_.token);
-    const bool isInside = head.path.compare(0, folder().size(), folder()) == 0 && head.cookies &&
-                          hasCookie(*head.cookies, secrets_.cookie);
+    const bool isInside = startsWith(head.path, folder()) && head.cookies && hasCookie(*head.cookies, secrets_.cookie);
     if (!isEntering && !isInside) {
         return {forbidden, ""};
     }

@@ -2,6 +2,7 @@
 #include <string_view>
 #include <vector>
 
+#include "device/starts_with.h"
 #include "policy_files/policy_readers.h"
 #include "policy_files/policy_setting.h"
 #include "policy_files/setting_text.h"
@@ -61,7 +62,7 @@ bool isHeading(const Cells& cells) {
 
 PolicySetting settingOfCell(const std::string& name, const std::string& cell, long line) {
     // a cell holds the kind of a list and not what is in the list
-    const bool isKind = cell.rfind("System.", 0) == 0 || cell.rfind("Microsoft.", 0) == 0;
+    const bool isKind = startsWith(cell, "System.") || startsWith(cell, "Microsoft.");
     return {name, isKind ? "(not in the file)" : trimmedText(cell), false, line};
 }
 

@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "device/starts_with.h"
 #include "policy_files/policy_readers.h"
 #include "policy_files/policy_setting.h"
 #include "policy_files/setting_text.h"
@@ -33,13 +34,13 @@ PolicySetting settingOf(const ListLine& line, long number) {
     auto value = line.value;
     value.erase(value.find_last_not_of(';') + 1);
     const bool isBraced = value.size() > 1 && value.front() == '{' && value.back() == '}';
-    const bool isArray = value.size() > 2 && value.rfind("@(", 0) == 0 && value.back() == ')';
+    const bool isArray = value.size() > 2 && startsWith(value, "@(") && value.back() == ')';
     if (isBraced || isArray) {
         const std::size_t open = isArray ? 2 : 1;
         const auto inner = trimmedText(value.substr(open, value.size() - open - 1));
         return {line.name, "", !inner.empty(), number};
     }
-    value.erase(0, value.rfind('$', 0) == 0 ? 1 : 0);
+    value.erase(0, startsWith(value, "$") ? 1 : 0);
     return {line.name, unquoted(value), false, number};
 }
 

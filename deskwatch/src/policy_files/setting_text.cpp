@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "c_owners.h"
+#include "device/starts_with.h"
 
 namespace deskwatch {
 
@@ -30,7 +31,7 @@ bool isWord(const std::string& text) {
 
 std::string decodedText(const std::string& bytes) {
     constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
-    if (bytes.rfind(utf8Mark, 0) == 0) {
+    if (startsWith(bytes, utf8Mark)) {
         return bytes.substr(utf8Mark.size());
     }
     const auto begin = bytes.substr(0, 2);

@@ -2,10 +2,12 @@
 
 #include <sstream>
 
+#include "device/starts_with.h"
+
 namespace deskwatch::exchange_trace {
 
 bool isTrace(const std::string& text) {
-    return text.rfind(firstLine, 0) == 0;
+    return startsWith(text, firstLine);
 }
 
 std::string lastPolicy(const std::string& trace) {
@@ -16,11 +18,11 @@ std::string lastPolicy(const std::string& trace) {
     std::string lineBreaks;
     std::istringstream stream(trace + "\n\n");
     for (std::string line; std::getline(stream, line); lineBreaks += '\n') {
-        if (line.rfind(prefix, 0) == 0) {
+        if (startsWith(line, prefix)) {
             const auto xml = line.substr(prefix.size());
             hasPolicy = hasPolicy || xml.find("<EASProvisionDoc") != std::string::npos;
             // the declaration would have to be the first thing of all, and nobody needs it
-            reply += (reply.empty() ? lineBreaks : "") + (xml.rfind("<?xml", 0) == 0 ? "" : xml) + "\n";
+            reply += (reply.empty() ? lineBreaks : "") + (startsWith(xml, "<?xml") ? "" : xml) + "\n";
         } else {
             last = hasPolicy ? reply : last;
             reply.clear();

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "c_owners.h"
+#include "device/starts_with.h"
 
 namespace deskwatch {
 namespace {
@@ -70,7 +71,7 @@ std::string nameOf(const xmlNode* node) {
     constexpr std::string_view undeclared = "Provision:";
     const std::string name = reinterpret_cast<const char*>(node->name);
     if (node->ns == nullptr || node->ns->href == nullptr) {
-        return name.rfind(undeclared, 0) == 0 ? name.substr(undeclared.size()) : name;
+        return startsWith(name, undeclared) ? name.substr(undeclared.size()) : name;
     }
     const std::string space = reinterpret_cast<const char*>(node->ns->href);
     return space == "Provision:" || space == "Provision" || space.empty()

@@ -8,6 +8,7 @@
 
 #include "c_owners.h"
 #include "device/application_ids.h"
+#include "device/starts_with.h"
 #include "host_bus.h"
 #include "message_size.h"
 #include "recording/recorded_text.h"
@@ -42,10 +43,6 @@ constexpr std::array<std::pair<int, const char*>, 3> systemEvents{
     {{APP_EVENT_LOW_MEMORY, "low memory"},
      {APP_EVENT_LOW_BATTERY, "low battery"},
      {APP_EVENT_DEVICE_ORIENTATION_CHANGED, "orientation changed"}}};
-
-bool startsWith(const std::string& text, const std::string& start) {
-    return text.compare(0, start.size(), start) == 0;
-}
 
 /// Who registered as administrator is a number of the machine, not of the watch.
 constexpr char registrationsPath[] = "/dpm/clients/";

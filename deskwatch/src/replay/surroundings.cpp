@@ -10,6 +10,7 @@
 
 #include "device/application_ids.h"
 #include "device/first_settings.h"
+#include "device/starts_with.h"
 #include "host_bus.h"
 #include "recording/recorded_store.h"
 #include "recording/recorded_text.h"

@@ -6,13 +6,14 @@
 #include <stdexcept>
 
 #include "c_owners.h"
+#include "device/starts_with.h"
 #include "session/setting_value.h"
 
 namespace deskwatch {
 namespace {
 
 std::string pathOf(const std::string& key) {
-    const bool hasStore = key.rfind("db/", 0) == 0 || key.rfind("file/", 0) == 0 || key.rfind("memory/", 0) == 0;
+    const bool hasStore = startsWith(key, "db/") || startsWith(key, "file/") || startsWith(key, "memory/");
     std::string path = "/vconf/" + key;
     if (!hasStore || dconf_is_key(path.c_str(), nullptr) == FALSE) {
         throw std::runtime_error("\"" + key +

@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "c_owners.h"
+#include "device/starts_with.h"
 
 namespace deskwatch {
 namespace {
@@ -56,7 +57,7 @@ WbxmlElement elementOf(xmlNode* node) {
     WbxmlElement element;
     element.space = node->ns != nullptr ? reinterpret_cast<const char*>(node->ns->href) : "";
     element.name = reinterpret_cast<const char*>(node->name);
-    if (node->ns == nullptr && element.name.rfind(undeclared, 0) == 0) {
+    if (node->ns == nullptr && startsWith(element.name, undeclared)) {
         element.space = undeclared;
         element.name.erase(0, undeclared.size());
     }
