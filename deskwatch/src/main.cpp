@@ -6,7 +6,7 @@
 #include "actors/refusal.h"
 #include "commands/commands.h"
 #include "commands/output.h"
-#include "device/starts_with.h"
+#include "device/plain_text.h"
 #include "text/suggestion.h"
 #include "text/value_text.h"
 

@@ -5,13 +5,13 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 
 #include "device/application_ids.h"
+#include "device/plain_text.h"
 
 namespace deskwatch {
 namespace {
@@ -48,11 +48,9 @@ std::vector<int> AccountStore::ids() const {
     std::vector<int> found;
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(folder_, error)) {
-        const std::string name = entry.path().stem().string();
-        int id = 0;
-        const auto [stop, failure] = std::from_chars(name.data(), name.data() + name.size(), id);
-        if (entry.path().extension() == ".json" && failure == std::errc() && stop == name.data() + name.size()) {
-            found.push_back(id);
+        const auto id = wholeNumber(entry.path().stem().string());
+        if (entry.path().extension() == ".json" && id) {
+            found.push_back(*id);
         }
     }
     std::sort(found.begin(), found.end());

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "actors/request_log.h"
-#include "device/starts_with.h"
+#include "device/plain_text.h"
 #include "messages/message.h"
 #include "text/suggestion.h"
 #include "text/text_table.h"

@@ -14,7 +14,7 @@
 #include "c_owners.h"
 #include "device/device.h"
 #include "device/end_request.h"
-#include "device/starts_with.h"
+#include "device/plain_text.h"
 #include "device/temporary_files.h"
 
 namespace deskwatch {

@@ -3,29 +3,22 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <charconv>
 #include <filesystem>
 #include <numeric>
 #include <stdexcept>
 
+#include "device/plain_text.h"
 #include "text/input_file.h"
 #include "text/output_file.h"
 
 namespace deskwatch {
 namespace {
 
-std::optional<int> countOf(const std::string& text) {
-    int number = 0;
-    const char* end = text.data() + text.size();
-    const auto [last, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && last == end ? std::optional(number) : std::nullopt;
-}
-
 using Variable = std::function<const char*(const char* name)>;
 
 int numberIn(const Variable& variable, const char* name, std::optional<int> otherwise = std::nullopt) {
     const char* text = variable(name);
-    const auto number = text != nullptr ? countOf(text) : otherwise;
+    const auto number = text != nullptr ? wholeNumber(text) : otherwise;
     if (!number) {
         throw std::runtime_error(std::string(name) + (text != nullptr ? " is not a number" : " is not set") +
                                  "; set it, or give the shard with --shard I/N");
@@ -45,8 +38,8 @@ Shard checked(int index, int count, const std::string& source) {
 
 Shard shardOf(const std::string& text) {
     const auto slash = text.find('/');
-    const auto index = countOf(text.substr(0, slash));
-    const auto count = slash != std::string::npos ? countOf(text.substr(slash + 1)) : std::nullopt;
+    const auto index = wholeNumber(text.substr(0, slash));
+    const auto count = slash != std::string::npos ? wholeNumber(text.substr(slash + 1)) : std::nullopt;
     if (!index || !count) {
         throw std::runtime_error(text + " is not a shard, such as 2/8, the second of eight");
     }

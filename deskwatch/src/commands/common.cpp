@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <charconv>
 #include <iostream>
 #include <limits>
 #include <stdexcept>
@@ -7,6 +6,7 @@
 #include "actors/refusal.h"
 #include "commands.h"
 #include "commands/completion.h"
+#include "device/plain_text.h"
 #include "device/registry.h"
 #include "messages/message_lint.h"
 #include "text/input_file.h"
@@ -19,10 +19,7 @@ namespace {
 
 std::string checkAtLeast(int least, const std::string& text) {
     constexpr std::size_t longestShown = 40;
-    int number = 0;
-    const auto* const end = text.data() + text.size();
-    const auto [last, error] = std::from_chars(text.data(), end, number);
-    if (error == std::errc() && last == end && number >= least) {
+    if (const auto number = wholeNumber(text); number >= least) {
         return "";
     }
     return (text.size() > longestShown ? "a text of " + std::to_string(text.size()) + " characters" : text) +

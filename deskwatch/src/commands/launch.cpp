@@ -4,7 +4,7 @@
 #include "commands.h"
 #include "commands/completion.h"
 #include "device/application_ids.h"
-#include "device/starts_with.h"
+#include "device/plain_text.h"
 #include "session/launch_request.h"
 
 namespace deskwatch {

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cctype>
-#include <charconv>
 #include <iostream>
 #include <memory>
 
@@ -10,6 +9,7 @@
 #include "commands.h"
 #include "commands/completion.h"
 #include "device/application_ids.h"
+#include "device/plain_text.h"
 #include "text/input_file.h"
 #include "text/value_text.h"
 
@@ -19,13 +19,9 @@ namespace {
 /// The service takes the digits that a text begins with, and their lowest 32 bits, for the number of the account to
 /// delete. So a slip of the finger must not reach it.
 std::string checkAccountNumber(const std::string& text) {
-    const auto* digits = text.data() + (text.empty() || text[0] != '-' ? 0 : 1);
-    int number = 0;
-    const auto* const end = text.data() + text.size();
-    const auto [last, error] = std::from_chars(text.data(), end, number);
-    const bool isNumber = error == std::errc() && last == end;
-    const bool looksLikeOne = digits != end && std::isdigit(static_cast<unsigned char>(*digits)) != 0;
-    return isNumber || !looksLikeOne ? "" : text + " is not an account's number, which is 1 to 2147483647";
+    const auto digits = text.find_first_not_of('-');
+    const bool looksLikeOne = digits < 2 && std::isdigit(static_cast<unsigned char>(text[digits])) != 0;
+    return wholeNumber(text) || !looksLikeOne ? "" : text + " is not an account's number, which is 1 to 2147483647";
 }
 
 void addPolicyCommand(CLI::App& mail, const CommonOptions& common) {

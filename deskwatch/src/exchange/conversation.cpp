@@ -3,11 +3,10 @@
 #include <glib.h>
 
 #include <algorithm>
-#include <charconv>
 #include <stdexcept>
 
 #include "c_owners.h"
-#include "device/starts_with.h"
+#include "device/plain_text.h"
 #include "exchange/protocol_version.h"
 #include "exchange/status_words.h"
 #include "wbxml/wbxml_codec.h"
@@ -30,10 +29,8 @@ std::string base64(const std::string& text) {
 
 /// Seconds of a Retry-After header; a date, which no server of this kind sends, counts as none.
 std::optional<int> secondsOf(const std::string& text) {
-    int seconds = 0;
-    const auto* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, seconds);
-    return error == std::errc() && stop == end && seconds >= 0 ? std::optional(seconds) : std::nullopt;
+    const auto seconds = wholeNumber(text);
+    return seconds >= 0 ? seconds : std::nullopt;
 }
 
 int pauseAfter(const HttpReply& reply, int pauses) {

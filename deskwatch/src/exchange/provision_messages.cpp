@@ -1,7 +1,6 @@
 #include "exchange/provision_messages.h"
 
-#include <charconv>
-
+#include "device/plain_text.h"
 #include "exchange/protocol_version.h"
 
 namespace deskwatch {
@@ -13,14 +12,7 @@ using Elements = std::vector<WbxmlElement>;
 constexpr int noPolicy = 2;
 
 std::optional<int> numberIn(const WbxmlElement* element) {
-    if (element == nullptr) {
-        return std::nullopt;
-    }
-    int number = 0;
-    const auto& text = element->text;
-    const auto* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
+    return element != nullptr ? wholeNumber(element->text) : std::nullopt;
 }
 
 std::string textIn(const WbxmlElement* element) {

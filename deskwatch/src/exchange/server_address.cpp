@@ -3,12 +3,11 @@
 #include <glib.h>
 
 #include <algorithm>
-#include <charconv>
 #include <stdexcept>
 #include <vector>
 
 #include "c_owners.h"
-#include "device/starts_with.h"
+#include "device/plain_text.h"
 #include "exchange/protocol_version.h"
 
 namespace deskwatch {
@@ -54,7 +53,7 @@ std::string base64Query(const CommandQuery& query) {
     }
     std::string bytes{static_cast<char>(query.version), static_cast<char>(code->code), '\x09', '\x04'};
     addText(bytes, query.deviceId);
-    const auto key = keyNumber(query.policyKey);
+    const auto key = wholeNumber<std::uint32_t>(query.policyKey);
     bytes += key ? '\x04' : '\x00';
     for (unsigned int shift = 0; key && shift < 32; shift += 8) {
         bytes += static_cast<char>(*key >> shift & 0xFFU);
@@ -178,13 +177,6 @@ std::string queryText(const CommandQuery& query, QueryForm form) {
 
 std::optional<CommandQuery> readQuery(const std::string& text) {
     return text.find("Cmd=") != std::string::npos ? readPlainQuery(text) : readBase64Query(text);
-}
-
-std::optional<std::uint32_t> keyNumber(const std::string& key) {
-    std::uint32_t number = 0;
-    const auto* const end = key.data() + key.size();
-    const auto [stop, error] = std::from_chars(key.data(), end, number);
-    return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
 }
 
 } // namespace deskwatch

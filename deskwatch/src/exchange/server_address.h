@@ -33,9 +33,6 @@ std::string queryText(const CommandQuery& query, QueryForm form);
 /// Reads a query of either form; none when it is neither.
 std::optional<CommandQuery> readQuery(const std::string& text);
 
-/// A policy key as a number of 32 bits; none when it is not one.
-std::optional<std::uint32_t> keyNumber(const std::string& key);
-
 } // namespace deskwatch
 
 #endif

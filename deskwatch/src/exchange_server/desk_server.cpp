@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "c_owners.h"
-#include "device/starts_with.h"
+#include "device/plain_text.h"
 #include "exchange/protocol_version.h"
 #include "exchange/server_address.h"
 #include "text/text_table.h"

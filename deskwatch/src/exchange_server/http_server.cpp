@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "c_owners.h"
-#include "device/starts_with.h"
+#include "device/plain_text.h"
 
 namespace deskwatch {
 namespace {

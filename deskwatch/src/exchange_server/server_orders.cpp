@@ -1,8 +1,8 @@
 #include <algorithm>
-#include <charconv>
 #include <iterator>
 #include <stdexcept>
 
+#include "device/plain_text.h"
 #include "exchange_server/desk_server.h"
 #include "text/suggestion.h"
 #include "text/text_table.h"
@@ -44,10 +44,8 @@ const OrderRow* rowOf(const std::string& name) {
 }
 
 std::optional<int> numberOf(const std::string& text) {
-    int number = 0;
-    const auto* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && stop == end && number >= 0 && number < 1000 ? std::optional(number) : std::nullopt;
+    const auto number = wholeNumber(text);
+    return number >= 0 && number < 1000 ? number : std::nullopt;
 }
 
 bool isHttpStatus(const std::string& text) {

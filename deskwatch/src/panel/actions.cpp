@@ -4,7 +4,7 @@
 #include <functional>
 #include <map>
 
-#include "device/starts_with.h"
+#include "device/plain_text.h"
 #include "session/platform_faults.h"
 
 namespace deskwatch {

@@ -1,9 +1,8 @@
 #include "panel/event_ring.h"
 
-#include <charconv>
 #include <optional>
 
-#include "device/starts_with.h"
+#include "device/plain_text.h"
 
 namespace deskwatch {
 namespace {
@@ -13,13 +12,10 @@ constexpr std::size_t mostAtOnce = 65'536;
 /// The number at the end of an id of that epoch.
 std::optional<std::uint64_t> entryNumber(const std::string& id, const std::string& epoch) {
     const auto start = epoch + "-";
-    std::uint64_t number = 0;
     if (!startsWith(id, start)) {
         return std::nullopt;
     }
-    const auto* end = id.data() + id.size();
-    const auto [last, error] = std::from_chars(id.data() + start.size(), end, number);
-    return error == std::errc() && last == end ? std::optional(number) : std::nullopt;
+    return wholeNumber<std::uint64_t>(id.substr(start.size()));
 }
 
 } // namespace

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "device/starts_with.h"
+#include "device/plain_text.h"
 
 namespace deskwatch {
 namespace {

@@ -1,11 +1,11 @@
 #include "panel/http_head.h"
 
 #include <array>
-#include <charconv>
 #include <cstring>
 #include <utility>
 
 #include "c_owners.h"
+#include "device/plain_text.h"
 
 namespace deskwatch {
 namespace {
@@ -50,10 +50,7 @@ std::optional<std::int64_t> statedLength(SoupMessageHeaders* headers) {
     if (!text || soup_message_headers_get_encoding(headers) == SOUP_ENCODING_CHUNKED) {
         return std::nullopt;
     }
-    std::int64_t length = 0;
-    const auto [last, error] = std::from_chars(text->data(), text->data() + text->size(), length);
-    const bool isNumber = error == std::errc() && last == text->data() + text->size();
-    return isNumber ? std::optional(length) : std::nullopt;
+    return wholeNumber<std::int64_t>(*text);
 }
 
 } // namespace

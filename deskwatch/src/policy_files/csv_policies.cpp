@@ -2,7 +2,7 @@
 #include <string_view>
 #include <vector>
 
-#include "device/starts_with.h"
+#include "device/plain_text.h"
 #include "policy_files/policy_readers.h"
 #include "policy_files/policy_setting.h"
 #include "policy_files/setting_text.h"

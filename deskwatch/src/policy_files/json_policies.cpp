@@ -21,7 +21,7 @@ std::string scalarText(const LocatedJson& value) {
 }
 
 /// A number of PowerShell 7, which writes a whole number of seconds with a fraction of 0.
-std::string wholeNumber(const std::string& text) {
+std::string withoutFraction(const std::string& text) {
     const auto point = text.find(".0");
     return point != std::string::npos && point + 2 == text.size() ? text.substr(0, point) : text;
 }
@@ -35,7 +35,7 @@ PolicySetting settingOfMember(const LocatedJson::Member& member) {
             return {member.name, "Unlimited", false, line};
         }
         if (const auto* const seconds = value->find("TotalSeconds")) {
-            return {member.name, "0:0:" + wholeNumber(seconds->text), false, line};
+            return {member.name, "0:0:" + withoutFraction(seconds->text), false, line};
         }
         const auto* const inner = value->find("Value") != nullptr ? value->find("Value") : value->find("value");
         if (inner == nullptr) {

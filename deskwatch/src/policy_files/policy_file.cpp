@@ -1,9 +1,9 @@
 #include "policy_files/policy_file.h"
 
 #include <algorithm>
-#include <charconv>
 #include <stdexcept>
 
+#include "device/plain_text.h"
 #include "exchange/status_words.h"
 #include "policy_files/policy_readers.h"
 #include "policy_files/setting_text.h"
@@ -56,13 +56,11 @@ PolicyFile readTrace(const std::string& file, const std::string& trace) {
 
 std::string statusText(const ServerNotice& notice) {
     const bool isPolicy = notice.kind == ServerNotice::Kind::PolicyStatus;
-    int status = 0;
-    const auto* const end = notice.status.data() + notice.status.size();
-    const auto [stop, error] = std::from_chars(notice.status.data(), end, status);
-    if (error != std::errc() || stop != end) {
+    const auto status = wholeNumber(notice.status);
+    if (!status) {
         return "the Status is \"" + printable(notice.status) + "\", which is not a number";
     }
-    return "the server answers with " + (isPolicy ? policyStatusMeaning(status) : statusMeaning(status));
+    return "the server answers with " + (isPolicy ? policyStatusMeaning(*status) : statusMeaning(*status));
 }
 
 std::string namesOf(const PolicyFile& content) {

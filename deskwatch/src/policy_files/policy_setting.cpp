@@ -3,11 +3,11 @@
 #include <glib.h>
 
 #include <algorithm>
-#include <charconv>
 #include <iterator>
 #include <optional>
 #include <stdexcept>
 
+#include "device/plain_text.h"
 #include "policy_files/policy_names.h"
 #include "provisioning/element_rule.h"
 #include "provisioning/provisioning_import.h"
@@ -48,11 +48,8 @@ bool isLeftOut(const std::string& name, Naming naming) {
 }
 
 std::optional<long> numberIn(std::string_view text) {
-    long number = 0;
-    const auto* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number);
-    const bool isNumber = error == std::errc() && stop == end && number >= 0 && number < 1'000'000'000;
-    return isNumber ? std::optional(number) : std::nullopt;
+    const auto number = wholeNumber<long>(text);
+    return number >= 0 && number < 1'000'000'000 ? number : std::nullopt;
 }
 
 /// `[days.]hours:minutes:seconds` in seconds.

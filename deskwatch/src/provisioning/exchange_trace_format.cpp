@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-#include "device/starts_with.h"
+#include "device/plain_text.h"
 
 namespace deskwatch::exchange_trace {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "c_owners.h"
-#include "device/starts_with.h"
+#include "device/plain_text.h"
 
 namespace deskwatch {
 namespace {

@@ -3,11 +3,11 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <charconv>
 #include <map>
 #include <optional>
 #include <stdexcept>
 
+#include "device/plain_text.h"
 #include "provisioning/provisioning_elements.h"
 #include "text/suggestion.h"
 #include "text/text_table.h"
@@ -19,10 +19,7 @@ using Json = nlohmann::ordered_json;
 
 /// A whole text as a number of 0 or more.
 std::optional<int> numberOf(const std::string& text) {
-    int number = 0;
-    const auto* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && stop == end && text.front() != '-' ? std::optional(number) : std::nullopt;
+    return startsWith(text, "-") ? std::nullopt : wholeNumber(text);
 }
 
 std::string legalValues(const ProvisioningElement& element, const ElementRule& rule) {

@@ -4,11 +4,10 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 #include "c_owners.h"
 #include "device/application_ids.h"
-#include "device/starts_with.h"
+#include "device/plain_text.h"
 #include "host_bus.h"
 #include "message_size.h"
 #include "recording/recorded_text.h"
@@ -203,11 +202,7 @@ void BusTrace::takeFault(const std::string& key, GVariant* value) {
 std::optional<int> systemEventOf(const std::string& name) {
     const auto* known = std::find_if(systemEvents.begin(), systemEvents.end(),
                                      [&name](const auto& event) { return event.second == name; });
-    int number = 0;
-    const char* end = name.data() + name.size();
-    const auto [last, error] = std::from_chars(name.data(), end, number);
-    const bool isNumber = error == std::errc() && last == end;
-    return known != systemEvents.end() ? std::optional(known->first) : isNumber ? std::optional(number) : std::nullopt;
+    return known != systemEvents.end() ? std::optional(known->first) : wholeNumber(name);
 }
 
 void BusTrace::takeSystemSignal(GDBusMessage* message) {

@@ -10,7 +10,7 @@
 
 #include "device/application_ids.h"
 #include "device/first_settings.h"
-#include "device/starts_with.h"
+#include "device/plain_text.h"
 #include "host_bus.h"
 #include "recording/recorded_store.h"
 #include "recording/recorded_text.h"
@@ -40,10 +40,6 @@ GVariant* entries(const TraceEvent& object) {
         texts.emplace_back(textOfRecorded(key), textOfRecorded(value.get<std::string>()));
     }
     return text_pairs::toVariant(texts);
-}
-
-bool startsWith(const std::string& text, std::string_view start) {
-    return std::string_view(text).substr(0, start.size()) == start;
 }
 
 c::VariantOwner settingFor(const std::string& path, const TraceEvent& value) {

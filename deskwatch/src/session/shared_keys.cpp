@@ -2,11 +2,10 @@
 
 #include <vconf.h>
 
-#include <charconv>
 #include <stdexcept>
 
 #include "c_owners.h"
-#include "device/starts_with.h"
+#include "device/plain_text.h"
 #include "session/setting_value.h"
 
 namespace deskwatch {
@@ -84,10 +83,8 @@ void followKeys(const std::vector<std::string>& keys,
 }
 
 Value typedValue(const std::string& text) {
-    int number = 0;
-    const char* end = text.data() + text.size();
-    const auto [last, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && last == end ? Value(number) : Value(text);
+    const auto number = wholeNumber(text);
+    return number ? Value(*number) : Value(text);
 }
 
 } // namespace deskwatch
