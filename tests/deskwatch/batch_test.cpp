@@ -70,6 +70,12 @@ protected:
         return folder.string();
     }
 
+    std::string hangingService() const {
+        const auto service = write("service", "#!/bin/sh\nexec sleep 1000\n");
+        fs::permissions(service, fs::perms::owner_all);
+        return service.string();
+    }
+
     /// What is left among the temporary files.
     static std::size_t leftovers() {
         const fs::directory_iterator entries(std::getenv("TMPDIR"));
@@ -111,23 +117,23 @@ TEST_F(Batches, UpdatedFilesAreNamed) {
 
 TEST_F(Batches, WorkerThatHangsOrIsKilledFailsItsRecordingAlone) {
     const auto folder = recordings(1);
-    const auto service = write("service", "#!/bin/sh\nexec sleep 1000\n");
-    fs::permissions(service, fs::perms::owner_all);
-    const auto late = deskwatchProgram({"replay", folder, "--limit", "1", "--service", service.string()});
+    const auto service = hangingService();
+    const auto late = deskwatchProgram({"replay", folder, "--limit", "1", "--service", service});
     EXPECT_NE(late.errors.find("1.jsonl: took longer than 1 s\n"), std::string::npos) << late.errors;
     std::ofstream(service) << "#!/bin/sh\n"
                               "for file in $(grep -lsF TMPDIR=$TMPDIR /proc/[0-9]*/environ); do\n"
                               "  grep -q deskwatch ${file%environ}comm && kill -9 $(basename ${file%/environ})\n"
                               "done\n";
-    const auto killed = deskwatchProgram({"replay", folder, "--jobs", "1", "--service", service.string()});
+    const auto killed = deskwatchProgram({"replay", folder, "--jobs", "1", "--service", service});
     EXPECT_NE(killed.errors.find("1.jsonl: its process was ended by signal 9\n"), std::string::npos) << killed.errors;
     EXPECT_EQ(leftovers(), 0U);
 }
 
 TEST_F(Batches, InterruptLeavesNothing) {
     const auto folder = recordings(30);
-    for (int round = 0; round < 3; ++round) {
-        RunningProgram program({"replay", folder, "--jobs", "4"});
+    const std::string service = fs::path(DESKWATCH_PROGRAM).replace_filename("tesk-agent");
+    for (const auto& tried : {service, service, hangingService()}) {
+        RunningProgram program({"replay", folder, "--jobs", "4", "--service", tried});
         while (leftovers() == 0) {
             g_usleep(1000);
         }
