@@ -4,6 +4,7 @@
 
 #include "policy_files/policy_file.h"
 #include "provisioning/provisioning_document.h"
+#include "provisioning/provisioning_import.h"
 #include "text/input_file.h"
 #include "wbxml/element_xml.h"
 #include "wbxml/wbxml_codec.h"
@@ -52,7 +53,9 @@ WbxmlElement documentOfPolicy(const std::string& file, const std::string& text) 
                                  " policies; the server takes a file with one");
     }
     auto document = provisionElement("EASProvisionDoc", std::vector<WbxmlElement>{});
-    for (const auto& element : chosenPolicy(file, content, "").elements) {
+    const auto& elements = content.policies.front().elements;
+    importProvisioning(file, elements, {}); // refuses values that no policy has
+    for (const auto& element : elements) {
         if (!element.isList) {
             document.children.push_back(provisionElement(element.name, element.value));
         }

@@ -78,6 +78,10 @@ std::optional<int> plainValue(const PolicyMember& member, const LocatedJson& val
     return isMode ? std::optional((value.integer & alphanumericMode) != 0 ? 1 : 0) : std::nullopt;
 }
 
+std::string asWritten(const LocatedJson& value) {
+    return value.kind == Kind::Text ? value.text : value.shown();
+}
+
 /// The value of a member as the element has it that the member stands for. A flag that is left out forbids.
 std::string elementValue(const PolicyMember& member, const LocatedJson* value) {
     if (value == nullptr) {
@@ -90,10 +94,14 @@ std::string elementValue(const PolicyMember& member, const LocatedJson* value) {
     const bool isNoLimit = value->kind == Kind::Integer && value->integer == 0;
     return isNoLimit && elementRule(member.element)->least > 0 ? ""
            : value->kind == Kind::Integer                      ? value->text
-                                                               : value->shown();
+                                                               : asWritten(*value);
 }
 
-FilePolicy policyOfAccount(const std::string& file, const LocatedJson& account, const LocatedJson& policySet) {
+const char* legalWords(MemberType type) {
+    return type == MemberType::Flag ? "true or false" : "0, 32, 64 or 96";
+}
+
+FilePolicy policyOfAccount(const LocatedJson& account, const LocatedJson& policySet) {
     FilePolicy policy;
     policy.isMessage = true;
     const auto* const name = account.find("accountName");
@@ -102,18 +110,17 @@ FilePolicy policyOfAccount(const std::string& file, const LocatedJson& account, 
         const std::string memberName(member.name);
         const auto* const value = policySet.find(memberName);
         const auto line = static_cast<long>(value != nullptr ? value->line : policySet.line);
-        policy.elements.push_back(
-            {std::string(member.element), elementValue(member, value), false, line, {memberName, "", ""}});
-        if (value != nullptr && member.type != MemberType::Number && !plainValue(member, *value)) {
-            policy.faults.push_back(placeIn(file, line) + ": " + memberName + " is " + value->shown() +
-                                    "; it must be " +
-                                    (member.type == MemberType::Flag ? "true or false" : "0, 32, 64 or 96"));
-        }
+        const bool isIllegal = value != nullptr && member.type != MemberType::Number && !plainValue(member, *value);
+        policy.elements.push_back({std::string(member.element),
+                                   isIllegal ? asWritten(*value) : elementValue(member, value),
+                                   false,
+                                   line,
+                                   {memberName, isIllegal ? legalWords(member.type) : "", "", isIllegal}});
     }
     return policy;
 }
 
-PolicyFile readMessagePolicies(const std::string& file, const LocatedJson& root, const std::string& id) {
+PolicyFile readMessagePolicies(const LocatedJson& root, const std::string& id) {
     PolicyFile content;
     const auto* const kind = std::find_if(messageKinds.begin(), messageKinds.end(),
                                           [&id](const MessageKind& candidate) { return candidate.id == id; });
@@ -127,7 +134,7 @@ PolicyFile readMessagePolicies(const std::string& file, const LocatedJson& root,
     for (const auto& account : accounts != nullptr ? accounts->elements : std::vector<LocatedJson>{}) {
         const auto* const policySet = account.find("policySet");
         if (policySet != nullptr && policySet->kind == Kind::Object) {
-            content.policies.push_back(policyOfAccount(file, account, *policySet));
+            content.policies.push_back(policyOfAccount(account, *policySet));
         }
     }
     return content;
@@ -150,7 +157,7 @@ std::optional<PolicyFile> readJsonPolicies(const std::string& file, const std::s
     requireJson(file, text, "");
     const auto root = locatedJson(text);
     if (const auto* const id = root.find("msgId")) {
-        return readMessagePolicies(file, root, id->text);
+        return readMessagePolicies(root, id->text);
     }
     PolicyFile content;
     const auto* const data = root.find("data");

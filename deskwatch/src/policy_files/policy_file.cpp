@@ -114,11 +114,7 @@ const FilePolicy& chosenPolicy(const std::string& file, const PolicyFile& conten
         throw std::runtime_error(file + " has " + std::to_string(policies.size()) +
                                  " policies; choose one with --policy: " + namesOf(content));
     }
-    const auto& chosen = *std::find_if(policies.begin(), policies.end(), isChosen);
-    if (!chosen.faults.empty()) {
-        throw std::runtime_error(joined(chosen.faults, "\n"));
-    }
-    return chosen;
+    return *std::find_if(policies.begin(), policies.end(), isChosen);
 }
 
 std::string noticeText(const std::string& file, const ServerNotice& notice) {

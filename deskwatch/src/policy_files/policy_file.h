@@ -15,8 +15,6 @@ struct FilePolicy {
     std::vector<ProvisioningElement> elements;
     /// Whether it comes from a message for the watch, which nobody reads as a client reads a server's policy.
     bool isMessage = false;
-    /// What is wrong with it, with the places. Whoever chooses another one need not care.
-    std::vector<std::string> faults = {};
 };
 
 /// What a file brings.
@@ -33,7 +31,7 @@ struct PolicyFile {
 PolicyFile readPolicyFile(const std::string& file, const std::string& bytes);
 
 /// The only policy of a file, or the one of that name where a name is given. Throws std::runtime_error:
-/// with the names if that policy does not exist or several are there to choose from, with the faults if it has any.
+/// with the names if that policy does not exist or several are there to choose from.
 const FilePolicy& chosenPolicy(const std::string& file, const PolicyFile& content, const std::string& name);
 
 /// A notice in words, with its place.

@@ -113,24 +113,12 @@ std::string plainSize(const std::string& text) {
     return numberIn(digits) ? digits : text;
 }
 
-/// What is wrong with the settings of a file.
-struct Faults {
-    const std::string& file;
-    std::vector<std::string>& lines;
-
-    void refuse(const PolicySetting& setting, const std::string& legal) const {
-        lines.push_back(placeIn(file, setting.line) + ": " + setting.name + " is \"" + printable(setting.value) +
-                        "\"; it must be " + legal);
-    }
-};
-
 bool isEither(const std::string& text, const char* one, const char* other) {
     return g_ascii_strcasecmp(text.c_str(), one) == 0 || g_ascii_strcasecmp(text.c_str(), other) == 0;
 }
 
-ProvisioningElement elementOf(const PolicySetting& setting, const PolicyName& name, Naming naming,
-                              const Faults& faults) {
-    const ElementWording wording{setting.name, naming == Naming::Properties ? legalWords(name) : "", ""};
+ProvisioningElement elementOf(const PolicySetting& setting, const PolicyName& name, Naming naming) {
+    ElementWording wording{setting.name, naming == Naming::Properties ? legalWords(name) : "", ""};
     if (setting.isList) {
         return {name.element, "", true, setting.line, wording};
     }
@@ -138,17 +126,13 @@ ProvisioningElement elementOf(const PolicySetting& setting, const PolicyName& na
         return g_ascii_strcasecmp(row.word, setting.value.c_str()) == 0;
     });
     std::string value = word != valueWords.end() ? word->value : plainSize(setting.value);
-    if (wording.legalValues == flagWords && !value.empty() && !isEither(setting.value, "True", "False")) {
-        faults.refuse(setting, wording.legalValues);
-    }
+    wording.isIllegal = wording.legalValues == flagWords && !value.empty() && !isEither(setting.value, "True", "False");
     if (naming == Naming::Properties && name.unit != TimeUnit::None && word == valueWords.end() && !value.empty()) {
         const auto time = timeIn(value, name.unit);
-        if (!time) {
-            faults.refuse(setting, wording.legalValues);
-        }
+        wording.isIllegal = !time;
         value = time ? std::to_string(*time) : "";
     }
-    return {name.element, value, false, setting.line, wording};
+    return {name.element, wording.isIllegal ? setting.value : value, false, setting.line, wording};
 }
 
 ProvisioningElement unknownElement(const PolicySetting& setting, Naming naming) {
@@ -183,7 +167,6 @@ FilePolicy policyOf(const std::string& file, const std::vector<PolicySetting>& s
     }
     FilePolicy policy;
     auto& elements = policy.elements;
-    const Faults faults{file, policy.faults};
     for (const auto& setting : settings) {
         if (naming == Naming::Properties && (setting.name == "Name" || setting.name == "Identity")) {
             policy.name = setting.name == "Name" || policy.name.empty() ? setting.value : policy.name;
@@ -192,8 +175,7 @@ FilePolicy policyOf(const std::string& file, const std::vector<PolicySetting>& s
         if (setting.name.empty() || (name == nullptr && isLeftOut(setting.name, naming))) {
             continue;
         }
-        const auto element =
-            name != nullptr ? elementOf(setting, *name, naming, faults) : unknownElement(setting, naming);
+        const auto element = name != nullptr ? elementOf(setting, *name, naming) : unknownElement(setting, naming);
         // an object may have a property under its older name, too
         const bool isThere = std::any_of(elements.begin(), elements.end(), [&](const ProvisioningElement& other) {
             return other.name == element.name && other.value == element.value && other.isList == element.isList;

@@ -12,6 +12,8 @@ struct ElementWording {
     std::string legalValues;
     /// Why it cannot be an element.
     std::string unknown;
+    /// Whether the value stands for nothing there, so that the element has it as it is written.
+    bool isIllegal = false;
 };
 
 /// An element of a provisioning document.

@@ -35,6 +35,9 @@ std::string legalValues(const ProvisioningElement& element, const ElementRule& r
 
 /// What people write for no limit in other places (a message has 0), where the protocol has an empty element for it.
 std::string hintFor(const ProvisioningElement& element, const ElementRule& rule) {
+    if (!element.wording.legalValues.empty()) {
+        return "";
+    }
     const auto isNoLimit = nearest(element.value, {"Unlimited", "None", "Never"}).has_value();
     const bool isZeroOfMessage = element.value == "0" && rule.absent == 0; // refused, so the element has a minimum
     return isZeroOfMessage || (isNoLimit && rule.most > 1) ? "; for no limit leave it empty" : "";
@@ -98,11 +101,11 @@ private:
             refuse(element, " contains other elements; it must be " + legalValues(element, rule));
             return;
         }
-        if (element.value.empty()) {
+        if (element.value.empty() && !element.wording.isIllegal) {
             return;
         }
         const auto value = numberOf(element.value);
-        if (!value || *value < rule.least || *value > rule.most) {
+        if (!value || element.wording.isIllegal || *value < rule.least || *value > rule.most) {
             refuse(element, " is \"" + printable(element.value) + "\"; it must be " + legalValues(element, rule) +
                                 hintFor(element, rule));
             return;
