@@ -45,8 +45,7 @@ void onChunk(SoupServerMessage* message, GBytes* /*chunk*/, gpointer /*unused*/)
     }
 }
 
-void onEarly(SoupServer* /*server*/, SoupServerMessage* message, const char* /*path*/, GHashTable* /*query*/,
-             gpointer /*unused*/) {
+void onStarted(SoupServer* /*server*/, SoupServerMessage* message, gpointer /*unused*/) {
     g_signal_connect(message, "got-chunk", G_CALLBACK(onChunk), nullptr);
 }
 
@@ -144,7 +143,7 @@ HttpServer::HttpServer(DeskServer& server, unsigned int port, const std::string&
                        std::function<void(const std::string&)> log)
     : parts_(new Parts{server, std::move(log)}) {
     auto* const http = parts_->http.get();
-    soup_server_add_early_handler(http, nullptr, onEarly, nullptr, nullptr);
+    g_signal_connect(http, "request-started", G_CALLBACK(onStarted), nullptr);
     soup_server_add_handler(http, "/Microsoft-Server-ActiveSync", Parts::onRequest, parts_.get(), nullptr);
     soup_server_add_handler(http, ordersPath, Parts::onOrder, parts_.get(), nullptr);
     int options = SOUP_SERVER_LISTEN_IPV4_ONLY;
