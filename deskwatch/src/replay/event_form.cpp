@@ -8,6 +8,7 @@
 
 #include "TeskConsumerKeys.h"
 #include "device/application_ids.h"
+#include "recording/bus_trace.h"
 #include "recording/recorded_value.h"
 #include "text/suggestion.h"
 
@@ -131,6 +132,13 @@ void requireMembers(const TraceEvent& object, const std::vector<Member>& members
     }
 }
 
+/// The faults of all functions can only be removed.
+void requireOneFunction(const TraceEvent& event) {
+    if (event.value("function", "") == everyFunction && !event["code"].is_null()) {
+        throw FormError("code", "\"code\" is not null, as it is for \"" + std::string(everyFunction) + "\"");
+    }
+}
+
 const char* directionOf(const TraceEvent& event) {
     for (const char* direction : {"in", "out", "around", "expect"}) {
         if (event.is_object() && event.contains(direction)) {
@@ -217,6 +225,7 @@ void requireEvent(const TraceEvent& event) {
             auto members = form.members;
             members.push_back({form.direction, Type::Text});
             requireMembers(event, members);
+            requireOneFunction(event);
             return;
         }
         kinds.emplace_back(form.kind);

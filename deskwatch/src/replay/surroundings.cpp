@@ -231,6 +231,9 @@ void Surroundings::letNewsArrive() const {
 }
 
 void Surroundings::callDiagnosis(const TraceEvent& event) const {
+    if (!bus_.daemon().isOwned(ids::service)) {
+        return; // which has ended too early, and its effects tell
+    }
     bus_.daemon().awaitOwner(diagnosis, replayTimeout); // it comes after the service's start
     const auto value = event.find("value");
     try {
