@@ -5,6 +5,7 @@
 
 #include "provisioning/exchange_trace_format.h"
 #include "text/text_table.h"
+#include "text/value_text.h"
 #include "wbxml/element_xml.h"
 #include "wbxml/wbxml_codec.h"
 
@@ -83,7 +84,7 @@ HttpReply TracedTransport::send(const HttpRequest& request) {
 }
 
 void TracedTransport::pause(int seconds) {
-    file_.write("(" + std::to_string(seconds) + " seconds pass)\n\n");
+    file_.write("(a pause of " + counted(static_cast<std::size_t>(seconds), "second") + ")\n\n");
     transport_.pause(seconds);
 }
 
