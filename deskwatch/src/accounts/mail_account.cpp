@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 
+#include "text/json_input.h"
 #include "text/value_output.h"
 
 namespace deskwatch {
@@ -74,7 +75,7 @@ MailAccount readAccountJson(const std::string& text) {
         account.acknowledged = numberIn(json.at("acknowledged"));
         return account;
     } catch (const Json::exception& error) {
-        throw std::runtime_error(std::string("not the state of an account: ") + error.what());
+        throw std::runtime_error("not the state of an account: " + jsonFault(error));
     }
 }
 

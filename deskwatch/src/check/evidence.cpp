@@ -17,6 +17,7 @@
 #include "session/lock_screen.h"
 #include "session/setting_value.h"
 #include "status/device_status.h"
+#include "text/json_input.h"
 
 namespace deskwatch {
 namespace {
@@ -100,7 +101,9 @@ Json parseSettings(const fs::path& file) {
         throw std::runtime_error("cannot read " + file.string() +
                                  ": a copy of a device has its settings there, as status --json writes them");
     }
-    return Json::parse(stream);
+    const std::string text(std::istreambuf_iterator<char>(stream), {});
+    requireJson(file.string(), text, "");
+    return Json::parse(text);
 }
 
 void readSettings(const fs::path& file, Evidence& evidence) {
@@ -118,7 +121,7 @@ void readSettings(const fs::path& file, Evidence& evidence) {
             evidence.isAdministered = dump.at("administrator").get<bool>();
         }
     } catch (const Json::exception& error) {
-        throw std::runtime_error(file.string() + ": " + error.what());
+        throw std::runtime_error(file.string() + " is not what status --json writes: " + jsonFault(error));
     }
 }
 

@@ -13,6 +13,7 @@
 #include "panel/watch_feed.h"
 #include "session/platform_faults.h"
 #include "text/country.h"
+#include "text/json_input.h"
 #include "text/value_output.h"
 
 namespace deskwatch {
@@ -81,8 +82,7 @@ private:
                 actions_.run(request, answer);
             }
         } catch (const nlohmann::json::exception& error) {
-            answer(
-                {badAction, "text/plain; charset=utf-8", std::string("the body is not valid JSON: ") + error.what()});
+            answer({badAction, "text/plain; charset=utf-8", "the body is not valid JSON: " + jsonFault(error)});
         } catch (const BadAction& error) {
             answer({badAction, "text/plain; charset=utf-8", error.what()});
         }

@@ -5,6 +5,7 @@
 
 #include "replay/event_form.h"
 #include "text/input_file.h"
+#include "text/json_input.h"
 
 namespace deskwatch {
 namespace {
@@ -12,13 +13,6 @@ namespace {
 /// What is wrong with a line, and its place there: "12: not a ...".
 [[noreturn]] void fail(const std::string& place, std::size_t column, const std::string& why) {
     throw std::runtime_error(place + ":" + std::to_string(column) + ": not a line of a recording: " + why);
-}
-
-/// The parser's words without its own place and number.
-std::string reasonOf(const TraceEvent::parse_error& error) {
-    const std::string words = error.what();
-    const auto place = words.find(": ");
-    return place != std::string::npos ? words.substr(place + 2) : words;
 }
 
 /// The column where a member of that name begins; the first one when there is none.
@@ -38,7 +32,7 @@ void read(const std::string& text, const std::string& place, const Use& use) {
     try {
         use(TraceEvent::parse(text));
     } catch (const TraceEvent::parse_error& error) {
-        fail(place, error.byte, reasonOf(error));
+        fail(place, error.byte, jsonFault(error));
     } catch (const FormError& error) {
         fail(place, columnOf(error.member(), text), error.what());
     } catch (const std::exception& error) {

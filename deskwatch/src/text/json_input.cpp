@@ -8,18 +8,17 @@
 namespace deskwatch {
 namespace {
 
-/// What the library says, without the marks and the position that it puts in front.
-std::string reason(const std::string& what) {
-    const auto mark = what.find("syntax error");
-    const auto start = mark == std::string::npos ? what.find("] ") + 2 : mark;
-    return what.substr(start);
-}
-
 [[noreturn]] void refuse(const std::string& place, const std::string& remark, const nlohmann::json::exception& error) {
-    throw std::runtime_error(place + ": not valid JSON" + remark + ": " + reason(error.what()));
+    throw std::runtime_error(place + ": not valid JSON" + remark + ": " + jsonFault(error));
 }
 
 } // namespace
+
+std::string jsonFault(const std::exception& error) {
+    const std::string what = error.what();
+    const auto mark = what.find("syntax error");
+    return what.substr(mark == std::string::npos ? what.find("] ") + 2 : mark);
+}
 
 std::string positionIn(std::string_view text, std::size_t offset) {
     const auto before = text.substr(0, offset);
