@@ -122,6 +122,10 @@ TEST(Wbxml, BadBytesAreRefusedAtTheirPlace) {
     const std::pair<std::string, const char*> rows[] = {
         {"", "byte 0: the document is cut off"},
         {"<html>", "byte 1: it does not begin with 03, the version"},
+        {bytesOf("00 01 6A 00"), "byte 1: it does not begin with 03, the version"},
+        {bytesOf("04 01 6A 00"), "byte 1: it does not begin with 03, the version"},
+        {bytesOf("01 01 6A 00"), "byte 4: the document is cut off"},
+        {bytesOf("03 81 81 81 00 6A 00"), "byte 7: the document is cut off"},
         {bytesOf("03 01 04 00"), "byte 3: the character set is not UTF-8 (6A)"},
         {bytesOf("03 01 6A 01 41"), "byte 4: the document has a string table"},
         {start + bytesOf("45 4B 03 31"), "byte 10: the document is cut off"},
