@@ -11,6 +11,7 @@
 #include "actors/synchronisation_stops.h"
 #include "device/application_ids.h"
 #include "exchange/protocol_version.h"
+#include "messages/message.h"
 #include "provisioning/provisioning_import.h"
 #include "provisioning/provisioning_tolerance.h"
 #include "records/policy_database.h"
@@ -50,10 +51,8 @@ std::string messageFor(const MailAccount& account) {
     return importProvisioning(account.server.url, account.elements, {account.id, account.name, false}).message;
 }
 
-bool hasAccount(const std::vector<StoredAccount>& accounts, int id) {
-    return std::any_of(accounts.begin(), accounts.end(), [id](const StoredAccount& account) {
-        return std::find(account.begin(), account.end(), NamedValue{"account_id", id}) != account.end();
-    });
+bool isOf(const StoredAccount& stored, int id) {
+    return std::find(stored.begin(), stored.end(), NamedValue{"account_id", id}) != stored.end();
 }
 
 /// A user who repeats a connection means the account that there is.
@@ -116,6 +115,7 @@ void MailAccounts::obey(MailAccount& account, Handshake& handshake, const Server
     switch (demand.kind) {
     case Kind::Nothing:
         say(account, "nothing has changed");
+        restore(account);
         return;
     case Kind::NoPolicy:
         takeNoPolicy(account);
@@ -143,9 +143,7 @@ void MailAccounts::takePolicy(MailAccount& account, const ServerDemand& demand) 
     account.message = messageFor(account);
     account.pending = PendingPolicy{demand.temporaryKey, std::nullopt, false};
     const bool isInForce = account.acknowledged && *account.acknowledged <= static_cast<int>(Compliance::Partly);
-    const bool isKnown = isInForce && account.message == known &&
-                         hasAccount(readStoredAccounts(policyDatabase(session_.device().layout())), account.id);
-    if (isKnown) {
+    if (isInForce && account.message == known && isOnWatch(account)) {
         say(account, "the server sends the policy that the watch has");
         account.pending->stopsBefore = stopsNow();
         account.pending->wasApplied = true;
@@ -170,9 +168,16 @@ void MailAccounts::finish(MailAccount& account, Handshake& handshake, bool maySt
         account.pending->stopsBefore = stopsNow();
         sendToService(account, requests::updatePolicy, account.message);
         store_.write(account);
+    } else if (restore(account)) {
+        account.pending->wasApplied = false;
+        store_.write(account);
     } else if (!session_.daemon().isOwned(ids::service)) {
         // the watch was off meanwhile, and nobody has looked at the lock since
         sendToService(account, requests::checkPassword, "");
+    }
+    if (!isOnWatch(account)) {
+        throw Refusal("the watch does not have the policy, so the server is told nothing; mail refresh " +
+                      std::to_string(account.id) + " tries again");
     }
     const auto verdict = answerOfWatch(account);
     if (!verdict && surroundings_.patience == 0) {
@@ -209,6 +214,23 @@ void MailAccounts::finish(MailAccount& account, Handshake& handshake, bool maySt
     }
     say(account, told);
     handshake.describeDevice();
+}
+
+bool MailAccounts::isOnWatch(const MailAccount& account) const {
+    const auto message = readMessage(account.message);
+    const auto stored = readStoredAccounts(policyDatabase(session_.device().layout()));
+    return std::any_of(stored.begin(), stored.end(), [&](const StoredAccount& row) {
+        return isOf(row, account.id) && holdsPolicy(row, message.accounts.front());
+    });
+}
+
+bool MailAccounts::restore(const MailAccount& account) {
+    if (account.message.empty() || isOnWatch(account)) {
+        return false;
+    }
+    say(account, "the watch does not have the policy any more, and gets it again");
+    sendToService(account, requests::updatePolicy, account.message);
+    return true;
 }
 
 std::optional<Verdict> MailAccounts::answerOfWatch(const MailAccount& account) const {
@@ -274,7 +296,10 @@ int MailAccounts::freeId() const {
     const auto connected = store_.ids();
     const auto stored = readStoredAccounts(policyDatabase(session_.device().layout()));
     int id = 1;
-    while (hasAccount(stored, id) || std::find(connected.begin(), connected.end(), id) != connected.end()) {
+    const auto isStored = [&] {
+        return std::any_of(stored.begin(), stored.end(), [&id](const StoredAccount& row) { return isOf(row, id); });
+    };
+    while (isStored() || std::find(connected.begin(), connected.end(), id) != connected.end()) {
         ++id;
     }
     return id;

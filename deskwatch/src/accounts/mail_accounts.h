@@ -57,6 +57,10 @@ private:
     void takePolicy(MailAccount& account, const ServerDemand& demand);
     void takeNoPolicy(MailAccount& account);
     void finish(MailAccount& account, Handshake& handshake, bool mayStartOver);
+    /// Whether the account is stored with the policy of its server.
+    bool isOnWatch(const MailAccount& account) const;
+    /// Sends the policy again if it was lost or replaced; false when it is there.
+    bool restore(const MailAccount& account);
     std::optional<Verdict> answerOfWatch(const MailAccount& account) const;
     void wipe(MailAccount& account, Handshake& handshake, WipeOrder order);
     void sendToService(const MailAccount& account, const std::string& request, const std::string& argument);

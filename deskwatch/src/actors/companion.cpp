@@ -96,6 +96,7 @@ private:
     static gboolean onAnswer(TeskDeskCompanion* object, GDBusMethodInvocation* call, const char* result, gpointer self);
 
     static gboolean onDismiss(TeskDeskCompanion* object, GDBusMethodInvocation* call, gpointer self);
+    static void onServiceGone(GDBusConnection* bus, const char* name, gpointer self);
 
     /// Answers the oldest request that waits; a null result cancels it. False when none waits.
     bool answer(const char* result);
@@ -117,6 +118,8 @@ Companion::Companion() {
                                                            companion_bus::path, &error) == FALSE) {
         throw std::runtime_error("cannot be found on the bus: " + c::takeMessage(error));
     }
+    g_bus_watch_name_on_connection(bus.get(), ids::service, G_BUS_NAME_WATCHER_FLAGS_NONE, nullptr, onServiceGone, this,
+                                   nullptr);
 }
 
 int Companion::run() {
@@ -192,6 +195,15 @@ gboolean Companion::onDismiss(TeskDeskCompanion* object, GDBusMethodInvocation* 
         refuseAnswer(call);
     }
     return TRUE;
+}
+
+/// What it asked is not waited for any more, also when it starts anew.
+void Companion::onServiceGone(GDBusConnection* /*bus*/, const char* /*name*/, gpointer self) {
+    auto& companion = *static_cast<Companion*>(self);
+    for (auto& launch : companion.launches_) {
+        launch.waiting = launch.caller == ids::service ? nullptr : launch.waiting;
+    }
+    tesk_desk_companion_emit_changed(companion.object_.get());
 }
 
 bool Companion::answer(const char* result) {

@@ -75,15 +75,12 @@ const StoredAccount* rowOf(const std::optional<std::vector<StoredAccount>>& acco
 
 /// Whether the store holds what a message says of an account.
 bool holds(const StoredAccount& stored, const MessageAccount& account) {
-    return std::all_of(stored.begin(), stored.end(), [&account](const NamedValue& column) {
-        if (column.name == "account_name") {
-            // a text ends for the service at a null character
-            return column.value == Value(account.name.substr(0, account.name.find('\0')));
-        }
-        return std::all_of(account.columns.begin(), account.columns.end(), [&column](const DemandedColumn& demanded) {
-            return column.name != demanded.name || column.value == Value(demanded.value);
-        });
+    const Value name(
+        account.name.substr(0, account.name.find('\0'))); // a text ends for the service at a null character
+    const bool isCalledSo = std::all_of(stored.begin(), stored.end(), [&name](const NamedValue& column) {
+        return column.name != "account_name" || column.value == name;
     });
+    return isCalledSo && holdsPolicy(stored, account);
 }
 
 const char* const tooLittleLogged =

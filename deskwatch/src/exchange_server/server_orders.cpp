@@ -45,7 +45,7 @@ const OrderRow* rowOf(const std::string& name) {
 
 std::optional<int> numberOf(const std::string& text) {
     const auto number = wholeNumber(text);
-    return number >= 0 && number < 1000 ? number : std::nullopt;
+    return number && *number >= 0 && *number < 1000 ? number : std::nullopt;
 }
 
 bool isHttpStatus(const std::string& text) {

@@ -86,4 +86,12 @@ Message readMessage(const std::string& text) {
     return message;
 }
 
+bool holdsPolicy(const StoredAccount& stored, const MessageAccount& account) {
+    return std::all_of(stored.begin(), stored.end(), [&account](const NamedValue& column) {
+        return std::all_of(account.columns.begin(), account.columns.end(), [&column](const DemandedColumn& demanded) {
+            return column.name != demanded.name || column.value == Value(demanded.value);
+        });
+    });
+}
+
 } // namespace deskwatch

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "messages/message_table.h"
+#include "session/value.h"
 
 namespace deskwatch {
 
@@ -38,6 +39,9 @@ struct Message {
 /// Reads a message as tolerantly as the service: text after the object is ignored, a member of the wrong type counts as
 /// missing.
 Message readMessage(const std::string& text);
+
+/// Whether a stored account has all the numbers that a message's account puts there.
+bool holdsPolicy(const StoredAccount& stored, const MessageAccount& account);
 
 } // namespace deskwatch
 

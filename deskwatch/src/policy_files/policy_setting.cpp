@@ -49,7 +49,7 @@ bool isLeftOut(const std::string& name, Naming naming) {
 
 std::optional<long> numberIn(std::string_view text) {
     const auto number = wholeNumber<long>(text);
-    return number >= 0 && number < 1'000'000'000 ? number : std::nullopt;
+    return number && *number >= 0 && *number < 1'000'000'000 ? number : std::nullopt;
 }
 
 /// `[days.]hours:minutes:seconds` in seconds.
