@@ -106,10 +106,13 @@ void findUnmetDemands(const Evidence& evidence, const DeviceFacts& facts, Findin
 
 void findMissingLock(const Evidence& evidence, const DeviceFacts& facts, Findings& findings) {
     const int quality = TeskPasswordDecision::requiredQuality(TeskPolicyMerge::strongest(facts.accounts));
-    if (quality != 0 &&
-        TeskPasswordDecision::compareLock(quality, evidence.lockType.value_or(0)) != TeskPasswordVerdict::Satisfied) {
+    const auto verdict = TeskPasswordDecision::compareLock(quality, evidence.lockType.value_or(0));
+    if (quality != 0 && verdict != TeskPasswordVerdict::Satisfied) {
         findings.add(Kind::Lock, evidence.wasLockApplied ? "the lock that the accounts demand was removed or weakened"
                                                          : "the wearer has not set the lock that the accounts demand");
+    } else if (quality != 0 && !evidence.wasLockApplied) {
+        findings.add(Kind::Lock,
+                     "the wearer is asked for a lock; nobody knows whether the present one is strong enough");
     }
 }
 

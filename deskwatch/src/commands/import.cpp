@@ -44,6 +44,16 @@ void refuseBesideAnOrder(const std::string& name, const PolicyFile& content, int
     }
 }
 
+/// What is misspelt is lost, and the watch would be weaker than its administrator thinks.
+void refuseSlips(const std::string& name, const ProvisioningImport& import) {
+    for (const auto& entry : import.elements) {
+        if (isSlip(entry.element)) {
+            throw Refusal(placeIn(name, entry.element.line) + ": " + entry.element.name + " is " + entry.remark +
+                          " Nothing is sent");
+        }
+    }
+}
+
 /// The name under which the watch has the account, so that its policy does not rename it; else the usual one.
 std::string accountName(const Device& device, const ImportTarget& target) {
     try {
@@ -88,6 +98,7 @@ void import(const CommonOptions& common, ImportOptions options) {
         std::cout << (options.isJson ? forecastJson(changes) : forecastText(changes));
     } else if (options.isSend) {
         refuseBesideAnOrder(name, content, options.target.account);
+        refuseSlips(name, result);
         sendAndTell(common, {{name, requests::policyUpdate(result.message)}});
     }
 }

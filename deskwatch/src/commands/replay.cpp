@@ -134,7 +134,17 @@ BatchReport mergeReports(const std::vector<std::string>& files) {
     return all;
 }
 
+/// Before a long run, not after it.
+void requireFolderOf(const std::string& file) {
+    const auto folder = std::filesystem::path(file).parent_path();
+    if (!folder.empty() && !std::filesystem::is_directory(folder)) {
+        throw std::runtime_error("cannot write " + file + ": " + folder.string() + " is not a folder");
+    }
+}
+
 void replayMany(const ReplayOptions& options) {
+    requireFolderOf(options.junit);
+    requireFolderOf(options.times);
     const auto report = options.isMerged ? mergeReports(options.files) : replayShare(options);
     std::cout << (options.isJson ? batchJson(report)
                                  : batchText(report)); // not lost with a file that cannot be written

@@ -47,6 +47,11 @@ std::string nameInFile(const ProvisioningElement& element) {
     return element.wording.name.empty() ? element.name : element.wording.name;
 }
 
+bool isOther(const std::string& name) {
+    return std::any_of(otherElements.begin(), otherElements.end(),
+                       [&name](const OtherElement& other) { return name == other.name; });
+}
+
 std::string notAnElement(const ProvisioningElement& element) {
     const auto& name = element.name;
     if (!element.wording.unknown.empty()) {
@@ -74,7 +79,7 @@ public:
             take(element);
         }
         if (!errors_.empty()) {
-            throw std::runtime_error(errors_);
+            throw std::runtime_error(errors_ + slips_);
         }
     }
 
@@ -93,6 +98,8 @@ private:
                                 (first->second > 0 ? " of the one in line " + std::to_string(first->second) : ""));
         } else if (rule != nullptr) {
             takeValue(element, *rule);
+        } else if (isSlip(element)) {
+            slips_ += "\n" + placeIn(file_, element.line) + ": " + nameInFile(element) + ": " + notAnElement(element);
         }
     }
 
@@ -119,6 +126,7 @@ private:
 
     std::string file_;
     std::string errors_;
+    std::string slips_; // told beside errors; alone they are remarks
     std::map<std::string, long> lines_;
     std::map<std::string, int> values_;
 };
@@ -229,6 +237,11 @@ std::string messageText(const PolicySet& policySet, const ImportTarget& target) 
 }
 
 } // namespace
+
+bool isSlip(const ProvisioningElement& element) {
+    return elementRule(element.name) == nullptr && !isOther(element.name) &&
+           notAnElement(element).find("did you mean") != std::string::npos;
+}
 
 std::string placeIn(const std::string& file, long line) {
     return line > 0 ? file + ":" + std::to_string(line) : file;

@@ -46,6 +46,9 @@ struct ProvisioningImport {
 /// A place in a file for the reader: `FILE:LINE`, or the file where the line is 0.
 std::string placeIn(const std::string& file, long line);
 
+/// Whether its name looks like a slip of the pen for a known one.
+bool isSlip(const ProvisioningElement& element);
+
 /// Makes a message of a document's elements. `file` is named in errors. Throws std::runtime_error with the file and the
 /// line of every illegal value.
 ProvisioningImport importProvisioning(const std::string& file, const std::vector<ProvisioningElement>& elements,

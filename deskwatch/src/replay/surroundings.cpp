@@ -10,6 +10,7 @@
 
 #include "device/application_ids.h"
 #include "device/first_settings.h"
+#include "device/patience.h"
 #include "device/plain_text.h"
 #include "host_bus.h"
 #include "recording/recorded_store.h"
@@ -161,8 +162,15 @@ std::vector<TraceEvent> Surroundings::effects() {
 }
 
 void Surroundings::launchService(const std::string& caller, const TraceEvent& extraData) const {
-    bus_.call({ids::service, host_bus::applicationPath, "tesk.host.Application", "Launch"},
-              g_variant_new("(s@a(ayay)b)", caller.c_str(), entries(extraData), FALSE), replayTimeout);
+    try {
+        bus_.call({ids::service, host_bus::applicationPath, "tesk.host.Application", "Launch"},
+                  g_variant_new("(s@a(ayay)b)", caller.c_str(), entries(extraData), FALSE), noticeOfStart);
+    } catch (const std::runtime_error&) {
+        if (!device_.hasProgramOf(ids::service)) {
+            throw; // the bus waits a minute for what a program leaves that has ended
+        }
+        settle(ids::service); // the bus still has the request for it
+    }
 }
 
 void Surroundings::send(const TraceEvent& event) const {
