@@ -12,8 +12,11 @@ function reasonText(member, id, explanation) {
   if (!share) {
     return '';
   }
-  const others = { wins: 'This account decides.', agrees: 'It agrees with what is enforced.', loses: `It gives way: ${field.merged} is enforced.` };
-  return others[share.standing];
+  const texts = field.setting
+    ? { wins: 'This account decides.', agrees: 'It agrees with what is enforced.', loses: `It gives way: ${field.merged} is enforced.` }
+    : { wins: 'This account decides what is merged, not enforced.', agrees: 'It agrees with what is merged, not enforced.',
+      loses: `It gives way: ${field.merged} is merged, not enforced.` };
+  return texts[share.standing];
 }
 
 /// One account: what the watch stores of it, the draft of what would be sent, and a row for each member.
