@@ -10,7 +10,7 @@ const kinds = ['request', 'answer', 'effect', 'launch', 'message', 'key', 'proce
 const timeText = (entry) => (entry.time ? new Date(entry.time).toTimeString().slice(0, 8) + entry.time.slice(19, 23) : 'before');
 
 /// The parts of the service's log lines that every line has say nothing to a reader.
-const shortText = (entry) => (entry.kind === 'log' ? entry.text.replace(/^([VDIWEFS])\/TESK_CONSUMER\(\d+\): /, '$1 ') : entry.text);
+const shortText = (entry) => (entry.kind === 'log' ? entry.text.replace(/^([VDIWEFS])\/TESK_CONSUMER\( *\d+\): /, '$1 ') : entry.text);
 
 function content(entry) {
   return entry.detail === null ? entry.text : JSON.stringify(entry.detail, null, 2);

@@ -180,11 +180,12 @@ class Accounts(PanelTest):
         page.await_text(".screen .name", name)
         page.await_text(".card h3", name)
         with open(watch.path + "/log", "a", encoding="utf-8") as log:
-            log.write(f"W/TESK_CONSUMER(1): {name}\n")
+            log.writelines(f"W/TESK_CONSUMER({process:5}): {name} {process}\n" for process in [9999, 1234567])
         for view in VIEWS:
             page.view(view)
         page.view("What happened")
-        page.await_text(".entries", f"W {name}")
+        for process in [9999, 1234567]:
+            page.await_text(".entries", f"W {name} {process}")
         self.assertEqual(page.browser.find_elements("css selector", "img, body script"), [])
         self.assertEqual(page.console(), [])
 
