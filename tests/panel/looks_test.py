@@ -45,11 +45,13 @@ class Looks(PanelTest):
         page, watch = self.page, self.watch
         watch.send("hardened.json")
         page.await_text(".screen", "Set a lock")
-        for width, height in [(360, 800), (1280, 960), (3840, 2160)]:
+        for width, height in [(360, 800), (1200, 800), (1280, 960), (3840, 2160)]:
             page.size(width, height)
             for view in VIEWS:
                 page.view(view)
                 self.assertLessEqual(page.script("return document.documentElement.scrollWidth - innerWidth"), 0, f"{view} at {width}")
+                hidden = page.script("return Math.max(...[...document.querySelectorAll('.scroll')].map((box) => box.scrollWidth - box.clientWidth))")
+                self.assertLessEqual(hidden, 0, f"the table of {view} at {width}")
             cut = page.script("""const face = document.querySelector('.screen').getBoundingClientRect(); const radius = face.width / 2;
                 return [...document.querySelectorAll('.screen button')].filter((button) => { const box = button.getBoundingClientRect();
                     const x = Math.max(0, Math.abs(box.left + box.width / 2 - face.left - radius) + box.width / 2 - 20);
