@@ -132,7 +132,7 @@ void addBootCommand(CLI::App& program, const CommonOptions& common) {
     command->add_flag("--tutorial", options->isTutorialShown, "The tutorial of the first use is being shown");
     command->add_option("--service", options->service, "Program of the service (default: tesk-agent beside deskwatch)")
         ->type_name("PATH");
-    command->add_option("--mail", options->mail, "Program of the mail application (default: a stand-in)")
+    command->add_option("--mail", options->mail, "Program of the mail application (default, at each boot: a stand-in)")
         ->type_name("PATH");
     command->footer("Example:\n  deskwatch boot /tmp/watch --country KR --lock pin");
     command->callback([&common, options] { boot(common, *options); });

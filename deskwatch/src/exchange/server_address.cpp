@@ -144,13 +144,9 @@ std::optional<CommandQuery> readBase64Query(const std::string& text) {
 } // namespace
 
 std::string serverAddress(const std::string& given, bool allowsPlain) {
-    GError* error = nullptr;
-    const Uri uri(g_uri_parse(given.c_str(), G_URI_FLAGS_NONE, &error));
-    if (uri == nullptr) {
-        throw std::runtime_error("\"" + given + "\" is not a URL: " + c::takeMessage(error));
-    }
-    const std::string scheme = g_uri_get_scheme(uri.get());
-    const char* const host = g_uri_get_host(uri.get());
+    const Uri uri(g_uri_parse(given.c_str(), G_URI_FLAGS_NONE, nullptr));
+    const std::string scheme = uri != nullptr ? g_uri_get_scheme(uri.get()) : "";
+    const char* const host = uri != nullptr ? g_uri_get_host(uri.get()) : nullptr;
     if ((scheme != "https" && scheme != "http") || host == nullptr || *host == '\0') {
         throw std::runtime_error("\"" + given + "\" is not the URL of a server; one is https://mail.example.com");
     }
