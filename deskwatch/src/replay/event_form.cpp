@@ -135,7 +135,7 @@ void requireMembers(const TraceEvent& object, const std::vector<Member>& members
 /// The faults of all functions can only be removed.
 void requireOneFunction(const TraceEvent& event) {
     if (event.value("function", "") == everyFunction && !event["code"].is_null()) {
-        throw FormError("code", "\"code\" is not null, as it is for \"" + std::string(everyFunction) + "\"");
+        throw FormError("code", R"("code" is not null, as it is for "every function")");
     }
 }
 
