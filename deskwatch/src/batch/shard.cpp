@@ -50,15 +50,16 @@ std::optional<Shard> shardOfEnvironment(const Variable& variable) {
     if (variable("SLURM_ARRAY_TASK_ID") != nullptr) {
         const int first = numberIn(variable, "SLURM_ARRAY_TASK_MIN", 0);
         const int step = std::max(numberIn(variable, "SLURM_ARRAY_TASK_STEP", 1), 1);
-        return checked((numberIn(variable, "SLURM_ARRAY_TASK_ID") - first) / step + 1,
-                       numberIn(variable, "SLURM_ARRAY_TASK_COUNT"), "SLURM_ARRAY_TASK_ID");
+        const int index = (numberIn(variable, "SLURM_ARRAY_TASK_ID") - first) / step + 1;
+        return checked(index, numberIn(variable, "SLURM_ARRAY_TASK_COUNT"), "SLURM_ARRAY_TASK_ID");
     }
     if (variable("JOB_COMPLETION_INDEX") != nullptr) {
-        return checked(numberIn(variable, "JOB_COMPLETION_INDEX") + 1, numberIn(variable, "JOB_COMPLETIONS"),
-                       "JOB_COMPLETION_INDEX");
+        const int index = numberIn(variable, "JOB_COMPLETION_INDEX") + 1;
+        return checked(index, numberIn(variable, "JOB_COMPLETIONS"), "JOB_COMPLETION_INDEX");
     }
     if (variable("CI_NODE_INDEX") != nullptr) {
-        return checked(numberIn(variable, "CI_NODE_INDEX"), numberIn(variable, "CI_NODE_TOTAL"), "CI_NODE_INDEX");
+        const int index = numberIn(variable, "CI_NODE_INDEX");
+        return checked(index, numberIn(variable, "CI_NODE_TOTAL"), "CI_NODE_INDEX");
     }
     return std::nullopt;
 }
