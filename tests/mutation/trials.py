@@ -37,7 +37,7 @@ def words_in(name: str) -> set[str]:
 
 
 def in_parallel(work: Callable[[Item], Result], items: Iterable[Item]) -> list[Result]:
-    with ThreadPoolExecutor(len(os.sched_getaffinity(0))) as workers:
+    with ThreadPoolExecutor(2 * len(os.sched_getaffinity(0))) as workers:  # a test of programs waits half of its time
         return list(workers.map(work, items))
 
 
