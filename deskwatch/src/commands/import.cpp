@@ -4,6 +4,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "actors/refusal.h"
 #include "commands.h"
 #include "commands/output.h"
 #include "explain/device_facts.h"
