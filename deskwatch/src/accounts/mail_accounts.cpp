@@ -219,7 +219,7 @@ void MailAccounts::finish(MailAccount& account, Handshake& handshake, bool maySt
 bool MailAccounts::isOnWatch(const MailAccount& account) const {
     const auto message = readMessage(account.message);
     const auto stored = readStoredAccounts(policyDatabase(session_.device().layout()));
-    return std::any_of(stored.begin(), stored.end(), [&](const StoredAccount& row) {
+    return !message.accounts.empty() && std::any_of(stored.begin(), stored.end(), [&](const StoredAccount& row) {
         return isOf(row, account.id) && holdsPolicy(row, message.accounts.front());
     });
 }

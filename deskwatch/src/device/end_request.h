@@ -24,7 +24,7 @@ public:
     /// Ends this process as the noted signal would have; returns when there was none.
     void obey() const;
 
-    /// Can be read from when a signal is noted on: for those who wait for several things. Belongs to this object.
+    /// Can be read from when a signal is noted on: for those who wait for several things. Stays the process's.
     int descriptor() const;
 
     /// Has the default main loop call a function, once, when a signal is noted, also when it was noted before.
