@@ -56,47 +56,60 @@ std::vector<std::string> commandNamesOf(const CLI::App& command) {
     return names;
 }
 
+const CLI::App& innermostCommand(const CLI::App& program) {
+    const auto inner = program.get_subcommands();
+    return inner.empty() ? program : innermostCommand(*inner.front());
+}
+
+/// The commands inside a command when they are few enough to be read in an error.
+std::string theCommandsOf(const CLI::App& command) {
+    constexpr std::size_t few = 8;
+    const auto names = commandNamesOf(command);
+    return names.empty() || names.size() > few ? "" : "; the commands are " + deskwatch::joined(names, ", ");
+}
+
 /// What the user probably meant by a word that is neither a command nor an option of the command, or else the commands
 /// when they are few.
 std::string meant(const CLI::App& program, const std::string& word) {
-    constexpr std::size_t few = 8;
-    const CLI::App* command = &program;
-    std::vector<std::string> names;
-    for (auto inner = program.get_subcommands(); !inner.empty(); inner = command->get_subcommands()) {
-        command = inner.front();
-    }
-    for (const auto* place : {command, &program}) {
+    const auto& command = innermostCommand(program);
+    std::vector<std::string> names = commandNamesOf(command);
+    for (const auto* place : {&command, &program}) {
         for (const auto* option : place->get_options()) {
             for (const auto& name : option->get_lnames()) {
                 names.push_back("--" + name);
             }
         }
     }
-    const auto commands = commandNamesOf(*command);
-    names.insert(names.end(), commands.begin(), commands.end());
     const auto near = deskwatch::didYouMean(word, {names.begin(), names.end()});
-    const bool areNamed = near.empty() && !isOption(word) && !commands.empty() && commands.size() <= few;
-    return areNamed ? "; the commands are " + deskwatch::joined(commands, ", ") : near;
+    return near.empty() && !isOption(word) ? theCommandsOf(command) : near;
 }
 
-/// Tells what was given in the place of a command or an option and is none. The parser only misses the command, or
-/// tells the values of the option, too.
-int reportUsage(const CLI::App& program, const CLI::ParseError& error) {
+/// What is wrong with the arguments. Of a word in the place of a command or an option the parser only says that the
+/// command is missing, or names the values of the option, too.
+std::string usageFault(const CLI::App& program, const CLI::ParseError& error) {
     auto unknown = program.remaining(true);
     const bool isTooMuch = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
+    const bool isMissing = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
     if (isTooMuch) {
         std::stable_partition(unknown.begin(), unknown.end(), isOption);
     }
-    const bool isUnknownOption = isTooMuch && !unknown.empty() && isOption(unknown.front());
-    if ((dynamic_cast<const CLI::RequiredError*>(&error) == nullptr || unknown.empty()) && !isUnknownOption) {
-        const int status = program.exit(error) == 0 ? 0 : usage;
-        deskwatch::flushOutput(); // help is output, too
-        return status;
+    if (!unknown.empty() && (isMissing || (isTooMuch && isOption(unknown.front())))) {
+        const std::string& word = unknown.front();
+        return word + (isOption(word) ? " is not an option" : " is not a command") + meant(program, word);
     }
-    const std::string outer = commandName(program);
-    const std::string& word = unknown.front();
-    std::cerr << "deskwatch: " << (outer.empty() ? "" : outer + ": ") << word
-              << (isOption(word) ? " is not an option" : " is not a command") << meant(program, word)
+    const auto& command = innermostCommand(program);
+    const bool isCommandMissing = isMissing && command.get_require_subcommand_min() > 0;
+    return isCommandMissing ? "a command is missing" + theCommandsOf(command) : error.what();
+}
+
+int reportUsage(const CLI::App& program, const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) {
+        program.exit(error); // prints the help or the version
+        deskwatch::flushOutput();
+        return 0;
+    }
+    const std::string command = commandName(program);
+    std::cerr << "deskwatch: " << (command.empty() ? "" : command + ": ") << usageFault(program, error)
               << "\nRun with --help for more information.\n";
     return usage;
 }

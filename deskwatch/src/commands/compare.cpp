@@ -59,6 +59,7 @@ void addCompareCommand(CLI::App& program) {
     command
         ->add_option("--policy", options->policies,
                      "Which policy of a file that has several; given twice, the second one is for SECOND")
+        ->check(checkNotEmpty, "")
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
         ->type_name("NAME");

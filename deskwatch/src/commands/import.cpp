@@ -110,7 +110,9 @@ void addImportCommand(CLI::App& program, const CommonOptions& common) {
     auto* command = program.add_subcommand("import", "Turn an administrator's policy into a policy update");
     auto options = std::make_shared<ImportOptions>();
     command->add_option("FILE", options->file, "A policy in any of the formats below; - is standard input")->required();
-    command->add_option("--policy", options->policy, "Which policy of a file that has several")->type_name("NAME");
+    command->add_option("--policy", options->policy, "Which policy of a file that has several")
+        ->check(checkNotEmpty, "")
+        ->type_name("NAME");
     command->add_option("--account", options->target.account, "The account's number (default: 1)")
         ->check(checkPositive, "")
         ->type_name("ID");
