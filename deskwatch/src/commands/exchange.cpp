@@ -109,8 +109,9 @@ void addOrderCommand(CLI::App& exchange) {
     command->callback([options] {
         const auto& order = options->order;
         asArgument([&order] { DeskServer::requireOrder(order); });
-        ask("POST", *options,
-            "?user=" + escaped(order.user) + "&order=" + escaped(order.name) + "&value=" + escaped(order.value));
+        std::cout << ask("POST", *options,
+                         "?user=" + escaped(order.user) + "&order=" + escaped(order.name) +
+                             "&value=" + escaped(order.value));
     });
 }
 

@@ -18,6 +18,9 @@ struct ServerOrder {
     std::string user;
     std::string name;
     std::string value;
+
+    /// The order and its value, as a user gives them.
+    std::string text() const { return name + (value.empty() ? "" : " ") + value; }
 };
 
 /// A server of ActiveSync that answers OPTIONS, Provision and enough else to see whether a device may go on. It keeps
@@ -33,9 +36,10 @@ public:
     /// Throws std::runtime_error when there is no such order, with the list of them, or its value is wrong.
     static void requireOrder(const ServerOrder& order);
 
-    /// Does as ordered. Throws as requireOrder does, and for a user whom the server does not know: one without a
-    /// policy, of whom no device has been here.
-    void order(const ServerOrder& order);
+    /// Does as ordered; returns a word about the order that this one takes the place of, or an empty text. Throws as
+    /// requireOrder does, and for a user whom the server does not know: one without a policy, of whom no device has
+    /// been here.
+    std::string order(const ServerOrder& order);
 
     /// What the server knows, a line for each device.
     std::string report() const;

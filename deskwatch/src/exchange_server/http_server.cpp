@@ -130,8 +130,8 @@ struct HttpServer::Parts {
 
     void take(const ServerOrder& order, ServerAnswer& answer) {
         try {
-            server.order(order);
-            log(order.user + ": order " + order.name + (order.value.empty() ? "" : " ") + order.value);
+            answer.body = server.order(order);
+            log(order.user + ": order " + order.text());
         } catch (const std::runtime_error& error) {
             answer.status = 400;
             answer.body = error.what();

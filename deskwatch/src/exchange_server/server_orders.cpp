@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <iterator>
 #include <stdexcept>
+#include <utility>
 
 #include "device/plain_text.h"
 #include "exchange_server/desk_server.h"
@@ -136,12 +137,12 @@ void DeskServer::requireUser(const std::string& user) const {
     }
 }
 
-void DeskServer::order(const ServerOrder& order) {
+std::string DeskServer::order(const ServerOrder& order) {
     requireOrder(order);
     requireUser(order.user);
     if (rowOf(order.name)->isDisturbance) {
-        disturbances_[order.user] = order;
-        return;
+        const auto pending = std::exchange(disturbances_[order.user], order);
+        return pending.name.empty() ? "" : "in the place of " + pending.text() + ", which no device has met\n";
     }
     const auto ofUser = [&order](const auto& entry) { return entry.first.first == order.user; };
     if (std::none_of(devices_.begin(), devices_.end(), ofUser)) {
@@ -158,6 +159,7 @@ void DeskServer::order(const ServerOrder& order) {
             ++device;
         }
     }
+    return "";
 }
 
 ServerAnswer DeskServer::disturbed(const std::string& user, ServerAnswer answer) {
@@ -167,7 +169,7 @@ ServerAnswer DeskServer::disturbed(const std::string& user, ServerAnswer answer)
     }
     const auto order = found->second;
     disturbances_.erase(found);
-    answer.remark += " (" + order.name + (order.value.empty() ? "" : " ") + order.value + ")";
+    answer.remark += " (" + order.text() + ")";
     const int number = numberOf(order.value).value_or(0);
     if (order.name == "slow") {
         answer.delay = number;
