@@ -3,6 +3,7 @@
 #include <iostream>
 #include <memory>
 
+#include "accounts/account_store.h"
 #include "actors/mail_application.h"
 #include "actors/message_file.h"
 #include "actors/refusal.h"
@@ -41,12 +42,24 @@ void addPolicyCommand(CLI::App& mail, const CommonOptions& common) {
     });
 }
 
+void warnOfServer(const Device& device, const std::string& account) {
+    const auto connected = AccountStore(device.layout()).ids();
+    if (std::find(connected.begin(), connected.end(), wholeNumber(account)) != connected.end()) {
+        std::cerr << "warning: account " << account
+                  << " is still connected to its server: mail refresh gives the watch "
+                  << "its policy again; mail disconnect " << account << " forgets it\n";
+    }
+}
+
 void addDeleteCommand(CLI::App& mail, const CommonOptions& common) {
     auto* command = mail.add_subcommand("delete", "Tell the service that an account was deleted");
     auto id = std::make_shared<std::string>();
     command->add_option("ID", *id, "The account's number")->required()->check(checkAccountNumber, "");
     command->footer("Example:\n  deskwatch mail delete 2");
-    command->callback([&common, id] { sendAndTell(common, {{"", {requests::deleteAccount, *id}}}); });
+    command->callback([&common, id] {
+        sendAndTell(common, {{"", {requests::deleteAccount, *id}}});
+        warnOfServer(chosenDevice(common), *id);
+    });
 }
 
 void addSendCommand(CLI::App& mail, const CommonOptions& common) {
