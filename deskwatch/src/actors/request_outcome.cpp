@@ -16,17 +16,11 @@ namespace {
 
 constexpr std::string_view wipeFailed = "Failed to wipe internal storage. : ";
 
-constexpr std::string_view refusedSetting = "[EAS] Failed ";
-
 /// What the platform refused, as the service logs it; the rest of the line has the code. A registration that fails is
 /// left out: either the service is registered already, or the platform refuses every setting after it.
 constexpr std::array<std::string_view, 3> refusedByPlatform{refusedSetting, "vconf_set_int(",
                                                             "app_control_send_launch_request() failed: "};
 
-const char* const takesNoSetting =
-    "no account is stored: nobody administers the watch, and the platform takes no setting";
-
-/// Without an account the service does not administer the watch, and each of its settings is refused for that reason.
 std::vector<std::string> refusalsIn(const std::vector<ServiceLine>& log, bool isAdministered) {
     std::vector<std::string> refusals;
     for (const auto& line : log) {

@@ -5,9 +5,11 @@
 #include <map>
 #include <optional>
 #include <stdexcept>
+#include <utility>
 
 #include "actors/mail_application.h"
 #include "device/application_ids.h"
+#include "device/plain_text.h"
 #include "explain/device_facts.h"
 #include "forecast/device_copy.h"
 #include "records/service_log.h"
@@ -85,14 +87,15 @@ private:
                                      (warnings.empty() ? "" : ": " + warnings.back()));
         }
         const auto warnings = log_.take();
-        noteScreens(source, warnings);
-        noteRemarks(source, warnings);
+        const auto status = readStatus(copy_.session());
+        noteScreens(source, status, warnings);
+        noteRemarks(source, !status.accounts.empty(), warnings);
     }
 
     /// Each application tells all of its launch requests, the earlier ones first.
-    void noteScreens(const std::string& source, const ServiceWarnings& warnings) {
+    void noteScreens(const std::string& source, const DeviceStatus& status, const ServiceWarnings& warnings) {
         std::map<std::string, std::size_t> count;
-        for (const auto& launch : readStatus(copy_.session()).screens) {
+        for (const auto& launch : status.screens) {
             if (++count[launch.application] > seen_[launch.application]) {
                 seen_[launch.application] = count[launch.application];
                 forecast_.screens.push_back({launch, source, reasonOf(launch, warnings)});
@@ -100,7 +103,7 @@ private:
         }
     }
 
-    void noteRemarks(const std::string& source, const ServiceWarnings& warnings) {
+    void noteRemarks(const std::string& source, bool isAdministered, const ServiceWarnings& warnings) {
         if (warnings.isTutorialShown) {
             forecast_.remarks.push_back(source + ": the popup would ask for a lock (" + warnings.lockReason +
                                         "), but stays closed while the tutorial is shown");
@@ -108,8 +111,12 @@ private:
         if (wipeMark_.takeWipe()) {
             forecast_.remarks.push_back(source + " wipes the internal storage at once");
         }
+        bool isTold = false;
         for (const auto& warning : warnings.others) {
-            forecast_.remarks.push_back(std::string(source).append(": ").append(warning));
+            const bool isForWantOfAccounts = !isAdministered && startsWith(warning, refusedSetting);
+            if (!isForWantOfAccounts || !std::exchange(isTold, true)) {
+                forecast_.remarks.push_back(source + ": " + (isForWantOfAccounts ? takesNoSetting : warning));
+            }
         }
     }
 

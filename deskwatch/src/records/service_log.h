@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "records/log_lines.h"
@@ -26,6 +27,13 @@ struct ServiceWarnings {
     /// The texts of all other warnings and errors.
     std::vector<std::string> others;
 };
+
+/// How the service begins to tell a setting that the platform refused.
+inline constexpr std::string_view refusedSetting = "[EAS] Failed ";
+
+/// Why each setting is refused while no account is stored; the service then does not administer the watch.
+inline constexpr char takesNoSetting[] =
+    "no account is stored: nobody administers the watch, and the platform takes no setting";
 
 /// What these lines warn of.
 ServiceWarnings warningsOf(const std::vector<ServiceLine>& lines);
