@@ -31,8 +31,9 @@ std::optional<std::vector<std::string>> settled(GDBusConnection* connection, con
         G_VARIANT_TYPE("(as)"), G_DBUS_CALL_FLAGS_NONE, inMilliseconds(atMost), nullptr, &error));
     if (answer == nullptr) {
         const bool isLate = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT) != FALSE;
+        const bool hasEnded = g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_NO_REPLY) != FALSE;
         const auto reason = c::takeMessage(error);
-        return isLate ? std::nullopt : throw std::runtime_error(reason);
+        return isLate ? std::nullopt : throw std::runtime_error(hasEnded ? "it has ended meanwhile" : reason);
     }
     char** launched = nullptr;
     g_variant_get(answer.get(), "(^as)", &launched);
