@@ -53,6 +53,17 @@ TEST(RequestOutcome, WhatNeitherStoreNorLogShowIsNotClaimed) {
     EXPECT_FALSE(outcomeOf({requests::checkPassword, ""}, silent).isDone());
 }
 
+TEST(RequestOutcome, RepetitionIsToldAfterWhatWasDone) {
+    RequestOutcome outcome = outcomeOf(requests::accountDeletion(1), {Accounts{row(1, "a")}, Accounts{}, {}});
+    outcome.repetitions = 2;
+
+    EXPECT_EQ(
+        outcome.done(),
+        (Lines{"account 1: deleted",
+               "the service ended before it had handled this; it was launched again and the request sent again"}));
+    EXPECT_TRUE(outcome.isDone());
+}
+
 /// What the service logs of a request.
 std::vector<ServiceLine> handled(const std::string& function, const ServiceLine& more) {
     return {line("__teskItpolicyReqCb", "Enter"), line(function, "Enter"), more, line("__teskItpolicyReqCb", "Leave")};
