@@ -227,8 +227,13 @@ class Finder:
             self.replace(value, "returned value", f"({self.text_of(value)}) + 1")
         elif result == TypeKind.POINTER and inner.kind != CursorKind.CXX_NULL_PTR_LITERAL_EXPR:
             self.replace(value, "returned value", "nullptr")
-        elif result == TypeKind.RECORD and not in_lambda and self.text_of(value) not in ("{}", "nullptr", "std::nullopt"):
+        elif result == TypeKind.RECORD and not in_lambda and not self.is_empty(value):
             self.put_before(cursor, Change("returned value", self.text_of(value), "{}", "if ({}) return {{}}; "))
+
+    def is_empty(self, value: Cursor) -> bool:
+        """Whether a returned value is that of {} already."""
+        is_text = re.match(r"std::(__cxx11::)?basic_string<char\b", self.result.get_canonical().spelling)
+        return self.text_of(value) in ("{}", "nullptr", "std::nullopt", *(['""'] if is_text else []))
 
     def note_negation(self, condition: Cursor) -> None:
         """Of a condition that is not negated by a change of its own operator or literal."""
