@@ -31,12 +31,9 @@ void expectSet(int result, const std::string& key) {
 }
 
 c::ObjectOwner<TeskDeskCompanion> popupOf(const DeviceSession& session) {
-    const auto flags =
-        static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
-                                     G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS | G_DBUS_PROXY_FLAGS_DO_NOT_AUTO_START);
     GError* error = nullptr;
-    c::ObjectOwner<TeskDeskCompanion> popup(tesk_desk_companion_proxy_new_sync(session.connection(), flags, ids::popup,
-                                                                               companion_bus::path, nullptr, &error));
+    c::ObjectOwner<TeskDeskCompanion> popup(tesk_desk_companion_proxy_new_sync(
+        session.connection(), G_DBUS_PROXY_FLAGS_DO_NOT_AUTO_START, ids::popup, companion_bus::path, nullptr, &error));
     if (popup == nullptr) {
         throw std::runtime_error("cannot speak to the popup: " + c::takeMessage(error));
     }

@@ -56,6 +56,8 @@ std::vector<PlatformFault> readFaults() {
         }
     }
     g_strfreev(names);
+    std::sort(faults.begin(), faults.end(),
+              [](const PlatformFault& one, const PlatformFault& other) { return one.function < other.function; });
     return faults;
 }
 
