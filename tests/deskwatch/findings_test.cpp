@@ -175,6 +175,26 @@ TEST_P(DamagedWatch, HasExactlyThatFinding) {
 INSTANTIATE_TEST_SUITE_P(, DamagedWatch, testing::ValuesIn(damages()),
                          [](const auto& damage) { return std::string(damage.param.name); });
 
+TEST(Findings, EachKindHasAWordInJson) {
+    const std::vector<std::string> words{"store",   "administrator", "refused",    "odd value",      "merge",
+                                         "changed", "lock",          "encryption", "missing account"};
+    for (std::size_t kind = 0; kind < words.size(); ++kind) {
+        const auto json = findingsJson({{static_cast<FindingKind>(kind), "", {}}}, 0);
+        EXPECT_NE(json.find("\"kind\": \"" + words[kind] + "\""), std::string::npos) << json;
+    }
+}
+
+TEST(Findings, RulesOfAPasswordThatNobodyDemandsAreNotMissed) {
+    auto watch = enforced({accountWith(1, {{"alphanumeric_device_password_required", 1},
+                                           {"min_device_password_complex_characters", 4},
+                                           {"min_device_password_length", 9}})});
+    for (const auto* setting : {"quality", "minimum_length", "min_complex_chars"}) {
+        hold(watch, setting, 0);
+    }
+
+    EXPECT_EQ(findingsText(findingsOf(watch)), "the watch is as strict as its accounts want\n");
+}
+
 /// A value that a server may send.
 int legalValue(const std::string& column, std::minstd_rand& random) {
     const int most = column == "min_device_password_length"                ? 16

@@ -17,7 +17,7 @@ struct Row {
     Order order;
     /// The field that is 0 when the account leaves the setting open; null when it never does.
     std::int32_t TeskPolicyData::*asks;
-    /// Whether the account must want a password, too.
+    /// Whether the account must want a password.
     bool isPasswordRule;
 };
 
@@ -25,8 +25,8 @@ using Data = TeskPolicyData;
 
 /// In the order of deviceSettings.
 constexpr std::array<Row, 11> rows{{
-    {Order::Quality, &Data::devicePasswordEnabled, true},
-    {Order::LargerIsStricter, &Data::devicePasswordEnabled, true},
+    {Order::Quality, nullptr, true},
+    {Order::LargerIsStricter, nullptr, true},
     {Order::SmallerIsStricterAndZeroIsNone, &Data::maxDevicePasswordFailedAttempts, false},
     {Order::LargerIsStricter, &Data::minDevicePasswordComplexCharacters, true},
     {Order::SmallerIsStricterAndZeroIsNone, &Data::maxInactivityTimeDeviceLock, false},
