@@ -110,7 +110,7 @@ protected:
         Lines lines;
         for (auto line : linesOf(file)) {
             if (line != endOfStep) {
-                replaceAll(line, folder().string() + "/", "/tmp/");
+                replaceAll(line, folder().string(), "/tmp");
                 lines.push_back(withoutChance(line));
                 continue;
             }
@@ -138,7 +138,7 @@ private:
                           endOfStep + "'\n";
             }
         }
-        replaceAll(script, "/tmp/", folder().string() + "/");
+        replaceAll(script, "/tmp", folder().string());
         return script + "true\n";
     }
 };

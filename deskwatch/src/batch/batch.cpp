@@ -120,7 +120,7 @@ private:
         GBytes* errors = nullptr;
         g_subprocess_communicate_finish(worker.process_.get(), outcome, &output, &errors, nullptr);
         worker.result_.failure = bytesOf(errors);
-        worker.result_.isUpdated = bytesOf(output).find(": updated\n") != std::string::npos;
+        worker.result_.isUpdated = contains(bytesOf(output), ": updated\n");
         g_clear_pointer(&output, g_bytes_unref);
         g_clear_pointer(&errors, g_bytes_unref);
         g_subprocess_wait_async(worker.process_.get(), nullptr, onEnd, self);

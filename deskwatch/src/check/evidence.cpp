@@ -11,6 +11,7 @@
 #include "TeskConsumerKeys.h"
 #include "accounts/account_store.h"
 #include "device/application_ids.h"
+#include "device/plain_text.h"
 #include "records/log_line.h"
 #include "records/policy_database.h"
 #include "session/device_policy.h"
@@ -38,20 +39,16 @@ constexpr std::array<const char*, 11> operations{"setPasswordQuality",
                                                  "setRestrictionPopImap",
                                                  "setSecurityInternalStorageEncryption"};
 
-bool holds(const std::string& line, const std::string& text) {
-    return line.find(text) != std::string::npos;
-}
-
 /// The settings that were refused when the service last applied a policy.
 std::set<std::size_t> refusedIn(const fs::path& log) {
     std::set<std::size_t> refused;
     std::istringstream lines(endOfLog(log));
     for (std::string line; std::getline(lines, line);) {
-        if (holds(line, ": applyPolicy(") && holds(line, "Enter")) {
+        if (contains(line, ": applyPolicy(") && contains(line, "Enter")) {
             refused.clear();
         }
         for (std::size_t setting = 0; setting < operations.size(); ++setting) {
-            if (holds(line, std::string("[EAS] Failed ") + operations.at(setting) + "(")) {
+            if (contains(line, std::string("[EAS] Failed ") + operations.at(setting) + "(")) {
                 refused.insert(setting);
             }
         }

@@ -13,6 +13,11 @@ inline bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
 
+/// What C++23 gives every text.
+inline bool contains(std::string_view text, std::string_view part) {
+    return text.find(part) != std::string_view::npos;
+}
+
 /// The decimal number that a text is, a minus before it included; none when there is more in the text, or less, or when
 /// the type has no room for it.
 template <typename Number = int>

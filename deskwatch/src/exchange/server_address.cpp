@@ -172,7 +172,7 @@ std::string queryText(const CommandQuery& query, QueryForm form) {
 }
 
 std::optional<CommandQuery> readQuery(const std::string& text) {
-    return text.find("Cmd=") != std::string::npos ? readPlainQuery(text) : readBase64Query(text);
+    return contains(text, "Cmd=") ? readPlainQuery(text) : readBase64Query(text);
 }
 
 } // namespace deskwatch

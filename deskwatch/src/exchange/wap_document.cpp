@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "c_owners.h"
+#include "device/plain_text.h"
 #include "exchange/provision_messages.h"
 
 namespace deskwatch {
@@ -35,7 +36,7 @@ void collect(xmlNode* node, Parameters& parameters) {
 Parameters readParameters(const std::string& xml) {
     // entities come with a document type, and nothing else does that a policy needs
     const c::Owner<xmlDoc, xmlFreeDoc> document(
-        xml.find("<!DOCTYPE") != std::string::npos
+        contains(xml, "<!DOCTYPE")
             ? nullptr
             : xmlReadMemory(xml.data(), static_cast<int>(xml.size()), nullptr, nullptr,
                             XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));

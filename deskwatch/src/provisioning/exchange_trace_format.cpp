@@ -20,7 +20,7 @@ std::string lastPolicy(const std::string& trace) {
     for (std::string line; std::getline(stream, line); lineBreaks += '\n') {
         if (startsWith(line, prefix)) {
             const auto xml = line.substr(prefix.size());
-            hasPolicy = hasPolicy || xml.find("<EASProvisionDoc") != std::string::npos;
+            hasPolicy = hasPolicy || contains(xml, "<EASProvisionDoc");
             // the declaration would have to be the first thing of all, and nobody needs it
             reply += (reply.empty() ? lineBreaks : "") + (startsWith(xml, "<?xml") ? "" : xml) + "\n";
         } else {

@@ -240,7 +240,7 @@ std::string messageText(const PolicySet& policySet, const ImportTarget& target) 
 
 bool isSlip(const ProvisioningElement& element) {
     return elementRule(element.name) == nullptr && !isOther(element.name) &&
-           notAnElement(element).find("did you mean") != std::string::npos;
+           contains(notAnElement(element), "did you mean");
 }
 
 std::string placeIn(const std::string& file, long line) {

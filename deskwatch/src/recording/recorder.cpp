@@ -1,7 +1,5 @@
 #include "recording/recorder.h"
 
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <stdexcept>
 
@@ -12,6 +10,7 @@
 #include "recording/bus_monitor.h"
 #include "recording/recorded_state.h"
 #include "records/idle_exit.h"
+#include "records/log_line.h"
 #include "session/observer.h"
 #include "text/output_file.h"
 
@@ -46,14 +45,6 @@ private:
     Anonymiser anonymiser_;
     OutputFile file_;
 };
-
-std::string endOf(const std::filesystem::path& log) {
-    constexpr std::streamoff mostOfLog = 65'536;
-    std::ifstream stream(log, std::ios::binary | std::ios::ate);
-    const std::streamoff size = stream.tellg();
-    stream.seekg(std::max<std::streamoff>(size - mostOfLog, 0));
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 class Recorder {
 public:
@@ -102,7 +93,7 @@ private:
             service_ = serviceProcess();
         }
         if (what == "end" && event["how"] == "exit" && service_ &&
-            idleExitOf(endOf(device_.layout().log()), *service_, {})) {
+            idleExitOf(endOfLog(device_.layout().log()), *service_, {})) {
             event["how"] = "idle"; // it was about to
         }
         if (lines_ && !event.contains("refused")) { // the service never gets it

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <string>
 
+#include "device/plain_text.h"
 #include "records/log_line.h"
 
 namespace deskwatch {
@@ -23,10 +24,6 @@ std::string processMark(pid_t process) {
     std::array<char, 32> mark{};
     std::snprintf(mark.data(), mark.size(), "(%5d): ", static_cast<int>(process));
     return mark.data();
-}
-
-bool contains(std::string_view line, std::string_view part) {
-    return line.find(part) != std::string_view::npos;
 }
 
 /// Takes the last line off a text that ends with a line.
