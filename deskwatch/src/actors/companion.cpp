@@ -16,7 +16,6 @@
 #include "c_owners.h"
 #include "device/application_ids.h"
 #include "session/companion_bus.h"
-#include "tesk-desk-bus.h"
 #include "text_pairs.h"
 
 namespace deskwatch {

@@ -17,7 +17,6 @@
 #include "session/device_session.h"
 #include "session/lock_rules.h"
 #include "session/lock_screen.h"
-#include "tesk-desk-bus.h"
 
 namespace deskwatch {
 namespace {
@@ -28,16 +27,6 @@ void expectSet(int result, const std::string& key) {
     if (result != 0) {
         throw std::runtime_error("cannot set " + key);
     }
-}
-
-c::ObjectOwner<TeskDeskCompanion> popupOf(const DeviceSession& session) {
-    GError* error = nullptr;
-    c::ObjectOwner<TeskDeskCompanion> popup(tesk_desk_companion_proxy_new_sync(
-        session.connection(), G_DBUS_PROXY_FLAGS_DO_NOT_AUTO_START, ids::popup, companion_bus::path, nullptr, &error));
-    if (popup == nullptr) {
-        throw std::runtime_error("cannot speak to the popup: " + c::takeMessage(error));
-    }
-    return popup;
 }
 
 bool send(TeskDeskCompanion* popup, PopupAnswer answer, GError** error) {
@@ -75,7 +64,7 @@ void answerPopup(const Device& device, PopupAnswer answer) {
     if (questions == 0) {
         throw Refusal("nobody waits for an answer from the popup");
     }
-    const auto popup = popupOf(session);
+    const auto popup = companion_bus::companionOf(session.connection(), ids::popup);
     do {
         GError* error = nullptr;
         if (!send(popup.get(), answer, &error)) {

@@ -17,7 +17,6 @@
 #include "session/companion_bus.h"
 #include "session/device_policy.h"
 #include "session/setting_value.h"
-#include "tesk-desk-bus.h"
 #include "text_pairs.h"
 
 namespace deskwatch {
@@ -57,16 +56,10 @@ ScreenLaunch readLaunch(const std::string& application, GVariant* entry) {
 
 /// Adds the launch requests of a running application. Only our stand-ins report them.
 void readLaunches(const DeviceSession& session, const std::string& application, std::vector<ScreenLaunch>& screens) {
-    const auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
-                                                    G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS);
-    GError* error = nullptr;
-    const c::ObjectOwner<TeskDeskCompanion> proxy(tesk_desk_companion_proxy_new_sync(
-        session.connection(), flags, application.c_str(), companion_bus::path, nullptr, &error));
+    const auto companion = companion_bus::companionOf(session.connection(), application);
     GVariant* answer = nullptr;
-    if (proxy == nullptr ||
-        tesk_desk_companion_call_launches_sync(proxy.get(), G_DBUS_CALL_FLAGS_NO_AUTO_START, launchesTimeout, &answer,
-                                               nullptr, &error) == FALSE) {
-        g_clear_error(&error);
+    if (tesk_desk_companion_call_launches_sync(companion.get(), G_DBUS_CALL_FLAGS_NO_AUTO_START, launchesTimeout,
+                                               &answer, nullptr, nullptr) == FALSE) {
         return;
     }
     const c::VariantOwner launches(answer);
@@ -78,16 +71,10 @@ void readLaunches(const DeviceSession& session, const std::string& application, 
 
 /// The messages that the mail application received, when it is our stand-in and runs.
 std::vector<ReceivedMessage> readMessages(const DeviceSession& session) {
-    const auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
-                                                    G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS);
-    GError* error = nullptr;
-    const c::ObjectOwner<TeskDeskCompanion> proxy(tesk_desk_companion_proxy_new_sync(
-        session.connection(), flags, ids::mail, companion_bus::path, nullptr, &error));
+    const auto companion = companion_bus::companionOf(session.connection(), ids::mail);
     GVariant* answer = nullptr;
-    if (proxy == nullptr ||
-        tesk_desk_companion_call_messages_sync(proxy.get(), G_DBUS_CALL_FLAGS_NO_AUTO_START, launchesTimeout, &answer,
-                                               nullptr, &error) == FALSE) {
-        g_clear_error(&error);
+    if (tesk_desk_companion_call_messages_sync(companion.get(), G_DBUS_CALL_FLAGS_NO_AUTO_START, launchesTimeout,
+                                               &answer, nullptr, nullptr) == FALSE) {
         return {};
     }
     const c::VariantOwner list(answer);
