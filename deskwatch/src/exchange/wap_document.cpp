@@ -36,10 +36,9 @@ void collect(xmlNode* node, Parameters& parameters) {
 Parameters readParameters(const std::string& xml) {
     // entities come with a document type, and nothing else does that a policy needs
     const c::Owner<xmlDoc, xmlFreeDoc> document(
-        contains(xml, "<!DOCTYPE")
-            ? nullptr
-            : xmlReadMemory(xml.data(), static_cast<int>(xml.size()), nullptr, nullptr,
-                            XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+        contains(xml, "<!DOCTYPE") ? nullptr
+                                   : xmlReadMemory(xml.data(), static_cast<int>(xml.size()), nullptr, nullptr,
+                                                   XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
     auto* const root = document != nullptr ? xmlDocGetRootElement(document.get()) : nullptr;
     if (root == nullptr) {
         throw std::runtime_error("the policy is not a wap-provisioningdoc");

@@ -74,7 +74,8 @@ std::string remarkOn(std::size_t setting, const Explanation& explanation, const 
     const std::string name = deviceSettings[setting].name;
     std::string remark;
     if (name == "minimum_length" && demanded && *demanded > merged.minDevicePasswordLength) {
-        remark = "the least length of a password in " + (device.country.value_or("").empty() ? "an unknown country" : *device.country);
+        remark = "the least length of a password in " +
+                 (device.country.value_or("").empty() ? "an unknown country" : *device.country);
     }
     if (name == "internal_storage_encryption" && !demanded && merged.requireDeviceEncryption != 0 &&
         device.isEncrypted()) {
