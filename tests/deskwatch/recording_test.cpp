@@ -170,16 +170,21 @@ TEST_F(Recordings, EndOfTheServiceIsReplayed) {
     boot();
     const RunningRecord recording(file);
     run({"mail", "policy", sample("hardened.json")});
-    const auto pid = BusClient(device().busAddress()).daemon().processOf("com.velmor.tesk-agent");
-    const auto service = ProcessHandle::open(pid.value());
-    service->signal(SIGTERM);
-    ASSERT_TRUE(service->waitForEnd(timeout));
+    const auto endService = [this] {
+        const auto pid = BusClient(device().busAddress()).daemon().processOf("com.velmor.tesk-agent");
+        const auto service = ProcessHandle::open(pid.value());
+        service->signal(SIGTERM);
+        ASSERT_TRUE(service->waitForEnd(timeout));
+    };
+    endService();
     run({"mail", "send", "req_delete_account", "2\xff"});
+    endService(); // nothing is left to wait for, so it was about to
     recording.interrupt();
     EXPECT_EQ(recording.status(), 0);
 
     const auto text = textOf(file);
     EXPECT_NE(text.find(R"({"in":"end","application":"com.velmor.tesk-agent","how":"exit"})"), std::string::npos);
+    EXPECT_NE(text.find(R"({"in":"end","application":"com.velmor.tesk-agent","how":"idle"})"), std::string::npos);
     EXPECT_NE(text.find(R"("msg":"2\u001aff")"), std::string::npos) << text;
     EXPECT_EQ(run({"replay", file.string()}).find("all "), 0U);
 }

@@ -31,6 +31,20 @@ TEST(StatusOutput, UsedLockScreenAndWipeAreTold) {
     EXPECT_NE(text.find("\nIts internal storage was wiped since the boot."), std::string::npos) << text;
 }
 
+TEST(StatusOutput, EndOfAnIdleServiceIsToldAsExactlyAsItIsKnown) {
+    auto status = freshStatus();
+    status.isServiceRunning = true;
+    EXPECT_EQ(statusTables(status).find("Watch /tmp/watch, the service runs\n"), 0U);
+    status.idleExit = IdleExit{std::chrono::seconds(7), true};
+    EXPECT_EQ(statusTables(status).find("Watch /tmp/watch, the service runs, idle exit in 7 s\n"), 0U);
+    status.idleExit->isExact = false;
+    EXPECT_EQ(statusTables(status).find("Watch /tmp/watch, the service runs, idle exit within 7 s\n"), 0U);
+    status.isBooted = false;
+    EXPECT_EQ(statusTables(status).find(
+                  "Watch /tmp/watch, switched off, but the service still runs; this is what it keeps\n"),
+              0U);
+}
+
 TEST(StatusOutput, JsonOfTextThatIsNotUtf8IsStillJson) {
     auto status = freshStatus();
     status.keys = {{"db/a", std::string("\xff")}};

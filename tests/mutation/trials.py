@@ -50,7 +50,6 @@ class Trials:
         self.patience = 1  # how many times its time a test is given
         self.seconds: dict[Test, float] = defaultdict(float)
         self.noticed_by: dict[str, Counter[Test]] = defaultdict(Counter)  # how often which test, by source
-        self.noticed: Counter[Test] = Counter()  # and in all of them
         self.numbers: dict[str, set[int]] = defaultdict(set)  # of the changes, by source
         for mutant in mutants:
             self.numbers[mutant.source].add(mutant.number)
@@ -88,14 +87,14 @@ class Trials:
 
     def likeliest(self, mutant: Mutant) -> list[Test]:
         """The tests that come by the change: first those that noticed most other changes in the source, then those whose
-        names share words with its path, since all tests come by a table; then those that noticed most in all sources, and
-        those that are the most about it, where of the changes that they come by the greatest share is in that source."""
+        names share words with its path, since all tests come by a table; then those that come by most of all, as whole
+        sessions do, and those that are the most about it, where the greatest share of what they come by is in that
+        source."""
         successes, numbers, words = self.noticed_by[mutant.source], self.numbers[mutant.source], words_in(mutant.source)
 
         def order(test: Test) -> tuple[int, int, int, float]:
             reached = self.reached[test]
-            return (-successes[test], -len(words & words_in(test[1])), -self.noticed[test],
-                    -len(reached & numbers) / len(reached))
+            return (-successes[test], -len(words & words_in(test[1])), -len(reached), -len(reached & numbers) / len(reached))
 
         return sorted((test for test in self.tests if mutant.number in self.reached[test]), key=order)[:self.most]
 
@@ -108,7 +107,6 @@ class Trials:
             except subprocess.TimeoutExpired:
                 return Answer.ENDLESS
             self.noticed_by[mutant.source][test] += 1
-            self.noticed[test] += 1
             return Answer.NOTICED
         return Answer.UNNOTICED if asked else Answer.UNREACHED
 
