@@ -95,7 +95,9 @@ TEST(Handshake, AcknowledgementCarriesTheTemporaryKeyAndBringsTheFinalOne) {
     ScriptedTransport server(
         {provision("<Status>1</Status>" + policy(type + "<Status>1</Status><PolicyKey>22</PolicyKey>"))});
     auto bob = serverAccount(141);
-    EXPECT_TRUE(Handshake(server, bob, "").acknowledge("11", Compliance::Partly).isAccepted);
+    const auto answer = Handshake(server, bob, "").acknowledge("11", Compliance::Partly);
+    EXPECT_TRUE(answer.isAccepted);
+    EXPECT_FALSE(answer.isOutdated);
     EXPECT_EQ(bob.policyKey, "22");
     EXPECT_EQ(server.header(0, "X-MS-PolicyKey"), "11");
     EXPECT_EQ(elementXml(server.document(0)), R"(<?xml version="1.0" encoding="UTF-8"?>
@@ -121,12 +123,20 @@ TEST(Handshake, AnswersToAnAcknowledgementAreToldApart) {
     };
     const AnswerRow rows[] = {
         {provision("<Status>1</Status>" + policy(type + "<Status>5</Status><PolicyKey>11</PolicyKey>")),
-         Compliance::Applied, false, true, "Status of the policy 5"},
+         Compliance::Applied, false, true, "Status of the policy 5, "},
         {provision("<Status>1</Status>" + policy("<Status>2</Status>")), Compliance::Refused, true, false, ""},
+        {provision("<Status>1</Status>" + policy("<Status>2</Status>")), Compliance::Applied, false, false,
+         "Status of the policy 2, the server has no policy for this user: there is nothing to do"},
         {provision("<Status>1</Status>" + policy(type + "<Status>1</Status>")), Compliance::Applied, false, false,
-         "no key"},
-        {provision("<Status>139</Status>"), Compliance::Partly, false, false, "apply its whole policy"},
-        {provision("<Status>145</Status>"), Compliance::ManagedElsewhere, false, false, "others manage"},
+         "the server gives no key for the accepted policy"},
+        {provision("<Status>1</Status>" + policy(type + "<PolicyKey>" + std::string(65, '2') + "</PolicyKey>")),
+         Compliance::Applied, false, false, "the server gives no key for the accepted policy"},
+        {provision("<Status>3</Status>"), Compliance::Applied, false, false,
+         "Status 3, the server failed: try again later"},
+        {provision("<Status>5</Status>"), Compliance::Applied, false, true,
+         "Status 5, the policy key is not the server's: connect again"},
+        {provision("<Status>139</Status>"), Compliance::Partly, false, false, "Status 139, "},
+        {provision("<Status>145</Status>"), Compliance::ManagedElsewhere, false, false, "Status 145, "},
         {provision("<Status>142</Status>"), Compliance::Applied, false, true, "Status 142"},
         {http(449), Compliance::Applied, false, true, "HTTP status 449"},
     };
@@ -136,8 +146,34 @@ TEST(Handshake, AnswersToAnAcknowledgementAreToldApart) {
         const auto answer = Handshake(server, bob, "").acknowledge("11", row.compliance);
         EXPECT_EQ(answer.isAccepted, row.isAccepted) << row.words;
         EXPECT_EQ(answer.isOutdated, row.isOutdated) << row.words;
-        EXPECT_NE(answer.words.find(row.words), std::string::npos) << answer.words;
+        EXPECT_EQ(answer.words.find(row.words), 0U) << answer.words;
         EXPECT_EQ(bob.policyKey, "7") << row.words;
+    }
+}
+
+TEST(Handshake, KeyWithoutAStatusIsTakenUpToItsLongest) {
+    const std::string key(64, '2');
+    ScriptedTransport server({provision(policy(type + "<PolicyKey>" + key + "</PolicyKey>"))});
+    auto bob = serverAccount(141);
+    EXPECT_TRUE(Handshake(server, bob, "").acknowledge("11", Compliance::Applied).isAccepted);
+    EXPECT_EQ(bob.policyKey, key);
+    ScriptedTransport first(
+        {provision(policy(type + "<PolicyKey>" + key + "</PolicyKey><Data><EASProvisionDoc/></Data>"))});
+    EXPECT_EQ(Handshake(first, bob, "").askForPolicy().temporaryKey, key);
+}
+
+TEST(Handshake, DeviceIsDescribedApartInTheVersionsBetween) {
+    for (const auto& [version, requests] : {std::pair(25, 0U), {120, 1U}, {140, 1U}, {141, 0U}}) {
+        ScriptedTransport server({});
+        auto bob = serverAccount(version);
+        Handshake(server, bob, "").describeDevice();
+        ASSERT_EQ(server.requests.size(), requests) << version;
+        if (requests > 0) {
+            EXPECT_EQ(server.header(0, "X-MS-PolicyKey"), "7");
+            EXPECT_NE(server.requests[0].url.find("?Cmd=Settings&"), std::string::npos);
+            EXPECT_EQ(server.document(0).name, "Settings");
+            EXPECT_EQ(server.document(0).at({"DeviceInformation", "Set", "OS"})->text, "Tizen");
+        }
     }
 }
 
@@ -148,6 +184,7 @@ TEST(Handshake, RefreshAsksForThePolicyOnlyWhenTheServerWantsIt) {
         folderSync(143),
         folderSync(144),
         folderSync(140),
+        http(403, {}, folderSync(142).body),
         http(449, {}, encodeWbxml({"FolderHierarchy:", "FolderSync", "", {{"AirSync:", "Status", "142", {}}}}))};
     for (const auto& wish : wishes) {
         ScriptedTransport server({wish, phase1()});
@@ -156,16 +193,40 @@ TEST(Handshake, RefreshAsksForThePolicyOnlyWhenTheServerWantsIt) {
         EXPECT_EQ(server.header(0, "X-MS-PolicyKey"), "7");
         EXPECT_EQ(server.header(1, "X-MS-PolicyKey"), "0");
     }
-    ScriptedTransport server({folderSync(1)});
-    auto bob = serverAccount(141);
-    EXPECT_EQ(Handshake(server, bob, "").refresh().kind, Kind::Nothing);
+    for (const int status : {1, 100}) { // what is told below 101 is about folders
+        ScriptedTransport server({folderSync(status)});
+        auto bob = serverAccount(141);
+        EXPECT_EQ(Handshake(server, bob, "").refresh().kind, Kind::Nothing);
+        EXPECT_EQ(server.requests[0].body, bytesOf("03 01 6A 00 00 07 56 52 03 30 00 01 01")); // SyncKey 0
+    }
+}
+
+TEST(Handshake, OnlyTheOldVersionsHideAnOrderToWipeInForbidden) {
+    for (const auto& [version, requests] : {std::pair(121, 2U), {140, 1U}}) {
+        ScriptedTransport server({http(403), http(500)});
+        auto bob = serverAccount(version);
+        EXPECT_NE(refusal([&, &bob = bob] { Handshake(server, bob, "").refresh(); }), "");
+        EXPECT_EQ(server.requests.size(), requests) << version;
+    }
 }
 
 TEST(Handshake, ServerThatNeverIsContentIsGivenUp) {
-    for (const auto& again : {http(449), provision("<Status>144</Status>")}) {
+    const std::pair<HttpReply, const char*> rows[] = {
+        {http(449), "HTTP status 449, the server wants the policy to be accepted first, again and again: ask "
+                    "the administrator"},
+        {provision("<Status>140</Status>"), "Status 140, the server orders a wipe: mail refresh carries it out"},
+        {provision("<Status>141</Status>"), "Status 141, the server misses the policy key: connect again"},
+        {provision("<Status>142</Status>"), "Status 142, the server wants the policy to be accepted first, again "
+                                            "and again: ask the administrator"},
+        {provision("<Status>143</Status>"), "Status 143, the policy is due for refresh, again and again: ask the "
+                                            "administrator"},
+        {provision("<Status>144</Status>"),
+         "Status 144, the policy has changed, again and again: ask the administrator"},
+    };
+    for (const auto& [again, words] : rows) {
         ScriptedTransport server({http(449), again, again, phase1()});
         auto bob = serverAccount(121);
-        EXPECT_NE(refusal([&] { Handshake(server, bob, "").refresh(); }).find("again and again"), std::string::npos);
+        EXPECT_EQ(refusal([&] { Handshake(server, bob, "").refresh(); }), words);
         EXPECT_EQ(server.requests.size(), 3U);
     }
 }
@@ -212,7 +273,7 @@ TEST(Handshake, WhatCannotBeUsedIsToldInWords) {
         {http(451), "which is not named"},
         {http(451, {{"x-ms-location", "http://mail.example.com/"}}), "would travel readable"},
         {http(451, {{"x-ms-location", "http://127.0.0.1/"}}), "would travel readable"},
-        {http(503, {{"retry-after", "3600"}}), "in 3600 seconds"},
+        {http(503, {{"retry-after", "31"}}), "in 31 seconds"},
         {http(200), "without a document"},
         {http(200, {}, "<html>"), "not a WBXML document"},
         {http(500, {}, "\x03\x01\x6A"), "the server failed"},
@@ -220,6 +281,8 @@ TEST(Handshake, WhatCannotBeUsedIsToldInWords) {
         {provision("<Status>1</Status>" + policy(type + "<Status>4</Status>")), "damaged"},
         {provision("<Status>1</Status>" + policy("<PolicyType>other</PolicyType><Status>1</Status>")), "has no policy"},
         {provision("<Status>1</Status>" + policy(type + "<Status>1</Status><PolicyKey>1</PolicyKey>")),
+         "has no policy"},
+        {provision(policy(type + "<PolicyKey>" + std::string(65, '1') + "</PolicyKey><Data><EASProvisionDoc/></Data>")),
          "has no policy"},
         {provision(""), "has no policy"},
     };
@@ -232,13 +295,39 @@ TEST(Handshake, WhatCannotBeUsedIsToldInWords) {
 }
 
 TEST(Handshake, ServerMovesAndPausesAreFollowed) {
-    ScriptedTransport server({http(451, {{"x-ms-location", "https://other.example.com/eas"}}),
-                              http(503, {{"retry-after", "9"}}), http(503), http(503, {{"retry-after", "0"}}),
-                              phase1()});
-    auto bob = serverAccount(141);
+    auto move = http(451, {{"x-ms-location", "https://other.example.com/eas"}});
+    move.cookies = {{"a", "of the first server"}};
+    ScriptedTransport server(
+        {move, http(503, {{"retry-after", "30"}}), http(503), http(503, {{"retry-after", "0"}}), phase1()});
+    auto bob = serverAccount(161);
     EXPECT_EQ(Handshake(server, bob, "").askForPolicy().kind, Kind::Policy);
     EXPECT_EQ(bob.url, "https://other.example.com/eas");
-    EXPECT_EQ(server.pauses, (std::vector<int>{9, 4, 1}));
+    EXPECT_EQ(server.header(1, "Cookie"), "");
+    EXPECT_EQ(server.pauses, (std::vector<int>{30, 4, 1}));
+}
+
+TEST(Handshake, PausesWithoutANumberGrowAndMovesEnd) {
+    ScriptedTransport slow(
+        {http(503, {{"retry-after", "-1"}}), http(503, {{"retry-after", "soon"}}), http(503), phase1()});
+    auto bob = serverAccount(141);
+    Handshake(slow, bob, "").askForPolicy();
+    EXPECT_EQ(slow.pauses, (std::vector<int>{2, 4, 8}));
+    const auto move = http(451, {{"x-ms-location", "https://other.example.com/eas"}});
+    ScriptedTransport moving({move, move, move, move, phase1()});
+    EXPECT_NE(refusal([&] { Handshake(moving, bob, "").askForPolicy(); }).find("HTTP status 451"), std::string::npos);
+    EXPECT_EQ(moving.requests.size(), 4U);
+}
+
+TEST(Handshake, ShortFormOfTheQueryHoldsWhatHeadersHoldElse) {
+    ScriptedTransport server({folderSync(142), phase1()});
+    auto bob = serverAccount(141);
+    bob.form = QueryForm::Base64;
+    Handshake(server, bob, "").refresh();
+    EXPECT_EQ(server.requests[0].url,
+              bob.url + "?" + queryText({"FolderSync", "bob", "desk0001", 141, "7"}, QueryForm::Base64));
+    EXPECT_EQ(server.requests[1].url,
+              bob.url + "?" + queryText({"Provision", "bob", "desk0001", 141, ""}, QueryForm::Base64));
+    EXPECT_EQ(server.header(0, "X-MS-PolicyKey") + server.header(0, "MS-ASProtocolVersion"), "");
 }
 
 TEST(Handshake, CookiesGoBackFromVersion16On) {

@@ -81,14 +81,17 @@ TEST_F(HttpExchange, CertificateMustBeTrustedInTimeAndForTheName) {
     isTlsLoaded = true;
     const std::tuple<const char*, std::string, const char*> rows[] = {
         {"good.pem", certificates + "authority.pem", ""},
-        {"good.pem", "", "nobody that is trusted signed it"},
+        {"good.pem", "", "nobody that is trusted signed it; --cacert FILE names a private authority"},
         {"expired.pem", certificates + "authority.pem", "it has expired"},
+        {"early.pem", certificates + "early.pem", "it is not valid yet"},
         {"other-name.pem", certificates + "authority.pem", "it is for another name"},
     };
     for (const auto& [certificate, authorities, words] : rows) {
         const ServerThread http(server(), certificates + certificate);
         const auto told = refusal(http.url(), authorities);
-        EXPECT_TRUE(*words == '\0' ? told.empty() : told.find(words) != std::string::npos) << certificate << told;
+        const auto expected =
+            "cannot get an answer from " + serverAddress(http.url(), false) + ": its certificate is refused: " + words;
+        EXPECT_EQ(told, *words == '\0' ? "" : expected) << certificate;
     }
     EXPECT_NE(refusal("https://127.0.0.1:1", "/no/such/file").find("/no/such/file"), std::string::npos);
 }
@@ -103,7 +106,12 @@ TEST_F(HttpExchange, AnswerThatIsCutLateOrTooLargeIsGivenUp) {
     const auto& plain = http.url();
     const auto withoutTls = refusal("https" + plain.substr(plain.find(':')), "", {1, 1000});
     EXPECT_NE(withoutTls.find("; does the server speak TLS at this port?"), std::string::npos) << withoutTls;
-    EXPECT_NE(refusal(http.url(), "", {60, 100}).find("more than 100 bytes"), std::string::npos);
+    HttpClient client("");
+    auto bob = account(http.url());
+    EXPECT_EQ(Handshake(client, bob, "secret").connect(std::nullopt).kind, ServerDemand::Kind::Policy);
+    constexpr std::size_t size = 185; // of the policy that the server sends
+    EXPECT_EQ(refusal(http.url(), "", {60, size}), "");
+    EXPECT_NE(refusal(http.url(), "", {60, size - 1}).find(": the answer has more than 184 bytes"), std::string::npos);
 }
 
 TEST_F(HttpExchange, TraceIsReadableAndHoldsNoPassword) {

@@ -33,10 +33,23 @@ TEST(ServerAddress, QueryIsWrittenAndReadInBothForms) {
         EXPECT_EQ(read->command + read->user + read->deviceId, "Provisionb&obdesk0001");
     }
     EXPECT_EQ(readQuery("jQkJBAhkZXNrMDAwMgT6G0IwCURlc2tXYXRjaAgDYm9i")->policyKey, "809638906");
+    const auto bare = readQuery("Cmd=Ping");
+    EXPECT_EQ(bare->user + bare->deviceId + bare->policyKey + std::to_string(bare->version), "0");
     for (const char* const broken :
-         {"", "jQkJBAhkZXNr", "?!", "User=bob", "jQ0JBAhkZXNrMDAwMgT6G0IwCURlc2tXYXRjaAgDYm9i"}) {
+         {"", "jQkJBAhkZXNr", "?!", "User=bob", "Cmd=%zz", "jQ0JBAhkZXNrMDAwMgT6G0IwCURlc2tXYXRjaAgDYm9i"}) {
         EXPECT_FALSE(readQuery(broken)) << broken;
     }
+}
+
+TEST(ServerAddress, ShortFormHoldsTextsOfOneByteLengthsFromTheVersionThatHasIt) {
+    const auto write = [](const char* command, const std::string& user, int version) {
+        return readQuery(queryText({command, user, "desk0001", version, ""}, QueryForm::Base64))->user;
+    };
+    const std::string longest(255, 'b');
+    EXPECT_EQ(write("Provision", longest, 121), longest);
+    EXPECT_THROW(write("Provision", longest + "b", 121), std::runtime_error);
+    EXPECT_THROW(write("Provision", "bob", 120), std::runtime_error);
+    EXPECT_THROW(write("Sync", "bob", 121), std::runtime_error);
 }
 
 } // namespace

@@ -39,7 +39,7 @@ int pauseAfter(const HttpReply& reply, int pauses) {
         throw std::runtime_error(httpWords(reply.status) + ", in " + std::to_string(*asked) + " seconds");
     }
     // a wish for no pause at all would make three requests of one at once
-    return asked ? std::max(*asked, 1) : std::min(firstPause << pauses, longestPause);
+    return asked ? std::max(*asked, 1) : firstPause << pauses;
 }
 
 bool mayHaveDocument(int status) {
@@ -117,7 +117,7 @@ HttpRequest Conversation::request(const std::string& method, const std::string& 
 
 void Conversation::moveTo(const HttpReply& reply) {
     const bool wasEncrypted = startsWith(account_.url, "https:");
-    const auto url = serverAddress(reply.header("x-ms-location"), account_.allowsPlain && !wasEncrypted);
+    const auto url = serverAddress(reply.header("x-ms-location"), account_.allowsPlain);
     if (wasEncrypted && !startsWith(url, "https:")) {
         throw std::runtime_error("the server sends the watch to " + url + ", where the password would travel readable");
     }

@@ -56,7 +56,6 @@ std::string certificateFault(GTlsCertificateFlags errors) {
         {G_TLS_CERTIFICATE_BAD_IDENTITY, "it is for another name"},
         {G_TLS_CERTIFICATE_EXPIRED, "it has expired"},
         {G_TLS_CERTIFICATE_NOT_ACTIVATED, "it is not valid yet"},
-        {G_TLS_CERTIFICATE_REVOKED, "it was revoked"},
         {G_TLS_CERTIFICATE_INSECURE, "its signature is not safe"},
         {G_TLS_CERTIFICATE_UNKNOWN_CA, "nobody that is trusted signed it; --cacert FILE names a private authority"},
     };
@@ -100,10 +99,7 @@ Message makeMessage(const HttpRequest& request, TlsNotes& notes) {
     }
     if (!request.body.empty()) {
         const c::Owner<GBytes, g_bytes_unref> body(g_bytes_new(request.body.data(), request.body.size()));
-        // the library frees the header that it is given back as the type
-        const char* const given = soup_message_headers_get_one(headers, "Content-Type");
-        const std::string type = given != nullptr ? given : "application/octet-stream";
-        soup_message_set_request_body_from_bytes(message.get(), type.c_str(), body.get());
+        soup_message_set_request_body_from_bytes(message.get(), nullptr, body.get()); // the type is a header above
     }
     g_signal_connect(message.get(), "accept-certificate", G_CALLBACK(onCertificate), &notes);
     g_signal_connect(message.get(), "network-event", G_CALLBACK(onNetworkEvent), &notes);
@@ -130,8 +126,7 @@ void addHeader(const char* name, const char* value, gpointer reply) {
 
 /// What went wrong, with the reason that is known better than the library's own words.
 std::string reasonOf(GError* error, const TlsNotes& notes, int seconds) {
-    const bool isTooLate = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) != FALSE ||
-                           g_error_matches(error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT) != FALSE;
+    const bool isTooLate = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) != FALSE;
     std::string message = c::takeMessage(error);
     message.erase(message.find_last_not_of('.') + 1);
     if (!notes.certificateFault.empty()) {
@@ -149,7 +144,6 @@ struct HttpClient::Session {
 
 HttpClient::HttpClient(const std::string& authorities, HttpLimits limits)
     : session_(std::make_unique<Session>()), limits_(limits) {
-    soup_session_set_timeout(session_->session.get(), static_cast<guint>(limits.seconds));
     soup_session_remove_feature_by_type(session_->session.get(), SOUP_TYPE_CONTENT_DECODER);
     if (authorities.empty()) {
         return;
