@@ -102,6 +102,22 @@ TEST(ReadPolicyFile, EveryFormatIsReadWithItsOddities) {
          "ApprovedApplicationList{} MaxDevicePasswordFailedAttempts="},
         {R"({"devpwenabled": "1", "approvedapplist": ["a"], "devpwhystory": 3})", // the inner object; a slip of the pen
          "DevicePasswordEnabled=1 ApprovedApplicationList{} devpwhystory=3"},
+        {"\tPasswordEnabled :\tTrue\r\nApprovedApplicationList : { }\nUnapprovedInROMApplicationList = @( )\n"
+         "Allow_Camera : False",
+         "DevicePasswordEnabled=1 ApprovedApplicationList= UnapprovedInROMApplicationList= Allow_Camera=False"},
+        {"PasswordEnabled : True\nMaxAttachmentSize : 999 MB (999,999,999 bytes)",
+         "DevicePasswordEnabled=1 MaxAttachmentSize=999999999"},
+        {"PasswordEnabled : True\nMaxAttachmentSize : 1 GB (1,000,000,000 bytes)",
+         "DevicePasswordEnabled=1 MaxAttachmentSize=1 GB (1,000,000,000 bytes)"},
+        {"PasswordEnabled : True\nMaxAttachmentSize : (", "DevicePasswordEnabled=1 MaxAttachmentSize=("},
+        {"Name,PasswordEnabled,ApprovedApplicationList,Extra\nA,True,Microsoft.Exchange.List\n\n",
+         "DevicePasswordEnabled=1 ApprovedApplicationList=(not in the file)"},
+        {R"({"PasswordEnabled": true, "MaxInactivityTimeLock": {"TotalSeconds": 90.0}, "PasswordExpiration":
+             {"Value": {"TotalSeconds": 86400}}})",
+         "DevicePasswordEnabled=1 MaxInactivityTimeDeviceLock=90 DevicePasswordExpiration=1"},
+        {R"({"data": 5, "devpwenabled": 1})", "data=5 DevicePasswordEnabled=1"},
+        {"# devpwenabled=0\n ; devpwenabled=0\n\tdevpwenabled =\t1 ; [x]\nmaxattsize= \"a;b\" ; c",
+         "DevicePasswordEnabled=1 MaxAttachmentSize=a;b"},
         {"; comment\ndevpwenabled=on\nmaxattsize='-1' ; all\n=5\n", "DevicePasswordEnabled=1 MaxAttachmentSize=-1"},
     };
     for (const auto& [text, elements] : rows) {
@@ -109,7 +125,20 @@ TEST(ReadPolicyFile, EveryFormatIsReadWithItsOddities) {
     }
     EXPECT_EQ(elementsRead("[default]\ndevpwenabled=1\nmindevpwlenngth=4\n[strict]\nmindevpwlenngth=8", "strict"),
               "MinDevicePasswordLength=8 DevicePasswordEnabled=1");
-    EXPECT_EQ(readPolicyFile("p", R"({"mindevpwlenngth": 4})").remarks.size(), 1U);
+    EXPECT_EQ(elementsRead("devpwenabled=1\n[default]\nallowcam=0\n[x]\nallowcam=1", "x"), "AllowCamera=1");
+    EXPECT_EQ(readPolicyFile("p", "devpwenabled=1\n[default]\nallowcam=0").policies[0].elements.size(), 1U)
+        << "what stands before the sections inherits nothing";
+    const std::string part = "holds only a part of a policy; what the server's default policy adds is not here";
+    EXPECT_EQ(readPolicyFile("p", R"({"mindevpwlenngth": 4})").remarks, std::vector{part});
+    EXPECT_TRUE(readPolicyFile("p", R"({"devpwenabled": 1})").remarks.empty());
+}
+
+TEST(ReadPolicyFile, NameGoesBeforeTheIdentity) {
+    for (const char* const text : {R"({"Name": "N", "Identity": "I", "AllowCamera": true})",
+                                   R"({"Identity": "I", "Name": "N", "AllowCamera": true})"}) {
+        EXPECT_EQ(readPolicyFile("p", text).policies.at(0).name, "N");
+    }
+    EXPECT_EQ(readPolicyFile("p", R"({"Identity": "I", "AllowCamera": true})").policies.at(0).name, "I");
 }
 
 /// Bytes in lines with their offset before them and as a text after them.
@@ -141,7 +170,18 @@ TEST(ReadPolicyFile, CaptureIsReadInEveryForm) {
     EXPECT_EQ(elementsRead(bytes), expected);
     EXPECT_EQ(elementsRead(dumped(bytes, ": ", "  ", "")), expected) << "xxd";
     EXPECT_EQ(elementsRead(dumped(bytes, "  ", "  |", "|") + "0000007d\n"), expected) << "hexdump -C";
-    EXPECT_EQ(elementsRead(std::string(base64.get()) + "\n"), expected);
+    EXPECT_EQ(elementsRead("0000007d\n" + dumped(bytes, "  ", "  |", "|").substr(1)), expected) << "seven digits";
+    for (const char* const between : {"\t", "\r\n", ", ", ":", "-"}) {
+        auto separated = hex;
+        for (auto at = separated.find(' '); at != std::string::npos; at = separated.find(' ', at)) {
+            separated.replace(at, 1, between);
+            at += std::string(between).size();
+        }
+        EXPECT_EQ(elementsRead(separated), expected) << between;
+    }
+    auto text = std::string(base64.get());
+    EXPECT_EQ(elementsRead(text + "\n"), expected);
+    EXPECT_EQ(elementsRead("\t " + text.substr(0, 40) + "\r\n" + text.substr(40)), expected);
     const auto wipe = readPolicyFile("p", "03 01 6A 00 00 0E 45 4B 03 32 00 01 0C 01"); // Status 2, RemoteWipe
     ASSERT_EQ(wipe.notices.size(), 2U);
     EXPECT_EQ(wipe.notices[0].status, "2");
@@ -154,7 +194,8 @@ TEST(ReadPolicyFile, MessageIsAPolicyForEachOfItsAccounts) {
     EXPECT_EQ(readPolicyFile("p", three).policies.size(), 3U);
     const auto content =
         readPolicyFile("p", R"({"msgId": "email-itpolicy-ind", "param": [{"accountName": "a", "policySet":
-        {"PasswordMode": 96, "allowBluetoothMode": true, "allowCamera": "no", "minDevicePasswordLength": 0}}]})");
+        {"PasswordMode": 96, "allowBluetoothMode": true, "allowCamera": "no",
+        "minDevicePasswordLength": 0}}]})");
     ASSERT_EQ(content.policies.size(), 1U);
     EXPECT_TRUE(content.policies[0].isMessage);
     const auto& elements = content.policies[0].elements;
@@ -163,7 +204,16 @@ TEST(ReadPolicyFile, MessageIsAPolicyForEachOfItsAccounts) {
     EXPECT_EQ(elements[2].value, "2");
     EXPECT_EQ(elements[3].value, "0") << "a member that is left out forbids";
     EXPECT_EQ(elements[17].value, "");
-    EXPECT_EQ(readPolicyFile("p", R"({"msgId": "eas-remote-wipe"})").notices.size(), 1U);
+    EXPECT_EQ(elements[17].line, 3);
+    EXPECT_EQ(elements[18].line, 1) << "that of the policy set, which lacks it";
+    const auto order = readPolicyFile("p", R"({"msgId": "eas-remote-wipe"})");
+    ASSERT_EQ(order.notices.size(), 1U);
+    EXPECT_EQ(noticeText("p", order.notices[0]),
+              "p:1: the server orders to wipe the watch (RemoteWipe), whatever policy it sends");
+    for (const char* const none : {R"([{"policySet": 5}])", R"([{}])", "7"}) {
+        const auto text = std::string(R"({"msgId": "email-itpolicy-ind", "param": )") + none + "}";
+        EXPECT_TRUE(readPolicyFile("p", text).policies.empty()) << text;
+    }
 }
 
 TEST(ReadPolicyFile, MistakesAreNamedWithTheirPlace) {
@@ -175,6 +225,7 @@ TEST(ReadPolicyFile, MistakesAreNamedWithTheirPlace) {
     for (int count = 0; count < 1000; ++count) {
         many += std::to_string(count) + "=1\n";
     }
+    const auto inherited = "[x]\nallowcam=1\n[default]\n" + many;
     struct Row {
         const char* text;
         const char* refusal;
@@ -187,6 +238,7 @@ TEST(ReadPolicyFile, MistakesAreNamedWithTheirPlace) {
         {"dear sir: or madam", "p: not a policy in a known format. "},
         {" \n", "p: the file is empty"},
         {many.c_str(), "p:1: 1001 settings; a policy has at most 1000"},
+        {inherited.c_str(), "p:4: 1001 settings; a policy has at most 1000"},
         {sections.c_str(), "p: 102 sections; at most 100 are read"},
         {"\xFF\xFE\x41", "p: not valid UTF-16"},
         {"03 01 6A 00 45", "p: not a WBXML document of ActiveSync: byte 5: "},
@@ -219,6 +271,10 @@ TEST(ReadPolicyFile, MistakesAreToldInTheWordsOfTheFileAndOfTheChosenPolicyAlone
          R"(p has 2 policies; choose one with --policy: "A", "B")"},
         {"AllowCamera : True\nAllowWifI : True", "not a property of a policy; did you mean \"AllowWiFi\"?"},
         {"MinPasswordLenght : 4", "not a property of a policy; did you mean \"MinPasswordLength\"?"},
+        {"MinDevicePasswordLenght : 4", "not a property of a policy; did you mean \"MinDevicePasswordLength\"?"},
+        {"allowcam=1\nreqstoragecardenk=1", "not a key of a policy; did you mean \"reqstoragecardenc\"?"},
+        {R"({"MaxInactivityTimeLock": {"TotalSeconds": 90.05}})", "p:1: MaxInactivityTimeLock is \"0:0:90.05\"; "},
+        {"MaxInactivityTimeLock : 1:00", "p:1: MaxInactivityTimeLock is \"1:00\"; it must be a time"},
         {"allowcam=1\nmindevpwlength=4", "not a key of a policy; did you mean \"mindevpwlenngth\"?"},
     };
     for (const auto& [text, expected] : rows) {

@@ -210,8 +210,15 @@ TEST(ProvisioningImport, EveryIllegalValueIsNamedWithItsLine) {
     EXPECT_EQ(
         refusal({{"MinDevicePasswordLength", "0"}}),
         "p.xml:1: MinDevicePasswordLength is \"0\"; it must be a number from 1 to 16; for no limit leave it empty");
-    EXPECT_NE(refusal({{"MaxInactivityTimeDeviceLock", "99999999999"}}), "");
+    EXPECT_EQ(refusal({{"MaxInactivityTimeDeviceLock", "99999999999"}}),
+              "p.xml:1: MaxInactivityTimeDeviceLock is \"99999999999\"; it must be a number of seconds, up to "
+              "2147483647");
     EXPECT_NE(refusal({{"AllowWifi", "0x1"}}), "");
+    EXPECT_NE(refusal({{"AllowWifi", "-0"}}), "");
+    for (const char* const noLimit : {"Unlimited", "None", "Never"}) {
+        const auto told = refusal({{"DevicePasswordExpiration", noLimit}});
+        EXPECT_NE(told.find("730; for no limit leave it empty"), std::string::npos) << told;
+    }
     EXPECT_EQ(
         refusal({{"MaxDevicePasswordFailedAttempts", "unlimited"}}),
         "p.xml:1: MaxDevicePasswordFailedAttempts is \"unlimited\"; it must be a number from 4 to 16; for no limit "
@@ -221,6 +228,16 @@ TEST(ProvisioningImport, EveryIllegalValueIsNamedWithItsLine) {
 TEST(ProvisioningImport, ElementThatIsGivenTwiceIsRefused) {
     EXPECT_EQ(refusal({{"AllowWifi", "1"}, {"AllowWifi", "1"}}),
               "p.xml:2: AllowWifi is a duplicate of the one in line 1");
+}
+
+TEST(ProvisioningImport, LineThatNobodyKnowsIsNotNamed) {
+    const std::vector<ProvisioningElement> twice(2, {"AllowWifi", "1", false, 0});
+    try {
+        importProvisioning("p", twice, {});
+        FAIL();
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "p: AllowWifi is a duplicate");
+    }
 }
 
 TEST(ProvisioningImport, IllegalDocumentLeavesNoMessage) {

@@ -42,7 +42,6 @@ public:
                 row.cells.back() += character;
             }
         }
-        isQuoted_ = false;
         return row;
     }
 
