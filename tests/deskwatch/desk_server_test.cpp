@@ -24,10 +24,10 @@ protected:
     }
 
     ServerAnswer send(const std::string& command, const std::string& body, const std::string& key,
-                      const std::string& user = "bob") {
+                      const std::string& user = "bob", const std::string& device = "desk1") {
         const std::string authorization = user == "bob" ? "Basic Ym9iOg==" : "Basic YWxpY2U6"; // without a password
         return server_.answer({"POST",
-                               "Cmd=" + command + "&User=" + user + "&DeviceId=desk1&DeviceType=DeskWatch",
+                               "Cmd=" + command + "&User=" + user + "&DeviceId=" + device + "&DeviceType=DeskWatch",
                                {{"authorization", authorization},
                                 {"content-type", "application/vnd.ms-sync.wbxml"},
                                 {"ms-asprotocolversion", version_},
@@ -151,6 +151,25 @@ TEST_F(TheDeskServer, OrderSpoilsTheNextAnswerAlone) {
         EXPECT_STREQ(error.what(), R"("bobb" is not a user of this server; it knows ann, bob; did you mean "bob"?)");
     }
     EXPECT_THROW(server().order({"bob", "http", "many"}), std::runtime_error);
+}
+
+TEST_F(TheDeskServer, DevicesBeyondAThousandAreRefusedAndTheOthersServed) {
+    for (int device = 1; device <= 1000; ++device) {
+        ASSERT_EQ(send("FolderSync", "", "0", "bob", "desk" + std::to_string(device)).status, 200) << device;
+    }
+    EXPECT_EQ(send("FolderSync", "", "0", "bob", "desk1001").status, 400);
+    EXPECT_EQ(send("FolderSync", "", "0", "bob", "desk1000").status, 200);
+}
+
+TEST_F(TheDeskServer, NumbersOfOrdersHaveBothTheirBounds) {
+    for (const auto& [order, least, most] : {std::tuple("http", 100, 999), {"slow", 0, 999}}) {
+        for (const int number : {least, most}) {
+            EXPECT_NO_THROW(server().order({"bob", order, std::to_string(number)})) << order << number;
+        }
+        for (const int number : {least - 1, most + 1}) {
+            EXPECT_THROW(server().order({"bob", order, std::to_string(number)}), std::runtime_error) << order << number;
+        }
+    }
 }
 
 TEST_F(TheDeskServer, RequestOfAnotherClientIsUnderstood) {

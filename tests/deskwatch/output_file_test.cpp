@@ -32,12 +32,15 @@ TEST(OutputFile, ReplacesTheTextAndLeavesTheRest) {
     fs::create_symlink(file, folder.path() / "link");
     fs::create_symlink(folder.path() / "new", folder.path() / "dangling");
     writeOutput(folder.path() / "link", "through a link");
+    const auto mask = umask(022);
     writeOutput(folder.path() / "dangling", "new");
+    umask(mask);
 
     EXPECT_TRUE(fs::is_symlink(folder.path() / "link"));
     EXPECT_EQ(readInput(file), "through a link");
     EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
     EXPECT_EQ(readInput(folder.path() / "new"), "new");
+    EXPECT_EQ(static_cast<unsigned>(fs::status(folder.path() / "new").permissions()), 0644U);
 }
 
 TEST(OutputFile, PipeIsWrittenToAndWhatCannotBeWrittenStays) {

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "text/suggestion.h"
 #include "text/value_words.h"
 
 namespace deskwatch {
@@ -24,6 +25,17 @@ TEST(TextTable, ControlCharactersAndBrokenTextBecomeVisible) {
 
 TEST(TextTable, NoRowsAreNoText) {
     EXPECT_EQ(textTable({}), "");
+}
+
+TEST(Suggestion, ThirdOfAWordOfAHundredCharactersMayBeWrong) {
+    const std::string word(100, 'a');
+    EXPECT_EQ(didYouMean("abcdex", {"abcdef", "ABCDEX"}), "; did you mean \"ABCDEX\"?");
+    EXPECT_EQ(didYouMean("abcxyf", {"abcdef"}), "; did you mean \"abcdef\"?");
+    EXPECT_EQ(didYouMean("abxyzf", {"abcdef"}), "");
+    EXPECT_EQ(didYouMean("abcd", {"abcdef"}), "");
+    EXPECT_EQ(didYouMean("abcde", {"abcdef"}), "; did you mean \"abcdef\"?");
+    EXPECT_EQ(nearest(word, {word + "b"}), word + "b");
+    EXPECT_EQ(nearest(word + "a", {word}), std::nullopt);
 }
 
 TEST(ValueWords, NumberOfASettingOrKeyHasItsWord) {

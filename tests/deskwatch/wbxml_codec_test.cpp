@@ -104,6 +104,9 @@ TEST(Wbxml, TextThatXmlCannotHoldIsReadWithMarks) {
     EXPECT_EQ(text("31 07"), "1" + mark);
     EXPECT_EQ(text("FF 31"), mark + "1");
     EXPECT_EQ(text("EF BF BF 31"), mark + "1");
+    EXPECT_EQ(text("EF BF BE 31 EF BF BE"), mark + "1" + mark);
+    EXPECT_EQ(text("1F 7F 7E"), mark + mark + "~");
+    EXPECT_EQ(text("31 09 0A 0D 31"), "1\t\n\n1"); // as XML reads a carriage return
     EXPECT_EQ(text("20 3C 26 20"), " <& ");
 }
 

@@ -12,7 +12,8 @@ answers = Path(sys.argv[1]).read_text("utf-8").splitlines()
 class OddServer(BaseHTTPRequestHandler):
     def do_OPTIONS(self) -> None:  # noqa: N802, the library's name
         self.rfile.read(int(self.headers.get("Content-Length", "0")))
-        print(self.command, self.headers.get("Cookie", "without a cookie"), flush=True)
+        packed = self.headers.get_all("Accept-Encoding", [])  # nobody wants an answer packed
+        print(self.command, self.headers.get("Cookie", "without a cookie"), *packed, flush=True)
         words = (answers.pop(0) if answers else "500").split()
         body = b"".join(bytes.fromhex(word[1:]) for word in words if word.startswith("="))
         self.send_response_only(int(words[0]))
