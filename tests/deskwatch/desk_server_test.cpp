@@ -120,6 +120,7 @@ TEST_F(TheDeskServer, UserWithoutAPolicyMayGoOn) {
     const auto reply = decodeWbxml(send("Provision", encodeWbxml(policyRequest(141, true)), "0", "alice").body);
     EXPECT_EQ(readProvisionReply(reply, 141).policyStatus, 2);
     EXPECT_EQ(statusOf(decodeWbxml(send("FolderSync", "", "0", "alice").body)), 1);
+    EXPECT_NO_THROW(server().order({"alice", "slow", "1"})) << "known by her device";
 }
 
 TEST_F(TheDeskServer, WipeStaysOrderedUntilTheDeviceIsForgotten) {

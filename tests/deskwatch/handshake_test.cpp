@@ -157,8 +157,8 @@ TEST(Handshake, KeyWithoutAStatusIsTakenUpToItsLongest) {
     auto bob = serverAccount(141);
     EXPECT_TRUE(Handshake(server, bob, "").acknowledge("11", Compliance::Applied).isAccepted);
     EXPECT_EQ(bob.policyKey, key);
-    ScriptedTransport first(
-        {provision(policy(type + "<PolicyKey>" + key + "</PolicyKey><Data><EASProvisionDoc/></Data>"))});
+    ScriptedTransport first({provision("<Policies><Status>1</Status><Policy>" + type + "<PolicyKey>" + key +
+                                       "</PolicyKey><Data><EASProvisionDoc/></Data></Policy></Policies>")});
     EXPECT_EQ(Handshake(first, bob, "").askForPolicy().temporaryKey, key);
 }
 
@@ -199,6 +199,14 @@ TEST(Handshake, RefreshAsksForThePolicyOnlyWhenTheServerWantsIt) {
         EXPECT_EQ(Handshake(server, bob, "").refresh().kind, Kind::Nothing);
         EXPECT_EQ(server.requests[0].body, bytesOf("03 01 6A 00 00 07 56 52 03 30 00 01 01")); // SyncKey 0
     }
+}
+
+TEST(Handshake, NewAccountHasKeyZeroForEveryCommand) {
+    ScriptedTransport server({folderSync(1)});
+    ServerAccount fresh;
+    fresh.version = 141;
+    Handshake(server, fresh, "").refresh();
+    EXPECT_EQ(server.header(0, "X-MS-PolicyKey"), "0");
 }
 
 TEST(Handshake, OnlyTheOldVersionsHideAnOrderToWipeInForbidden) {

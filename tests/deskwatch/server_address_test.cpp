@@ -36,7 +36,8 @@ TEST(ServerAddress, QueryIsWrittenAndReadInBothForms) {
     const auto bare = readQuery("Cmd=Ping");
     EXPECT_EQ(bare->user + bare->deviceId + bare->policyKey + std::to_string(bare->version), "0");
     for (const char* const broken :
-         {"", "jQkJBAhkZXNr", "?!", "User=bob", "Cmd=%zz", "jQ0JBAhkZXNrMDAwMgT6G0IwCURlc2tXYXRjaAgDYm9i"}) {
+         {"", "jQkJBAhkZXNr", "?!", "User=bob", "Cmd=%zz",
+          "jQkJBAhkZXNrMDAwMgT6G0IwCURlc2tXYXRjaAgDYm8=", "jQ0JBAhkZXNrMDAwMgT6G0IwCURlc2tXYXRjaAgDYm9i"}) {
         EXPECT_FALSE(readQuery(broken)) << broken;
     }
 }
