@@ -67,6 +67,8 @@ void enter(RequestHead& head, const std::string& token) {
 INSTANTIATE_TEST_SUITE_P(
     Passed, GateTable,
     testing::Values(GateRow{"an action", [](auto&, auto&) {}, 0, ""},
+                    GateRow{"an empty body", [](auto& head, auto&) { head.length = 0; }, 0, ""},
+                    GateRow{"the largest body", [](auto& head, auto&) { head.length = 1 << 20; }, 0, ""},
                     GateRow{"by IPv6",
                             [](auto& head, auto&) {
                                 head.host = head.authority = "[::1]:8000";
