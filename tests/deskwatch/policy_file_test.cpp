@@ -109,6 +109,7 @@ TEST(ReadPolicyFile, EveryFormatIsReadWithItsOddities) {
          "DevicePasswordEnabled=1 MaxAttachmentSize=999999999"},
         {"PasswordEnabled : True\nMaxAttachmentSize : 1 GB (1,000,000,000 bytes)",
          "DevicePasswordEnabled=1 MaxAttachmentSize=1 GB (1,000,000,000 bytes)"},
+        {"PasswordEnabled : True\nMinPasswordLength : \"\"", "DevicePasswordEnabled=1 MinDevicePasswordLength="},
         {"PasswordEnabled : True\nMaxAttachmentSize : (", "DevicePasswordEnabled=1 MaxAttachmentSize=("},
         {"Name,PasswordEnabled,ApprovedApplicationList,Extra\nA,True,Microsoft.Exchange.List\n\n",
          "DevicePasswordEnabled=1 ApprovedApplicationList=(not in the file)"},
@@ -139,6 +140,7 @@ TEST(ReadPolicyFile, NameGoesBeforeTheIdentity) {
         EXPECT_EQ(readPolicyFile("p", text).policies.at(0).name, "N");
     }
     EXPECT_EQ(readPolicyFile("p", R"({"Identity": "I", "AllowCamera": true})").policies.at(0).name, "I");
+    EXPECT_EQ(readPolicyFile("p", "Name,AllowCamera\n\"a \"\"b\"\"\",True\n").policies.at(0).name, R"(a "b")");
 }
 
 /// Bytes in lines with their offset before them and as a text after them.

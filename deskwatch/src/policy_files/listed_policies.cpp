@@ -50,10 +50,7 @@ public:
     void take(const std::string& text, long number) {
         const auto line = listLine(text);
         const auto indent = text.find_first_not_of(" \t");
-        if (indent == std::string::npos) {
-            return;
-        }
-        if (column_ > 0 && indent >= column_ - 1) { // a long value goes on under its column
+        if (column_ > 0 && indent >= column_ - 1) { // a long value goes on under its column; an empty line adds nothing
             last_.value += trimmedText(text);
         } else if (line.column > 0) {
             finishLine();
