@@ -38,6 +38,8 @@ using VariantOwner = Owner<GVariant, g_variant_unref>;
 /// Owns a list of texts that ends with null, and the texts.
 using TextListOwner = Owner<char*, g_strfreev>;
 
+using BytesOwner = Owner<GBytes, g_bytes_unref>;
+
 using MainLoopOwner = Owner<GMainLoop, g_main_loop_unref>;
 
 /// Takes the text of an error and frees it. An error that was not set has no text.
@@ -51,6 +53,14 @@ inline std::string takeMessage(GError* error) {
     std::string message = error->message;
     g_error_free(error);
     return message;
+}
+
+/// Takes the text of bytes and releases them. None have no text.
+inline std::string takeText(GBytes* bytes) {
+    const BytesOwner owner(bytes);
+    gsize size = 0;
+    const auto* const data = bytes != nullptr ? static_cast<const char*>(g_bytes_get_data(bytes, &size)) : nullptr;
+    return data != nullptr ? std::string(data, size) : std::string();
 }
 
 } // namespace c

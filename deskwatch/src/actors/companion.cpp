@@ -211,14 +211,14 @@ bool Companion::answer(const char* result) {
     if (oldest == launches_.end()) {
         return false;
     }
-    app_control_h reply = nullptr;
-    app_control_create(&reply);
+    app_control_h created = nullptr;
+    app_control_create(&created);
+    const c::Owner<app_control_s, app_control_destroy> reply(created);
     if (result != nullptr) {
-        app_control_add_extra_data(reply, "result", result);
+        app_control_add_extra_data(reply.get(), "result", result);
     }
     const int outcome = app_control_reply_to_launch_request(
-        reply, oldest->waiting, result != nullptr ? APP_CONTROL_RESULT_SUCCEEDED : APP_CONTROL_RESULT_CANCELED);
-    app_control_destroy(reply);
+        reply.get(), oldest->waiting, result != nullptr ? APP_CONTROL_RESULT_SUCCEEDED : APP_CONTROL_RESULT_CANCELED);
     oldest->waiting = nullptr;
     tesk_desk_companion_emit_changed(object_.get());
     return outcome == APP_CONTROL_ERROR_NONE;

@@ -99,6 +99,11 @@ struct Evidence {
     }
 };
 
+/// What became of a request that is about no account, or about none that is known.
+Effect withoutAccount(Became became, const std::string& reason = "") {
+    return {became, std::nullopt, "", reason};
+}
+
 Effect effectOnStore(const Evidence& evidence, const MessageAccount& account, const std::vector<ServiceLine>* log) {
     const auto& traces = evidence.traces;
     Effect effect{Became::Unknown, account.id, account.name, ""};
@@ -140,10 +145,10 @@ std::vector<Effect> effectsOfMessage(const Message& message, const Evidence& evi
         taken += account.hasPolicySet ? 1 : 0;
     }
     if (effects.empty()) {
-        effects.push_back({Became::PassedOver, std::nullopt, "",
-                           message.hasAccounts
-                               ? "it names no account"
-                               : "its \"" + std::string(message.kind->accounts) + "\" is not an array"});
+        effects.push_back(withoutAccount(Became::PassedOver,
+                                         message.hasAccounts
+                                             ? "it names no account"
+                                             : "its \"" + std::string(message.kind->accounts) + "\" is not an array"));
     }
     return effects;
 }
@@ -151,14 +156,14 @@ std::vector<Effect> effectsOfMessage(const Message& message, const Evidence& evi
 Effect effectOfWipe(const std::vector<ServiceLine>& log) {
     for (const auto& line : log) {
         if (startsWith(line.text, wipeFailed)) {
-            return {Became::Refused, std::nullopt, "",
-                    "the platform does not wipe the internal storage: " + line.text.substr(wipeFailed.size())};
+            return withoutAccount(Became::Refused, "the platform does not wipe the internal storage: " +
+                                                       line.text.substr(wipeFailed.size()));
         }
     }
     if (!contains(log, "factoryReset", "Enter")) {
-        return {Became::Unknown, std::nullopt, "", tooLittleLogged};
+        return withoutAccount(Became::Unknown, tooLittleLogged);
     }
-    return {Became::Wiped, std::nullopt, "", ""};
+    return withoutAccount(Became::Wiped);
 }
 
 Effect effectOfDeletion(const std::string& argument, const Evidence& evidence) {
@@ -166,7 +171,7 @@ Effect effectOfDeletion(const std::string& argument, const Evidence& evidence) {
     constexpr int decimal = 10;
     const int id = static_cast<int>(std::strtol(argument.c_str(), nullptr, decimal)); // as the service reads it
     if (id < 1) {
-        return {Became::PassedOver, std::nullopt, "", "\"" + argument + "\" is not an account's number, 1 or more"};
+        return withoutAccount(Became::PassedOver, "\"" + argument + "\" is not an account's number, 1 or more");
     }
     const auto* const before = rowOf(traces.before, id);
     Effect effect{Became::Deleted, id, "", ""};
@@ -192,7 +197,7 @@ Effect effectOfDeletion(const std::string& argument, const Evidence& evidence) {
 std::vector<Effect> effectsOfUpdate(const Request& request, const Evidence& evidence) {
     const Message message = readMessage(request.argument);
     if (message.kind == nullptr) {
-        return {{Became::Unknown, std::nullopt, "", "it cannot be told what the service makes of this text"}};
+        return {withoutAccount(Became::Unknown, "it cannot be told what the service makes of this text")};
     }
     if (message.kind->id == remoteWipeKind) {
         return {effectOfWipe(evidence.log.lines)};
@@ -202,16 +207,15 @@ std::vector<Effect> effectsOfUpdate(const Request& request, const Evidence& evid
 
 Effect effectOfCheck(const Request& request, const std::vector<ServiceLine>& log) {
     if (warningsOf(log).isTutorialShown) {
-        return {Became::PassedOver, std::nullopt, "", "no screen opens while the tutorial is shown"};
+        return withoutAccount(Became::PassedOver, "no screen opens while the tutorial is shown");
     }
     if (!isHandled(log)) {
-        return {Became::Unknown, std::nullopt, "", tooLittleLogged};
+        return withoutAccount(Became::Unknown, tooLittleLogged);
     }
     if (request.name == requests::checkEncryption && !contains(log, "launchOdePopup", "Enter")) {
-        return {Became::PassedOver, std::nullopt, "",
-                "a lock comes first: db/eas/password_policy_applied is 0 or not set"};
+        return withoutAccount(Became::PassedOver, "a lock comes first: db/eas/password_policy_applied is 0 or not set");
     }
-    return {Became::Handled, std::nullopt, "", ""};
+    return withoutAccount(Became::Handled);
 }
 
 std::vector<Effect> effectsOf(const Request& request, const Evidence& evidence) {
@@ -219,7 +223,7 @@ std::vector<Effect> effectsOf(const Request& request, const Evidence& evidence) 
     if (!reason.empty()) {
         const bool isKnown = std::find(requests::all.begin(), requests::all.end(), request.name) != requests::all.end();
         const auto meant = isKnown ? "" : didYouMean(request.name, {requests::all.begin(), requests::all.end()});
-        return {{Became::PassedOver, std::nullopt, "", reason + meant}};
+        return {withoutAccount(Became::PassedOver, reason + meant)};
     }
     if (request.name == requests::updatePolicy) {
         return effectsOfUpdate(request, evidence);

@@ -40,12 +40,6 @@ private:
     fs::path path_;
 };
 
-std::string bytesOf(GBytes* bytes) {
-    gsize size = 0;
-    const auto* data = bytes != nullptr ? static_cast<const char*>(g_bytes_get_data(bytes, &size)) : nullptr;
-    return data != nullptr ? std::string(data, size) : std::string();
-}
-
 /// Runs in the new process: it ends with this one, which cannot end it when it is killed.
 void endWithParent(gpointer /*data*/) {
     prctl(PR_SET_PDEATHSIG, SIGTERM);
@@ -119,10 +113,8 @@ private:
         GBytes* output = nullptr;
         GBytes* errors = nullptr;
         g_subprocess_communicate_finish(worker.process_.get(), outcome, &output, &errors, nullptr);
-        worker.result_.failure = bytesOf(errors);
-        worker.result_.isUpdated = contains(bytesOf(output), ": updated\n");
-        g_clear_pointer(&output, g_bytes_unref);
-        g_clear_pointer(&errors, g_bytes_unref);
+        worker.result_.isUpdated = contains(c::takeText(output), ": updated\n");
+        worker.result_.failure = c::takeText(errors);
         g_subprocess_wait_async(worker.process_.get(), nullptr, onEnd, self);
     }
 

@@ -98,7 +98,7 @@ Message makeMessage(const HttpRequest& request, TlsNotes& notes) {
         soup_message_headers_replace(headers, name.c_str(), value.c_str());
     }
     if (!request.body.empty()) {
-        const c::Owner<GBytes, g_bytes_unref> body(g_bytes_new(request.body.data(), request.body.size()));
+        const c::BytesOwner body(g_bytes_new(request.body.data(), request.body.size()));
         soup_message_set_request_body_from_bytes(message.get(), nullptr, body.get()); // the type is a header above
     }
     g_signal_connect(message.get(), "accept-certificate", G_CALLBACK(onCertificate), &notes);

@@ -34,7 +34,6 @@ public:
         ++at_;
         return *this;
     }
-    bool operator==(const CountingIterator& other) const { return at_ == other.at_; }
     bool operator!=(const CountingIterator& other) const { return at_ != other.at_; }
 
 private:

@@ -22,12 +22,6 @@ c::ObjectOwner<GSubprocess> startSelf(const std::vector<std::string>& arguments,
     return process;
 }
 
-std::string bytesText(GBytes* bytes) {
-    gsize size = 0;
-    const auto* data = bytes != nullptr ? static_cast<const char*>(g_bytes_get_data(bytes, &size)) : nullptr;
-    return data != nullptr ? std::string(data, size) : std::string();
-}
-
 int exitStatus(GSubprocess* process) {
     return g_subprocess_get_if_exited(process) != FALSE ? g_subprocess_get_exit_status(process) : -1;
 }
@@ -44,9 +38,7 @@ void onCommunicated(GObject* object, GAsyncResult* result, gpointer data) {
         (*whenDone)({-1, "", "cannot talk to deskwatch: " + c::takeMessage(error)});
         return;
     }
-    (*whenDone)({exitStatus(process), bytesText(output), bytesText(errors)});
-    g_bytes_unref(output);
-    g_bytes_unref(errors);
+    (*whenDone)({exitStatus(process), c::takeText(output), c::takeText(errors)});
 }
 
 } // namespace
@@ -55,9 +47,9 @@ void runCommand(const std::vector<std::string>& arguments, const std::string& in
     const auto flags = static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDIN_PIPE | G_SUBPROCESS_FLAGS_STDOUT_PIPE |
                                                      G_SUBPROCESS_FLAGS_STDERR_PIPE);
     const auto process = startSelf(arguments, flags);
-    GBytes* bytes = g_bytes_new(input.data(), input.size());
-    g_subprocess_communicate_async(process.get(), bytes, nullptr, onCommunicated, new WhenDone(std::move(whenDone)));
-    g_bytes_unref(bytes);
+    const c::BytesOwner bytes(g_bytes_new(input.data(), input.size()));
+    g_subprocess_communicate_async(process.get(), bytes.get(), nullptr, onCommunicated,
+                                   new WhenDone(std::move(whenDone)));
 }
 
 /// Lives as long as a callback of the process may come.

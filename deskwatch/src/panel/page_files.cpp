@@ -37,7 +37,8 @@ const char* contentTypeOf(std::string_view name) {
 
 bool sendPageFile(SoupServerMessage* message, const std::string& name) {
     const auto file = name.empty() ? std::string("index.html") : name;
-    GBytes* bytes = g_resources_lookup_data((resourceRoot + file).c_str(), G_RESOURCE_LOOKUP_FLAGS_NONE, nullptr);
+    const c::BytesOwner bytes(
+        g_resources_lookup_data((resourceRoot + file).c_str(), G_RESOURCE_LOOKUP_FLAGS_NONE, nullptr));
     if (bytes == nullptr) {
         return false;
     }
@@ -45,19 +46,17 @@ bool sendPageFile(SoupServerMessage* message, const std::string& name) {
     soup_server_message_set_status(message, SOUP_STATUS_OK, nullptr);
     auto* headers = soup_server_message_get_response_headers(message);
     soup_message_headers_replace(headers, "Content-Type", contentTypeOf(file));
-    soup_message_body_append_bytes(soup_server_message_get_response_body(message), bytes);
-    g_bytes_unref(bytes);
+    soup_message_body_append_bytes(soup_server_message_get_response_body(message), bytes.get());
     return true;
 }
 
 std::vector<std::string> pageFiles(const std::string& folder) {
-    char** names =
-        g_resources_enumerate_children((resourceRoot + folder).c_str(), G_RESOURCE_LOOKUP_FLAGS_NONE, nullptr);
+    const c::TextListOwner names(
+        g_resources_enumerate_children((resourceRoot + folder).c_str(), G_RESOURCE_LOOKUP_FLAGS_NONE, nullptr));
     std::vector<std::string> files;
-    for (char** name = names; name != nullptr && *name != nullptr; ++name) {
+    for (char** name = names.get(); name != nullptr && *name != nullptr; ++name) {
         files.emplace_back(*name);
     }
-    g_strfreev(names);
     std::sort(files.begin(), files.end());
     return files;
 }

@@ -123,12 +123,7 @@ void PanelServer::answer(SoupServerMessage* message, const std::string& path, co
 }
 
 void PanelServer::answerAction(SoupServerMessage* message) const {
-    auto* body = soup_server_message_get_request_body(message);
-    GBytes* bytes = soup_message_body_flatten(body);
-    gsize size = 0;
-    const auto* data = static_cast<const char*>(g_bytes_get_data(bytes, &size));
-    const std::string text(data != nullptr ? data : "", size);
-    g_bytes_unref(bytes);
+    const auto text = c::takeText(soup_message_body_flatten(soup_server_message_get_request_body(message)));
     const auto pending = std::make_shared<PendingReply>(message);
     handlers_.onAction(text, [pending](const PanelReply& reply) { pending->give(reply); });
 }

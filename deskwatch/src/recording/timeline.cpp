@@ -35,13 +35,13 @@ std::vector<TraceEvent> inboxOf(const BusClient& bus) {
     }
     GVariantIter* messages = nullptr;
     g_variant_get(answer.get(), "(a(sa(ayay)))", &messages);
+    const c::Owner<GVariantIter, g_variant_iter_free> owner(messages);
     GVariant* entries = nullptr;
     while (g_variant_iter_next(messages, "(&s@a(ayay))", nullptr, &entries) != FALSE) {
-        const c::VariantOwner owner(entries);
+        const c::VariantOwner ownerOfEntries(entries);
         events.push_back(
             {{"out", "message"}, {"to", ids::mail}, {"port", ids::policyPort}, {"entries", recordedEntries(entries)}});
     }
-    g_variant_iter_free(messages);
     return events;
 }
 

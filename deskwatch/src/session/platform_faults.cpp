@@ -45,17 +45,16 @@ void clearFaults(const DeviceSession& session) {
 std::vector<PlatformFault> readFaults() {
     const c::ObjectOwner<DConfClient> store(dconf_client_new());
     int count = 0;
-    char** names = dconf_client_list(store.get(), faultsFolder.c_str(), &count);
+    const c::TextListOwner names(dconf_client_list(store.get(), faultsFolder.c_str(), &count));
     std::vector<PlatformFault> faults;
     for (int index = 0; index < count; ++index) {
-        PlatformFault fault{names[index]};
+        PlatformFault fault{names.get()[index]};
         const c::VariantOwner value(dconf_client_read(store.get(), (faultsFolder + fault.function).c_str()));
         if (value != nullptr && g_variant_is_of_type(value.get(), G_VARIANT_TYPE("(ii)")) != FALSE) {
             g_variant_get(value.get(), "(ii)", &fault.code, &fault.nth);
             faults.push_back(fault);
         }
     }
-    g_strfreev(names);
     std::sort(faults.begin(), faults.end(),
               [](const PlatformFault& one, const PlatformFault& other) { return one.function < other.function; });
     return faults;
