@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "c_owners.h"
 #include "panel/http_head.h"
 
 namespace deskwatch {

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "c_owners.h"
 #include "panel/http_head.h"
 #include "panel/http_listening.h"
 #include "panel/page_files.h"
