@@ -14,6 +14,7 @@
 #include "device/plain_text.h"
 #include "records/log_line.h"
 #include "records/policy_database.h"
+#include "records/service_log.h"
 #include "session/device_policy.h"
 #include "session/lock_screen.h"
 #include "session/setting_value.h"
@@ -48,7 +49,7 @@ std::set<std::size_t> refusedIn(const fs::path& log) {
             refused.clear();
         }
         for (std::size_t setting = 0; setting < operations.size(); ++setting) {
-            if (contains(line, std::string("[EAS] Failed ") + operations.at(setting) + "(")) {
+            if (contains(line, std::string(refusedSetting) + operations.at(setting) + "(")) {
                 refused.insert(setting);
             }
         }
