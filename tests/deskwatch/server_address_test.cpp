@@ -32,6 +32,9 @@ TEST(ServerAddress, QueryIsWrittenAndReadInBothForms) {
         ASSERT_TRUE(read);
         EXPECT_EQ(read->command + read->user + read->deviceId, "Provisionb&obdesk0001");
     }
+    for (const std::string command : {"FolderSync", "Settings", "Ping", "Provision"}) {
+        EXPECT_EQ(readQuery(queryText({command, "bob", "desk0001", 141, ""}, QueryForm::Base64))->command, command);
+    }
     EXPECT_EQ(readQuery("jQkJBAhkZXNrMDAwMgT6G0IwCURlc2tXYXRjaAgDYm9i")->policyKey, "809638906");
     const auto bare = readQuery("Cmd=Ping");
     EXPECT_EQ(bare->user + bare->deviceId + bare->policyKey + std::to_string(bare->version), "0");
