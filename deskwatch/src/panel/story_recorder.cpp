@@ -49,7 +49,7 @@ void StoryRecorder::onEnd(int status) {
     followed_.reset();
     process_.reset();
     if (status != 0) {
-        error_ = status < 0 ? "the recording ended suddenly" : said_; // what it said at its start is no reason
+        error_ = status < 0 ? "the recording ended suddenly" : said_; // what it said at its start does not explain that
     }
     tellState();
 }
