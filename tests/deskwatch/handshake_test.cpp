@@ -123,7 +123,7 @@ TEST(Handshake, AnswersToAnAcknowledgementAreToldApart) {
     };
     const AnswerRow rows[] = {
         {provision("<Status>1</Status>" + policy(type + "<Status>5</Status><PolicyKey>11</PolicyKey>")),
-         Compliance::Applied, false, true, "Status of the policy 5, "},
+         Compliance::Applied, false, true, "Status of the policy 5, the server has given out another key meanwhile"},
         {provision("<Status>1</Status>" + policy("<Status>2</Status>")), Compliance::Refused, true, false, ""},
         {provision("<Status>1</Status>" + policy("<Status>2</Status>")), Compliance::Applied, false, false,
          "Status of the policy 2, the server has no policy for this user: there is nothing to do"},
@@ -135,8 +135,10 @@ TEST(Handshake, AnswersToAnAcknowledgementAreToldApart) {
          "Status 3, the server failed: try again later"},
         {provision("<Status>5</Status>"), Compliance::Applied, false, true,
          "Status 5, the policy key is not the server's: connect again"},
-        {provision("<Status>139</Status>"), Compliance::Partly, false, false, "Status 139, "},
-        {provision("<Status>145</Status>"), Compliance::ManagedElsewhere, false, false, "Status 145, "},
+        {provision("<Status>139</Status>"), Compliance::Partly, false, false,
+         "Status 139, the server allows only devices that apply its whole policy"},
+        {provision("<Status>145</Status>"), Compliance::ManagedElsewhere, false, false,
+         "Status 145, the server does not allow devices that others manage"},
         {provision("<Status>142</Status>"), Compliance::Applied, false, true, "Status 142"},
         {http(449), Compliance::Applied, false, true, "HTTP status 449"},
     };
