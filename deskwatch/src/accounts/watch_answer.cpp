@@ -9,8 +9,10 @@
 #include "actors/synchronisation_stops.h"
 #include "c_owners.h"
 #include "device/application_ids.h"
+#include "device/timer.h"
 #include "explain/explanation.h"
 #include "status/device_status.h"
+#include "status/file_watch.h"
 
 namespace deskwatch {
 namespace {
@@ -39,48 +41,31 @@ std::optional<Verdict> verdictNow(const DeviceSession& session, const MailAccoun
 class Changes {
 public:
     Changes(const DeviceLayout& layout, int seconds)
-        : timer_(g_timeout_add_seconds(static_cast<guint>(seconds), onTimeOver, this)) {
+        : mailData_(layout.applicationData(ids::mail), [this] { isChanged_ = true; }) {
+        timer_.start(std::chrono::seconds(seconds), [] {}); // its end wakes the loop
         g_signal_connect_swapped(settings_.get(), "changed", G_CALLBACK(onChanged), this);
         dconf_client_watch_sync(settings_.get(), "/");
-        const c::ObjectOwner<GFile> folder(g_file_new_for_path(layout.applicationData(ids::mail).c_str()));
-        monitor_.reset(g_file_monitor_directory(folder.get(), G_FILE_MONITOR_WATCH_MOVES, nullptr, nullptr));
-        if (monitor_ != nullptr) {
-            g_signal_connect_swapped(monitor_.get(), "changed", G_CALLBACK(onChanged), this);
-        }
     }
 
-    ~Changes() {
-        g_signal_handlers_disconnect_by_data(settings_.get(), this);
-        if (monitor_ != nullptr) {
-            g_signal_handlers_disconnect_by_data(monitor_.get(), this);
-        }
-        if (timer_ != 0) {
-            g_source_remove(timer_);
-        }
-    }
+    ~Changes() { g_signal_handlers_disconnect_by_data(settings_.get(), this); }
     Changes(const Changes&) = delete;
     Changes& operator=(const Changes&) = delete;
 
     /// False when the time is over.
     bool next() {
-        while (!isChanged_ && timer_ != 0) {
+        while (!isChanged_ && timer_.isRunning()) {
             g_main_context_iteration(nullptr, TRUE);
         }
         isChanged_ = false;
-        return timer_ != 0;
+        return timer_.isRunning();
     }
 
 private:
     static void onChanged(gpointer self) { static_cast<Changes*>(self)->isChanged_ = true; }
 
-    static gboolean onTimeOver(gpointer self) {
-        static_cast<Changes*>(self)->timer_ = 0;
-        return G_SOURCE_REMOVE;
-    }
-
     c::ObjectOwner<DConfClient> settings_{dconf_client_new()};
-    c::ObjectOwner<GFileMonitor> monitor_;
-    guint timer_ = 0;
+    FileWatch mailData_;
+    Timer timer_;
     bool isChanged_ = false;
 };
 

@@ -16,6 +16,7 @@
 #include "device/end_request.h"
 #include "device/plain_text.h"
 #include "device/temporary_files.h"
+#include "device/timer.h"
 
 namespace deskwatch {
 namespace {
@@ -89,23 +90,17 @@ public:
             throw std::runtime_error("cannot start " + options.command.front() + ": " + c::takeMessage(error));
         }
         g_subprocess_communicate_async(process_.get(), nullptr, nullptr, onOutput, this);
-        timer_ = g_timeout_add_seconds(static_cast<guint>(limit_.count()), onLate, this);
+        timer_.start(limit_, [this] { endLate(); });
     }
-
-    ~Worker() { g_source_remove(timer_); }
-    Worker(const Worker&) = delete;
-    Worker& operator=(const Worker&) = delete;
 
     void end() { g_subprocess_send_signal(process_.get(), SIGTERM); }
 
 private:
-    static gboolean onLate(gpointer self) {
-        constexpr guint secondsToCleanUp = 30;
-        auto& worker = *static_cast<Worker*>(self);
-        worker.isLate_ ? g_subprocess_force_exit(worker.process_.get()) : worker.end();
-        worker.isLate_ = true;
-        worker.timer_ = g_timeout_add_seconds(secondsToCleanUp, onLate, self);
-        return G_SOURCE_REMOVE;
+    void endLate() {
+        constexpr std::chrono::seconds timeToCleanUp{30};
+        isLate_ ? g_subprocess_force_exit(process_.get()) : end();
+        isLate_ = true;
+        timer_.start(timeToCleanUp, [this] { endLate(); });
     }
 
     static void onOutput(GObject* /*process*/, GAsyncResult* outcome, gpointer self) {
@@ -149,7 +144,7 @@ private:
     Ended ended_;
     BatchResult result_;
     c::ObjectOwner<GSubprocess> process_;
-    guint timer_ = 0;
+    Timer timer_;
     bool isLate_ = false;
 };
 

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "device/patience.h"
+#include "device/timer.h"
 
 namespace deskwatch {
 namespace {
@@ -13,22 +14,9 @@ namespace {
     throw std::runtime_error("the bus daemon does not answer " + method + ": " + c::takeMessage(error));
 }
 
-/// Ends a main loop when a name has an owner, or when it is too late.
-struct NameWatch {
-    std::unique_ptr<GMainLoop, decltype(&g_main_loop_unref)> loop{g_main_loop_new(nullptr, FALSE), &g_main_loop_unref};
-    bool isOwned = false;
-
-    static void onAppeared(GDBusConnection* /*connection*/, const char* /*name*/, const char* /*owner*/,
-                           gpointer self) {
-        static_cast<NameWatch*>(self)->isOwned = true;
-        g_main_loop_quit(static_cast<NameWatch*>(self)->loop.get());
-    }
-
-    static gboolean onLate(gpointer self) {
-        g_main_loop_quit(static_cast<NameWatch*>(self)->loop.get());
-        return G_SOURCE_CONTINUE; // removed by who made it
-    }
-};
+void onAppeared(GDBusConnection* /*connection*/, const char* /*name*/, const char* /*owner*/, gpointer isOwned) {
+    *static_cast<bool*>(isOwned) = true;
+}
 
 } // namespace
 
@@ -91,14 +79,16 @@ std::vector<ProcessHandle> BusDaemon::applicationProcesses() const {
 }
 
 bool BusDaemon::awaitOwner(const std::string& name, std::chrono::milliseconds atMost) const {
-    NameWatch watch;
+    bool isOwned = false;
     const guint watcher = g_bus_watch_name_on_connection(connection_, name.c_str(), G_BUS_NAME_WATCHER_FLAGS_NONE,
-                                                         NameWatch::onAppeared, nullptr, &watch, nullptr);
-    const guint timer = g_timeout_add(static_cast<guint>(atMost.count()), NameWatch::onLate, &watch);
-    g_main_loop_run(watch.loop.get());
-    g_source_remove(timer);
+                                                         onAppeared, nullptr, &isOwned, nullptr);
+    Timer timer;
+    timer.start(atMost, [] {}); // its end wakes the loop
+    while (!isOwned && timer.isRunning()) {
+        g_main_context_iteration(nullptr, TRUE);
+    }
     g_bus_unwatch_name(watcher);
-    return watch.isOwned;
+    return isOwned;
 }
 
 c::VariantOwner BusDaemon::call(const char* method, GVariant* arguments, const char* answerType, GError** error) const {

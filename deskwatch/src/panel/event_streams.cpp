@@ -8,7 +8,7 @@ namespace deskwatch {
 namespace {
 
 /// A page that has gone is noticed only when something is sent to it.
-constexpr guint secondsBetweenSigns = 10;
+constexpr std::chrono::seconds timeBetweenSigns{10};
 
 /// How soon a browser comes back by itself.
 constexpr char retryAdvice[] = "retry: 500\n\n";
@@ -28,11 +28,11 @@ struct EventStreams::Stream {
     bool isComplete = false;
 };
 
-EventStreams::EventStreams(const EventRing& ring)
-    : ring_(ring), timer_(g_timeout_add_seconds(secondsBetweenSigns, onTime, this)) {}
+EventStreams::EventStreams(const EventRing& ring) : ring_(ring) {
+    signs_.repeat(timeBetweenSigns, [this] { sendSigns(); });
+}
 
 EventStreams::~EventStreams() {
-    g_source_remove(timer_);
     for (const auto& stream : streams_) {
         g_signal_handlers_disconnect_by_data(stream->message.get(), stream.get());
     }
@@ -116,13 +116,12 @@ void EventStreams::forget(const Stream* stream) {
     streams_.remove_if([stream](const auto& candidate) { return candidate.get() == stream; });
 }
 
-gboolean EventStreams::onTime(gpointer self) {
-    for (const auto& stream : static_cast<EventStreams*>(self)->streams_) {
+void EventStreams::sendSigns() {
+    for (const auto& stream : streams_) {
         if (!stream->isWriting && !stream->isComplete) {
             write(*stream, ":\n\n");
         }
     }
-    return G_SOURCE_CONTINUE;
 }
 
 } // namespace deskwatch

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "device/timer.h"
 #include "panel/event_ring.h"
 
 namespace deskwatch {
@@ -41,16 +42,16 @@ private:
 
     static void onWrote(SoupServerMessage* message, gpointer data);
     static void onGone(SoupServerMessage* message, gpointer data);
-    static gboolean onTime(gpointer self);
 
     void pump(Stream& stream);
     static void write(Stream& stream, const std::string& text);
     void end(Stream& stream, const char* lastEvent);
     void forget(const Stream* stream);
+    void sendSigns();
 
     const EventRing& ring_;
     std::list<std::unique_ptr<Stream>> streams_;
-    guint timer_ = 0;
+    Timer signs_;
 };
 
 } // namespace deskwatch

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "c_owners.h"
+#include "device/timer.h"
 #include "panel/http_head.h"
 #include "panel/http_listening.h"
 #include "panel/page_files.h"
@@ -10,7 +11,7 @@
 namespace deskwatch {
 namespace {
 
-constexpr guint millisecondsForGoodbye = 500;
+constexpr std::chrono::milliseconds timeForGoodbye{500};
 constexpr unsigned seeOther = 303;
 constexpr unsigned notFound = 404;
 
@@ -65,18 +66,11 @@ std::string PanelServer::address() const {
 
 void PanelServer::close() {
     streams_.close();
-    bool isOver = false;
-    const guint timer = g_timeout_add(
-        millisecondsForGoodbye,
-        [](gpointer over) -> gboolean {
-            *static_cast<bool*>(over) = true;
-            return G_SOURCE_CONTINUE;
-        },
-        &isOver);
-    while (!streams_.isEmpty() && !isOver) {
+    Timer timer;
+    timer.start(timeForGoodbye, [] {}); // its end wakes the loop
+    while (!streams_.isEmpty() && timer.isRunning()) {
         g_main_context_iteration(nullptr, TRUE);
     }
-    g_source_remove(timer);
 }
 
 void PanelServer::onRequest(SoupServer* /*server*/, SoupServerMessage* message, gpointer self) {

@@ -6,7 +6,7 @@ namespace deskwatch {
 namespace {
 
 /// After the watch was seen going, or a follower failed on a watch that runs.
-constexpr guint millisecondsToLookAgain = 500;
+constexpr std::chrono::milliseconds timeToLookAgain{500};
 
 /// What goes with the lines is for a reader of a terminal.
 bool isJsonLine(const std::string& line) {
@@ -16,32 +16,8 @@ bool isJsonLine(const std::string& line) {
 } // namespace
 
 WatchFeed::WatchFeed(const Device& device, EventRing& ring, std::function<void()> tell)
-    : device_(device), ring_(ring), tell_(std::move(tell)) {
-    const c::ObjectOwner<GFile> mark(g_file_new_for_path(device.layout().bootedMark().c_str()));
-    monitor_.reset(g_file_monitor_file(mark.get(), G_FILE_MONITOR_NONE, nullptr, nullptr));
-    if (monitor_ != nullptr) {
-        g_signal_connect_swapped(monitor_.get(), "changed", G_CALLBACK(onFileChanged), this);
-    }
+    : device_(device), ring_(ring), tell_(std::move(tell)), mark_(device.layout().bootedMark(), [this] { look(); }) {
     look();
-}
-
-WatchFeed::~WatchFeed() {
-    if (monitor_ != nullptr) {
-        g_signal_handlers_disconnect_by_data(monitor_.get(), this);
-    }
-    if (retry_ != 0) {
-        g_source_remove(retry_);
-    }
-}
-
-void WatchFeed::onFileChanged(gpointer self) {
-    static_cast<WatchFeed*>(self)->look();
-}
-
-gboolean WatchFeed::onRetry(gpointer self) {
-    static_cast<WatchFeed*>(self)->retry_ = 0;
-    static_cast<WatchFeed*>(self)->look();
-    return G_SOURCE_REMOVE;
 }
 
 void WatchFeed::look() {
@@ -85,9 +61,7 @@ void WatchFeed::follow(const std::vector<std::string>& arguments, const LineProc
 void WatchFeed::onEnd() {
     followers_.clear();
     tellWatch(false);
-    if (retry_ == 0) {
-        retry_ = g_timeout_add(millisecondsToLookAgain, onRetry, this);
-    }
+    retry_.start(timeToLookAgain, [this] { look(); });
 }
 
 void WatchFeed::tellWatch(bool isBooted) {

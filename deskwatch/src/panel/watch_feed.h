@@ -6,8 +6,10 @@
 #include <optional>
 
 #include "device/device.h"
+#include "device/timer.h"
 #include "panel/child_process.h"
 #include "panel/event_ring.h"
+#include "status/file_watch.h"
 
 namespace deskwatch {
 
@@ -17,14 +19,8 @@ class WatchFeed {
 public:
     /// `tell` is called when there is something new in the ring.
     WatchFeed(const Device& device, EventRing& ring, std::function<void()> tell);
-    ~WatchFeed();
-    WatchFeed(const WatchFeed&) = delete;
-    WatchFeed& operator=(const WatchFeed&) = delete;
 
 private:
-    static void onFileChanged(gpointer self);
-    static gboolean onRetry(gpointer self);
-
     void look();
     void start();
     void follow(const std::vector<std::string>& arguments, const LineProcess::OnLine& onLine);
@@ -35,8 +31,8 @@ private:
     EventRing& ring_;
     std::function<void()> tell_;
     std::list<LineProcess> followers_;
-    c::ObjectOwner<GFileMonitor> monitor_;
-    guint retry_ = 0;
+    FileWatch mark_;
+    Timer retry_;
     /// Whether the time line was told from its beginning.
     bool isPastTold_ = false;
 };

@@ -8,6 +8,7 @@
 #include "device/application_ids.h"
 #include "device/bus_client.h"
 #include "device/end_request.h"
+#include "device/timer.h"
 #include "recording/bus_monitor.h"
 #include "recording/time_order.h"
 #include "records/log_lines.h"
@@ -45,40 +46,6 @@ std::vector<TraceEvent> inboxOf(const BusClient& bus) {
     return events;
 }
 
-/// Wakes the main loop once a while after it was set.
-class Alarm {
-public:
-    explicit Alarm(std::chrono::milliseconds delay) : delay_(delay) {}
-    ~Alarm() {
-        if (source_ != 0) {
-            g_source_remove(source_);
-        }
-    }
-    Alarm(const Alarm&) = delete;
-    Alarm& operator=(const Alarm&) = delete;
-
-    /// Does nothing while it is set already.
-    void set() {
-        if (source_ == 0) {
-            source_ = g_timeout_add(static_cast<guint>(delay_.count()), onTime, this);
-        }
-    }
-
-    /// Whether the time has come since this was asked last.
-    bool takeRing() { return std::exchange(hasRung_, false); }
-
-private:
-    static gboolean onTime(gpointer self) {
-        static_cast<Alarm*>(self)->source_ = 0;
-        static_cast<Alarm*>(self)->hasRung_ = true;
-        return G_SOURCE_REMOVE;
-    }
-
-    std::chrono::milliseconds delay_;
-    guint source_ = 0;
-    bool hasRung_ = false;
-};
-
 /// A program writes a line of the log at once after it took the time, and the log is read before each turn.
 constexpr std::chrono::milliseconds turnPeriod{50};
 
@@ -104,7 +71,8 @@ public:
         isPast_ = false;
         BusTrace trace(BusClient(device_.busAddress(), device_.patience()).daemon(),
                        [this](const TraceEvent& event) { takeEvent(event); });
-        Alarm turn(turnPeriod);
+        Timer untilTurn;
+        bool isTurn = false;
         EndRequest endRequest;
         bool isOver = false;
         endRequest.whenNoted([&isOver] { isOver = true; });
@@ -114,12 +82,12 @@ public:
             while (const auto message = monitor.next(std::chrono::milliseconds::zero())) {
                 trace.take(message.get());
             }
-            if (turn.takeRing()) {
+            if (std::exchange(isTurn, false)) {
                 log_.read(); // the notifier of the file is late
                 order_.turn();
             }
-            if (!order_.isEmpty()) {
-                turn.set();
+            if (!order_.isEmpty() && !untilTurn.isRunning()) {
+                untilTurn.start(turnPeriod, [&isTurn] { isTurn = true; });
             }
         }
         log_.read(); // what was written last

@@ -6,7 +6,7 @@ namespace deskwatch {
 
 FileWatch::FileWatch(std::filesystem::path file, std::function<void()> changed)
     : file_(std::move(file)), changed_(std::move(changed)) {
-    constexpr guint period = 250;
+    constexpr std::chrono::milliseconds period{250};
     const c::ObjectOwner<GFile> place(g_file_new_for_path(file_.c_str()));
     monitor_.reset(g_file_monitor(place.get(), G_FILE_MONITOR_NONE, nullptr, nullptr));
     if (monitor_ != nullptr) {
@@ -14,15 +14,13 @@ FileWatch::FileWatch(std::filesystem::path file, std::function<void()> changed)
         g_signal_connect(monitor_.get(), "changed", G_CALLBACK(onChanged), this);
     } else {
         last_ = look();
-        timer_ = g_timeout_add(period, onTime, this);
+        timer_.repeat(period, [this] { lookAgain(); });
     }
 }
 
 FileWatch::~FileWatch() {
     if (monitor_ != nullptr) {
         g_signal_handlers_disconnect_by_data(monitor_.get(), this);
-    } else {
-        g_source_remove(timer_);
     }
 }
 
@@ -36,14 +34,12 @@ void FileWatch::onChanged(GFileMonitor* /*monitor*/, GFile* /*file*/, GFile* /*o
     static_cast<FileWatch*>(self)->changed_();
 }
 
-gboolean FileWatch::onTime(gpointer self) {
-    auto* const watch = static_cast<FileWatch*>(self);
-    const auto now = watch->look();
-    const auto before = std::exchange(watch->last_, now);
+void FileWatch::lookAgain() {
+    const auto now = look();
+    const auto before = std::exchange(last_, now);
     if (now.time != before.time || now.size != before.size) {
-        watch->changed_();
+        changed_();
     }
-    return G_SOURCE_CONTINUE;
 }
 
 } // namespace deskwatch

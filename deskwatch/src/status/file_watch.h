@@ -6,6 +6,7 @@
 #include <functional>
 
 #include "c_owners.h"
+#include "device/timer.h"
 
 namespace deskwatch {
 
@@ -26,14 +27,14 @@ private:
     };
 
     Look look() const;
+    void lookAgain();
     static void onChanged(GFileMonitor* monitor, GFile* file, GFile* other, GFileMonitorEvent event, gpointer self);
-    static gboolean onTime(gpointer self);
 
     std::filesystem::path file_;
     std::function<void()> changed_;
     c::ObjectOwner<GFileMonitor> monitor_;
-    guint timer_ = 0;
     Look last_;
+    Timer timer_;
 };
 
 } // namespace deskwatch

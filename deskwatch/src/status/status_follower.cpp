@@ -7,13 +7,14 @@
 
 #include "c_owners.h"
 #include "device/application_ids.h"
+#include "device/timer.h"
 #include "status/file_watch.h"
 
 namespace deskwatch {
 namespace {
 
-constexpr guint togetherMilliseconds = 50;
-constexpr guint secondMilliseconds = 1000;
+/// Changes within this time are shown together.
+constexpr std::chrono::milliseconds together{50};
 
 class StatusFollower {
 public:
@@ -69,23 +70,15 @@ private:
         const auto status = readStatus(session_);
         show_(status);
         const bool isCounting = status.idleExit && status.idleExit->isExact && status.idleExit->in.count() > 0;
-        if (isCounting && timer_ == 0) {
-            timer_ = g_timeout_add(secondMilliseconds, onTime, this);
+        if (isCounting && !timer_.isRunning()) {
+            refreshAfter(std::chrono::seconds(1));
         }
     }
 
-    static void onChanged(gpointer self) {
-        auto* follower = static_cast<StatusFollower*>(self);
-        if (follower->timer_ != 0) {
-            g_source_remove(follower->timer_);
-        }
-        follower->timer_ = g_timeout_add(togetherMilliseconds, onTime, self);
-    }
+    static void onChanged(gpointer self) { static_cast<StatusFollower*>(self)->refreshAfter(together); }
 
-    static gboolean onTime(gpointer self) {
-        static_cast<StatusFollower*>(self)->timer_ = 0;
-        static_cast<StatusFollower*>(self)->isDue_ = true;
-        return G_SOURCE_REMOVE;
+    void refreshAfter(std::chrono::milliseconds delay) {
+        timer_.start(delay, [this] { isDue_ = true; });
     }
 
     const DeviceSession& session_;
@@ -94,7 +87,7 @@ private:
     std::vector<std::unique_ptr<FileWatch>> files_;
     bool isDatabaseHeard_ = false;
     bool isDue_ = false;
-    guint timer_ = 0;
+    Timer timer_;
 };
 
 } // namespace
