@@ -9,6 +9,7 @@ from collections import Counter, defaultdict
 from collections.abc import Callable, Iterable
 from concurrent.futures import ThreadPoolExecutor
 from enum import Enum
+from itertools import chain
 from pathlib import Path
 from typing import TypeVar
 
@@ -86,17 +87,22 @@ class Trials:
             return {number for number, reached in enumerate(trace.read()) if reached}
 
     def likeliest(self, mutant: Mutant) -> list[Test]:
-        """The tests that come by the change: first those that noticed most other changes in the source, then those whose
-        names share words with its path, since all tests come by a table; then those that come by most of all, as whole
-        sessions do, and those that are the most about it, where the greatest share of what they come by is in that
-        source."""
+        """The tests that come by the change: those that noticed most other changes in the source, and then by turns one
+        that is about it and one of those that come by most of all, as whole sessions do. A test is about a source when
+        their names share words, or when the greatest share of what it comes by is in there."""
         successes, numbers, words = self.noticed_by[mutant.source], self.numbers[mutant.source], words_in(mutant.source)
 
-        def order(test: Test) -> tuple[int, int, int, float]:
+        def nearness(test: Test) -> tuple[int, int, float]:
             reached = self.reached[test]
-            return (-successes[test], -len(words & words_in(test[1])), -len(reached), -len(reached & numbers) / len(reached))
+            return successes[test], len(words & words_in(test[1])), len(reached & numbers) / len(reached)
 
-        return sorted((test for test in self.tests if mutant.number in self.reached[test]), key=order)[:self.most]
+        def width(test: Test) -> tuple[int, int]:
+            return successes[test], len(self.reached[test])
+
+        candidates = [test for test in self.tests if mutant.number in self.reached[test]]
+        by_turns = chain.from_iterable(zip(sorted(candidates, key=nearness, reverse=True),
+                                           sorted(candidates, key=width, reverse=True)))
+        return list(dict.fromkeys(by_turns))[:self.most]
 
     def answer(self, mutant: Mutant) -> Answer:
         asked = self.likeliest(mutant)
