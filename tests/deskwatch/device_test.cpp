@@ -279,14 +279,18 @@ TEST(Device, ApplicationStartsWithItsIdOnItsWatch) {
 
 TEST(Device, ServiceFindsTheOwnerOfTheWatch) {
     const TemporaryFolder folder;
-    const BootedDevice watch(folder.path(), {{ids::service, {"/bin/sh", "-c", "getent passwd owner >&2; exit 1"}}});
+    constexpr char askForOwner[] = "getent passwd owner >&2; getent group owner >&2; exit 1";
+    const BootedDevice watch(folder.path(), {{ids::service, {"/bin/sh", "-c", askForOwner}}});
 
     activate(*watch, ids::service);
 
     const auto log = textOf(watch->layout().log());
     constexpr uid_t ownerOfDevices = 5001; // in root's place, whom the device policy manager refuses
     const uid_t owner = getuid() != 0 ? getuid() : ownerOfDevices;
-    EXPECT_NE(log.find("owner:x:" + std::to_string(owner) + ":"), std::string::npos) << log;
+    const std::string group = std::to_string(getgid());
+    EXPECT_NE(log.find("owner:x:" + std::to_string(owner) + ":" + group + ":owner:/:/bin/sh\n"), std::string::npos)
+        << log;
+    EXPECT_NE(log.find("owner:x:" + group + ":\n"), std::string::npos) << log;
 }
 
 TEST(Device, EnvironmentOfTheCallerStaysOutsideExceptForItsSanitizers) {
