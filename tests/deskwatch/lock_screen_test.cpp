@@ -7,8 +7,8 @@
 namespace deskwatch {
 namespace {
 
-constexpr LockLimits noLimits{};
-constexpr LockLimits fourAttempts{4, 0, 0};
+const LockLimits noLimits{};
+const LockLimits fourAttempts{4, 0, 0};
 
 TEST(LockScreen, LimitsAreThoseOfTheDevicePolicyManager) {
     const auto limits = lockLimits({128, 6, 4, 3, 900, 365, 5, 1, 1, 1, 0});
