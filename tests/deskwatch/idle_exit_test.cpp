@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "records/log_line.h"
-
 namespace deskwatch {
 namespace {
 
@@ -17,7 +15,7 @@ std::string line(const std::string& process, const std::string& text) {
 
 const std::string decided = line("    7", "REFRESH killer!");
 const std::string left = line("    7", "Leave");
-const auto decision = *logLine(decided).time;
+const std::chrono::system_clock::time_point decision(std::chrono::milliseconds(1'795'340'480'123)); // that line's time
 
 TEST(IdleExit, ServiceThatDecidedNothingGoesOn) {
     EXPECT_EQ(idleExitOf("", serviceProcess, decision), std::nullopt);

@@ -64,6 +64,14 @@ TraceEvent recordedEntries(GVariant* pairs) {
     return entries;
 }
 
+GVariant* entriesOfRecorded(const TraceEvent& entries) {
+    std::vector<std::pair<std::string, std::string>> texts;
+    for (const auto& [key, value] : entries.items()) {
+        texts.emplace_back(textOfRecorded(key), textOfRecorded(value.get<std::string>()));
+    }
+    return text_pairs::toVariant(texts);
+}
+
 BusTrace::BusTrace(const BusDaemon& daemon, Sink sink) : sink_(std::move(sink)) {
     for (const auto& name : daemon.ownedNames()) {
         const auto owner = isKnownApplication(name) ? daemon.ownerOf(name) : std::nullopt;

@@ -45,6 +45,9 @@ using TraceEvent = nlohmann::ordered_json;
 /// The extra data or entries of an event, of pairs of texts in their bus form (text_pairs.h).
 TraceEvent recordedEntries(GVariant* pairs);
 
+/// The pairs of texts in their bus form that recorded extra data or entries mean, a floating reference.
+GVariant* entriesOfRecorded(const TraceEvent& entries);
+
 /// A setting of that path as a recording has it. One that makes an application the administrator holds the number of a
 /// user of the machine, and says `registered` here.
 TraceEvent settingOf(const std::string& path, GVariant* value);

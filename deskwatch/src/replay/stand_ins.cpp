@@ -14,7 +14,6 @@
 #include "device/bus_connection.h"
 #include "device/bus_daemon.h"
 #include "host_bus.h"
-#include "recording/recorded_text.h"
 #include "tesk-host-bus.h"
 
 namespace deskwatch {
@@ -186,14 +185,8 @@ void StandIns::start(const std::string& id) {
 }
 
 bool StandIns::answer(const std::string& id, const TraceEvent& extraData) {
-    GVariantBuilder builder;
-    g_variant_builder_init(&builder, G_VARIANT_TYPE("a(ayay)"));
-    for (const auto& [key, value] : extraData.items()) {
-        g_variant_builder_add(&builder, "(^ay^ay)", textOfRecorded(key).c_str(),
-                              textOfRecorded(value.get<std::string>()).c_str());
-    }
     const auto result = extraData.contains("result") ? APP_CONTROL_RESULT_SUCCEEDED : APP_CONTROL_RESULT_CANCELED;
-    const c::VariantOwner entries(g_variant_ref_sink(g_variant_builder_end(&builder)));
+    const c::VariantOwner entries(g_variant_ref_sink(entriesOfRecorded(extraData)));
     auto* application = find(id);
     return application != nullptr && application->answer(result, entries.get());
 }

@@ -14,11 +14,9 @@
 #include "device/plain_text.h"
 #include "host_bus.h"
 #include "recording/recorded_store.h"
-#include "recording/recorded_text.h"
 #include "recording/recorded_value.h"
 #include "records/policy_database.h"
 #include "replay/channels.h"
-#include "text_pairs.h"
 
 namespace deskwatch {
 namespace {
@@ -34,14 +32,6 @@ constexpr std::chrono::seconds idleTimeout{10};
 
 constexpr char diagnosis[] = "tesk.consumer.test";
 const std::string faultsFolder = std::string("/faults/") + ids::service + "/";
-
-GVariant* entries(const TraceEvent& object) {
-    std::vector<std::pair<std::string, std::string>> texts;
-    for (const auto& [key, value] : object.items()) {
-        texts.emplace_back(textOfRecorded(key), textOfRecorded(value.get<std::string>()));
-    }
-    return text_pairs::toVariant(texts);
-}
 
 c::VariantOwner settingFor(const std::string& path, const TraceEvent& value) {
     if (isRegistration(path) && value == registered) {
@@ -164,7 +154,7 @@ std::vector<TraceEvent> Surroundings::effects() {
 void Surroundings::launchService(const std::string& caller, const TraceEvent& extraData) const {
     try {
         bus_.call({ids::service, host_bus::applicationPath, "tesk.host.Application", "Launch"},
-                  g_variant_new("(s@a(ayay)b)", caller.c_str(), entries(extraData), FALSE), noticeOfStart);
+                  g_variant_new("(s@a(ayay)b)", caller.c_str(), entriesOfRecorded(extraData), FALSE), noticeOfStart);
     } catch (const std::runtime_error&) {
         if (!device_.hasProgramOf(ids::service)) {
             throw; // the bus waits a minute for what a program leaves that has ended
@@ -177,7 +167,7 @@ void Surroundings::send(const TraceEvent& event) const {
     try {
         bus_.call({ids::service, host_bus::applicationPath, "tesk.host.MessagePort", "Send"},
                   g_variant_new("(ss@a(ayay))", event["port"].get<std::string>().c_str(),
-                                event["from"].get<std::string>().c_str(), entries(event["entries"])),
+                                event["from"].get<std::string>().c_str(), entriesOfRecorded(event["entries"])),
                   replayTimeout);
     } catch (const std::runtime_error&) {
         // the sender of a message need not care what becomes of it
