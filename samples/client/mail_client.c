@@ -14,6 +14,7 @@
 #define PORT "eas-itpolicy-port"
 
 enum { PAUSE_MS = 100, MOST_TRIES = 100 }; /* ten seconds */
+enum { MOST_BYTES = 12190 };               /* of "req" and "msg" together */
 
 struct request {
     char* req;
@@ -43,6 +44,9 @@ static void launch_service(void) {
 }
 
 static int send_request(const struct request* request) {
+    if (strlen(request->req) + strlen(request->msg) > MOST_BYTES) {
+        return MESSAGE_PORT_ERROR_MAX_EXCEEDED; /* the platform would lose the next message, too */
+    }
     bundle* const message = bundle_create();
     bundle_add_str(message, "req", request->req);
     bundle_add_str(message, "msg", request->msg);

@@ -59,10 +59,22 @@ TEST_P(ClientSamples, HearsThatTheWearerStopsSynchronising) {
     EXPECT_TRUE(says("com.velmor.tesk-agent asks: req_disable_password_eas_accounts"));
 }
 
-TEST_P(ClientSamples, IsToldOfAMessageThatIsTooLong) {
+TEST_P(ClientSamples, GoesOnAfterAMessageThatIsTooLong) {
+    launch("req_delete_account", "1"); // a message before it, which a connection needs to be ruined by a long one
     launch("req_update_policy", std::string(12174, 'x'));
+    launch("req_update_policy", "@" + sample("hardened.json"));
     EXPECT_TRUE(says("req_update_policy: not sent"));
-    EXPECT_EQ(run({"log"}).find("json_parser_get_root failed"), std::string::npos) << "the service has not seen it";
+    ASSERT_TRUE(says("req_update_policy: sent"));
+    settleAll();
+    EXPECT_EQ(run({"log"}).find("json_parser_get_root failed"), std::string::npos) << "the service has seen it";
+    EXPECT_EQ(status().at("accounts").size(), 1U);
+}
+
+TEST_P(ClientSamples, SendsTheLongestMessage) {
+    launch("req_update_policy", std::string(12173, 'x'));
+    ASSERT_TRUE(says("req_update_policy: sent"));
+    settleAll();
+    EXPECT_NE(run({"log"}).find("json_parser_get_root failed"), std::string::npos) << "the service has not seen it";
 }
 
 INSTANTIATE_TEST_SUITE_P(, ClientSamples, testing::Values(MAIL_CLIENT, SAMPLES "/client/mail_client.py"),
