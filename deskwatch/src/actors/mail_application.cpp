@@ -59,11 +59,14 @@ public:
         const auto& layout = session_.device().layout();
         log_.skip(); // first, so that the log shows all that the store does
         RequestTraces traces{storedAccounts(layout), {}, {}};
+        const auto first = session_.daemon().processOf(ids::service);
         int repetitions = 0;
         while (!deliver(request, traces)) {
             if (++repetitions > mostRepetitions) {
-                throw std::runtime_error("the service ends each time before it has handled " + request.name + ", see " +
-                                         layout.log().string());
+                const bool isSame = first && session_.daemon().processOf(ids::service) == first;
+                throw std::runtime_error((isSame ? "the service runs, and its port is not open, so that it gets no "
+                                                 : "the service ends each time before it has handled ") +
+                                         request.name + ", see " + layout.log().string());
             }
             launch();
         }

@@ -18,8 +18,14 @@ constexpr std::string_view wipeFailed = "Failed to wipe internal storage. : ";
 
 /// What the platform refused, as the service logs it; the rest of the line has the code. A registration that fails is
 /// left out: either the service is registered already, or the platform refuses every setting after it.
-constexpr std::array<std::string_view, 3> refusedByPlatform{refusedSetting, "vconf_set_int(",
-                                                            "app_control_send_launch_request() failed: "};
+constexpr std::array<std::string_view, 8> refusedByPlatform{refusedSetting,
+                                                            "vconf_set_int(",
+                                                            "Failed to set enforce account id.",
+                                                            "app_control_create() failed: ",
+                                                            "app_control_set_app_id() failed: ",
+                                                            "app_control_add_extra_data() failed: ",
+                                                            "app_control_send_launch_request() failed: ",
+                                                            "consumer launching fail: "};
 
 std::vector<std::string> refusalsIn(const std::vector<ServiceLine>& log, bool isAdministered) {
     std::vector<std::string> refusals;
@@ -38,6 +44,9 @@ std::vector<std::string> refusalsIn(const std::vector<ServiceLine>& log, bool is
     return refusals;
 }
 
+/// What SQLite also says of a store that is not open.
+constexpr char ofAClosedStore[] = "out of memory";
+
 /// A failure to write the store; empty when there was none.
 std::string storeFailure(const std::vector<ServiceLine>& log) {
     std::string cause;
@@ -49,7 +58,7 @@ std::string storeFailure(const std::vector<ServiceLine>& log) {
         for (const auto* text :
              {"_db_insert_policy_data failed", "_db_update_rule_data failed", "deletePolicyByAccountId failed"}) {
             if (startsWith(line.text, text) && !cause.empty()) {
-                return "the store cannot be written: " + cause;
+                return "the store cannot be written: " + cause + (cause == ofAClosedStore ? ", or it is not open" : "");
             }
         }
     }
