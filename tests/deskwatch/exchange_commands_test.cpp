@@ -67,7 +67,7 @@ TEST_F(ExchangeCommands, TwoAccountsFromTheFirstPolicyToTheWipe) {
         EXPECT_EQ(bob.waitForEnd(), 0);
     }
     EXPECT_EQ(run({"mail", "refresh"}),
-              "alice@127.0.0.1: goes on with the policy on which the server has no report yet\n"
+              "alice@127.0.0.1: the server still waits for the report on its last policy\n"
               "alice@127.0.0.1: acknowledged with 1, the policy is applied\n"
               "bob@bank.example: nothing has changed\n");
 

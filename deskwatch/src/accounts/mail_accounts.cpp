@@ -95,7 +95,7 @@ void MailAccounts::refresh(int id) {
     auto account = store_.read(id);
     Handshake handshake(surroundings_.transport, account.server, surroundings_.password(account));
     if (account.pending) {
-        say(account, "goes on with the policy on which the server has no report yet");
+        say(account, "the server still waits for the report on its last policy");
         finish(account, handshake, true);
         return;
     }
@@ -252,21 +252,26 @@ void MailAccounts::wipe(MailAccount& account, Handshake& handshake, WipeOrder or
     }
     say(account, "the server orders to wipe the watch");
     const auto wipeRequest = requests::remoteWipe();
-    sendToService(account, wipeRequest.name, wipeRequest.argument);
+    if (!sendToService(account, wipeRequest.name, wipeRequest.argument)) {
+        throw Refusal("the watch is not wiped, and the server was told that it is");
+    }
     for (const int id : store_.ids()) {
         store_.remove(id);
     }
 }
 
-void MailAccounts::sendToService(const MailAccount& account, const std::string& request, const std::string& argument) {
+bool MailAccounts::sendToService(const MailAccount& account, const std::string& request, const std::string& argument) {
+    bool isDone = true;
     sendAsMailApplication(session_, {{request, argument}}, [&](const RequestOutcome& outcome) {
         for (const auto& line : outcome.done()) {
             say(account, line);
         }
         for (const auto& line : outcome.notDone()) {
             say(account, line);
+            isDone = false;
         }
     });
+    return isDone;
 }
 
 void MailAccounts::say(const MailAccount& account, const std::string& text) const {

@@ -63,7 +63,8 @@ private:
     bool restore(const MailAccount& account);
     std::optional<Verdict> answerOfWatch(const MailAccount& account) const;
     void wipe(MailAccount& account, Handshake& handshake, WipeOrder order);
-    void sendToService(const MailAccount& account, const std::string& request, const std::string& argument);
+    /// Tells what became of the request. False when it was not done.
+    bool sendToService(const MailAccount& account, const std::string& request, const std::string& argument);
     void say(const MailAccount& account, const std::string& text) const;
     MailAccount newAccount(const NewAccount& wanted) const;
     int freeId() const;

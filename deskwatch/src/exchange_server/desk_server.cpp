@@ -70,14 +70,15 @@ WbxmlElement commandStatus(const std::string& command, int status) {
 
 std::string ageOf(const ServedDevice& device) {
     const auto acknowledged = device.acknowledged ? std::to_string(*device.acknowledged) : "-";
-    return !device.temporaryKey.empty() ? "sent, before " + acknowledged : acknowledged;
+    return !device.temporaryKey.empty() ? "not yet; earlier: " + acknowledged : acknowledged;
 }
 
 std::string wipeOf(const ServedDevice& device) {
-    if (device.wipeReport) {
-        return "reported with " + std::to_string(*device.wipeReport);
+    const std::string report = device.wipeReport ? "reported with " + std::to_string(*device.wipeReport) : "";
+    if (device.wipe == WipeOrder::None) {
+        return report.empty() ? "-" : report;
     }
-    return device.wipe == WipeOrder::None ? "-" : "ordered";
+    return wipedPart(device.wipe) + ": " + (report.empty() ? "ordered" : report);
 }
 
 } // namespace

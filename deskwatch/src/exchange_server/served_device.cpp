@@ -37,12 +37,16 @@ const char* wipeElement(WipeOrder order) {
     return order == WipeOrder::Account ? "AccountOnlyRemoteWipe" : "RemoteWipe";
 }
 
-const WbxmlElement* wipeReportIn(const WbxmlElement& request) {
-    const auto* const device = request.at({"RemoteWipe", "Status"});
-    return device != nullptr ? device : request.at({"AccountOnlyRemoteWipe", "Status"});
+/// The status in a report on a wipe of that kind; null when the request has none.
+const WbxmlElement* reportIn(const WbxmlElement& request, WipeOrder order) {
+    return request.at({wipeElement(order), "Status"});
 }
 
 } // namespace
+
+std::string wipedPart(WipeOrder order) {
+    return order == WipeOrder::Account ? "the account" : "the watch";
+}
 
 WbxmlElement provisionStatus(int number) {
     return provisionElement("Provision", Elements{status(number)});
@@ -52,10 +56,13 @@ Answer ProvisionExchange::answer(const WbxmlElement& request) {
     if (request.name != "Provision") {
         return {provisionStatus(2), "a document that is not Provision"};
     }
-    if (const auto* const report = wipeReportIn(request)) {
-        device_.wipeReport = report->text == "1" ? 1 : 2;
-        device_.key.clear();
-        return {provisionStatus(1), "reports a wipe with " + std::to_string(*device_.wipeReport)};
+    for (const auto order : {WipeOrder::Device, WipeOrder::Account}) {
+        if (const auto* const report = reportIn(request, order)) {
+            device_.wipeReport = report->text == "1" ? 1 : 2;
+            device_.key.clear();
+            return {provisionStatus(1),
+                    "reports a wipe of " + wipedPart(order) + " with " + std::to_string(*device_.wipeReport)};
+        }
     }
     const auto* const policy = request.at({"Policies", "Policy"});
     const auto* const type = policy != nullptr ? policy->child("PolicyType") : nullptr;
@@ -78,7 +85,7 @@ Answer ProvisionExchange::firstPhase(const WbxmlElement& request, const std::str
     if (device_.wipe != WipeOrder::None) {
         return {policyReply({provisionElement("PolicyType", type), status(1)},
                             {provisionElement(wipeElement(device_.wipe))}),
-                "is ordered to wipe"};
+                "is ordered to wipe " + wipedPart(device_.wipe)};
     }
     if (!policy_) {
         return {policyReply({provisionElement("PolicyType", type), status(2)}), "is told that there is no policy"};

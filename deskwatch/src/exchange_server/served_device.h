@@ -44,6 +44,9 @@ private:
     unsigned int& nextKey_;
 };
 
+/// What an order has wiped, in words: the watch or the account.
+std::string wipedPart(WipeOrder order);
+
 /// A reply to Provision that only says a Status.
 WbxmlElement provisionStatus(int number);
 

@@ -86,6 +86,9 @@ ServedPolicies::ServedPolicies(const std::vector<std::string>& policies) {
         const auto equals = policy.find('=');
         const bool hasUser = equals != std::string::npos;
         const auto file = hasUser ? policy.substr(equals + 1) : policy;
+        if (file.empty()) {
+            throw std::runtime_error(policy + " names no file");
+        }
         readDocument(file);
         const auto user = hasUser ? policy.substr(0, equals) : "";
         if (!files_.emplace(user, file).second) {

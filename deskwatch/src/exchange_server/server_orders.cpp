@@ -31,9 +31,9 @@ constexpr OrderRow orderRows[] = {
     {"http", "answer the next request with this HTTP status", Needs::HttpStatus, true},
     {"status", "answer the next request with this Status", Needs::Number, true},
     {"policy-status", "answer the next request for a policy with this Status of it", Needs::Number, true},
-    {"busy", "answer the next request with 503 and this number of seconds to wait", Needs::Number, true},
+    {"busy", "answer the next request with 503 and this number of seconds below 1000 to wait", Needs::Number, true},
     {"redirect", "answer the next request with 451 and this URL", Needs::Text, true},
-    {"slow", "answer the next request after this number of seconds", Needs::Number, true},
+    {"slow", "answer the next request after this number of seconds, below 1000", Needs::Number, true},
     {"cut", "break off in the middle of the next answer", Needs::Nothing, true},
     {"broken", "spoil the WBXML of the next answer", Needs::Nothing, true},
 };
