@@ -57,8 +57,9 @@ void addCompareCommand(CLI::App& program) {
     command->add_option("FIRST", options->first, "A" + formats)->required();
     command->add_option("SECOND", options->second, "Another" + formats)->required();
     command
-        ->add_option("--policy", options->policies,
-                     "Which policy of a file that has several; given twice, the second one is for SECOND")
+        ->add_option(
+            "--policy", options->policies,
+            "Which policy of a file that has several: in both files, or when given twice, in FIRST and in SECOND")
         ->check(checkNotEmpty, "")
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)

@@ -92,6 +92,8 @@ void addBusCommand(CLI::App& program, const CommonOptions& common) {
     command->add_option("VALUE", options->value, "The field's value")->check(checkNumber, "");
     command->footer(
         "Starts the service when it does not run; prints what the method returns.\n"
+        "A field's method stores a policy of the account 999, in the place of the last one, in which this field alone\n"
+        "is set; removeAccount deletes it.\n"
         "usingFile makes the service read its policy from /opt/usr/media/policy.json; fails with 3 when the\n"
         "service does not take it.\n"
         "Example:\n  deskwatch bus allowWifi 0");

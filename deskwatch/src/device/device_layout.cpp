@@ -70,6 +70,14 @@ void refuseLongFolder(const fs::path& folder) {
     }
 }
 
+void makeFolder(const fs::path& folder) {
+    std::error_code error;
+    fs::create_directories(folder, error);
+    if (error) {
+        throw std::runtime_error("cannot make the folder " + folder.string() + ": " + error.message());
+    }
+}
+
 /// Whoever boots a watch is the only one who may reach its bus.
 void makePrivateFolder(const fs::path& folder) {
     mkdir(folder.c_str(), S_IRWXU);
@@ -141,13 +149,13 @@ void DeviceLayout::makeFolders() const {
     refuseLongFolder(folder_);
     refuseInnerFolder(folder_);
     refuseFile(folder_);
-    fs::create_directories(folder_);
+    makeFolder(folder_);
     refuseForeignFolder(folder_);
     if (socket().parent_path() != folder_) {
         makePrivateFolder(socket().parent_path());
     }
     for (const auto& made : {services(), config(), run(), folder_ / "apps", internalStorage(), externalStorage()}) {
-        fs::create_directories(made);
+        makeFolder(made);
     }
     // The settings service shares memory through this folder and wants it for its user alone.
     fs::permissions(run(), fs::perms::owner_all);
