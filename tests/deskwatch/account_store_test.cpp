@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 
+#include "device/application_ids.h"
 #include "process_limit.h"
 #include "temporary_folder.h"
 
@@ -35,9 +37,14 @@ class TheAccountStore : public testing::Test {
 protected:
     const AccountStore& store() const { return store_; }
 
+    std::filesystem::path file(const std::string& name) const {
+        return layout_.applicationData(ids::mail) / "accounts" / name;
+    }
+
 private:
     TemporaryFolder folder_;
-    AccountStore store_{DeviceLayout(folder_.path())};
+    DeviceLayout layout_{folder_.path()};
+    AccountStore store_{layout_};
 };
 
 TEST_F(TheAccountStore, AccountIsReadAsItWasWritten) {
@@ -67,6 +74,20 @@ TEST_F(TheAccountStore, FullDiskKeepsTheOldState) {
     EXPECT_EQ(accountJson(store().read(2)), accountJson(fullAccount()));
     store().write(changed);
     EXPECT_EQ(store().read(2).message, changed.message);
+}
+
+TEST_F(TheAccountStore, OnlyItsOwnerReadsIt) {
+    store().write(fullAccount());
+    EXPECT_EQ(std::filesystem::status(file("2.json")).permissions(), std::filesystem::perms(0600));
+}
+
+TEST_F(TheAccountStore, FolderInThePlaceOfAFileIsAnError) {
+    for (const auto* const name : {"2.json", "2.lock"}) {
+        std::filesystem::create_directories(file(name) / "inner");
+    }
+    EXPECT_THROW(store().write(fullAccount()), std::runtime_error);
+    EXPECT_THROW(store().remove(2), std::runtime_error);
+    EXPECT_THROW(store().lock(2), std::runtime_error);
 }
 
 TEST_F(TheAccountStore, SecondHandshakeOfAnAccountIsKeptOut) {

@@ -66,10 +66,9 @@ TEST_F(ExchangeCommands, TwoAccountsFromTheFirstPolicyToTheWipe) {
         EXPECT_EQ(bob.nextLine(), "bob@bank.example: acknowledged with 1, the policy is applied");
         EXPECT_EQ(bob.waitForEnd(), 0);
     }
-    EXPECT_EQ(run({"mail", "refresh"}),
-              "alice@127.0.0.1: the server still waits for the report on its last policy\n"
-              "alice@127.0.0.1: acknowledged with 1, the policy is applied\n"
-              "bob@bank.example: nothing has changed\n");
+    EXPECT_EQ(run({"mail", "refresh"}), "alice@127.0.0.1: the server still waits for the report on its last policy\n"
+                                        "alice@127.0.0.1: acknowledged with 1, the policy is applied\n"
+                                        "bob@bank.example: nothing has changed\n");
 
     demandLength("bob", 8);
     {
@@ -110,7 +109,8 @@ TEST_F(ExchangeCommands, WatchOrCommandThatEndsWhileTheWearerIsAskedLosesNothing
     for (const auto& end : ends) {
         RunningProgram waiting(&end == ends ? first : later);
         waiting.awaitLine([&](const std::string& line) {
-            return line.find(&end == ends ? "account 1 (bob@127.0.0.1): stored" : "goes on with") != std::string::npos;
+            return line.find(&end == ends ? "account 1 (bob@127.0.0.1): stored" : "the server still waits") !=
+                   std::string::npos;
         });
         EXPECT_EQ(refresh("1").errors,
                   "deskwatch: mail refresh: another command is at account 1; two handshakes of one "
@@ -173,7 +173,8 @@ TEST_F(ExchangeCommands, PasswordIsNowhereOnTheWatch) {
     EXPECT_EQ(std::system(("grep -rq 'not for the disk' " + folder).c_str()), 256) << "grep found it";
     unsetenv("DESKWATCH_PASSWORD");
     const auto file = write("password", "another\r\nsecond line\n");
-    EXPECT_EQ(run({"mail", "refresh", "--no-wait", "--password-file", file.string()}).find("bob@127.0.0.1: goes on"),
+    EXPECT_EQ(run({"mail", "refresh", "--no-wait", "--password-file", file.string()})
+                  .find("bob@127.0.0.1: the server still waits"),
               0U);
     const auto missing = deskwatchProgram({"mail", "refresh", "--password-file", "/no/such/file"});
     EXPECT_EQ(missing.errors, "deskwatch: mail refresh: cannot read a password from /no/such/file\n");

@@ -195,6 +195,15 @@ TEST(Findings, RulesOfAPasswordThatNobodyDemandsAreNotMissed) {
     EXPECT_EQ(findingsText(findingsOf(watch)), "the watch is as strict as its accounts want\n");
 }
 
+TEST(Findings, EncryptionIsMissedWithoutAPasswordToo) {
+    auto watch = enforced({accountWith(1, {{"require_device_encryption", 1}})});
+    watch.cryptoState = "unencrypted";
+    hold(watch, "internal_storage_encryption", 0);
+
+    EXPECT_NE(findingsText(findingsOf(watch)).find("account 1 wants internal_storage_encryption 1, the device holds 0"),
+              std::string::npos);
+}
+
 /// A value that a server may send.
 int legalValue(const std::string& column, std::minstd_rand& random) {
     const int most = column == "min_device_password_length"                ? 16

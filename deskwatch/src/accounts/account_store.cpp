@@ -10,6 +10,7 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "c_owners.h"
 #include "device/application_ids.h"
 #include "device/plain_text.h"
 
@@ -17,28 +18,6 @@ namespace deskwatch {
 namespace {
 
 namespace fs = std::filesystem;
-
-[[noreturn]] void fail(const std::string& what, const fs::path& file) {
-    throw std::runtime_error("cannot " + what + " " + file.string() + ": " + std::strerror(errno));
-}
-
-/// Writes a file that only its owner reads, to the disk.
-void writeDurably(const fs::path& file, const std::string& text) {
-    const FileDescriptor descriptor(open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
-    if (!descriptor.isOpen()) {
-        fail("write", file);
-    }
-    for (std::size_t written = 0; written < text.size();) {
-        const auto count = ::write(descriptor.get(), text.data() + written, text.size() - written);
-        if (count < 0 && errno != EINTR) {
-            fail("write", file);
-        }
-        written += count > 0 ? static_cast<std::size_t>(count) : 0;
-    }
-    if (fsync(descriptor.get()) != 0) {
-        fail("write", file);
-    }
-}
 
 } // namespace
 
@@ -72,18 +51,17 @@ MailAccount AccountStore::read(int id) const {
 }
 
 void AccountStore::write(const MailAccount& account) const {
-    std::error_code error;
-    fs::create_directories(folder_, error);
+    std::error_code ignored;
+    fs::create_directories(folder_, ignored);
     const auto file = fileOf(account.id);
-    const auto aside = folder_ / (std::to_string(account.id) + ".new");
-    try {
-        writeDurably(aside, accountJson(account));
-    } catch (const std::runtime_error&) {
-        fs::remove(aside, error);
-        throw;
-    }
-    if (std::rename(aside.c_str(), file.c_str()) != 0) {
-        fail("write", file);
+    const auto text = accountJson(account);
+    constexpr auto toTheDisk =
+        static_cast<GFileSetContentsFlags>(G_FILE_SET_CONTENTS_CONSISTENT | G_FILE_SET_CONTENTS_DURABLE);
+    constexpr int ownerReads = 0600;
+    GError* error = nullptr;
+    if (g_file_set_contents_full(file.c_str(), text.data(), static_cast<gssize>(text.size()), toTheDisk, ownerReads,
+                                 &error) == FALSE) {
+        throw std::runtime_error("cannot write " + file.string() + ": " + c::takeMessage(error));
     }
 }
 
@@ -100,7 +78,7 @@ FileDescriptor AccountStore::lock(int id) const {
     const auto file = folder_ / (std::to_string(id) + ".lock");
     FileDescriptor descriptor(open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
     if (!descriptor.isOpen()) {
-        fail("open", file);
+        throw std::runtime_error("cannot open " + file.string() + ": " + std::strerror(errno));
     }
     if (flock(descriptor.get(), LOCK_EX | LOCK_NB) != 0) {
         throw std::runtime_error("another command is at account " + std::to_string(id) +

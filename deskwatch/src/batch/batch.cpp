@@ -69,8 +69,8 @@ public:
     using Ended = std::function<void(Worker& worker, BatchResult result)>;
 
     Worker(std::string file, const BatchOptions& options, fs::path folder, Ended ended)
-        : limit_(options.limit), folder_(std::move(folder)),
-          ended_(std::move(ended)), result_{std::move(file), 0, "", false} {
+        : limit_(options.limit), folder_(std::move(folder)), ended_(std::move(ended)) {
+        result_.file = std::move(file);
         fs::create_directory(folder_);
         std::vector<const char*> arguments;
         for (const auto& word : options.command) {
