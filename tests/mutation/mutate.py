@@ -35,7 +35,7 @@ class Area(NamedTuple):
 AREAS = (
     Area("consumer/src", ["unit-tests"], 1000, 95),
     Area("platform/src", ["host-contract-test", "host-test"], 1000, 90),
-    Area("deskwatch/src", ["deskwatch-device-test", "deskwatch-test"], 150, 90),
+    Area("deskwatch/src", ["deskwatch-device-test", "deskwatch-test"], 200, 90),
 )
 GIGABYTE = 1 << 30
 SURVIVES = (Answer.UNNOTICED, Answer.UNREACHED)

@@ -23,6 +23,8 @@ VARIABLES = {CursorKind.VAR_DECL, CursorKind.FIELD_DECL}
 WRAPPERS = {CursorKind.UNEXPOSED_EXPR, CursorKind.PAREN_EXPR}
 # Functions with a text for whoever reads what went wrong or asks for help, and which argument it is: no test is to repeat it.
 REPORTS = {"report": 0, "reportException": 0, "guarded": 0, "add_subcommand": 1, "add_option": 2, "add_flag": 2}
+# Functions that throw their texts.
+THROWERS = {"fail", "failToWrite", "refuse", "expectSuccess"}
 # What never runs; and what an exception says, which is for a reader to judge.
 NEVER_CHANGED = {CursorKind.STATIC_ASSERT, CursorKind.ENUM_DECL, CursorKind.PARM_DECL, CursorKind.MACRO_DEFINITION,
                  CursorKind.CXX_THROW_EXPR}
@@ -82,6 +84,17 @@ def peeled(cursor: Cursor) -> Cursor:
     return cursor
 
 
+def end_of_switch(switch: Cursor) -> Cursor:
+    """The last statement of its last case, after which a break leaves only what ends anyway."""
+    last = list(switch.get_children())[-1]
+    while last.kind in (CursorKind.COMPOUND_STMT, CursorKind.CASE_STMT, CursorKind.DEFAULT_STMT):
+        inner = list(last.get_children())
+        if not inner:
+            break
+        last = inner[-1]
+    return last
+
+
 def canonical(type_: Type) -> TypeKind:
     return type_.get_canonical().kind
 
@@ -104,6 +117,7 @@ class Finder:
         self.source = source
         self.needed_by_compiler: set[Spot] = set()
         self.reported: set[int] = set()  # where such texts are
+        self.without_effect: set[int] = set()  # where statements are whose removal changes nothing
         self.function = ""
         self.result: Type | None = None
         self.macros = [(cursor.extent.start.offset, cursor.extent.end.offset) for cursor in declarations
@@ -141,9 +155,8 @@ class Finder:
     def visit(self, cursor: Cursor) -> None:
         if cursor.kind in NEVER_CHANGED or self.in_macro(cursor) or spot_of(cursor.location)[0] != self.source.path:
             return  # or a header that is included within a declaration
-        if cursor.kind == CursorKind.CALL_EXPR and cursor.spelling in REPORTS:
-            for text in list(cursor.get_arguments())[REPORTS[cursor.spelling]:][:1]:
-                self.reported.update(inner.extent.start.offset for inner in text.walk_preorder())
+        if cursor.kind == CursorKind.CALL_EXPR:
+            self.note_report(cursor)
         if cursor.kind in FUNCTIONS:
             self.visit_function(cursor)
         elif cursor.kind in VARIABLES:
@@ -156,8 +169,19 @@ class Finder:
             self.note(cursor)
             self.visit_children(cursor)
 
+    def note_report(self, call: Cursor) -> None:
+        texts = list(call.get_arguments())
+        if call.spelling in REPORTS:
+            texts = texts[REPORTS[call.spelling]:][:1]
+        elif call.spelling not in THROWERS:
+            texts = []
+        for text in texts:
+            self.reported.update(inner.extent.start.offset for inner in text.walk_preorder())
+
     def visit_children(self, cursor: Cursor) -> None:
         is_block = cursor.kind == CursorKind.COMPOUND_STMT
+        if cursor.kind == CursorKind.SWITCH_STMT:
+            self.without_effect.add(end_of_switch(cursor).extent.start.offset)
         compiler_needs_first = cursor.kind == CursorKind.CASE_STMT or self.is_decided_by_compiler(cursor)
         for index, child in enumerate(cursor.get_children()):
             if compiler_needs_first and index == 0:
@@ -210,8 +234,12 @@ class Finder:
     # statements
 
     def note_removal(self, cursor: Cursor) -> None:
-        """A statement for its effect alone is left out."""
+        """A statement for its effect alone is left out. Memory that is reserved beforehand has none that can be seen."""
+        if cursor.kind == CursorKind.CALL_EXPR and cursor.spelling == "reserve":
+            return
         ends_function = cursor.kind == CursorKind.RETURN_STMT and not list(cursor.get_children())
+        if cursor.kind == CursorKind.BREAK_STMT and cursor.extent.start.offset in self.without_effect:
+            return
         if cursor.kind.is_expression() or cursor.kind in JUMPS or ends_function or self.in_macro(cursor):
             self.put_before(cursor, Change("removed statement", self.text_of(cursor), "(removed)", "if (!{}) "))
 

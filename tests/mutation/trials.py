@@ -51,6 +51,7 @@ class Trials:
         self.patience = 1  # how many times its time a test is given
         self.seconds: dict[Test, float] = defaultdict(float)
         self.noticed_by: dict[str, Counter[Test]] = defaultdict(Counter)  # how often which test, by source
+        self.noticed: Counter[Test] = Counter()  # the same of all sources
         self.numbers: dict[str, set[int]] = defaultdict(set)  # of the changes, by source
         for mutant in mutants:
             self.numbers[mutant.source].add(mutant.number)
@@ -88,16 +89,17 @@ class Trials:
 
     def likeliest(self, mutant: Mutant) -> list[Test]:
         """The tests that come by the change: those that noticed most other changes in the source, and then by turns one
-        that is about it and one of those that come by most of all, as whole sessions do. A test is about a source when
-        their names share words, or when the greatest share of what it comes by is in there."""
+        that is about it and one of those that noticed most of all, or come by most, as whole sessions do. A test is about a
+        source when their names share words, or when the greatest share of what it comes by is in there."""
         successes, numbers, words = self.noticed_by[mutant.source], self.numbers[mutant.source], words_in(mutant.source)
+        all_successes = self.noticed.copy()  # others count meanwhile
 
         def nearness(test: Test) -> tuple[int, int, float]:
             reached = self.reached[test]
             return successes[test], len(words & words_in(test[1])), len(reached & numbers) / len(reached)
 
-        def width(test: Test) -> tuple[int, int]:
-            return successes[test], len(self.reached[test])
+        def width(test: Test) -> tuple[int, int, int]:
+            return successes[test], all_successes[test], len(self.reached[test])
 
         candidates = [test for test in self.tests if mutant.number in self.reached[test]]
         by_turns = chain.from_iterable(zip(sorted(candidates, key=nearness, reverse=True),
@@ -113,6 +115,7 @@ class Trials:
             except subprocess.TimeoutExpired:
                 return Answer.ENDLESS
             self.noticed_by[mutant.source][test] += 1
+            self.noticed[test] += 1
             return Answer.NOTICED
         return Answer.UNNOTICED if asked else Answer.UNREACHED
 
