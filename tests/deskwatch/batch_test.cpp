@@ -129,6 +129,23 @@ TEST_F(Batches, WorkerThatHangsOrIsKilledFailsItsRecordingAlone) {
     EXPECT_EQ(leftovers(), 0U);
 }
 
+TEST(BatchReports, JunitHoldsNoCharacterThatXmlDoesNotHave) {
+    const BatchReport report{{}, 1, 0.5, {{"a.jsonl", 0.5, "a\x01\x1f\tb\n\xff<", false}}};
+
+    EXPECT_NE(batchJunit(report).find("a??\tb\n\xEF\xBF\xBD&lt;"), std::string::npos) << batchJunit(report);
+}
+
+TEST(BatchReports, RecordingIsUpdatedOnlyWhereTheReportSaysSo) {
+    const auto isUpdated = [](const std::string& member) {
+        const auto text = R"({"shard": 1, "shards": 1, "total": 1, "seconds": 1,
+            "recordings": [{"file": "a.jsonl", "seconds": 1, "failure": null)" +
+                          member + "}]}";
+        return parseBatchJson(text, "report.json").results.at(0).isUpdated;
+    };
+    EXPECT_FALSE(isUpdated(""));
+    EXPECT_TRUE(isUpdated(R"(, "updated": true)"));
+}
+
 TEST_F(Batches, InterruptLeavesNothing) {
     const auto folder = recordings(30);
     const std::string service = fs::path(DESKWATCH_PROGRAM).replace_filename("tesk-agent");

@@ -53,6 +53,29 @@ TEST(RequestOutcome, WhatNeitherStoreNorLogShowIsNotClaimed) {
     EXPECT_FALSE(outcomeOf({requests::checkPassword, ""}, silent).isDone());
 }
 
+TEST(RequestOutcome, TextThatTheLogDoesNotJudgeIsNotClaimed) {
+    const auto outcome = outcomeOf(requests::policyUpdate("no message"), {Accounts{}, Accounts{}, {}});
+
+    EXPECT_EQ(outcome.notDone(),
+              Lines{"sent, and what became of it is unknown: it cannot be told what the service makes of this text"});
+}
+
+TEST(RequestOutcome, StoreThatCannotBeReadShowsNoDeletion) {
+    for (const auto& traces :
+         {RequestTraces{std::nullopt, Accounts{}, {}}, RequestTraces{Accounts{}, std::nullopt, {}}}) {
+        EXPECT_EQ(outcomeOf(requests::accountDeletion(1), traces).notDone(),
+                  Lines{"account 1: sent, and what became of it is unknown: the store cannot be read"});
+    }
+}
+
+TEST(RequestOutcome, OnlyTheMessageOfThatKindInAnUpdateIsAWipe) {
+    const auto wipe = requests::remoteWipe();
+    EXPECT_TRUE(isWipe(wipe));
+    EXPECT_FALSE(isWipe({requests::deleteAccount, wipe.argument}));
+    EXPECT_FALSE(isWipe({wipe.name, "{}"}));
+    EXPECT_FALSE(isWipe(twoAccounts));
+}
+
 TEST(RequestOutcome, RepetitionIsToldAfterWhatWasDone) {
     RequestOutcome outcome = outcomeOf(requests::accountDeletion(1), {Accounts{row(1, "a")}, Accounts{}, {}});
     outcome.repetitions = 2;
