@@ -28,6 +28,13 @@ TEST(Timer, CallsOnceAndThenRunsNoLonger) {
     EXPECT_FALSE(timer.isRunning());
 }
 
+TEST(Timer, TimeThatIsLongerThanGlibCountsIsNotCutShort) {
+    Timer timer;
+    timer.start(std::chrono::milliseconds(1LL << 32) + 1ms, [] {});
+    letPass(20ms);
+    EXPECT_TRUE(timer.isRunning());
+}
+
 TEST(Timer, ForgetsWhatItWasStartedForBefore) {
     int first = 0;
     int second = 0;

@@ -2,18 +2,20 @@
 
 #include <utility>
 
+#include "device/patience.h"
+
 namespace deskwatch {
 
 void Timer::start(std::chrono::milliseconds delay, std::function<void()> act) {
     stop();
     act_ = std::move(act);
-    source_ = g_timeout_add(static_cast<guint>(delay.count()), onTime, this);
+    source_ = g_timeout_add(static_cast<guint>(inMilliseconds(delay)), onTime, this);
 }
 
 void Timer::repeat(std::chrono::milliseconds period, std::function<void()> act) {
     stop();
     act_ = std::move(act);
-    source_ = g_timeout_add(static_cast<guint>(period.count()), onPeriod, this);
+    source_ = g_timeout_add(static_cast<guint>(inMilliseconds(period)), onPeriod, this);
 }
 
 void Timer::stop() {
